@@ -1,0 +1,19 @@
+# Warnings, sanitizers and Qt defines that every target of this project shares.
+
+set(OCELA_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undefined or thread")
+
+add_library(ocela_options INTERFACE)
+target_include_directories(ocela_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
+target_compile_options(ocela_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+target_compile_definitions(ocela_options INTERFACE
+  QT_NO_KEYWORDS
+  QT_NO_FOREACH
+  QT_NO_URL_CAST_FROM_STRING
+  QT_DEPRECATED_WARNINGS
+  QT_DISABLE_DEPRECATED_BEFORE=0x050F00)
+
+if(OCELA_SANITIZE)
+  target_compile_options(ocela_options INTERFACE
+    -fsanitize=${OCELA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(ocela_options INTERFACE -fsanitize=${OCELA_SANITIZE})
+endif()

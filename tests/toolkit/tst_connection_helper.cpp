@@ -1,0 +1,44 @@
+#include <QTest>
+#include <QTimer>
+
+#include "support/test_main.h"
+#include "toolkit/connection_helper.h"
+
+class TestConnectionHelper : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void severs_all_connections_together();
+    void severs_them_when_it_goes();
+};
+
+void TestConnectionHelper::severs_all_connections_together() {
+    QObject first, second;
+    int calls = 0;
+    ConnectionHelper connections;
+    connections << connect(&first, &QObject::objectNameChanged, this, [&] { ++calls; })
+                << connect(&second, &QObject::objectNameChanged, this, [&] { ++calls; });
+
+    first.setObjectName("a");
+    second.setObjectName("b");
+    QCOMPARE(calls, 2);
+
+    connections.clear();
+    first.setObjectName("c");
+    second.setObjectName("d");
+    QCOMPARE(calls, 2);
+}
+
+void TestConnectionHelper::severs_them_when_it_goes() {
+    QObject sender;
+    int calls = 0;
+    {
+        ConnectionHelper connections;
+        connections << connect(&sender, &QObject::objectNameChanged, this, [&] { ++calls; });
+    }
+    sender.setObjectName("a");
+    QCOMPARE(calls, 0);
+}
+
+OCELA_TEST(TestConnectionHelper)
+#include "tst_connection_helper.moc"
