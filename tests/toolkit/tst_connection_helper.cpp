@@ -1,8 +1,8 @@
-#include <QTest>
-#include <QTimer>
-
 #include "support/test_main.h"
 #include "toolkit/connection_helper.h"
+
+#include <QTest>
+#include <QTimer>
 
 class TestConnectionHelper : public QObject {
     Q_OBJECT
