@@ -1,0 +1,26 @@
+#include "toolkit/app_helper.h"
+#include "toolkit/toolkit_log.h"
+
+#include <windows.h>
+
+// Needs the types of windows.h.
+#include <tlhelp32.h>
+
+QStringList AppHelper::getRunningApps() {
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+    if (snapshot == INVALID_HANDLE_VALUE) {
+        qCWarning(lcToolkit).noquote() << "Cannot list the running processes:" << qt_error_string();
+        return {};
+    }
+    QStringList names;
+    PROCESSENTRY32W entry = {};
+    entry.dwSize = sizeof(entry);
+    for (BOOL more = Process32FirstW(snapshot, &entry); more; more = Process32NextW(snapshot, &entry))
+        names << QString::fromWCharArray(entry.szExeFile);
+    CloseHandle(snapshot);
+    return names;
+}
+
+QString AppHelper::executableName(const QString &base) {
+    return base + ".exe";
+}

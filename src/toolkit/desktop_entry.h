@@ -1,0 +1,8 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+/// The text of a desktop entry (freedesktop.org, version 1.5) that starts the executable `program`, given
+/// with its full path, in its own folder. Any character of the path is quoted as that format asks.
+QByteArray desktopEntry(const QString &program);

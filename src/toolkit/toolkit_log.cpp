@@ -1,0 +1,3 @@
+#include "toolkit/toolkit_log.h"
+
+Q_LOGGING_CATEGORY(lcToolkit, "ocela.toolkit")

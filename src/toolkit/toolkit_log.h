@@ -1,0 +1,6 @@
+#pragma once
+
+#include <QLoggingCategory>
+
+/// Log lines of the toolkit's helpers: "ocela.toolkit".
+Q_DECLARE_LOGGING_CATEGORY(lcToolkit)

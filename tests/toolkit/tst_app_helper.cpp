@@ -1,0 +1,114 @@
+#include "support/test_main.h"
+#include "toolkit/app_helper.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+namespace {
+
+int count(const QString &name) {
+    return static_cast<int>(AppHelper::getRunningApps().count(name));
+}
+
+/// A running program under a name of our choice; ends with the object.
+class NamedProgram {
+public:
+    explicit NamedProgram(const QString &name) : file_(dir_.filePath(name)) {
+        QFile::copy("/bin/sleep", file_);
+        process_.start(file_, {"600"});
+        process_.waitForStarted();
+    }
+    ~NamedProgram() { end(); }
+    NamedProgram(const NamedProgram &) = delete;
+    NamedProgram &operator=(const NamedProgram &) = delete;
+
+    QString file() const { return file_; }
+    void end() {
+        process_.kill();
+        process_.waitForFinished();
+    }
+
+private:
+    QTemporaryDir dir_;
+    QString file_;
+    QProcess process_;
+};
+
+}  // namespace
+
+class TestAppHelper : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void lists_this_process();
+    void lists_each_process_by_its_file_name();
+    void knows_a_program_whose_file_was_replaced();
+    void does_not_list_a_zombie();
+    void shows_a_message_box_and_waits();
+};
+
+void TestAppHelper::lists_this_process() {
+    QCOMPARE(count(QFileInfo(QCoreApplication::applicationFilePath()).fileName()), 1);
+}
+
+void TestAppHelper::lists_each_process_by_its_file_name() {
+    // Longer than the 15 bytes the kernel keeps, with what a careless parser stumbles over.
+    const QString name = "Tracker (test) program.EXE";
+    NamedProgram first(name), second(name);
+    QTRY_COMPARE(count(name), 2);
+    first.end();
+    QCOMPARE(count(name), 1);
+}
+
+void TestAppHelper::knows_a_program_whose_file_was_replaced() {
+    const NamedProgram program("ReplacedTracker");
+    QTRY_COMPARE(count("ReplacedTracker"), 1);
+    QVERIFY(QFile::remove(program.file()));
+    QCOMPARE(count("ReplacedTracker"), 1);
+}
+
+void TestAppHelper::does_not_list_a_zombie() {
+    QTemporaryDir dir;
+    const QString file = dir.filePath("EndedTracker");
+    QVERIFY(QFile::copy("/bin/true", file));
+    // The shell becomes a program that never collects the child it had.
+    QProcess parent;
+    parent.start("sh", {"-c", "\"$0\" & echo $!; exec sleep 600", file});
+    QVERIFY(parent.waitForReadyRead());
+    QFile stat("/proc/" + QString::fromUtf8(parent.readLine().trimmed()) + "/stat");
+    const auto isZombie = [&] {
+        const bool open = stat.open(QIODevice::ReadOnly);
+        const QByteArray text = stat.readAll();
+        stat.close();
+        return open && text.contains("(EndedTracker) Z");
+    };
+    QTRY_VERIFY(isZombie());
+    QCOMPARE(count("EndedTracker"), 0);
+    parent.kill();
+    QVERIFY(parent.waitForFinished());
+}
+
+void TestAppHelper::shows_a_message_box_and_waits() {
+    QString text, title;
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    QTimer::singleShot(0, this, [&] {
+        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        QVERIFY(box);
+        text = box->text();
+        title = box->windowTitle();
+        icon = box->icon();
+        box->accept();
+    });
+    AppHelper::warningMessage("code: 7", "others error!!!", QMessageBox::Warning);
+    QCOMPARE(text, QString("code: 7"));
+    QCOMPARE(title, QString("others error!!!"));
+    QCOMPARE(icon, QMessageBox::Warning);
+}
+
+OCELA_TEST(TestAppHelper)
+#include "tst_app_helper.moc"

@@ -1,0 +1,129 @@
+#include "support/test_main.h"
+#include "toolkit/file_utilities.h"
+
+#include <QDir>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+
+class TestFileUtilities : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void ends_a_folder_with_a_slash_data();
+    void ends_a_folder_with_a_slash();
+    void creates_a_folder_with_its_parents();
+    void says_why_it_cannot_create();
+    void empties_a_folder();
+    void removes_the_folder_itself_on_request();
+    void does_not_follow_links_out_of_the_folder();
+    void removes_a_link_to_the_folder_but_not_its_target();
+    void says_why_it_cannot_clear();
+
+private:
+    QString path(const QString &name) const { return dir_->filePath(name); }
+    static void write(const QString &file);
+
+    std::unique_ptr<QTemporaryDir> dir_;
+};
+
+void TestFileUtilities::init() {
+    dir_ = std::make_unique<QTemporaryDir>();
+}
+
+void TestFileUtilities::cleanup() {
+    dir_.reset();
+}
+
+void TestFileUtilities::write(const QString &file) {
+    QDir().mkpath(QFileInfo(file).path());
+    QFile out(file);
+    QVERIFY(out.open(QIODevice::WriteOnly));
+}
+
+void TestFileUtilities::ends_a_folder_with_a_slash_data() {
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<QString>("result");
+    QTest::newRow("no slash") << "/data/ocela"
+                              << "/data/ocela/";
+    QTest::newRow("a slash already") << "/data/ocela/"
+                                     << "/data/ocela/";
+    QTest::newRow("root") << "/"
+                          << "/";
+    QTest::newRow("an empty name does not become the root") << ""
+                                                            << "";
+}
+
+void TestFileUtilities::ends_a_folder_with_a_slash() {
+    QFETCH(QString, folder);
+    QTEST(FileUtilities::FolderSlash(folder), "result");
+}
+
+void TestFileUtilities::creates_a_folder_with_its_parents() {
+    QVERIFY(FileUtilities::createIfNotExists(path("a/b/c/")));
+    QVERIFY(QFileInfo(path("a/b/c")).isDir());
+    QVERIFY2(FileUtilities::createIfNotExists(path("a/b/c")), "one that exists is a success");
+}
+
+void TestFileUtilities::says_why_it_cannot_create() {
+    write(path("file"));
+    const QString pattern = QRegularExpression::escape(path("file/folder")) + ": Not a directory";
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(pattern));
+    QVERIFY(!FileUtilities::createIfNotExists(path("file/folder")));
+
+    QTest::ignoreMessage(QtWarningMsg, "Cannot create a folder: its name is empty");
+    QVERIFY(!FileUtilities::createIfNotExists(""));
+}
+
+void TestFileUtilities::empties_a_folder() {
+    write(path("sdk/model.bin"));
+    write(path("sdk/.hidden"));
+    write(path("sdk/deep/er/file"));
+    QVERIFY(FileUtilities::clearFolder(path("sdk"), false));
+    QVERIFY(QFileInfo(path("sdk")).isDir());
+    QVERIFY(QDir(path("sdk")).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot));
+    QVERIFY2(FileUtilities::clearFolder(path("no such folder"), false), "what is not there is empty");
+}
+
+void TestFileUtilities::removes_the_folder_itself_on_request() {
+    write(path("sdk/deep/file"));
+    write(path("other"));
+    QVERIFY(FileUtilities::clearFolder(path("sdk/"), true));
+    QVERIFY(!QFileInfo::exists(path("sdk")));
+    QVERIFY(QFileInfo::exists(path("other")));
+}
+
+void TestFileUtilities::does_not_follow_links_out_of_the_folder() {
+    write(path("outside/precious"));
+    write(path("sdk/file"));
+    QVERIFY(QFile::link(path("outside"), path("sdk/link to folder")));
+    QVERIFY(QFile::link(path("outside/precious"), path("sdk/link to file")));
+    QVERIFY(QFile::link(path("nowhere"), path("sdk/broken link")));
+    QVERIFY(FileUtilities::clearFolder(path("sdk"), true));
+    QVERIFY(!QFileInfo::exists(path("sdk")));
+    QVERIFY(QFileInfo::exists(path("outside/precious")));
+}
+
+void TestFileUtilities::removes_a_link_to_the_folder_but_not_its_target() {
+    write(path("target/file"));
+    QVERIFY(QFile::link(path("target"), path("link")));
+    QVERIFY(FileUtilities::clearFolder(path("link/"), true));
+    QVERIFY(!QFileInfo(path("link")).isSymLink());
+    QVERIFY(QFileInfo(path("target")).isDir());
+    QVERIFY(!QFileInfo::exists(path("target/file")));
+}
+
+void TestFileUtilities::says_why_it_cannot_clear() {
+    write(path("file"));
+    QTest::ignoreMessage(QtWarningMsg, qPrintable("Cannot clear " + path("file") + ": it is not a folder"));
+    QVERIFY(!FileUtilities::clearFolder(path("file"), true));
+    QVERIFY(QFileInfo::exists(path("file")));
+
+    QTest::ignoreMessage(QtWarningMsg, "Cannot clear a folder: its name is empty");
+    QVERIFY(!FileUtilities::clearFolder("", false));
+}
+
+OCELA_TEST(TestFileUtilities)
+#include "tst_file_utilities.moc"

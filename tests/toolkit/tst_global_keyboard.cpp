@@ -1,0 +1,79 @@
+#include "support/test_main.h"
+#include "toolkit/global_keyboard.h"
+
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QTest>
+
+/// Without a display the application's own key events are what there is.
+class TestGlobalKeyboard : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void installs_once();
+    void reports_a_press_once_however_many_objects_see_it();
+    void does_not_repeat_a_held_key();
+    void reports_after_the_key_was_handled();
+};
+
+void TestGlobalKeyboard::initTestCase() {
+    GlobalKeyboard::Install();
+}
+
+void TestGlobalKeyboard::installs_once() {
+    GlobalKeyboard *first = GlobalKeyboard::Instance();
+    QVERIFY(first);
+    GlobalKeyboard::Install();
+    QCOMPARE(GlobalKeyboard::Instance(), first);
+}
+
+void TestGlobalKeyboard::reports_a_press_once_however_many_objects_see_it() {
+    QSignalSpy keys(GlobalKeyboard::Instance(), &GlobalKeyboard::keyPressed);
+    QWidget window;
+    auto *frame = new QWidget(&window);
+    auto *inner = new QWidget(frame);
+    window.show();
+    // Nobody accepts the key, so it goes up from the innermost widget to the window.
+    QTest::keyClick(inner, Qt::Key_F10);
+    QTest::keyClick(inner, Qt::Key_F10);
+    QTest::keyClick(&window, Qt::Key_Escape);
+    QTest::keyClick(window.windowHandle(), Qt::Key_F9);  // as the platform delivers it
+    QTRY_COMPARE(keys.size(), 4);
+    QList<Qt::Key> pressed;
+    for (const QList<QVariant> &key : keys)
+        pressed << key.at(0).value<Qt::Key>();
+    QCOMPARE(pressed, QList<Qt::Key>({Qt::Key_F10, Qt::Key_F10, Qt::Key_Escape, Qt::Key_F9}));
+}
+
+void TestGlobalKeyboard::does_not_repeat_a_held_key() {
+    QSignalSpy keys(GlobalKeyboard::Instance(), &GlobalKeyboard::keyPressed);
+    QWidget window;
+    const auto send = [&](QEvent::Type type, bool repeat) {
+        QKeyEvent event(type, Qt::Key_F10, Qt::NoModifier, QString(), repeat);
+        QCoreApplication::sendEvent(&window, &event);
+    };
+    send(QEvent::KeyPress, false);
+    for (int time = 0; time < 3; ++time) {
+        send(QEvent::KeyRelease, true);
+        send(QEvent::KeyPress, true);
+    }
+    send(QEvent::KeyRelease, false);
+    QTest::keyClick(&window, Qt::Key_F9);
+    QTRY_VERIFY(!keys.isEmpty() && keys.last().at(0).value<Qt::Key>() == Qt::Key_F9);
+    QCOMPARE(keys.size(), 2);
+}
+
+void TestGlobalKeyboard::reports_after_the_key_was_handled() {
+    auto *window = new QLineEdit;
+    QString textAtReport;
+    connect(GlobalKeyboard::Instance(), &GlobalKeyboard::keyPressed, window, [&] {
+        textAtReport = window->text();
+        delete window;
+    });
+    QTest::keyClick(window, Qt::Key_A);
+    QTRY_COMPARE(textAtReport, QString("a"));
+}
+
+OCELA_TEST(TestGlobalKeyboard)
+#include "tst_global_keyboard.moc"

@@ -1,0 +1,95 @@
+#include "support/test_main.h"
+#include "toolkit/global_keyboard.h"
+
+#include <QProcess>
+#include <QTest>
+
+/// The real thing on a real X server: no window of ours has the focus, nor is there one.
+class TestGlobalKeyboardX11 : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void names_the_keys_data();
+    void names_the_keys();
+    void tells_keypad_digits_by_num_lock();
+    void names_latin_keys_on_a_cyrillic_layout();
+    void does_not_repeat_a_held_key();
+
+private:
+    static void xdotool(const QStringList &arguments);
+    static QList<Qt::Key> keysOf(const QStringList &arguments);
+};
+
+void TestGlobalKeyboardX11::initTestCase() {
+    GlobalKeyboard::Install();
+    GlobalKeyboard::Install();  // every caller may; the keys must not come twice
+}
+
+void TestGlobalKeyboardX11::xdotool(const QStringList &arguments) {
+    QCOMPARE(QProcess::execute("xdotool", arguments), 0);
+}
+
+/// The keys reported while xdotool does what it is told. F8 follows, so that nothing that comes before it is
+/// missed.
+QList<Qt::Key> TestGlobalKeyboardX11::keysOf(const QStringList &arguments) {
+    QList<Qt::Key> keys;
+    QObject context;
+    connect(GlobalKeyboard::Instance(), &GlobalKeyboard::keyPressed, &context,
+            [&](Qt::Key key) { keys << key; });
+    xdotool(arguments);
+    xdotool({"key", "F8"});
+    if (!QTest::qWaitFor([&] { return keys.contains(Qt::Key_F8); }, 20000))
+        return {};
+    keys.removeLast();
+    return keys;
+}
+
+void TestGlobalKeyboardX11::names_the_keys_data() {
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<Qt::Key>("key");
+    QTest::newRow("F1") << "F1" << Qt::Key_F1;
+    QTest::newRow("F10") << "F10" << Qt::Key_F10;
+    QTest::newRow("a letter") << "q" << Qt::Key_Q;
+    QTest::newRow("a letter with Shift") << "shift+q" << Qt::Key_Q;
+    QTest::newRow("a digit") << "7" << Qt::Key_7;
+    QTest::newRow("Escape") << "Escape" << Qt::Key_Escape;
+    QTest::newRow("space") << "space" << Qt::Key_Space;
+    QTest::newRow("Return") << "Return" << Qt::Key_Return;
+    QTest::newRow("keypad Enter") << "KP_Enter" << Qt::Key_Enter;
+    QTest::newRow("Left") << "Left" << Qt::Key_Left;
+    QTest::newRow("Tab") << "Tab" << Qt::Key_Tab;
+    QTest::newRow("Page Down") << "Next" << Qt::Key_PageDown;
+    QTest::newRow("Delete") << "Delete" << Qt::Key_Delete;
+}
+
+void TestGlobalKeyboardX11::names_the_keys() {
+    QFETCH(QString, name);
+    QFETCH(Qt::Key, key);
+    QCOMPARE(keysOf({"key", name}), QList<Qt::Key>{key});
+}
+
+void TestGlobalKeyboardX11::tells_keypad_digits_by_num_lock() {
+    const QString keypad7 = "79";  // keycode
+    QCOMPARE(keysOf({"key", keypad7}), QList<Qt::Key>{Qt::Key_Home});
+    keysOf({"key", "Num_Lock"});
+    QCOMPARE(keysOf({"key", keypad7}), QList<Qt::Key>{Qt::Key_7});
+    keysOf({"key", "Num_Lock"});
+}
+
+void TestGlobalKeyboardX11::names_latin_keys_on_a_cyrillic_layout() {
+    const QString keyQ = "24";  // keycode
+    QCOMPARE(QProcess::execute("setxkbmap", {"-layout", "ru,us"}), 0);
+    QCOMPARE(keysOf({"key", keyQ}), QList<Qt::Key>{Qt::Key_Q});
+    QCOMPARE(QProcess::execute("setxkbmap", {"-layout", "us"}), 0);
+}
+
+void TestGlobalKeyboardX11::does_not_repeat_a_held_key() {
+    // A further press of a key that is down is what the server makes of a held one.
+    QCOMPARE(keysOf({"keydown", "F10", "keydown", "F10", "keydown", "F10"}), QList<Qt::Key>{Qt::Key_F10});
+    QCOMPARE(keysOf({"keyup", "F10"}), QList<Qt::Key>{});
+    QCOMPARE(keysOf({"key", "F10"}), QList<Qt::Key>{Qt::Key_F10});
+}
+
+OCELA_TEST(TestGlobalKeyboardX11)
+#include "tst_global_keyboard_x11.moc"

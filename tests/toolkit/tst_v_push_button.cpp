@@ -1,0 +1,46 @@
+#include "support/test_main.h"
+#include "toolkit/v_push_button.h"
+
+#include <QPixmap>
+#include <QTest>
+
+class TestVPushButton : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void shows_the_keyboard_focus_also_when_flat();
+    void is_wide_enough_for_icon_and_text();
+};
+
+void TestVPushButton::shows_the_keyboard_focus_also_when_flat() {
+    QWidget window;
+    VPushButton other("Other", &window);
+    VPushButton button("Save", &window);
+    button.setFlat(true);
+    button.setStyleSheet("QPushButton { color: #3C0; font-size: 25px; } QPushButton:hover { color: #6F3; }");
+    other.setGeometry(0, 0, 100, 40);
+    button.setGeometry(0, 50, 200, 60);
+    window.show();
+    window.activateWindow();
+    other.setFocus();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    const QImage without = button.grab().toImage();
+    QTest::keyClick(&other, Qt::Key_Tab);
+    QVERIFY(button.hasFocus());
+    QVERIFY(button.grab().toImage() != without);
+}
+
+void TestVPushButton::is_wide_enough_for_icon_and_text() {
+    QPixmap pixmap(24, 24);
+    pixmap.fill(Qt::red);
+    VPushButton button("Recalibrate");
+    QPushButton plain("Recalibrate");
+    for (QPushButton *each : {static_cast<QPushButton *>(&button), &plain}) {
+        each->setIcon(pixmap);
+        each->setIconSize({24, 24});
+    }
+    QVERIFY(button.sizeHint().width() > plain.sizeHint().width());
+}
+
+OCELA_TEST(TestVPushButton)
+#include "tst_v_push_button.moc"
