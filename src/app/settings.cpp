@@ -1,0 +1,6 @@
+#include "app/settings.h"
+
+#include <utility>
+
+Settings::Settings(QString filePath, QStringList languages, QObject *parent)
+    : SettingsWithLanguage(std::move(filePath), true, std::move(languages), parent) {}

@@ -1,0 +1,108 @@
+#include "toolkit/settings_file.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QUrl>
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+#include <algorithm>
+
+namespace {
+
+using settings_file::Contents;
+using settings_file::Entry;
+
+const QLatin1String rootElement("settings");
+const QLatin1String propertyElement("property");
+const QLatin1String percent("percent");
+
+// Far above any real file; keeps a wrong one (a disk image, say) from being read into memory.
+constexpr qint64 maxFileSize = 1024 * 1024;
+
+bool isPlainXmlText(const QString &text) {
+    return std::all_of(text.begin(), text.end(), [](QChar c) {
+        return c.unicode() >= 0x20 && c.unicode() < 0xfffe && !c.isSurrogate();
+    });
+}
+
+void writeEntry(QXmlStreamWriter &xml, const Entry &entry) {
+    const bool plain = isPlainXmlText(entry.text);
+    xml.writeStartElement(propertyElement);
+    xml.writeAttribute(QStringLiteral("name"), entry.name);
+    if (!plain)
+        xml.writeAttribute(QStringLiteral("encoding"), percent);
+    xml.writeCharacters(plain ? entry.text : QString::fromLatin1(QUrl::toPercentEncoding(entry.text)));
+    xml.writeEndElement();
+}
+
+void writeDocument(QIODevice &device, const QVector<Entry> &entries) {
+    QXmlStreamWriter xml(&device);
+    xml.setCodec("UTF-8");
+    xml.setAutoFormatting(true);
+    xml.writeStartDocument();
+    xml.writeStartElement(rootElement);
+    xml.writeAttribute(QStringLiteral("version"), QStringLiteral("1"));
+    for (const Entry &entry : entries)
+        writeEntry(xml, entry);
+    xml.writeEndDocument();
+}
+
+Entry readEntry(QXmlStreamReader &xml) {
+    const QString name = xml.attributes().value(QLatin1String("name")).toString();
+    const bool encoded = xml.attributes().value(QLatin1String("encoding")) == percent;
+    const QString text = xml.readElementText(QXmlStreamReader::IncludeChildElements);
+    return {name, encoded ? QUrl::fromPercentEncoding(text.toUtf8()) : text};
+}
+
+}  // namespace
+
+Contents settings_file::parse(QIODevice &device) {
+    QXmlStreamReader xml(&device);
+    Contents contents;
+    if (xml.readNextStartElement() && xml.name() != rootElement)
+        xml.raiseError(QStringLiteral("the root element is not \"%1\"").arg(rootElement));
+    while (xml.readNextStartElement()) {
+        if (xml.name() == propertyElement)
+            contents.entries.append(readEntry(xml));
+        else
+            xml.skipCurrentElement();
+    }
+    while (!xml.atEnd())
+        xml.readNext();
+    if (xml.hasError())
+        return {{}, QStringLiteral("line %1: %2").arg(xml.lineNumber()).arg(xml.errorString())};
+    return contents;
+}
+
+Contents settings_file::read(const QString &path) {
+    QFile file(path);
+    if (QFileInfo(path).isDir())
+        return {{}, QStringLiteral("it is a folder")};
+    if (!file.open(QIODevice::ReadOnly))
+        return {{}, file.errorString()};
+    if (file.size() > maxFileSize)
+        return {{}, QStringLiteral("it is too large (%1 bytes)").arg(file.size())};
+    return parse(file);
+}
+
+QString settings_file::write(const QString &path, const QVector<Entry> &entries) {
+    const QString folder = QFileInfo(path).absolutePath();
+    if (!QDir().mkpath(folder))
+        return QStringLiteral("the folder %1 cannot be created").arg(QDir::toNativeSeparators(folder));
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return file.errorString();
+    writeDocument(file, entries);
+    return file.commit() ? QString() : file.errorString();
+}
+
+QString settings_file::moveAside(const QString &path) {
+    const QString wanted = path + QStringLiteral(".damaged");
+    QString name = wanted;
+    for (int number = 1; QFileInfo::exists(name); ++number)
+        name = QStringLiteral("%1.%2").arg(wanted).arg(number);
+    return QDir().rename(path, name) ? name : QString();
+}
