@@ -28,9 +28,8 @@ MetaDescriptor AbstractSettings::metaDescriptor() const {
 QVariant AbstractSettings::defaultValue(const QString &name) const {
     QVariant value;
     if (containsProperty(name)) {
-        QMetaObject::invokeMethod(const_cast<AbstractSettings *>(this),
-                                  ("default" + name).toLatin1().constData(), Qt::DirectConnection,
-                                  Q_RETURN_ARG(QVariant, value));
+        QMetaObject::invokeMethod(const_cast<AbstractSettings *>(this), ("get" + name + "Default").toLatin1(),
+                                  Qt::DirectConnection, Q_RETURN_ARG(QVariant, value));
     }
     return value;
 }

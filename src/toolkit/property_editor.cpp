@@ -23,17 +23,17 @@ QString generic(const QString &source) {
 }
 
 class BoolEditor : public PropertyEditor {
-    Q_OBJECT
-
 public:
     BoolEditor(const PropertyDescriptor &descriptor, QWidget *parent)
         : PropertyEditor(parent), box_(new QCheckBox(parent)) {
         box_->setEnabled(!descriptor.readOnly);
-        connect(box_, &QCheckBox::toggled, this, &BoolEditor::edited);
+        connect(box_, &QCheckBox::toggled, this, &PropertyEditor::edited);
     }
 
     QWidget *widget() const override { return box_; }
-    QString display(const QVariant &value) const override { return value.toBool() ? tr("on") : tr("off"); }
+    QString display(const QVariant &value) const override {
+        return value.toBool() ? PropertyEditor::tr("on") : PropertyEditor::tr("off");
+    }
 
     void show(const QVariant &value) override {
         const QSignalBlocker blocker(box_);
@@ -102,8 +102,6 @@ private:
 
 /// One of a few values: an enum's keys, or the languages.
 class ChoiceEditor : public PropertyEditor {
-    Q_OBJECT
-
 public:
     ChoiceEditor(const PropertyDescriptor &descriptor, QWidget *parent)
         : PropertyEditor(parent), descriptor_(descriptor), box_(new QComboBox(parent)) {
@@ -152,14 +150,13 @@ private:
 /// A text, or any other value by its text. Scrolls rather than grows, so that a long path never widens the
 /// window.
 class TextEditor : public PropertyEditor {
-    Q_OBJECT
-
 public:
     TextEditor(const PropertyDescriptor &descriptor, QWidget *parent)
         : PropertyEditor(parent), descriptor_(descriptor), line_(new QLineEdit(parent)) {
         line_->setReadOnly(descriptor.readOnly);
-        line_->setFrame(!descriptor.readOnly);
-        if (!descriptor.readOnly)
+        if (descriptor.readOnly)
+            line_->setStyleSheet(QStringLiteral("background: transparent; border: none;"));
+        else
             connect(line_, &QLineEdit::editingFinished, this, [this] { Q_EMIT edited(line_->text()); });
     }
 
@@ -167,7 +164,7 @@ public:
 
     QString display(const QVariant &value) const override {
         const QString text = propertyText(descriptor_, value);
-        return text.isEmpty() ? tr("empty") : text;
+        return text.isEmpty() ? PropertyEditor::tr("empty") : text;
     }
 
     void show(const QVariant &value) override {
@@ -199,5 +196,3 @@ PropertyEditor *PropertyEditor::create(const PropertyDescriptor &descriptor, QWi
             return new TextEditor(descriptor, parent);
     }
 }
-
-#include "property_editor.moc"

@@ -20,7 +20,9 @@ enum Column { labelColumn, editorColumn, resetColumn };
 constexpr int maxContentWidth = 600;
 constexpr int margin = 8;
 constexpr int columnSpacing = 16;
-constexpr int rowSpacing = 8;
+constexpr int rowSpacing = 6;
+constexpr int categorySpacing = 16;
+constexpr int rowHeight = 26;  // that of a combo box, so that all rows stand equally far apart
 
 QString generic(const QString &source) {
     return QCoreApplication::translate("Generic", source.toUtf8().constData());
@@ -85,7 +87,7 @@ void PropertyListControl::buildLayout() {
 
     auto *outer = new QVBoxLayout(this);
     outer->setContentsMargins(margin, margin, margin, margin);
-    outer->setSpacing(2 * rowSpacing);
+    outer->setSpacing(categorySpacing);
     outer->addLayout(leftAligned);
     outer->addLayout(lastRows_);
     outer->addStretch();
@@ -101,7 +103,7 @@ void PropertyListControl::buildCategory(const QString &name, const MetaDescripto
         auto *header = new QLabel(this);
         header->setObjectName(QStringLiteral("categoryHeaderLabel"));
         header->setStyleSheet(QStringLiteral("font-weight: bold;"));
-        header->setContentsMargins(0, categories_.empty() ? 0 : 2 * rowSpacing, 0, 0);
+        header->setContentsMargins(0, categories_.empty() ? 0 : categorySpacing, 0, 0);
         grid_->addWidget(header, grid_->rowCount(), labelColumn, 1, -1);
         categories_.push_back({name, header});
     }
@@ -118,6 +120,7 @@ void PropertyListControl::buildRow(const PropertyDescriptor &descriptor) {
     QToolButton *reset = descriptor.readOnly ? nullptr : buildResetButton(descriptor.name);
 
     const int line = grid_->rowCount();
+    grid_->setRowMinimumHeight(line, rowHeight);
     grid_->addWidget(label, line, labelColumn);
     grid_->addWidget(editor->widget(), line, editorColumn);
     if (reset != nullptr)

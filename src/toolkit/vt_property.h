@@ -37,9 +37,10 @@
 ///
 /// The macro gives: the Qt property `ExposureMs` (readable, writable, resettable, notifying), the signal
 /// `changedExposureMs(int)`, the tagged invokables `setExposureMs(int)`, `getExposureMs()`,
-/// `resetExposureMs()`, the untagged `defaultExposureMs()`, the class-info "ExposureMsDefault" (the text of
-/// the third argument) and the private members `ExposureMs_` and `defaultExposureMs_`. A constructor may give
-/// both members another value where the default is known only at run time. What follows the macro is public.
+/// `resetExposureMs()`, the untagged `getExposureMsDefault()`, the class-info "ExposureMsDefault" (the text
+/// of the third argument) and the private members `ExposureMs_` and `defaultExposureMs_`. A constructor may
+/// give both members another value where the default is known only at run time. What follows the macro is
+/// public.
 ///
 /// The class-info keys, each behind the property's name; all values are texts:
 ///
@@ -75,7 +76,7 @@ public:                                                                         
     Q_INVOKABLE PROPERTY_TAG void reset##Prop() {                                               \
         set##Prop(default##Prop##_);                                                            \
     }                                                                                           \
-    Q_INVOKABLE [[nodiscard]] QVariant default##Prop() const {                                  \
+    Q_INVOKABLE QVariant get##Prop##Default() const {                                           \
         return QVariant::fromValue(default##Prop##_);                                           \
     }                                                                                           \
                                                                                                 \
