@@ -47,7 +47,6 @@ void AbstractSettings::resetValue(const QString &name) {
 
 std::optional<PropertyDescriptor> AbstractSettings::descriptorOf(const QString &name) const {
     const MetaDescriptor all = metaDescriptor();
-    const auto found =
-        std::find_if(all.begin(), all.end(), [&](const auto &one) { return one.name == name; });
+    const auto found = std::find_if(all.begin(), all.end(), [&](const auto &one) { return one.name == name; });
     return found == all.end() ? std::nullopt : std::optional<PropertyDescriptor>(*found);
 }

@@ -49,8 +49,8 @@ bool fail(const char *what, const QString &path, const QString &reason) {
 
 QString startupFolder(bool allUsers) {
     PWSTR path = nullptr;
-    const HRESULT result = SHGetKnownFolderPath(allUsers ? FOLDERID_CommonStartup : FOLDERID_Startup,
-                                                KF_FLAG_CREATE, nullptr, &path);
+    const HRESULT result =
+        SHGetKnownFolderPath(allUsers ? FOLDERID_CommonStartup : FOLDERID_Startup, KF_FLAG_CREATE, nullptr, &path);
     const QString folder = SUCCEEDED(result) ? QString::fromWCharArray(path) : QString();
     CoTaskMemFree(path);
     return QDir::fromNativeSeparators(folder);

@@ -2,7 +2,9 @@
 
 #include <QObject>
 
-ConnectionHelper::~ConnectionHelper() { clear(); }
+ConnectionHelper::~ConnectionHelper() {
+    clear();
+}
 
 ConnectionHelper &ConnectionHelper::operator<<(const QMetaObject::Connection &connection) {
     connections_.push_back(connection);

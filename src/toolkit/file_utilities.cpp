@@ -28,9 +28,7 @@ public:
         return ok;
     }
 
-    bool removeFolder(const QString &folder) {
-        return QDir().rmdir(folder) || fail(folder, qt_error_string());
-    }
+    bool removeFolder(const QString &folder) { return QDir().rmdir(folder) || fail(folder, qt_error_string()); }
 
     bool removeFile(const QString &path) {
         QFile file(path);

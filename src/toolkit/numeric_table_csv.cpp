@@ -89,8 +89,7 @@ void NumericTableCSV::setHeaders(const QStringList &headers) {
 
 bool NumericTableCSV::save(const QString &path, bool keepExisting) {
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || !writeTable(headers_, rows_, file) ||
-        !commit(file, path, keepExisting))
+    if (!file.open(QIODevice::WriteOnly) || !writeTable(headers_, rows_, file) || !commit(file, path, keepExisting))
         return refuse("save", path, file.errorString());
     return true;
 }
@@ -110,12 +109,11 @@ bool NumericTableCSV::load(const QString &path) {
         row.clear();
         for (int column = 0; column < records[line].size(); ++column) {
             const auto type = columnTypes_.find(column);
-            const auto cell = parseCell(
-                records[line][column], type == columnTypes_.end() ? std::nullopt : std::optional<int>(*type));
+            const auto cell =
+                parseCell(records[line][column], type == columnTypes_.end() ? std::nullopt : std::optional<int>(*type));
             if (!cell) {
                 rows_.clear();
-                return refuse("load", path,
-                              QString("row %1, column %2 is no number").arg(line).arg(column + 1));
+                return refuse("load", path, QString("row %1, column %2 is no number").arg(line).arg(column + 1));
             }
             row.push_back(*cell);
         }

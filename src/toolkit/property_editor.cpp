@@ -60,8 +60,8 @@ void configure(QSpinBox *box, const PropertyDescriptor &descriptor) {
 
 void configure(QDoubleSpinBox *box, const PropertyDescriptor &descriptor) {
     const double step = descriptor.step.value_or(0.01);
-    box->setDecimals(std::max({decimalsOf(step), decimalsOf(descriptor.minimum.value_or(0)),
-                               decimalsOf(descriptor.maximum.value_or(0))}));
+    box->setDecimals(std::max(
+        {decimalsOf(step), decimalsOf(descriptor.minimum.value_or(0)), decimalsOf(descriptor.maximum.value_or(0))}));
     box->setRange(descriptor.minimum.value_or(-1e9), descriptor.maximum.value_or(1e9));
     box->setSingleStep(step);
 }

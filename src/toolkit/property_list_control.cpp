@@ -47,8 +47,7 @@ std::vector<MetaDescriptor> groupedByCategory(const MetaDescriptor &properties) 
 
 }  // namespace
 
-PropertyListControl::PropertyListControl(VTSettings *settings, QWidget *parent)
-    : QWidget(parent), settings_(settings) {
+PropertyListControl::PropertyListControl(VTSettings *settings, QWidget *parent) : QWidget(parent), settings_(settings) {
     buildLayout();
     buildRows();
     retranslate();

@@ -23,9 +23,8 @@ const QLatin1String percent("percent");
 constexpr qint64 maxFileSize = 1024 * 1024;
 
 bool isPlainXmlText(const QString &text) {
-    return std::all_of(text.begin(), text.end(), [](QChar c) {
-        return c.unicode() >= 0x20 && c.unicode() < 0xfffe && !c.isSurrogate();
-    });
+    return std::all_of(text.begin(), text.end(),
+                       [](QChar c) { return c.unicode() >= 0x20 && c.unicode() < 0xfffe && !c.isSurrogate(); });
 }
 
 void writeEntry(QXmlStreamWriter &xml, const Entry &entry) {

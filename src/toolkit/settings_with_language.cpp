@@ -3,8 +3,8 @@
 #include <QLocale>
 #include <utility>
 
-SettingsWithLanguage::SettingsWithLanguage(QString filePath, bool saveOnChange, QStringList languages,
-                                           QObject *parent, VTSettingsFormat format)
+SettingsWithLanguage::SettingsWithLanguage(QString filePath, bool saveOnChange, QStringList languages, QObject *parent,
+                                           VTSettingsFormat format)
     : VTSettings(std::move(filePath), saveOnChange, parent, format), languages_(std::move(languages)) {
     defaultLanguage_ = UiLanguage::preferred(languages_, QLocale::system().uiLanguages());
     Language_ = defaultLanguage_;

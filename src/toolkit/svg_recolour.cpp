@@ -17,8 +17,7 @@ void nameDefaultFill(QString *svg, const QColor &colour) {
 }  // namespace
 
 QByteArray recolouredSvg(const QByteArray &svg, const QColor &from, const QColor &to) {
-    static const QRegularExpression paint(
-        R"(\b(?:fill|stroke|stop-color|color)\s*[:=]\s*["']?\s*(#\w+|\w+))");
+    static const QRegularExpression paint(R"(\b(?:fill|stroke|stop-color|color)\s*[:=]\s*["']?\s*(#\w+|\w+))");
     QString text = QString::fromUtf8(svg);
     int at = 0;
     for (auto match = paint.match(text); match.hasMatch(); match = paint.match(text, at)) {

@@ -52,10 +52,9 @@ bool VTSettings::save() {
 
 void VTSettings::setAside(const QString &reason) const {
     const QString kept = settings_file::moveAside(filePath_);
-    const QString outcome =
-        kept.isEmpty() ? QStringLiteral("it could not be renamed") : "kept as " + shown(kept);
-    qCWarning(logSettings).noquote() << "Settings file" << shown(filePath_)
-                                     << "cannot be used:" << reason + ";" << outcome + "; the defaults apply";
+    const QString outcome = kept.isEmpty() ? QStringLiteral("it could not be renamed") : "kept as " + shown(kept);
+    qCWarning(logSettings).noquote() << "Settings file" << shown(filePath_) << "cannot be used:" << reason + ";"
+                                     << outcome + "; the defaults apply";
 }
 
 void VTSettings::restore(const QVector<settings_file::Entry> &entries) {
@@ -77,7 +76,7 @@ void VTSettings::restoreProperty(const QString &name, const QString *text) {
     if (text != nullptr && setValue(name, *text))
         return;
     if (text != nullptr)
-        qCWarning(logSettings).noquote()
-            << shown(filePath_) + ":" << name << "cannot be" << *text + "; its default applies";
+        qCWarning(logSettings).noquote() << shown(filePath_) + ":" << name << "cannot be"
+                                         << *text + "; its default applies";
     resetValue(name);
 }

@@ -17,8 +17,7 @@ class VTSettings : public AbstractSettings {
     Q_OBJECT
 
 public:
-    VTSettings(QString filePath, bool saveOnChange, QObject *parent,
-               VTSettingsFormat format = VTSettingsFormat::Xml);
+    VTSettings(QString filePath, bool saveOnChange, QObject *parent, VTSettingsFormat format = VTSettingsFormat::Xml);
 
     [[nodiscard]] QString filePath() const { return filePath_; }
 

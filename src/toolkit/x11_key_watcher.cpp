@@ -23,8 +23,7 @@ X11KeyWatcher::X11KeyWatcher(const Report &report) : report_(report) {
     if (!connectToServer() || !createContext() || !enableContext())
         return;
     const auto watch = [](const XcbConnection &connection) {
-        return std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection.get()),
-                                                 QSocketNotifier::Read);
+        return std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection.get()), QSocketNotifier::Read);
     };
     notifiers_[0] = watch(data_);
     notifiers_[1] = watch(control_);
@@ -50,8 +49,7 @@ bool X11KeyWatcher::createContext() {
     range.device_events.last = XCB_KEY_RELEASE;
     const xcb_record_client_spec_t clients = XCB_RECORD_CS_ALL_CLIENTS;
     context_ = xcb_generate_id(control_.get());
-    const auto cookie =
-        xcb_record_create_context_checked(control_.get(), context_, 0, 1, 1, &clients, &range);
+    const auto cookie = xcb_record_create_context_checked(control_.get(), context_, 0, 1, 1, &clients, &range);
     return !XcbReply<xcb_generic_error_t>(xcb_request_check(control_.get(), cookie));
 }
 

@@ -9,8 +9,8 @@ void X11Keymap::load(xcb_connection_t *connection) {
     const xcb_setup_t *setup = xcb_get_setup(connection);
     firstCode_ = setup->min_keycode;
     const auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);
-    const XcbReply<xcb_get_keyboard_mapping_reply_t> reply(xcb_get_keyboard_mapping_reply(
-        connection, xcb_get_keyboard_mapping(connection, firstCode_, count), nullptr));
+    const XcbReply<xcb_get_keyboard_mapping_reply_t> reply(
+        xcb_get_keyboard_mapping_reply(connection, xcb_get_keyboard_mapping(connection, firstCode_, count), nullptr));
     if (!reply)
         return;
     const xcb_keysym_t *first = xcb_get_keyboard_mapping_keysyms(reply.get());

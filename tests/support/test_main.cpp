@@ -43,7 +43,9 @@ int unexpectedWarnings(const QString &logFile) {
 }
 
 int runClass(QObject *test, QStringList arguments, const QString &logFile) {
-    arguments << "-o" << "-,txt" << "-o" << logFile + ",txt";
+    arguments << "-o"
+              << "-,txt"
+              << "-o" << logFile + ",txt";
     const int failures = QTest::qExec(test, arguments);
     return failures + unexpectedWarnings(logFile);
 }

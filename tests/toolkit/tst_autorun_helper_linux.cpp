@@ -53,12 +53,11 @@ void TestAutorunHelper::quotes_the_program_data() {
     QTest::addColumn<QByteArray>("path");
     QTest::newRow("plain") << "/opt/ocela/Ocela" << QByteArray(R"(Exec="/opt/ocela/Ocela")")
                            << QByteArray("Path=/opt/ocela");
-    QTest::newRow("blanks and Cyrillic")
-        << QString::fromUtf8("/home/Анна/my apps/Ocela") << QByteArray(R"(Exec="/home/Анна/my apps/Ocela")")
-        << QByteArray("Path=/home/Анна/my apps");
+    QTest::newRow("blanks and Cyrillic") << QString::fromUtf8("/home/Анна/my apps/Ocela")
+                                         << QByteArray(R"(Exec="/home/Анна/my apps/Ocela")")
+                                         << QByteArray("Path=/home/Анна/my apps");
     QTest::newRow("what a shell would expand")
-        << R"(/a$b`c"d/Ocela)" << QByteArray(R"(Exec="/a\\$b\\`c\\"d/Ocela")")
-        << QByteArray(R"(Path=/a$b`c"d)");
+        << R"(/a$b`c"d/Ocela)" << QByteArray(R"(Exec="/a\\$b\\`c\\"d/Ocela")") << QByteArray(R"(Path=/a$b`c"d)");
     QTest::newRow("a backslash is escaped twice")
         << R"(/a\b/Ocela)" << QByteArray(R"(Exec="/a\\\\b/Ocela")") << QByteArray(R"(Path=/a\\b)");
     QTest::newRow("a percent sign is no field code")
@@ -103,8 +102,8 @@ void TestAutorunHelper::adds_and_removes_the_program() {
 
 void TestAutorunHelper::refuses_a_program_that_is_not_there() {
     const QString missing = QCoreApplication::applicationDirPath() + "/NoSuchProgram";
-    QTest::ignoreMessage(
-        QtWarningMsg, qPrintable("Cannot start with the system " + missing + ": there is no such program"));
+    QTest::ignoreMessage(QtWarningMsg,
+                         qPrintable("Cannot start with the system " + missing + ": there is no such program"));
     QVERIFY(!AutorunHelper::setAppInAutorunUsingExe("NoSuchProgram.exe", true, false));
 }
 

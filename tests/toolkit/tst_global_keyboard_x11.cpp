@@ -35,8 +35,7 @@ void TestGlobalKeyboardX11::xdotool(const QStringList &arguments) {
 QList<Qt::Key> TestGlobalKeyboardX11::keysOf(const QStringList &arguments) {
     QList<Qt::Key> keys;
     QObject context;
-    connect(GlobalKeyboard::Instance(), &GlobalKeyboard::keyPressed, &context,
-            [&](Qt::Key key) { keys << key; });
+    connect(GlobalKeyboard::Instance(), &GlobalKeyboard::keyPressed, &context, [&](Qt::Key key) { keys << key; });
     xdotool(arguments);
     xdotool({"key", "F8"});
     if (!QTest::qWaitFor([&] { return keys.contains(Qt::Key_F8); }, 20000))

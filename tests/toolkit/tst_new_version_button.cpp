@@ -112,8 +112,7 @@ void TestNewVersionButton::stays_hidden_on_a_bad_answer_data() {
 void TestNewVersionButton::stays_hidden_on_a_bad_answer() {
     QFETCH(QByteArray, answer);
     QFETCH(QString, reason);
-    QTest::ignoreMessage(QtDebugMsg,
-                         QRegularExpression("No release information from file:.*(" + reason + ")"));
+    QTest::ignoreMessage(QtDebugMsg, QRegularExpression("No release information from file:.*(" + reason + ")"));
     Scene scene(answer);
     QVERIFY(scene.waitForAnswer());
     QVERIFY(!scene.button->isVisible());
@@ -138,8 +137,7 @@ void TestNewVersionButton::asks_only_addresses_that_it_knows() {
 void TestNewVersionButton::opens_only_web_pages_data() {
     QTest::addColumn<QByteArray>("page");
     QTest::addColumn<QList<QUrl>>("opened");
-    QTest::newRow("https") << QByteArray("https://example.org/a")
-                           << QList<QUrl>{QUrl("https://example.org/a")};
+    QTest::newRow("https") << QByteArray("https://example.org/a") << QList<QUrl>{QUrl("https://example.org/a")};
     QTest::newRow("a local program") << QByteArray("file:///usr/bin/xterm") << QList<QUrl>{};
     QTest::newRow("no page") << QByteArray() << QList<QUrl>{};
 }
@@ -173,8 +171,7 @@ void TestNewVersionButton::stops_reading_an_endless_answer() {
 void TestNewVersionButton::may_go_while_a_request_runs() {
     QTcpServer server;
     QVERIFY(server.listen(QHostAddress::LocalHost));
-    auto button =
-        std::make_unique<NewVersionButton>("Newer", QString("http://127.0.0.1:%1/").arg(server.serverPort()));
+    auto button = std::make_unique<NewVersionButton>("Newer", QString("http://127.0.0.1:%1/").arg(server.serverPort()));
     QVERIFY(server.waitForNewConnection(20000) || server.hasPendingConnections());
     QTcpSocket *client = server.nextPendingConnection();
     QTRY_VERIFY(client->bytesAvailable() > 0);

@@ -144,8 +144,7 @@ void TestNumericTableCSV::reads_csv_text_data() {
     QTest::newRow("all three line ends") << "a\r\nb\nc\rd" << Records{{"a"}, {"b"}, {"c"}, {"d"}};
     QTest::newRow("empty fields stay") << ",a,\r\n" << Records{{"", "a", ""}};
     QTest::newRow("blank lines go") << "a\r\n\r\n\r\nb" << Records{{"a"}, {"b"}};
-    QTest::newRow("quoted separator, quote and line end")
-        << "\"a,\"\"b\r\n\",c" << Records{{"a,\"b\r\n", "c"}};
+    QTest::newRow("quoted separator, quote and line end") << "\"a,\"\"b\r\n\",c" << Records{{"a,\"b\r\n", "c"}};
     QTest::newRow("quoted nothing") << "\"\",\"\"\"\"" << Records{{"", "\""}};
     QTest::newRow("quote that is never closed") << "\"a\r\nb" << Records{{"a\r\nb"}};
 }
@@ -159,8 +158,7 @@ void TestNumericTableCSV::reads_csv_text() {
 void TestNumericTableCSV::load_refuses_what_is_no_number() {
     write(path("t.csv"), "A,B\r\n1,2\r\n3,left\r\n");
     NumericTableCSV table;
-    QTest::ignoreMessage(QtWarningMsg,
-                         QRegularExpression("Cannot load .*t\\.csv: row 2, column 2 is no number"));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("Cannot load .*t\\.csv: row 2, column 2 is no number"));
     QVERIFY(!table.load(path("t.csv")));
     QCOMPARE(int(table.rows().size()), 0);
 }

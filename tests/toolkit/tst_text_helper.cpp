@@ -34,8 +34,7 @@ void TestTextHelper::names_a_moment_data() {
     const QDateTime local({2024, 3, 9}, {4, 5, 7, 42});
     QTest::newRow("every field has its full width") << local << false << "2024-03-09_04-05-07";
     QTest::newRow("with milliseconds") << local << true << "2024-03-09_04-05-07-042";
-    QTest::newRow("another zone's moment is told in local time")
-        << local.toUTC() << true << "2024-03-09_04-05-07-042";
+    QTest::newRow("another zone's moment is told in local time") << local.toUTC() << true << "2024-03-09_04-05-07-042";
 }
 
 void TestTextHelper::names_a_moment() {

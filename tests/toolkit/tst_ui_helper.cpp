@@ -89,8 +89,7 @@ void TestUIHelper::draws_sharply_at_any_size_and_ratio() {
 void TestUIHelper::warns_about_what_is_no_drawing() {
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression("Cannot read the icon :/no/such.svg: .+"));
     QVERIFY(UIHelper::recolouredSvgIcon(":/no/such.svg", "#000", "#3C0").isNull());
-    QTest::ignoreMessage(QtWarningMsg,
-                         QRegularExpression("Cannot read the icon .+: it is not an SVG drawing"));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("Cannot read the icon .+: it is not an SVG drawing"));
     QVERIFY(iconOf("<svg").isNull());
 }
 

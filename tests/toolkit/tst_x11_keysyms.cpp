@@ -35,8 +35,7 @@ void TestX11Keysyms::names_keys() {
 }
 
 void TestX11Keysyms::leaves_other_keysyms_alone() {
-    for (const unsigned keysym :
-         {unsigned{XK_VoidSymbol}, 0U, unsigned{XK_Shift_L}, unsigned{XK_Cyrillic_ef}})
+    for (const unsigned keysym : {unsigned{XK_VoidSymbol}, 0U, unsigned{XK_Shift_L}, unsigned{XK_Cyrillic_ef}})
         QVERIFY(!keyFromKeysym(keysym));
 }
 

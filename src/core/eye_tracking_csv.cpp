@@ -1,0 +1,80 @@
+#include "core/eye_tracking_csv.h"
+
+#include <QLoggingCategory>
+
+namespace {
+
+Q_LOGGING_CATEGORY(lcRecord, "ocela.record")
+
+QStringList buildHeaders() {
+    QStringList headers{"Timestamp", "Time", "Valid", "X", "Y", "X_px", "Y_px", "Distance_cm"};
+    for (const char *eye : {"L_", "R_"}) {
+        for (const char *value : {"X", "Y", "X_px", "Y_px", "Pupil_mm", "PupilX_px", "PupilY_px"})
+            headers << QString(eye) + value;
+    }
+    headers << "Focus";
+    qCDebug(lcRecord) << "OCELACSV" << headers;
+    return headers;
+}
+
+const QStringList &sampleHeaders() {
+    static const QStringList headers = buildHeaders();
+    return headers;
+}
+
+QMap<int, int> sampleColumnTypes() {
+    QMap<int, int> types{{0, QMetaType::LongLong}};
+    for (const int column : {1, 2, 5, 6, 10, 11, 13, 14, 17, 18, 20, 21})
+        types[column] = QMetaType::UInt;
+    for (const int column : {3, 4, 7, 8, 9, 12, 15, 16, 19, 22})
+        types[column] = QMetaType::Double;
+    return types;
+}
+
+}  // namespace
+
+EyeTrackingCSV::EyeTrackingCSV(const QString &path, bool load) {
+    columnTypes_ = sampleColumnTypes();
+    if (load) {
+        this->load(path);
+    } else {
+        filePath_ = path;
+        setHeaders(sampleHeaders());
+    }
+}
+
+void EyeTrackingCSV::saveFile() {
+    if (!filePath_.isEmpty())
+        save(filePath_, true);
+}
+
+void EyeTrackingCSV::addSample(const EyeTrackingSample &sample) {
+    if (firstTimestamp_ == 0)
+        firstTimestamp_ = sample.timestamp;
+    // Differences wrap rather than overflow, whatever a device's clock says.
+    const auto time =
+        static_cast<qint64>(static_cast<quint64>(sample.timestamp) - static_cast<quint64>(firstTimestamp_));
+    rows_.append({sample.timestamp,
+                  time,
+                  static_cast<int>(sample.valid),
+                  sample.x,
+                  sample.y,
+                  sample.x_px,
+                  sample.y_px,
+                  sample.distance_cm,  //
+                  sample.l_x,
+                  sample.l_y,
+                  sample.l_x_px,
+                  sample.l_y_px,
+                  sample.l_pupil_mm,
+                  sample.l_pupil_x,  //
+                  sample.l_pupil_y,  //
+                  sample.r_x,
+                  sample.r_y,
+                  sample.r_x_px,
+                  sample.r_y_px,
+                  sample.r_pupil_mm,
+                  sample.r_pupil_x,  //
+                  sample.r_pupil_y,  //
+                  sample.focus});
+}

@@ -1,0 +1,114 @@
+#include "core/eyetracker_interface.h"
+
+#include "core/eye_tracking_csv.h"
+#include "core/pixels.h"
+#include "toolkit/text_helper.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QStandardPaths>
+#include <algorithm>
+
+namespace {
+
+QString defaultRecordPath() {
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    const QString file = TextHelper::DateTimeFileString(QDateTime(), true) + "_ocela.csv";
+    return QStringList{folder, "Ocela", file}.join(QDir::separator());
+}
+
+bool isOlderThanWindow(const EyeTrackingSample &sample, qint64 now) {
+    // Differences wrap rather than overflow, whatever a device's clock says.
+    const auto age = static_cast<qint64>(static_cast<quint64>(now) - static_cast<quint64>(sample.timestamp));
+    return age > EyetrackerInterface::sampleWindowMs;
+}
+
+}  // namespace
+
+EyetrackerInterface::EyetrackerInterface(const QString &dataFolder, QObject *parent)
+    : QObject(parent), dataFolder_(dataFolder) {
+    qRegisterMetaType<EyeTrackingSample>("EyeTrackingSample");
+    qRegisterMetaType<QList<EyeTrackingSample>>("QList<EyeTrackingSample>");
+}
+
+// A record that still runs is dropped unsaved: it is written when the user stops it, not behind the user's
+// back.
+EyetrackerInterface::~EyetrackerInterface() = default;
+
+void EyetrackerInterface::calibrateScreen(int screenIndex) {
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    if (screenIndex >= 0 && screenIndex < screens.size())
+        calibrate(screens[screenIndex]->geometry());
+}
+
+void EyetrackerInterface::setCalibratedArea(int x, int y, int w, int h) {
+    setCalibratedArea(QRect(x, y, w, h));
+}
+
+void EyetrackerInterface::setCalibratedArea(QRect area) {
+    calibratedArea_.exchange(area);
+}
+
+bool EyetrackerInterface::startRecord(QString path) {
+    stopRecord();
+    if (path.isEmpty())
+        path = defaultRecordPath();
+    recordFile_.exchange(std::make_unique<EyeTrackingCSV>(path, false));
+    Q_EMIT recordStarted();
+    return true;
+}
+
+bool EyetrackerInterface::stopRecord() {
+    // Taken out first: samples must not wait for the disk.
+    const Record record = recordFile_.exchange(nullptr);
+    if (!record)
+        return false;
+    record->saveFile();
+    Q_EMIT recordStopped(record->currentFilePath());
+    return true;
+}
+
+QList<EyeTrackingSample> EyetrackerInterface::getSamples() {
+    return samples_.copy();
+}
+
+EyeTrackingSample EyetrackerInterface::getLastSample() {
+    return samples_.with([](const QList<EyeTrackingSample> &samples) {
+        return samples.isEmpty() ? EyeTrackingSample() : samples.last();
+    });
+}
+
+void EyetrackerInterface::addSample(const EyeTrackingSample &sample) {
+    Q_EMIT newSample(sample);
+    store(sample);
+    recordFile_.with([&](const Record &record) {
+        if (record)
+            record->addSample(sample);
+    });
+}
+
+void EyetrackerInterface::store(const EyeTrackingSample &sample) {
+    samples_.with([&](QList<EyeTrackingSample> &samples) {
+        while (!samples.isEmpty() && isOlderThanWindow(samples.constFirst(), sample.timestamp))
+            samples.removeFirst();
+        samples.append(sample);
+    });
+}
+
+void EyetrackerInterface::setConnected(bool value) {
+    if (connected_.exchange(value) == value)
+        return;
+    if (value)
+        Q_EMIT connected();
+    else
+        Q_EMIT disconnected();
+    Q_EMIT connectedChanged(value);
+}
+
+QPoint EyetrackerInterface::percentToPixels(float x, float y, bool clamp) const {
+    const QSize size = calibratedArea().size();
+    const auto bounded = [clamp](float percent) { return clamp ? std::clamp(percent, 0.0F, 100.0F) : percent; };
+    return {percentToPixel(bounded(x), size.width()), percentToPixel(bounded(y), size.height())};
+}

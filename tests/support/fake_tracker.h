@@ -1,0 +1,31 @@
+#pragma once
+
+#include "core/eyetracker_interface.h"
+
+#include <QStringList>
+
+/// A tracker without a device: it notes what is asked of it, in order.
+class FakeTracker : public EyetrackerInterface {
+    Q_OBJECT
+
+public:
+    explicit FakeTracker(QObject *parent = nullptr) : EyetrackerInterface(QString(), parent) {}
+
+    [[nodiscard]] QString name() const override { return QStringLiteral("fake"); }
+    [[nodiscard]] VTSettings *settings() override { return nullptr; }
+    [[nodiscard]] QWidget *createViewWidget() override { return nullptr; }
+
+    bool start() override {
+        calls << "start";
+        return true;
+    }
+    void stop() override { calls << "stop"; }
+    void calibrate(QRect area) override {
+        calls << "calibrate";
+        lastArea = area;
+    }
+    void stopCalibration() override { calls << "stopCalibration"; }
+
+    QStringList calls;
+    QRect lastArea;
+};
