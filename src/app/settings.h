@@ -13,6 +13,13 @@ class Settings : public SettingsWithLanguage {
 public:
     Settings(QString filePath, QStringList languages, QObject *parent);
 
+    /// Folder of the user's own files of this program, without a separator at its end.
+    [[nodiscard]] static QString dataFolder();
+    /// The settings file. It stands beside the data folder, not in it, and its name begins with the folder's.
+    [[nodiscard]] static QString defaultFilePath() { return dataFolder() + "Settings.xml"; }
+    /// The languages that the program speaks, as locale names.
+    [[nodiscard]] static QStringList supportedLanguages() { return {"ru_RU", "en_US"}; }
+
     /// Start the program with the user's session.
     VT_PROPERTY(bool, AutoRun, true)
     Q_CLASSINFO("AutoRunDisplayName", QT_TRANSLATE_NOOP("Generic", "AutoRun"))

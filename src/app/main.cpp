@@ -1,0 +1,25 @@
+#include "app/main_window.h"
+#include "app/startup.h"
+
+#include <QApplication>
+#include <QSplashScreen>
+
+int main(int argc, char *argv[]) {
+    Q_INIT_RESOURCE(ocela);
+    startup::prepareApplication();
+    QApplication application(argc, argv);
+    startup::setIdentity();
+    if (startup::refuseSecondInstance())
+        return -1;
+
+    QSplashScreen splash(startup::splashImage());
+    splash.show();
+    startup::loadFonts();
+    startup::applyStyle();
+    startup::createRecordsFolder();
+
+    MainWindow window;
+    window.setWindowTitle(startup::windowTitle());
+    splash.finish(&window);
+    return QApplication::exec();
+}

@@ -1,0 +1,199 @@
+#include "app/main_window.h"
+
+#include "app/tracker_view_widget.h"
+#include "core/eyetracker_interface.h"
+#include "toolkit/autorun_helper.h"
+#include "toolkit/file_utilities.h"
+#include "toolkit/new_version_button.h"
+#include "toolkit/property_list_control.h"
+#include "trackers/gazepoint/gaze_point.h"
+#include "views/eyetracker_connected_widget.h"
+#include "views/eyetracker_sample_viewer.h"
+
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QGridLayout>
+#include <QLabel>
+#include <QMenu>
+#include <QSignalBlocker>
+#include <QStackedWidget>
+#include <QTabWidget>
+
+MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent) {
+    buildSettings();
+    buildTrackers();
+    buildPages();
+    buildTray();
+    retranslate();
+    if (!hidesIntoTray())
+        show();
+    selectFirstTracker();
+}
+
+MainWindow::~MainWindow() {
+    trayIcon_->hide();
+    // The first tracker alone, whichever is selected: closing has stopped the selected one already.
+    trackers_.front().tracker->stop();
+    // The widgets go before the trackers that they are bound to.
+    delete takeCentralWidget();
+}
+
+void MainWindow::buildSettings() {
+    dataFolder_ = Settings::dataFolder();
+    FileUtilities::createIfNotExists(dataFolder_);
+    settings_ = new Settings(Settings::defaultFilePath(), Settings::supportedLanguages(), this);
+    settings_->reload();
+    connect(settings_, &Settings::changedAutoRun, this,
+            [](bool on) { AutorunHelper::setAppInAutorunUsingExe("Ocela.exe", on, false); });
+}
+
+void MainWindow::buildTrackers() {
+    addTracker(new GazePoint(dataFolder_, this));
+}
+
+void MainWindow::addTracker(EyetrackerInterface *tracker) {
+    trackers_.push_back({tracker, tracker->createViewWidget()});
+}
+
+void MainWindow::buildPages() {
+    pages_ = new QTabWidget(this);
+    QWidget *settingsPage = buildSettingsPage();
+    pages_->addTab(buildMainPage(), QString());
+    pages_->addTab(settingsPage, QString());
+    setCentralWidget(pages_);
+}
+
+QWidget *MainWindow::buildSettingsPage() {
+    settingsTabs_ = new QTabWidget;
+    auto *common = new PropertyListControl(settings_);
+    newVersionButton_ = new NewVersionButton(QString(), OCELA_RELEASE_INFO_URL, common);
+    common->addRow(newVersionButton_);
+    settingsTabs_->addTab(common, QString());
+
+    for (const Tracker &entry : trackers_) {
+        if (!entry.tracker->settings())
+            continue;
+        auto *editor = new PropertyListControl(entry.tracker->settings());
+        editor->setContentsMargins(8, 8, 8, 8);
+        settingsTabs_->addTab(editor, entry.tracker->name());
+    }
+    return settingsTabs_;
+}
+
+QWidget *MainWindow::buildMainPage() {
+    auto *panel = new TrackerViewWidget;
+    auto *indicator = new EyetrackerConnectedWidget;
+    auto *viewer = new EyetrackerSampleViewer;
+    trackerWidgets_ = {panel, indicator, viewer};
+
+    trackerCombo_ = new QComboBox;
+    viewStack_ = new QStackedWidget;
+    for (const Tracker &entry : trackers_) {
+        trackerCombo_->addItem(entry.tracker->name());
+        viewStack_->addWidget(entry.view ? entry.view : new QLabel);
+    }
+    connect(trackerCombo_, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &MainWindow::trackerIndexChanged);
+
+    auto *page = new QWidget;
+    auto *grid = new QGridLayout(page);
+    grid->addWidget(trackerCombo_, 0, 0, Qt::AlignLeft);
+    grid->addWidget(indicator, 0, 1, Qt::AlignLeft);
+    grid->addWidget(panel, 1, 0, 1, 2);
+    grid->addWidget(viewStack_, 2, 0, 1, 2);
+    grid->addWidget(viewer, 3, 0, 1, 2);
+    grid->setColumnStretch(1, 1);
+    grid->setRowStretch(2, 1);
+    return page;
+}
+
+void MainWindow::buildTray() {
+    trayMenu_ = new QMenu(this);
+    showAction_ = trayMenu_->addAction(QString(), this, &MainWindow::show);
+    quitAction_ = trayMenu_->addAction(QString(), this, &MainWindow::close);
+    for (QAction *action : {showAction_, quitAction_})
+        action->setShortcut(QKeySequence());
+
+    trayIcon_ = new QSystemTrayIcon(QIcon(":/images/ocela.png"), this);
+    trayIcon_->setContextMenu(trayMenu_);
+    connect(trayIcon_, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+        if (reason == QSystemTrayIcon::Trigger)
+            toggleVisible();
+    });
+    trayIcon_->show();
+}
+
+void MainWindow::retranslate() {
+    pages_->setTabText(0, tr("Main"));
+    pages_->setTabText(1, tr("Settings"));
+    settingsTabs_->setTabText(0, QCoreApplication::translate("Generic", "Common"));
+    newVersionButton_->setText(tr("Доступна новая версия"));
+    showAction_->setText(tr("Show window"));
+    quitAction_->setText(tr("Quit"));
+    trayIcon_->setToolTip(tr("Eye Tracker Service"));
+}
+
+void MainWindow::selectFirstTracker() {
+    const QString selected = settings_->getSelectedTracker();
+    int index = 0;
+    for (std::size_t i = 0; i < trackers_.size(); ++i) {
+        if (trackers_[i].tracker->name() == selected) {
+            index = static_cast<int>(i);
+            break;
+        }
+    }
+    trackerIndexChanged(index);
+}
+
+void MainWindow::trackerIndexChanged(int index) {
+    if (index < 0 || index >= static_cast<int>(trackers_.size()))
+        return;
+    if (currentTracker_) {
+        currentTracker_->stop();
+        // Nobody could see or end the old tracker's record any more, so it is saved now.
+        currentTracker_->stopRecord();
+    }
+    currentTracker_ = trackers_[static_cast<std::size_t>(index)].tracker;
+
+    const QSignalBlocker blocker(trackerCombo_);
+    trackerCombo_->setCurrentIndex(index);
+    viewStack_->setCurrentIndex(index);
+    for (BaseEyetrackerWidget *widget : trackerWidgets_)
+        widget->setEyetracker(currentTracker_);
+
+    currentTracker_->start();
+    settings_->setSelectedTracker(currentTracker_->name());
+}
+
+bool MainWindow::hidesIntoTray() const {
+    // Without a tray there would be no way back to a hidden window.
+    return settings_->getHideWindowOnStart() && QSystemTrayIcon::isSystemTrayAvailable();
+}
+
+void MainWindow::toggleVisible() {
+    setVisible(!isVisible());
+    if (isVisible()) {
+        raise();
+        activateWindow();
+    }
+}
+
+void MainWindow::closeEvent(QCloseEvent *event) {
+    if (isVisible() && hidesIntoTray()) {
+        event->ignore();
+        hide();
+        return;
+    }
+    if (currentTracker_)
+        currentTracker_->stop();
+    event->accept();
+    // Asked for by hand, as a calibration screen that closes while this window is hidden must not end the
+    // program.
+    QCoreApplication::quit();
+}
+
+void MainWindow::changeEvent(QEvent *event) {
+    if (event->type() == QEvent::LanguageChange && trayIcon_)
+        retranslate();
+    QMainWindow::changeEvent(event);
+}

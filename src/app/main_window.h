@@ -1,0 +1,71 @@
+#pragma once
+
+#include "app/settings.h"
+
+#include <QMainWindow>
+#include <QSystemTrayIcon>
+#include <functional>
+#include <vector>
+
+class BaseEyetrackerWidget;
+class EyetrackerInterface;
+class NewVersionButton;
+class QComboBox;
+class QGridLayout;
+class QMenu;
+class QStackedWidget;
+class QTabWidget;
+
+/// The program's window, and the owner of everything that lives for the whole run: settings, trackers, the
+/// widgets bound to the selected tracker, and the tray icon. GUI thread only.
+///
+/// Exactly one tracker is started at a time: the selected one. Selecting another stops the old one, starts
+/// the new one and stores the choice. Closing hides the window into the tray while HideWindowOnStart is set,
+/// and ends the program otherwise.
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+
+public:
+    explicit MainWindow(QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    struct Tracker {
+        EyetrackerInterface *tracker;
+        QWidget *view;  ///< the camera view; null when the tracker has none
+    };
+
+    void buildSettings();
+    void buildTrackers();
+    [[nodiscard]] QWidget *buildMainPage();
+    [[nodiscard]] QWidget *buildSettingsPage();
+    void buildPages();
+    void buildTray();
+    void selectFirstTracker();
+
+    void addTracker(EyetrackerInterface *tracker);
+    void trackerIndexChanged(int index);
+    [[nodiscard]] bool hidesIntoTray() const;
+    void toggleVisible();
+    void retranslate();
+
+    QString dataFolder_;
+    Settings *settings_ = nullptr;
+    std::vector<Tracker> trackers_;
+    EyetrackerInterface *currentTracker_ = nullptr;
+    std::vector<BaseEyetrackerWidget *> trackerWidgets_;
+
+    QTabWidget *pages_ = nullptr;
+    QTabWidget *settingsTabs_ = nullptr;
+    NewVersionButton *newVersionButton_ = nullptr;
+    QComboBox *trackerCombo_ = nullptr;
+    QStackedWidget *viewStack_ = nullptr;
+    QSystemTrayIcon *trayIcon_ = nullptr;
+    QMenu *trayMenu_ = nullptr;
+    QAction *showAction_ = nullptr;
+    QAction *quitAction_ = nullptr;
+};

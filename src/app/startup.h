@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QPixmap>
+
+/// The steps that main() takes before there is a window, in the order of their use. GUI thread only.
+namespace startup {
+
+/// What Qt wants to know before the application object exists.
+void prepareApplication();
+
+/// Names that decide where per-user data lies.
+void setIdentity();
+
+/// Whether another copy of the program runs already; then the user has been told.
+[[nodiscard]] bool refuseSecondInstance();
+
+[[nodiscard]] QPixmap splashImage();
+void loadFonts();
+void applyStyle();
+
+/// Makes the folder that records go to when no path is given, so that a first record lands.
+void createRecordsFolder();
+
+/// Title of the main window.
+[[nodiscard]] QString windowTitle();
+
+}  // namespace startup

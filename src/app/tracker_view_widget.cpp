@@ -1,0 +1,155 @@
+#include "app/tracker_view_widget.h"
+
+#include "core/eyetracker_interface.h"
+#include "toolkit/global_keyboard.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QCursor>
+#include <QEvent>
+#include <QGridLayout>
+#include <QGuiApplication>
+#include <QIcon>
+#include <QPushButton>
+#include <QScreen>
+#include <QSignalBlocker>
+
+namespace {
+
+const QIcon &monitorIcon() {
+    static const QIcon icon(":/icons/monitor.svg");
+    return icon;
+}
+
+/// Where the sample's gaze is on the desktop. Trackers that count the screen's own pixels count the primary
+/// screen's.
+QPoint desktopPosition(const EyeTrackingSample &sample, EyetrackerInterface::PixelUnit unit) {
+    const QPoint position(sample.x_px, sample.y_px);
+    if (unit == EyetrackerInterface::PixelUnit::Desktop)
+        return position;
+    return position / QGuiApplication::primaryScreen()->devicePixelRatio();
+}
+
+}  // namespace
+
+TrackerViewWidget::TrackerViewWidget(QWidget *parent) : BaseEyetrackerWidget(parent) {
+    buildButtons();
+    buildScreenList();
+    buildCursorControl();
+    buildLayout();
+    retranslate();
+}
+
+TrackerViewWidget::~TrackerViewWidget() {
+    delete startButton_;
+    delete stopButton_;
+}
+
+void TrackerViewWidget::buildButtons() {
+    calibrateButton_ = new QPushButton(this);
+    startButton_ = new QPushButton;
+    stopButton_ = new QPushButton;
+    startRecordButton_ = new QPushButton(this);
+    stopRecordButton_ = new QPushButton(this);
+    stopRecordButton_->hide();
+
+    const auto onClick = [this](QPushButton *button, auto action) {
+        connect(button, &QPushButton::clicked, this, [this, action] {
+            if (eyetracker_)
+                action(eyetracker_);
+        });
+    };
+    onClick(calibrateButton_,
+            [this](EyetrackerInterface *tracker) { tracker->calibrateScreen(screenCombo_->currentIndex()); });
+    onClick(startButton_, [](EyetrackerInterface *tracker) { tracker->start(); });
+    onClick(stopButton_, [](EyetrackerInterface *tracker) { tracker->stop(); });
+    onClick(startRecordButton_, [](EyetrackerInterface *tracker) { tracker->startRecord(); });
+    onClick(stopRecordButton_, [](EyetrackerInterface *tracker) { tracker->stopRecord(); });
+}
+
+void TrackerViewWidget::buildScreenList() {
+    screenCombo_ = new QComboBox(this);
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    for (const QScreen *screen : screens) {
+        screenSizes_.push_back(screen->geometry().size());
+        screenCombo_->addItem(monitorIcon(), QString());
+    }
+    screenCombo_->setCurrentIndex(0);
+}
+
+void TrackerViewWidget::buildCursorControl() {
+    cursorCheckBox_ = new QCheckBox(this);
+    connect(cursorCheckBox_, &QCheckBox::toggled, this, &TrackerViewWidget::setControlCursor);
+
+    GlobalKeyboard::Install();
+    connect(GlobalKeyboard::Instance(), &GlobalKeyboard::keyPressed, this, [this](Qt::Key key) {
+        if (key == Qt::Key_F10)
+            setControlCursor(!controlCursor_);
+    });
+}
+
+void TrackerViewWidget::buildLayout() {
+    auto *layout = new QGridLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(calibrateButton_, 0, 0);
+    layout->addWidget(screenCombo_, 0, 1);
+    layout->addWidget(startRecordButton_, 2, 0, 1, 2);
+    layout->addWidget(stopRecordButton_, 2, 0, 1, 2);
+    layout->addWidget(cursorCheckBox_, 3, 0, 1, 2);
+}
+
+void TrackerViewWidget::retranslate() {
+    calibrateButton_->setText(tr("Calibrate"));
+    startButton_->setText(tr("Start"));
+    stopButton_->setText(tr("Stop"));
+    startRecordButton_->setText(tr("Start record"));
+    stopRecordButton_->setText(tr("Stop record"));
+    cursorCheckBox_->setText(tr("Control cursor (Press F10)"));
+
+    int index = 0;
+    for (const QSize &size : screenSizes_) {
+        const QString text = tr("Screen") + QString(" #%1 (%2x%3)").arg(index + 1).arg(size.width()).arg(size.height());
+        screenCombo_->setItemText(index++, text);
+    }
+}
+
+void TrackerViewWidget::eyetrackerChanged() {
+    EyetrackerInterface *tracker = eyetracker_;
+    if (!tracker)
+        return;
+    // Direct: the cursor follows without waiting for the event loop.
+    connections_ << connect(
+                        tracker, &EyetrackerInterface::recordStarted, tracker, [this] { showRecording(true); },
+                        Qt::DirectConnection)
+                 << connect(
+                        tracker, &EyetrackerInterface::recordStopped, tracker, [this] { showRecording(false); },
+                        Qt::DirectConnection)
+                 << connect(
+                        tracker, &EyetrackerInterface::newSample, tracker,
+                        [this](const EyeTrackingSample &sample) { followGaze(sample); }, Qt::DirectConnection);
+}
+
+void TrackerViewWidget::changeEvent(QEvent *event) {
+    if (event->type() == QEvent::LanguageChange)
+        retranslate();
+    BaseEyetrackerWidget::changeEvent(event);
+}
+
+void TrackerViewWidget::showRecording(bool recording) {
+    startRecordButton_->setVisible(!recording);
+    stopRecordButton_->setVisible(recording);
+}
+
+void TrackerViewWidget::setControlCursor(bool on) {
+    controlCursor_ = on;
+    const QSignalBlocker blocker(cursorCheckBox_);
+    cursorCheckBox_->setChecked(on);
+}
+
+void TrackerViewWidget::followGaze(const EyeTrackingSample &sample) {
+    if (!controlCursor_ || !sample.valid)
+        return;
+    const EyetrackerInterface::PixelUnit unit = eyetracker_->pixelUnit();
+    // The cursor belongs to the GUI thread; a sample from there moves it at once, any other a moment later.
+    QMetaObject::invokeMethod(this, [sample, unit] { QCursor::setPos(desktopPosition(sample, unit)); });
+}

@@ -1,0 +1,120 @@
+#include "views/eyetracker_sample_viewer.h"
+
+#include "core/eyetracker_interface.h"
+#include "toolkit/ui_helper.h"
+#include "views/sample_texts.h"
+
+#include <QEvent>
+#include <QGridLayout>
+#include <QLabel>
+
+namespace {
+
+constexpr char headerName[] = "eyeH1";
+constexpr char captionName[] = "eyeHeader";
+
+}  // namespace
+
+EyetrackerSampleViewer::EyetrackerSampleViewer(QWidget *parent) : BaseEyetrackerWidget(parent) {
+    setStyleSheet("#eyeH1 { font-size: 16px } #eyeHeader { color: #666 } #colon { color: #CCC; display: none; }");
+
+    auto *main = new QGridLayout(this);
+    main->setContentsMargins(0, 0, 0, 0);
+    main->setHorizontalSpacing(20);
+    main->setRowStretch(1, 100);
+    buildCommonColumn(addColumn(main, 0));
+    left_ = buildEyeColumn(addColumn(main, 1), QT_TR_NOOP("Left eye"));
+    right_ = buildEyeColumn(addColumn(main, 2), QT_TR_NOOP("Right eye"));
+
+    retranslate();
+}
+
+QGridLayout *EyetrackerSampleViewer::addColumn(QGridLayout *main, int column) {
+    auto *grid = new QGridLayout;
+    grid->setHorizontalSpacing(10);
+    main->addLayout(grid, 1, column, Qt::AlignLeft | Qt::AlignTop);
+    return grid;
+}
+
+void EyetrackerSampleViewer::buildCommonColumn(QGridLayout *grid) {
+    addHeader(grid, QT_TR_NOOP("Common"));
+    addCaption(grid, 1, QT_TR_NOOP("Valid"));
+    addCaption(grid, 2, QT_TR_NOOP("Eyes"));
+    addCaption(grid, 3, QT_TR_NOOP("Position"));
+    addCaption(grid, 7, QT_TR_NOOP("Focus"));
+    addCaption(grid, 8, QT_TR_NOOP("Distance"));
+
+    int row = 0;
+    for (QLabel **value : {&valid_, &eyes_, &xPercent_, &yPercent_, &xPixels_, &yPixels_, &focus_, &distance_})
+        *value = addValue(grid, ++row, 2);
+}
+
+EyetrackerSampleViewer::Eye EyetrackerSampleViewer::buildEyeColumn(QGridLayout *grid, const char *header) {
+    addHeader(grid, header);
+    addCaption(grid, 1, QT_TR_NOOP("Valid"));
+    grid->addWidget(UIHelper::GenerateLabelWithName(captionName, "X", this), 2, 0);
+    grid->addWidget(UIHelper::GenerateLabelWithName(captionName, "Y", this), 3, 0);
+    addCaption(grid, 4, QT_TR_NOOP("Pupil"));
+    return {addValue(grid, 1, 1), addValue(grid, 2, 1), addValue(grid, 3, 1), addValue(grid, 4, 1)};
+}
+
+void EyetrackerSampleViewer::addHeader(QGridLayout *grid, const char *text) {
+    QLabel *label = UIHelper::GenerateLabelWithName(headerName, tr(text), this);
+    grid->addWidget(label, 0, 0, 1, 3);
+    captions_.emplace_back(label, text);
+}
+
+void EyetrackerSampleViewer::addCaption(QGridLayout *grid, int row, const char *text) {
+    QLabel *label = UIHelper::GenerateLabelWithName(captionName, tr(text), this);
+    grid->addWidget(label, row, 0);
+    captions_.emplace_back(label, text);
+}
+
+QLabel *EyetrackerSampleViewer::addValue(QGridLayout *grid, int row, int column) {
+    auto *label = new QLabel("?", this);
+    label->setTextFormat(Qt::PlainText);
+    grid->addWidget(label, row, column, Qt::AlignRight);
+    return label;
+}
+
+void EyetrackerSampleViewer::eyetrackerChanged() {
+    if (!eyetracker_) {
+        display(EyeTrackingSample());
+        return;
+    }
+    connections_ << connect(eyetracker_, &EyetrackerInterface::newSample, this, &EyetrackerSampleViewer::display,
+                            Qt::QueuedConnection);
+}
+
+void EyetrackerSampleViewer::changeEvent(QEvent *event) {
+    if (event->type() == QEvent::LanguageChange)
+        retranslate();
+    BaseEyetrackerWidget::changeEvent(event);
+}
+
+void EyetrackerSampleViewer::retranslate() {
+    for (const auto &[label, text] : captions_)
+        label->setText(tr(text));
+    display(sample_);
+}
+
+void EyetrackerSampleViewer::display(const EyeTrackingSample &sample) {
+    sample_ = sample;
+    const SampleTexts texts(sample, tr("cm"), tr("mm"));
+    valid_->setText(texts.valid);
+    eyes_->setText(texts.eyes);
+    xPercent_->setText(texts.xPercent);
+    yPercent_->setText(texts.yPercent);
+    xPixels_->setText(texts.xPixels);
+    yPixels_->setText(texts.yPixels);
+    focus_->setText(texts.focus);
+    distance_->setText(texts.distance);
+    const auto show = [](const Eye &eye, const EyeTexts &eyeTexts) {
+        eye.valid->setText(eyeTexts.valid);
+        eye.x->setText(eyeTexts.x);
+        eye.y->setText(eyeTexts.y);
+        eye.pupil->setText(eyeTexts.pupil);
+    };
+    show(left_, texts.left);
+    show(right_, texts.right);
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "core/eye_tracking_sample.h"
+#include "views/base_eyetracker_widget.h"
+
+#include <utility>
+#include <vector>
+
+class QGridLayout;
+class QLabel;
+
+/// Shows the latest sample in three columns: common gaze, left eye, right eye.
+///
+/// Samples arrive queued on the GUI thread and each is shown; nothing is throttled. The labels keep the last
+/// sample's values when the tracker changes, until the next sample.
+class EyetrackerSampleViewer : public BaseEyetrackerWidget {
+    Q_OBJECT
+
+public:
+    explicit EyetrackerSampleViewer(QWidget *parent = nullptr);
+
+protected:
+    void eyetrackerChanged() override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    struct Eye {
+        QLabel *valid;
+        QLabel *x;
+        QLabel *y;
+        QLabel *pupil;
+    };
+
+    [[nodiscard]] QGridLayout *addColumn(QGridLayout *main, int column);
+    void buildCommonColumn(QGridLayout *grid);
+    [[nodiscard]] Eye buildEyeColumn(QGridLayout *grid, const char *header);
+    void addHeader(QGridLayout *grid, const char *text);
+    void addCaption(QGridLayout *grid, int row, const char *text);
+    [[nodiscard]] QLabel *addValue(QGridLayout *grid, int row, int column);
+    void retranslate();
+    void display(const EyeTrackingSample &sample);
+
+    EyeTrackingSample sample_;
+    std::vector<std::pair<QLabel *, const char *>> captions_;  ///< labels with the source texts they translate
+
+    QLabel *valid_ = nullptr;
+    QLabel *eyes_ = nullptr;
+    QLabel *xPercent_ = nullptr;
+    QLabel *yPercent_ = nullptr;
+    QLabel *xPixels_ = nullptr;
+    QLabel *yPixels_ = nullptr;
+    QLabel *focus_ = nullptr;
+    QLabel *distance_ = nullptr;
+    Eye left_{};
+    Eye right_{};
+};
