@@ -1,0 +1,16 @@
+#include "gazepoint/messages.h"
+
+namespace sim::gazepoint {
+
+QByteArray message(const char *tag, const QByteArray &id, const QVector<Attribute> &attributes) {
+    QByteArray text = QByteArray("<") + tag + " ID=\"" + id + "\"";
+    for (const Attribute &attribute : attributes)
+        text += " " + attribute.name + "=\"" + attribute.value + "\"";
+    return text + " />";
+}
+
+QByteArray decimals(double value, int count) {
+    return QByteArray::number(value, 'f', count);
+}
+
+}  // namespace sim::gazepoint
