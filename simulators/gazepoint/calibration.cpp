@@ -146,8 +146,7 @@ QByteArray Calibration::resultMessage() const {
         const QByteArray suffix = QByteArray::number(++number);
         attributes << Attribute{"CALX" + suffix, decimals(point.target.x, kResultDecimals)}
                    << Attribute{"CALY" + suffix, decimals(point.target.y, kResultDecimals)}
-                   << gazeAttributes('L', suffix, point.left.gaze())
-                   << gazeAttributes('R', suffix, point.right.gaze());
+                   << gazeAttributes('L', suffix, point.left.gaze()) << gazeAttributes('R', suffix, point.right.gaze());
     }
     return message("CAL", "CALIB_RESULT", attributes);
 }

@@ -85,8 +85,7 @@ void Client::sendHeldBack() {
 void Client::write(const QByteArray &bytes) {
     if (!heldBack_.isEmpty())
         sendHeldBack();
-    if (bytes.isEmpty() || socket_->state() != QAbstractSocket::ConnectedState ||
-        faults_.isSilent(sinceEnabled()))
+    if (bytes.isEmpty() || socket_->state() != QAbstractSocket::ConnectedState || faults_.isSilent(sinceEnabled()))
         return;
     if (socket_->bytesToWrite() > kMostUnread) {
         qCWarning(lcGazepointSimulator) << "a client does not read what it asked for; it is disconnected";

@@ -25,8 +25,7 @@ class Client : public QObject {
 public:
     static constexpr qint64 kMostUnread = 4 * 1024 * 1024;
 
-    Client(QTcpSocket *socket, Device *device, const FaultOptions &faults, const LinePlayer &player,
-           QObject *parent);
+    Client(QTcpSocket *socket, Device *device, const FaultOptions &faults, const LinePlayer &player, QObject *parent);
 
     /// Sends what one sample brought, taken at `seconds` of the server's clock.
     void deliver(const Device::Step &step, double seconds);

@@ -15,8 +15,7 @@ constexpr int kMostJoined = 4;
 
 /// What takes the place of a value.
 const QVector<QByteArray> &oddValues() {
-    static const QVector<QByteArray> values{"NaN",    "nan", "inf", "-inf", "1e999",
-                                            "-1e999", "",    "abc", "0x1F", "1,5"};
+    static const QVector<QByteArray> values{"NaN", "nan", "inf", "-inf", "1e999", "-1e999", "", "abc", "0x1F", "1,5"};
     return values;
 }
 
@@ -45,8 +44,7 @@ std::optional<Fault> faultOfName(const QString &name) {
     return std::nullopt;
 }
 
-FaultInjector::FaultInjector(const FaultOptions &options, std::uint64_t seed)
-    : options_(options), random_(seed) {}
+FaultInjector::FaultInjector(const FaultOptions &options, std::uint64_t seed) : options_(options), random_(seed) {}
 
 bool FaultInjector::isSilent(double since) const {
     return options_.has(Fault::Silent) && since >= options_.after;
@@ -137,8 +135,7 @@ void FaultInjector::split(Delivery *delivery) {
     QVector<Delivery::Segment> halves;
     for (const Delivery::Segment &segment : delivery->segments) {
         const int middle = segment.bytes.size() / 2;
-        halves << Delivery::Segment{segment.bytes.left(middle)}
-               << Delivery::Segment{segment.bytes.mid(middle), true};
+        halves << Delivery::Segment{segment.bytes.left(middle)} << Delivery::Segment{segment.bytes.mid(middle), true};
     }
     delivery->segments = halves;
 }

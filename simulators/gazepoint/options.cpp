@@ -21,8 +21,7 @@ public:
     double number(const QString &option, double low, double high) {
         bool ok = false;
         const double value = parser_.value(option).toDouble(&ok);
-        return check(ok && value >= low && value <= high, option,
-                     QString("a number from %1 to %2").arg(low).arg(high))
+        return check(ok && value >= low && value <= high, option, QString("a number from %1 to %2").arg(low).arg(high))
                    ? value
                    : low;
     }
@@ -95,8 +94,7 @@ void declare(QCommandLineParser *parser) {
         {"blink-interval", "Seconds between blinks; 0: no blinks.", "SECONDS", "4"},
         {"follow-mouse", "The person looks at the mouse pointer (needs a display)."},
         {"record", "The person acts out a recorded CSV file.", "FILE"},
-        {"lines", "Send the <REC .../> lines of a file, whatever is switched on, in place of the person's.",
-         "FILE"},
+        {"lines", "Send the <REC .../> lines of a file, whatever is switched on, in place of the person's.", "FILE"},
         {"once", "With --record or --lines: do not start again at the end."},
         {"fault", faultHelp(), "NAME[,NAME...]"},
         {"fault-after", "Seconds of good data before the faults begin.", "SECONDS", "2"},

@@ -24,8 +24,7 @@ void PointerSource::poll() {
         return;
     const QRect area = screen->geometry();
     const QPoint position = QCursor::pos() - area.topLeft();
-    report_({static_cast<double>(position.x()) / area.width(),
-             static_cast<double>(position.y()) / area.height()});
+    report_({static_cast<double>(position.x()) / area.width(), static_cast<double>(position.y()) / area.height()});
 }
 
 }  // namespace sim::gazepoint

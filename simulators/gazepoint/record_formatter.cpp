@@ -13,9 +13,7 @@ constexpr double kMetresPerMm = 0.001;
 class Fields {
 public:
     void add(const char *name, double value) { add(name, decimals(value, kDecimals)); }
-    void add(const char *name, std::int64_t value) {
-        add(name, QByteArray::number(static_cast<qlonglong>(value)));
-    }
+    void add(const char *name, std::int64_t value) { add(name, QByteArray::number(static_cast<qlonglong>(value))); }
     void add(const char *name, int value) { add(name, static_cast<std::int64_t>(value)); }
     void add(const char *name, bool value) { add(name, value ? 1 : 0); }
     void add(const char *name, const QByteArray &value) {

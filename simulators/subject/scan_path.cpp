@@ -72,8 +72,8 @@ void ScanPath::release(double now) {
 void ScanPath::decide() {
     if (!goal_) {
         moveTo(nextTarget());
-        nextDecision_ = saccade_.end() + random_.logNormalWithin(kFixationMedian, kFixationSigma,
-                                                                 kFixationShortest, kFixationLongest);
+        nextDecision_ = saccade_.end() +
+                        random_.logNormalWithin(kFixationMedian, kFixationSigma, kFixationShortest, kFixationLongest);
     } else if (setup_.degreesBetween(saccade_.to, *goal_) > kOnTarget) {
         moveTo(*goal_);
         nextDecision_ = saccade_.end();
@@ -94,8 +94,8 @@ Point ScanPath::nextTarget() {
         const double amplitude =
             random_.logNormalWithin(kAmplitudeMedian, kAmplitudeSigma, kAmplitudeSmallest, kAmplitudeLargest);
         const double direction = random_.uniform(0, 6.283185307179586);
-        const Point target = saccade_.to + setup_.fromDegrees(amplitude * std::cos(direction),
-                                                              amplitude * std::sin(direction));
+        const Point target =
+            saccade_.to + setup_.fromDegrees(amplitude * std::cos(direction), amplitude * std::sin(direction));
         if (onScreen(target))
             return target;
     }

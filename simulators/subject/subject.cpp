@@ -32,8 +32,7 @@ constexpr double kLargestPupil_mm = 8;
 }  // namespace
 
 // Tremor and drift on two axes, equally strong: four equal parts of the variance.
-Subject::EyeModel::EyeModel(std::uint64_t seed, const SubjectOptions &options, double vergence_deg,
-                            Point centre)
+Subject::EyeModel::EyeModel(std::uint64_t seed, const SubjectOptions &options, double vergence_deg, Point centre)
     : tremor(mix(seed), kTremorPeriod, options.fixationNoise_deg / 2),
       drift(mix(seed + 2), kDriftPeriod, options.fixationNoise_deg / 2),
       offset(options.setup.fromDegrees(vergence_deg + kAccuracy_deg * normalOf(mix(seed + 4)),
@@ -96,8 +95,8 @@ Eye Subject::liveEye(const EyeModel &model, Point gaze, bool visible) const {
     Eye eye;
     eye.visible = visible;
     eye.gaze = gaze + eyeError(model);
-    eye.pupil_mm = std::clamp(restingPupil_mm_ + commonPupil_.at(now_) + model.pupil.at(now_),
-                              kSmallestPupil_mm, kLargestPupil_mm);
+    eye.pupil_mm = std::clamp(restingPupil_mm_ + commonPupil_.at(now_) + model.pupil.at(now_), kSmallestPupil_mm,
+                              kLargestPupil_mm);
     eye.pupilCentre = model.centreInImage + head_.at(now_) + (gaze - Point{0.5, 0.5}) * kRotationInImage;
     return eye;
 }
@@ -113,8 +112,7 @@ EyeState Subject::played() {
     const double elapsed = now_ - playedFrom_;
     const bool over = playOnce_ && elapsed > duration;
     EyeState state = live();
-    const EyeState &recorded =
-        recording_->at(duration > 0 && !playOnce_ ? std::fmod(elapsed, duration) : elapsed);
+    const EyeState &recorded = recording_->at(duration > 0 && !playOnce_ ? std::fmod(elapsed, duration) : elapsed);
     const auto copy = [over](const Eye &from, Eye *to) {
         to->visible = from.visible && !over;
         to->gaze = from.gaze;

@@ -20,12 +20,20 @@
 #include <QStackedWidget>
 #include <QTabWidget>
 
+namespace {
+
+constexpr int pageMargin = 12;
+constexpr QSize firstSize(520, 420);
+
+}  // namespace
+
 MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent) {
     buildSettings();
     buildTrackers();
     buildPages();
     buildTray();
     retranslate();
+    resize(firstSize.expandedTo(sizeHint()));
     if (!hidesIntoTray())
         show();
     selectFirstTracker();
@@ -96,14 +104,15 @@ QWidget *MainWindow::buildMainPage() {
     connect(trackerCombo_, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &MainWindow::trackerIndexChanged);
 
     auto *page = new QWidget;
-    auto *grid = new QGridLayout(page);
+    QGridLayout *grid = mainGrid_ = new QGridLayout(page);
+    grid->setContentsMargins(pageMargin, pageMargin, pageMargin, pageMargin);
+    grid->setVerticalSpacing(pageMargin);
     grid->addWidget(trackerCombo_, 0, 0, Qt::AlignLeft);
     grid->addWidget(indicator, 0, 1, Qt::AlignLeft);
     grid->addWidget(panel, 1, 0, 1, 2);
     grid->addWidget(viewStack_, 2, 0, 1, 2);
     grid->addWidget(viewer, 3, 0, 1, 2);
     grid->setColumnStretch(1, 1);
-    grid->setRowStretch(2, 1);
     return page;
 }
 
@@ -157,12 +166,21 @@ void MainWindow::trackerIndexChanged(int index) {
 
     const QSignalBlocker blocker(trackerCombo_);
     trackerCombo_->setCurrentIndex(index);
-    viewStack_->setCurrentIndex(index);
+    showView(index);
     for (BaseEyetrackerWidget *widget : trackerWidgets_)
         widget->setEyetracker(currentTracker_);
 
     currentTracker_->start();
     settings_->setSelectedTracker(currentTracker_->name());
+}
+
+void MainWindow::showView(int index) {
+    const bool hasView = trackers_[static_cast<std::size_t>(index)].view;
+    viewStack_->setCurrentIndex(index);
+    // Without a camera view the room goes below the sample, not between it and the controls.
+    viewStack_->setVisible(hasView);
+    mainGrid_->setRowStretch(2, hasView ? 1 : 0);
+    mainGrid_->setRowStretch(3, hasView ? 0 : 1);
 }
 
 bool MainWindow::hidesIntoTray() const {

@@ -49,6 +49,7 @@ private:
 
     void addTracker(EyetrackerInterface *tracker);
     void trackerIndexChanged(int index);
+    void showView(int index);
     [[nodiscard]] bool hidesIntoTray() const;
     void toggleVisible();
     void retranslate();
@@ -62,6 +63,7 @@ private:
     QTabWidget *pages_ = nullptr;
     QTabWidget *settingsTabs_ = nullptr;
     NewVersionButton *newVersionButton_ = nullptr;
+    QGridLayout *mainGrid_ = nullptr;
     QComboBox *trackerCombo_ = nullptr;
     QStackedWidget *viewStack_ = nullptr;
     QSystemTrayIcon *trayIcon_ = nullptr;

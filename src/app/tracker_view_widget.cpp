@@ -16,6 +16,8 @@
 
 namespace {
 
+constexpr int spacing = 8;
+
 const QIcon &monitorIcon() {
     static const QIcon icon(":/icons/monitor.svg");
     return icon;
@@ -91,6 +93,9 @@ void TrackerViewWidget::buildCursorControl() {
 void TrackerViewWidget::buildLayout() {
     auto *layout = new QGridLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(spacing);
+    // An empty row takes its spacing away with it.
+    layout->setRowMinimumHeight(1, spacing);
     layout->addWidget(calibrateButton_, 0, 0);
     layout->addWidget(screenCombo_, 0, 1);
     layout->addWidget(startRecordButton_, 2, 0, 1, 2);

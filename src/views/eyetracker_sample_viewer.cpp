@@ -13,6 +13,17 @@ namespace {
 constexpr char headerName[] = "eyeH1";
 constexpr char captionName[] = "eyeHeader";
 
+/// Labels only ever grow: a label of fixed size changes its text without laying out the whole window anew, which
+/// hundreds of samples a second would make the program's main work. The columns also stand still that way.
+void showText(QLabel *label, const QString &text) {
+    if (label->text() == text)
+        return;
+    label->setText(text);
+    const QSize needed = label->sizeHint().expandedTo(label->minimumSize());
+    if (needed != label->maximumSize())
+        label->setFixedSize(needed);
+}
+
 }  // namespace
 
 EyetrackerSampleViewer::EyetrackerSampleViewer(QWidget *parent) : BaseEyetrackerWidget(parent) {
@@ -73,6 +84,7 @@ void EyetrackerSampleViewer::addCaption(QGridLayout *grid, int row, const char *
 QLabel *EyetrackerSampleViewer::addValue(QGridLayout *grid, int row, int column) {
     auto *label = new QLabel("?", this);
     label->setTextFormat(Qt::PlainText);
+    label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     grid->addWidget(label, row, column, Qt::AlignRight);
     return label;
 }
@@ -101,20 +113,21 @@ void EyetrackerSampleViewer::retranslate() {
 void EyetrackerSampleViewer::display(const EyeTrackingSample &sample) {
     sample_ = sample;
     const SampleTexts texts(sample, tr("cm"), tr("mm"));
-    valid_->setText(texts.valid);
-    eyes_->setText(texts.eyes);
-    xPercent_->setText(texts.xPercent);
-    yPercent_->setText(texts.yPercent);
-    xPixels_->setText(texts.xPixels);
-    yPixels_->setText(texts.yPixels);
-    focus_->setText(texts.focus);
-    distance_->setText(texts.distance);
-    const auto show = [](const Eye &eye, const EyeTexts &eyeTexts) {
-        eye.valid->setText(eyeTexts.valid);
-        eye.x->setText(eyeTexts.x);
-        eye.y->setText(eyeTexts.y);
-        eye.pupil->setText(eyeTexts.pupil);
-    };
-    show(left_, texts.left);
-    show(right_, texts.right);
+    showText(valid_, texts.valid);
+    showText(eyes_, texts.eyes);
+    showText(xPercent_, texts.xPercent);
+    showText(yPercent_, texts.yPercent);
+    showText(xPixels_, texts.xPixels);
+    showText(yPixels_, texts.yPixels);
+    showText(focus_, texts.focus);
+    showText(distance_, texts.distance);
+    showEye(left_, texts.left);
+    showEye(right_, texts.right);
+}
+
+void EyetrackerSampleViewer::showEye(const Eye &eye, const EyeTexts &texts) {
+    showText(eye.valid, texts.valid);
+    showText(eye.x, texts.x);
+    showText(eye.y, texts.y);
+    showText(eye.pupil, texts.pupil);
 }

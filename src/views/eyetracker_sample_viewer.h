@@ -8,6 +8,7 @@
 
 class QGridLayout;
 class QLabel;
+struct EyeTexts;
 
 /// Shows the latest sample in three columns: common gaze, left eye, right eye.
 ///
@@ -39,6 +40,7 @@ private:
     [[nodiscard]] QLabel *addValue(QGridLayout *grid, int row, int column);
     void retranslate();
     void display(const EyeTrackingSample &sample);
+    static void showEye(const Eye &eye, const EyeTexts &texts);
 
     EyeTrackingSample sample_;
     std::vector<std::pair<QLabel *, const char *>> captions_;  ///< labels with the source texts they translate
