@@ -35,13 +35,13 @@ protected:
 private:
     struct Row {
         PropertyDescriptor descriptor;
-        QLabel *label;
-        PropertyEditor *editor;
-        QToolButton *reset;  ///< null in a read-only row
+        QLabel *label = nullptr;
+        PropertyEditor *editor = nullptr;
+        QToolButton *reset = nullptr;  ///< null in a read-only row
     };
     struct Category {
         QString name;
-        QLabel *label;
+        QLabel *label = nullptr;
     };
 
     void buildLayout();

@@ -20,7 +20,7 @@ const QLatin1String propertyElement("property");
 const QLatin1String percent("percent");
 
 // Far above any real file; keeps a wrong one (a disk image, say) from being read into memory.
-constexpr qint64 maxFileSize = 1024 * 1024;
+constexpr qint64 maxFileSize = 1 << 20;
 
 bool isPlainXmlText(const QString &text) {
     return std::all_of(text.begin(), text.end(),

@@ -1,0 +1,365 @@
+#include "support/test_main.h"
+#include "toolkit/sample_settings.h"
+
+#include <QDir>
+#include <QFile>
+#include <QMetaMethod>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <memory>
+
+class TestSettings : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void declares_a_property_completely_data();
+    void declares_a_property_completely();
+    void describes_properties_in_order_of_declaration();
+    void setter_tells_of_a_change_once();
+    void values_by_name_data();
+    void values_by_name();
+    void writes_a_file_that_a_person_can_read();
+    void keeps_any_text_data();
+    void keeps_any_text();
+    void keeps_what_it_does_not_know();
+    void reload_makes_properties_what_the_file_says();
+    void loads_values_within_their_range_data();
+    void loads_values_within_their_range();
+    void keeps_a_damaged_file_aside_data();
+    void keeps_a_damaged_file_aside();
+    void keeps_every_damaged_file();
+    void keeps_a_folder_in_its_place_aside();
+    void warns_when_it_cannot_save();
+
+private:
+    QString path(const QString &name = "settings.xml") const { return folder_->filePath(name); }
+    void write(const QByteArray &contents) const;
+    void writeProperty(const QString &name, const QString &text) const;
+    QByteArray read(const QString &file) const;
+
+    std::unique_ptr<QTemporaryDir> folder_;
+};
+
+void TestSettings::init() {
+    folder_ = std::make_unique<QTemporaryDir>();
+}
+
+void TestSettings::write(const QByteArray &contents) const {
+    QFile file(path());
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(contents);
+}
+
+void TestSettings::writeProperty(const QString &name, const QString &text) const {
+    write(QString("<settings><property name=\"%1\">%2</property></settings>").arg(name, text).toUtf8());
+}
+
+QByteArray TestSettings::read(const QString &file) const {
+    QFile device(file);
+    return device.open(QIODevice::ReadOnly) ? device.readAll() : QByteArray();
+}
+
+void TestSettings::declares_a_property_completely_data() {
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QString>("defaultText");
+
+    QTest::newRow("enum") << "Points"
+                          << "SampleSettings::Mode"
+                          << "SampleSettings::Mode::Mode_5_points";
+    QTest::newRow("int") << "TimeMs"
+                         << "int"
+                         << "2000";
+    QTest::newRow("double") << "Gain"
+                            << "double"
+                            << "1.5";
+    QTest::newRow("bool") << "Enabled"
+                          << "bool"
+                          << "true";
+    QTest::newRow("empty text") << "Title"
+                                << "QString"
+                                << "\"\"";
+    QTest::newRow("negative number") << "LastIndex"
+                                     << "int"
+                                     << "-1";
+}
+
+void TestSettings::declares_a_property_completely() {
+    QFETCH(QString, name);
+    QFETCH(QString, type);
+    QFETCH(QString, defaultText);
+    const QMetaObject &meta = SampleSettings::staticMetaObject;
+    const auto method = [&](const QString &signature) {
+        return meta.method(meta.indexOfMethod(QMetaObject::normalizedSignature(signature.toLatin1())));
+    };
+
+    const QMetaProperty property = meta.property(meta.indexOfProperty(name.toLatin1()));
+    QVERIFY(property.isReadable() && property.isWritable() && property.isResettable());
+    QCOMPARE(property.typeName(), type.toLatin1());
+    QCOMPARE(property.notifySignal().methodSignature(), QString("changed%1(%2)").arg(name, type).toLatin1());
+    QCOMPARE(method(QString("set%1(%2)").arg(name, type)).tag(), "PROPERTY_TAG");
+    QCOMPARE(method(QString("get%1()").arg(name)).tag(), "PROPERTY_TAG");
+    QCOMPARE(method(QString("get%1()").arg(name)).typeName(), type.toLatin1());
+    QCOMPARE(method(QString("reset%1()").arg(name)).tag(), "PROPERTY_TAG");
+    QCOMPARE(meta.classInfo(meta.indexOfClassInfo((name + "Default").toLatin1())).value(), defaultText.toLatin1());
+    QVERIFY(SampleSettings(path()).defaultValue(name).isValid());
+}
+
+void TestSettings::describes_properties_in_order_of_declaration() {
+    const MetaDescriptor all = SampleSettings(path()).metaDescriptor();
+    QStringList names;
+    for (const PropertyDescriptor &one : all)
+        names << one.name;
+    QCOMPARE(names, QStringList({"Language", "Points", "TimeMs", "Gain", "Enabled", "Title", "Folder", "LastIndex"}));
+
+    QCOMPARE(all[0].category, "Look");
+    QCOMPARE(all[0].choices, QStringList({"ru_RU", "en_US"}));
+    QCOMPARE(all[2].minimum, std::optional<double>(1000));
+    QCOMPARE(all[2].maximum, std::optional<double>(10000));
+    QCOMPARE(all[2].step, std::optional<double>(100));
+    QCOMPARE(all[2].suffix, "ms");
+    QVERIFY(all[2].editable && all[2].visible && !all[2].readOnly);
+    QVERIFY(all[6].readOnly);
+    QVERIFY(!all[7].visible && !all[7].minimum);
+}
+
+void TestSettings::setter_tells_of_a_change_once() {
+    SampleSettings settings(path());
+    QStringList calls;
+    connect(&settings, &SampleSettings::changedTimeMs, this, [&](int ms) { calls << QString::number(ms); });
+    connect(&settings, &SampleSettings::changedProperty, this, [&](const QString &name) { calls << name; });
+
+    settings.setTimeMs(2000);
+    QCOMPARE(calls, QStringList());
+    settings.setTimeMs(3000);
+    settings.setTimeMs(3000);
+    QCOMPARE(calls, QStringList({"3000", "TimeMs"}));
+    settings.resetTimeMs();
+    settings.resetTimeMs();
+    QCOMPARE(calls, QStringList({"3000", "TimeMs", "2000", "TimeMs"}));
+}
+
+void TestSettings::values_by_name_data() {
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<bool>("accepted");
+    QTest::addColumn<QString>("text");
+
+    QTest::newRow("number") << "TimeMs" << QVariant(1500) << true << "1500";
+    QTest::newRow("number as text") << "TimeMs" << QVariant("1500") << true << "1500";
+    QTest::newRow("no value") << "TimeMs" << QVariant() << false << "2000";
+    QTest::newRow("enum by key") << "Points" << QVariant("Mode_16_points") << true << "Mode_16_points";
+    QTest::newRow("enum by number") << "Points" << QVariant(1) << true << "Mode_9_points";
+    QTest::newRow("number that is no key") << "Points" << QVariant(2) << false << "Mode_5_points";
+    QTest::newRow("language that is offered") << "Language" << QVariant("ru_RU") << true << "ru_RU";
+    QTest::newRow("language that is not offered") << "Language" << QVariant("fr_FR") << false << "en_US";
+    QTest::newRow("unknown property") << "Nothing" << QVariant(1) << false << "";
+    QTest::newRow("a property of every object") << "objectName" << QVariant("x") << false << "";
+}
+
+void TestSettings::values_by_name() {
+    QFETCH(QString, name);
+    QFETCH(QVariant, value);
+    QFETCH(bool, accepted);
+    QFETCH(QString, text);
+
+    SampleSettings settings(path());
+    settings.setLanguage("en_US");
+    QCOMPARE(settings.setValue(name, value), accepted);
+    QCOMPARE(settings.getValue(name).toString(), text);
+    QCOMPARE(settings.containsProperty(name), !text.isEmpty());
+}
+
+void TestSettings::writes_a_file_that_a_person_can_read() {
+    SampleSettings settings(path("new folder/settings.xml"));
+    settings.setLanguage("ru_RU");
+    settings.setTitle("Взгляд <1>");
+    settings.setPoints(SampleSettings::Mode_9_points);
+    settings.setGain(0.1);
+
+    QCOMPARE(QString::fromUtf8(read(settings.filePath())),
+             QString("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                     "<settings version=\"1\">\n"
+                     "    <property name=\"Language\">ru_RU</property>\n"
+                     "    <property name=\"Points\">Mode_9_points</property>\n"
+                     "    <property name=\"TimeMs\">2000</property>\n"
+                     "    <property name=\"Gain\">0.1</property>\n"
+                     "    <property name=\"Enabled\">true</property>\n"
+                     "    <property name=\"Title\">Взгляд &lt;1&gt;</property>\n"
+                     "    <property name=\"Folder\">ab</property>\n"
+                     "    <property name=\"LastIndex\">-1</property>\n"
+                     "</settings>\n"));
+}
+
+void TestSettings::keeps_any_text_data() {
+    QTest::addColumn<QString>("text");
+    QTest::newRow("nothing") << "";
+    QTest::newRow("blanks around") << "  a  ";
+    QTest::newRow("markup") << "</property>&amp;]]>\"'";
+    QTest::newRow("lines") << "a\r\nb\tc\n";
+    QTest::newRow("control characters") << QString("\x01\x1f%41\v") + QChar(0xffff);
+    QTest::newRow("beyond the basic plane") << QString::fromUtf8("папка 🙂");
+}
+
+void TestSettings::keeps_any_text() {
+    QFETCH(QString, text);
+    SampleSettings first(path());
+    first.setTitle("other");
+    first.setTitle(text);
+
+    SampleSettings second(path());
+    QVERIFY(second.reload());
+    QCOMPARE(second.getTitle(), text);
+}
+
+void TestSettings::keeps_what_it_does_not_know() {
+    write(
+        "<settings version=\"7\"><property name=\"FromTomorrow\">a &amp; b</property><block><x/></block>"
+        "<property name=\"TimeMs\">1500</property></settings>");
+    SampleSettings settings(path());
+    QVERIFY(settings.reload());
+    settings.setTimeMs(1600);
+
+    const QByteArray contents = read(path());
+    QVERIFY(contents.contains("<property name=\"FromTomorrow\">a &amp; b</property>"));
+    QVERIFY(contents.contains("<property name=\"TimeMs\">1600</property>"));
+}
+
+void TestSettings::reload_makes_properties_what_the_file_says() {
+    SampleSettings settings(path());
+    QVERIFY(settings.reload());
+    QVERIFY(!QFile::exists(path()));
+
+    settings.setEnabled(false);
+    writeProperty("TimeMs", "1500");
+    const QByteArray written = read(path());
+    QSignalSpy changed(&settings, &SampleSettings::changedProperty);
+    QVERIFY(settings.reload());
+    QVERIFY(settings.reload());
+
+    QCOMPARE(changed, QList<QList<QVariant>>({{"TimeMs"}, {"Enabled"}}));
+    QCOMPARE(settings.getTimeMs(), 1500);
+    QCOMPARE(settings.getEnabled(), true);
+    QCOMPARE(read(path()), written);
+}
+
+void TestSettings::loads_values_within_their_range_data() {
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<bool>("warns");
+
+    QTest::newRow("too small") << "TimeMs"
+                               << "-5" << QVariant(1000) << false;
+    QTest::newRow("too large") << "TimeMs"
+                               << "10001" << QVariant(10000) << false;
+    QTest::newRow("larger than an int") << "TimeMs"
+                                        << "99999999999" << QVariant(10000) << false;
+    QTest::newRow("larger than an int, without a range") << "LastIndex"
+                                                         << "99999999999" << QVariant(-1) << true;
+    QTest::newRow("no number") << "TimeMs"
+                               << "soon" << QVariant(2000) << true;
+    QTest::newRow("empty number") << "TimeMs"
+                                  << "" << QVariant(2000) << true;
+    QTest::newRow("broken number") << "TimeMs"
+                                   << "1500 ms" << QVariant(2000) << true;
+    QTest::newRow("fraction out of range") << "Gain"
+                                           << "4.01" << QVariant(4.0) << false;
+    QTest::newRow("not a number") << "Gain"
+                                  << "nan" << QVariant(1.5) << true;
+    QTest::newRow("infinite") << "Gain"
+                              << "inf" << QVariant(1.5) << true;
+    QTest::newRow("decimal comma") << "Gain"
+                                   << "2,5" << QVariant(1.5) << true;
+    QTest::newRow("bool in capitals") << "Enabled"
+                                      << "False" << QVariant(false) << false;
+    QTest::newRow("neither true nor false") << "Enabled"
+                                            << "maybe" << QVariant(true) << true;
+    QTest::newRow("key of an enum") << "Points"
+                                    << "Mode_16_points" << QVariant("Mode_16_points") << false;
+    QTest::newRow("unknown key") << "Points"
+                                 << "Mode_2_points" << QVariant("Mode_5_points") << true;
+    QTest::newRow("unknown language") << "Language"
+                                      << "fr_FR" << QVariant("en_US") << true;
+}
+
+void TestSettings::loads_values_within_their_range() {
+    QFETCH(QString, name);
+    QFETCH(QString, text);
+    QFETCH(QVariant, value);
+    QFETCH(bool, warns);
+
+    writeProperty(name, text);
+    SampleSettings settings(path());
+    if (warns)
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("settings.xml: " + name + " cannot be "));
+    QVERIFY(settings.reload());
+    QCOMPARE(settings.getValue(name).toString(), value.toString());
+}
+
+void TestSettings::keeps_a_damaged_file_aside_data() {
+    QTest::addColumn<QByteArray>("contents");
+    const QByteArray whole = "<settings><property name=\"TimeMs\">1500</property></settings>";
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("truncated") << whole.left(whole.size() - 4);
+    QTest::newRow("binary zeros") << QByteArray(64, '\0');
+    QTest::newRow("binary") << QByteArray(
+        "\x7f"
+        "ELF\x02\x01\xff\xfe");
+    QTest::newRow("another document") << QByteArray("<html><body/></html>");
+    QTest::newRow("something behind the end") << whole + "<more/>";
+    QTest::newRow("not UTF-8") << QByteArray(whole).replace("1500", "\xff\xff");
+    QTest::newRow("much too large") << QByteArray(2 * 1024 * 1024, ' ');
+}
+
+void TestSettings::keeps_a_damaged_file_aside() {
+    QFETCH(QByteArray, contents);
+    write(contents);
+    SampleSettings settings(path());
+    settings.setEnabled(false);
+    write(contents);
+
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("Settings file .*settings.xml cannot be used: .+; kept as "
+                                                          ".*settings.xml.damaged; the defaults apply"));
+    QVERIFY(!settings.reload());
+    QVERIFY(settings.getEnabled());
+    QCOMPARE(settings.getTimeMs(), 2000);
+    QVERIFY(!QFile::exists(path()));
+    QCOMPARE(read(path("settings.xml.damaged")), contents);
+}
+
+void TestSettings::keeps_every_damaged_file() {
+    SampleSettings settings(path());
+    for (const char *contents : {"first", "second", "third"}) {
+        write(contents);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("cannot be used"));
+        QVERIFY(!settings.reload());
+    }
+    QCOMPARE(read(path("settings.xml.damaged")), "first");
+    QCOMPARE(read(path("settings.xml.damaged.1")), "second");
+    QCOMPARE(read(path("settings.xml.damaged.2")), "third");
+}
+
+void TestSettings::keeps_a_folder_in_its_place_aside() {
+    QVERIFY(QDir().mkpath(path() + "/inside"));
+    SampleSettings settings(path());
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("cannot be used: it is a folder; kept as .*damaged"));
+    QVERIFY(!settings.reload());
+    QVERIFY(QFile::exists(path("settings.xml.damaged/inside")));
+    settings.setTimeMs(1500);
+    QVERIFY(read(path()).contains("1500"));
+}
+
+void TestSettings::warns_when_it_cannot_save() {
+    write("in the way");
+    SampleSettings settings(path() + "/below a file/settings.xml");
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("not saved to .*below a file.*settings.xml: the folder .+"));
+    settings.setTimeMs(1500);
+    QCOMPARE(settings.getTimeMs(), 1500);
+}
+
+OCELA_TEST(TestSettings)
+#include "tst_settings.moc"

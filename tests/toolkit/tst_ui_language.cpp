@@ -1,0 +1,43 @@
+#include "support/test_main.h"
+#include "toolkit/ui_language.h"
+
+#include <QTest>
+
+class TestUiLanguage : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void follows_the_system_data();
+    void follows_the_system();
+    void names_languages_in_their_own_words();
+};
+
+void TestUiLanguage::follows_the_system_data() {
+    QTest::addColumn<QStringList>("offered");
+    QTest::addColumn<QStringList>("system");
+    QTest::addColumn<QString>("expected");
+
+    const QStringList both{"ru_RU", "en_US"};
+    QTest::newRow("Russian") << both << QStringList{"ru-RU", "en-US"} << "ru_RU";
+    QTest::newRow("Russian of another country") << both << QStringList{"ru-KZ"} << "ru_RU";
+    QTest::newRow("Russian is only second") << both << QStringList{"de-DE", "ru-RU"} << "en_US";
+    QTest::newRow("British English") << both << QStringList{"en-GB"} << "en_US";
+    QTest::newRow("neither") << both << QStringList{"fr-FR"} << "en_US";
+    QTest::newRow("no language known") << both << QStringList{} << "en_US";
+    QTest::newRow("English is not offered") << QStringList{"ru_RU", "de_DE"} << QStringList{"fr-FR"} << "ru_RU";
+    QTest::newRow("nothing is offered") << QStringList{} << QStringList{"ru-RU"} << "";
+}
+
+void TestUiLanguage::follows_the_system() {
+    QFETCH(QStringList, offered);
+    QFETCH(QStringList, system);
+    QTEST(UiLanguage::preferred(offered, system), "expected");
+}
+
+void TestUiLanguage::names_languages_in_their_own_words() {
+    QCOMPARE(UiLanguage::nativeName("ru_RU"), QString("Русский"));
+    QCOMPARE(UiLanguage::nativeName("en_US"), QString("English"));
+}
+
+OCELA_TEST(TestUiLanguage)
+#include "tst_ui_language.moc"
