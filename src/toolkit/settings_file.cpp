@@ -1,6 +1,5 @@
 #include "toolkit/settings_file.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -23,8 +22,8 @@ const QLatin1String percent("percent");
 constexpr qint64 maxFileSize = 1 << 20;
 
 bool isPlainXmlText(const QString &text) {
-    return std::all_of(text.begin(), text.end(),
-                       [](QChar c) { return c.unicode() >= 0x20 && c.unicode() < 0xfffe && !c.isSurrogate(); });
+    const auto isPlain = [](QChar c) { return c.unicode() >= 0x20 && c.unicode() < 0xfffe; };
+    return text.isValidUtf16() && std::all_of(text.begin(), text.end(), isPlain);
 }
 
 void writeEntry(QXmlStreamWriter &xml, const Entry &entry) {
