@@ -2,6 +2,68 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en_US" sourcelanguage="en_US">
 <context>
+    <name>EyetrackerConnectedWidget</name>
+    <message>
+        <source>No tracker</source>
+        <translation>No tracker</translation>
+    </message>
+    <message>
+        <source>Connected</source>
+        <translation>Connected</translation>
+    </message>
+    <message>
+        <source>Disconnected</source>
+        <translation>Disconnected</translation>
+    </message>
+</context>
+<context>
+    <name>EyetrackerSampleViewer</name>
+    <message>
+        <source>Left eye</source>
+        <translation>Left eye</translation>
+    </message>
+    <message>
+        <source>Right eye</source>
+        <translation>Right eye</translation>
+    </message>
+    <message>
+        <source>Common</source>
+        <translation>Common</translation>
+    </message>
+    <message>
+        <source>Valid</source>
+        <translation>Valid</translation>
+    </message>
+    <message>
+        <source>Eyes</source>
+        <translation>Eyes</translation>
+    </message>
+    <message>
+        <source>Position</source>
+        <translation>Position</translation>
+    </message>
+    <message>
+        <source>Focus</source>
+        <translation>Focus</translation>
+    </message>
+    <message>
+        <source>Distance</source>
+        <translation>Distance</translation>
+    </message>
+    <message>
+        <source>Pupil</source>
+        <translation>Pupil</translation>
+    </message>
+    <message>
+        <source>cm</source>
+        <translation>cm</translation>
+    </message>
+    <message>
+        <source>mm</source>
+        <translation>mm</translation>
+    </message>
+</context>
+<context>
     <name>Generic</name>
     <message>
         <source>Common</source>
@@ -22,6 +84,37 @@
     <message>
         <source>Language</source>
         <translation>Language</translation>
+    </message>
+    <message>
+        <source>Ocela уже запущена</source>
+        <translation>Ocela is already running</translation>
+    </message>
+</context>
+<context>
+    <name>MainWindow</name>
+    <message>
+        <source>Main</source>
+        <translation>Main</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>Settings</translation>
+    </message>
+    <message>
+        <source>Доступна новая версия</source>
+        <translation>A new version is available</translation>
+    </message>
+    <message>
+        <source>Show window</source>
+        <translation>Show window</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Quit</translation>
+    </message>
+    <message>
+        <source>Eye Tracker Service</source>
+        <translation>Eye Tracker Service</translation>
     </message>
 </context>
 <context>
@@ -44,6 +137,37 @@
     <message>
         <source>Reset to default: %1</source>
         <translation>Reset to default: %1</translation>
+    </message>
+</context>
+<context>
+    <name>TrackerViewWidget</name>
+    <message>
+        <source>Calibrate</source>
+        <translation>Calibrate</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>Start</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Stop</translation>
+    </message>
+    <message>
+        <source>Start record</source>
+        <translation>Start record</translation>
+    </message>
+    <message>
+        <source>Stop record</source>
+        <translation>Stop record</translation>
+    </message>
+    <message>
+        <source>Control cursor (Press F10)</source>
+        <translation>Control cursor (Press F10)</translation>
+    </message>
+    <message>
+        <source>Screen</source>
+        <translation>Screen</translation>
     </message>
 </context>
 </TS>

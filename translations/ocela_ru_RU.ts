@@ -2,6 +2,68 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="ru_RU" sourcelanguage="en_US">
 <context>
+    <name>EyetrackerConnectedWidget</name>
+    <message>
+        <source>No tracker</source>
+        <translation>Нет трекера</translation>
+    </message>
+    <message>
+        <source>Connected</source>
+        <translation>Подключено</translation>
+    </message>
+    <message>
+        <source>Disconnected</source>
+        <translation>Не подключено</translation>
+    </message>
+</context>
+<context>
+    <name>EyetrackerSampleViewer</name>
+    <message>
+        <source>Left eye</source>
+        <translation>Левый глаз</translation>
+    </message>
+    <message>
+        <source>Right eye</source>
+        <translation>Правый глаз</translation>
+    </message>
+    <message>
+        <source>Common</source>
+        <translation>Общее</translation>
+    </message>
+    <message>
+        <source>Valid</source>
+        <translation>Достоверность</translation>
+    </message>
+    <message>
+        <source>Eyes</source>
+        <translation>Глаза</translation>
+    </message>
+    <message>
+        <source>Position</source>
+        <translation>Положение</translation>
+    </message>
+    <message>
+        <source>Focus</source>
+        <translation>Фокус</translation>
+    </message>
+    <message>
+        <source>Distance</source>
+        <translation>Расстояние</translation>
+    </message>
+    <message>
+        <source>Pupil</source>
+        <translation>Зрачок</translation>
+    </message>
+    <message>
+        <source>cm</source>
+        <translation>см</translation>
+    </message>
+    <message>
+        <source>mm</source>
+        <translation>мм</translation>
+    </message>
+</context>
+<context>
     <name>Generic</name>
     <message>
         <source>Common</source>
@@ -22,6 +84,37 @@
     <message>
         <source>Language</source>
         <translation>Язык</translation>
+    </message>
+    <message>
+        <source>Ocela уже запущена</source>
+        <translation>Ocela уже запущена</translation>
+    </message>
+</context>
+<context>
+    <name>MainWindow</name>
+    <message>
+        <source>Main</source>
+        <translation>Главная</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>Настройки</translation>
+    </message>
+    <message>
+        <source>Доступна новая версия</source>
+        <translation>Доступна новая версия</translation>
+    </message>
+    <message>
+        <source>Show window</source>
+        <translation>Показать окно</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Выход</translation>
+    </message>
+    <message>
+        <source>Eye Tracker Service</source>
+        <translation>Служба айтрекера</translation>
     </message>
 </context>
 <context>
@@ -44,6 +137,37 @@
     <message>
         <source>Reset to default: %1</source>
         <translation>Вернуть значение по умолчанию: %1</translation>
+    </message>
+</context>
+<context>
+    <name>TrackerViewWidget</name>
+    <message>
+        <source>Calibrate</source>
+        <translation>Калибровать</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>Запустить</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Остановить</translation>
+    </message>
+    <message>
+        <source>Start record</source>
+        <translation>Начать запись</translation>
+    </message>
+    <message>
+        <source>Stop record</source>
+        <translation>Остановить запись</translation>
+    </message>
+    <message>
+        <source>Control cursor (Press F10)</source>
+        <translation>Управлять курсором (клавиша F10)</translation>
+    </message>
+    <message>
+        <source>Screen</source>
+        <translation>Экран</translation>
     </message>
 </context>
 </TS>
