@@ -138,7 +138,9 @@ std::optional<Recording> Recording::load(const QString &path, QString *error) {
 }
 
 double Recording::duration() const {
-    return rows_.back().time - rows_.front().time;
+    const auto rows = static_cast<double>(rows_.size());
+    const double span = rows_.back().time - rows_.front().time;
+    return rows > 1 ? span * rows / (rows - 1) : 0;
 }
 
 const EyeState &Recording::at(double seconds) const {

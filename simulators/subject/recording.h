@@ -18,7 +18,7 @@ public:
     /// Nothing, and the reason in `error`, when the file cannot be read or is no such table.
     static std::optional<Recording> load(const QString &path, QString *error);
 
-    /// Seconds that one pass takes.
+    /// Seconds that one pass takes; the last row lasts as long as the others on average.
     [[nodiscard]] double duration() const;
 
     /// What was recorded at `seconds` after the start of the recording: the last row that is not later.
