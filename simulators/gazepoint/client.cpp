@@ -12,7 +12,7 @@ namespace sim::gazepoint {
 namespace {
 
 const QByteArray kLineEnd = QByteArrayLiteral("\r\n");
-constexpr qint64 kReadBuffer = 64 * 1024;
+constexpr qint64 kReadBuffer = 64LL * 1024;
 constexpr int kHeldBackMs = 4;  // long enough for a client to have read the first half
 
 }  // namespace

@@ -23,7 +23,7 @@ class Client : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr qint64 kMostUnread = 4 * 1024 * 1024;
+    static constexpr qint64 kMostUnread = 4LL * 1024 * 1024;
 
     Client(QTcpSocket *socket, Device *device, const FaultOptions &faults, const LinePlayer &player, QObject *parent);
 

@@ -23,7 +23,7 @@ public:
 
 private:
     struct Sample {
-        double time;
+        double time = 0;
         Point point;
     };
 

@@ -1,6 +1,8 @@
 #include "gazepoint/options.h"
 #include "support/test_main.h"
 
+#include <QFile>
+#include <QRegularExpression>
 #include <QTest>
 
 using namespace sim::gazepoint;
@@ -14,12 +16,13 @@ private Q_SLOTS:
     void screens();
     void nonsense_is_refused_data();
     void nonsense_is_refused();
+    void are_documented();
 };
 
 void TestGazepointOptions::are_taken_from_the_command_line() {
-    const auto parsed = parseOptions(
-        {"simulator", "--port", "0", "--rate=150", "--seed", "18446744073709551615", "--older-server",
-         "--fault", "split,nan", "--fault", "drop", "--fault-after", "0.5", "--lines", "a b.txt", "--once"});
+    const auto parsed = parseOptions({"simulator", "--port", "0", "--rate=150", "--seed", "18446744073709551615",
+                                      "--older-server", "--fault", "split,nan", "--fault", "drop", "--fault-after",
+                                      "0.5", "--lines", "a b.txt", "--once"});
     QVERIFY(std::holds_alternative<Options>(parsed));
     const auto options = std::get<Options>(parsed);
     QCOMPARE(options.server.port, quint16(0));
@@ -35,9 +38,7 @@ void TestGazepointOptions::are_taken_from_the_command_line() {
 void TestGazepointOptions::screens_data() {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QByteArray>("screen");
-    const auto row = [](const char *text, const char *screen) {
-        QTest::newRow(text) << text << QByteArray(screen);
-    };
+    const auto row = [](const char *text, const char *screen) { QTest::newRow(text) << text << QByteArray(screen); };
     row("2560x1440", "0 0 2560 1440");
     row("1920x1080+100+50", "100 50 1920 1080");
     row("1920x1080-1920+0", "-1920 0 1920 1080");
@@ -54,8 +55,7 @@ void TestGazepointOptions::screens() {
     QFETCH(QString, text);
     QFETCH(QByteArray, screen);
     const auto parsed = parseScreen(text);
-    QCOMPARE(parsed ? parsed->x + ' ' + parsed->y + ' ' + parsed->width + ' ' + parsed->height : QByteArray(),
-             screen);
+    QCOMPARE(parsed ? parsed->x + ' ' + parsed->y + ' ' + parsed->width + ' ' + parsed->height : QByteArray(), screen);
 }
 
 void TestGazepointOptions::nonsense_is_refused_data() {
@@ -85,6 +85,31 @@ void TestGazepointOptions::nonsense_is_refused() {
     const auto parsed = parseOptions(QStringList{"simulator"} + arguments);
     QVERIFY(std::holds_alternative<QString>(parsed));
     QVERIFY2(std::get<QString>(parsed).contains(reason), qPrintable(std::get<QString>(parsed)));
+}
+
+void TestGazepointOptions::are_documented() {
+    QFile file(OCELA_SOURCE_DIR "/docs/devices.md");
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QString page = QString::fromUtf8(file.readAll());
+    static const QRegularExpression option("^ +(?:-h, )?(--[a-z-]+)", QRegularExpression::MultilineOption);
+    int options = 0;
+    for (auto match = option.globalMatch(helpText()); match.hasNext(); ++options) {
+        const QString name = match.next().captured(1);
+        QVERIFY2(name == "--help" || page.contains('`' + name), qPrintable(name));
+    }
+    QVERIFY(options >= 12);
+    for (const FaultDescription &fault : faultDescriptions())
+        QVERIFY2(page.contains(QString("| `%1` |").arg(fault.name)), fault.name);
+
+    // Each command line on the page is one that the program takes.
+    static const QRegularExpression example("^gazepoint-simulator (--[^#\n]*)", QRegularExpression::MultilineOption);
+    int examples = 0;
+    for (auto match = example.globalMatch(page); match.hasNext(); ++examples) {
+        const QString arguments = match.next().captured(1);
+        const auto parsed = parseOptions(QStringList{"simulator"} + arguments.split(' ', Qt::SkipEmptyParts));
+        QVERIFY2(std::holds_alternative<Options>(parsed), qPrintable(arguments));
+    }
+    QVERIFY(examples >= 4);
 }
 
 OCELA_TEST(TestGazepointOptions)
