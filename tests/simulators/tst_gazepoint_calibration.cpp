@@ -40,8 +40,8 @@ QVector<Sent> run(Device *device, double *now, double seconds) {
 }
 
 QByteArray pointMessage(const char *id, int number, const char *x, const char *y) {
-    return QByteArray("<CAL ID=\"") + id + "\" PT=\"" + QByteArray::number(number) + "\" CALX=\"" + x +
-           "\" CALY=\"" + y + "\" />";
+    return QByteArray("<CAL ID=\"") + id + "\" PT=\"" + QByteArray::number(number) + "\" CALX=\"" + x + "\" CALY=\"" +
+           y + "\" />";
 }
 
 void set(Device *device, const char *id, const QVector<Attribute> &attributes) {
@@ -58,11 +58,8 @@ void TestGazepointCalibration::goes_through_the_points_in_time() {
     set(&device, "CALIBRATE_START", {{"STATE", "1"}});
     const QVector<Sent> sent = run(&device, &now, 12);
     QCOMPARE(sent.size(), 11);
-    const char *points[][2] = {{"0.5000", "0.5000"},
-                               {"0.8500", "0.1500"},
-                               {"0.8500", "0.8500"},
-                               {"0.1500", "0.8500"},
-                               {"0.1500", "0.1500"}};
+    const char *points[][2] = {
+        {"0.5000", "0.5000"}, {"0.8500", "0.1500"}, {"0.8500", "0.8500"}, {"0.1500", "0.8500"}, {"0.1500", "0.1500"}};
     for (int i = 0; i < 5; ++i) {
         QCOMPARE(sent[2 * i].message, pointMessage("CALIB_START_PT", i + 1, points[i][0], points[i][1]));
         QCOMPARE(sent[2 * i + 1].message, pointMessage("CALIB_RESULT_PT", i + 1, points[i][0], points[i][1]));
@@ -145,9 +142,8 @@ void TestGazepointCalibration::gives_no_result_for_eyes_that_are_away() {
     std::vector<QByteArray> messages;
     for (double now = 0; calibration.running(); now += 0.01)
         messages = calibration.advance(now, eyes);
-    QCOMPARE(messages.back(),
-             QByteArray("<CAL ID=\"CALIB_RESULT\" CALX1=\"0.50000\" CALY1=\"0.50000\" LX1=\"0.00000\" "
-                        "LY1=\"0.00000\" LV1=\"0\" RX1=\"0.52000\" RY1=\"0.50000\" RV1=\"1\" />"));
+    QCOMPARE(messages.back(), QByteArray("<CAL ID=\"CALIB_RESULT\" CALX1=\"0.50000\" CALY1=\"0.50000\" LX1=\"0.00000\" "
+                                         "LY1=\"0.00000\" LV1=\"0\" RX1=\"0.52000\" RY1=\"0.50000\" RV1=\"1\" />"));
     QCOMPARE(calibration.summary(1920, 1080).validPoints, 0);
 }
 

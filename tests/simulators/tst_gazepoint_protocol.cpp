@@ -44,17 +44,14 @@ void TestGazepointProtocol::finds_commands_data() {
     QTest::newRow("no space between attributes") << List{"<SET ID=\"A\"STATE=\"1\"/>\r\n"} << on;
     QTest::newRow("attributes in another order") << List{"<SET STATE=\"1\" ID=\"A\" />"} << on;
     QTest::newRow("no slash") << List{"<SET ID=\"A\" STATE=\"1\" >\r\n"} << on;
-    QTest::newRow("several in one segment")
-        << List{"<SET ID=\"A\" STATE=\"1\" />\r\n<GET ID=\"B\" />\r\n"} << two;
-    QTest::newRow("one over several segments")
-        << List{"<SE", "T ID=\"A\" STA", "TE=\"1", "\" /", ">\r\n"} << on;
+    QTest::newRow("several in one segment") << List{"<SET ID=\"A\" STATE=\"1\" />\r\n<GET ID=\"B\" />\r\n"} << two;
+    QTest::newRow("one over several segments") << List{"<SE", "T ID=\"A\" STA", "TE=\"1", "\" /", ">\r\n"} << on;
     QTest::newRow("byte by byte") << QByteArray("< S E T # I D = \" A \" # S T A T E = \" 1 \" # / >")
                                          .replace(' ', "")
                                          .replace("#", " ")
                                          .split('\0')
                                   << on;
-    QTest::newRow("tag end inside quotes")
-        << List{"<SET ID=\"A\" VALUE=\"a > b\" />"} << List{"SET A VALUE=a > b"};
+    QTest::newRow("tag end inside quotes") << List{"<SET ID=\"A\" VALUE=\"a > b\" />"} << List{"SET A VALUE=a > b"};
     QTest::newRow("garbage around") << List{"\xff\x01 /> x <SET ID=\"A\" STATE=\"1\" /> y \r\n"} << on;
     QTest::newRow("a broken one does not harm the next")
         << List{"<SET ID=\"A STATE=\r\n<SET <GET ID=\"B\" />\r\n"} << List{"GET B"};
@@ -102,8 +99,7 @@ void TestGazepointProtocol::answers_data() {
     row("a nonsense state changes nothing",
         {"<SET ID=\"ENABLE_SEND_DATA\" STATE=\"1\" />", "<SET ID=\"ENABLE_SEND_DATA\" STATE=\"off\" />"},
         "<ACK ID=\"ENABLE_SEND_DATA\" STATE=\"1\" />");
-    row("an unknown switch", {"<SET ID=\"ENABLE_SEND_SMELL\" STATE=\"1\" />"},
-        "<NACK ID=\"ENABLE_SEND_SMELL\" />");
+    row("an unknown switch", {"<SET ID=\"ENABLE_SEND_SMELL\" STATE=\"1\" />"}, "<NACK ID=\"ENABLE_SEND_SMELL\" />");
     row("an unknown name", {get("WEATHER")}, "<NACK ID=\"WEATHER\" />");
     row("an unknown verb", {"<PUT ID=\"USER_DATA\" />"}, "<NACK ID=\"USER_DATA\" />");
     row("the screen", {get("SCREEN_SIZE")},
@@ -111,13 +107,11 @@ void TestGazepointProtocol::answers_data() {
     row("the screen moved", {"<SET ID=\"SCREEN_SIZE\" X=\"-1920\" />"},
         "<ACK ID=\"SCREEN_SIZE\" X=\"-1920\" Y=\"0\" WIDTH=\"1920\" HEIGHT=\"1080\" />");
     row("the camera", {get("CAMERA_SIZE")}, "<ACK ID=\"CAMERA_SIZE\" WIDTH=\"752\" HEIGHT=\"480\" />");
-    row("the product", {get("PRODUCT_ID")},
-        "<ACK ID=\"PRODUCT_ID\" VALUE=\"GP3\" BUS=\"USB2\" RATE=\"60\" />");
+    row("the product", {get("PRODUCT_ID")}, "<ACK ID=\"PRODUCT_ID\" VALUE=\"GP3\" BUS=\"USB2\" RATE=\"60\" />");
     row("a value that cannot be set", {"<SET ID=\"SERIAL_ID\" VALUE=\"1\" />"},
         "<ACK ID=\"SERIAL_ID\" VALUE=\"123456789\" />");
     row("the clock", {get("TIME_TICK_FREQUENCY")}, "<ACK ID=\"TIME_TICK_FREQUENCY\" FREQ=\"10000000\" />");
-    row("a marker", {"<SET ID=\"USER_DATA\" VALUE=\"START=1\" />"},
-        "<ACK ID=\"USER_DATA\" VALUE=\"START=1\" />");
+    row("a marker", {"<SET ID=\"USER_DATA\" VALUE=\"START=1\" />"}, "<ACK ID=\"USER_DATA\" VALUE=\"START=1\" />");
     row("the calibration's window", {"<SET ID=\"CALIBRATE_SHOW\" STATE=\"1\" />", get("CALIBRATE_SHOW")},
         "<ACK ID=\"CALIBRATE_SHOW\" STATE=\"1\" />");
     row("the default points", {get("CALIBRATE_ADDPOINT")},

@@ -129,15 +129,13 @@ void TestGazepointRecords::keep_the_relations_of_their_fields() {
     Record before;
     double validTime = 0, worst = 0;
     for (int i = 0; i < 60 * rate; ++i) {
-        const Record record =
-            builder.build(static_cast<double>(i) / rate, subject.at(static_cast<double>(i) / rate));
+        const Record record = builder.build(static_cast<double>(i) / rate, subject.at(static_cast<double>(i) / rate));
         QCOMPARE(record.count, before.count + 1);
         QCOMPARE(record.best.valid, record.left.valid);
         QCOMPARE(record.best.point.x, (record.left.point.x + record.right.point.x) / 2);
         if (record.fixation.valid) {
             QVERIFY(std::abs(record.fixation.duration - (record.time - record.fixation.start)) < 1e-9);
-            worst =
-                std::max(worst, subject.setup().degreesBetween(record.fixation.centre, record.best.point));
+            worst = std::max(worst, subject.setup().degreesBetween(record.fixation.centre, record.best.point));
             validTime += 1.0 / rate;
         } else {
             QCOMPARE(record.fixation.id, before.fixation.id);

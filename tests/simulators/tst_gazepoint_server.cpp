@@ -68,8 +68,8 @@ void TestGazepointServer::sends_what_a_client_switched_on() {
     QCOMPARE(acknowledged.first(), QByteArray("<ACK ID=\"ENABLE_SEND_USER_DATA\" STATE=\"1\" />"));
     int count = attributeOf(client.lines("<REC").first(), "CNT").toInt() - 1;
     for (const QByteArray &line : client.lines("<REC")) {
-        QCOMPARE(attributeNames(line), (QByteArrayList{"CNT", "TIME", "FPOGX", "FPOGY", "FPOGS", "FPOGD",
-                                                       "FPOGID", "FPOGV", "USER"}));
+        QCOMPARE(attributeNames(line),
+                 (QByteArrayList{"CNT", "TIME", "FPOGX", "FPOGY", "FPOGS", "FPOGD", "FPOGID", "FPOGV", "USER"}));
         QCOMPARE(attributeOf(line, "CNT").toInt(), ++count);
     }
 }

@@ -63,12 +63,11 @@ void TestRecording::refuses_what_is_no_recording_data() {
     QTest::newRow("empty file") << QByteArray() << "the column \"Time\" is missing";
     QTest::newRow("header only") << QByteArray("Time,Valid,X,Y\n") << "holds no rows";
     QTest::newRow("another separator") << QByteArray("Time;Valid;X;Y\n1;1;1;1\n") << "\"Time\" is missing";
-    QTest::newRow("text for a number")
-        << QByteArray("Time,Valid,X,Y\n1,1,1,1\n2,1,abc,1\n") << "line 3: the column \"X\"";
+    QTest::newRow("text for a number") << QByteArray("Time,Valid,X,Y\n1,1,1,1\n2,1,abc,1\n")
+                                       << "line 3: the column \"X\"";
     QTest::newRow("not a number") << QByteArray("Time,Valid,X,Y\n1,1,nan,1\n") << "line 2";
     QTest::newRow("row cut short") << QByteArray("Time,Valid,X,Y\n1,1\n") << "line 2";
-    QTest::newRow("time runs backwards")
-        << QByteArray("Time,Valid,X,Y\n2,1,1,1\n1,1,1,1\n") << "run backwards";
+    QTest::newRow("time runs backwards") << QByteArray("Time,Valid,X,Y\n2,1,1,1\n1,1,1,1\n") << "run backwards";
     QTest::newRow("binary") << QByteArray("\0\1\2\xff\n\n", 6) << "is missing";
 }
 
@@ -83,8 +82,7 @@ void TestRecording::refuses_what_is_no_recording() {
 
 void TestRecording::is_acted_out() {
     QString error;
-    const auto recording =
-        Recording::load(write("Time,Valid,X,Y\n0,1,10,10\n100,1,20,20\n200,1,30,30\n"), &error);
+    const auto recording = Recording::load(write("Time,Valid,X,Y\n0,1,10,10\n100,1,20,20\n200,1,30,30\n"), &error);
     QVERIFY2(recording, qPrintable(error));
     Subject again, once;
     again.at(5);
