@@ -53,8 +53,7 @@ inline QByteArray attributeOf(const QByteArray &line, const QByteArray &name) {
 /// The names of the attributes in their order.
 inline QByteArrayList attributeNames(const QByteArray &line) {
     QByteArrayList names;
-    for (int quote = line.indexOf("=\""); quote >= 0;
-         quote = line.indexOf("=\"", line.indexOf('"', quote + 2)))
+    for (int quote = line.indexOf("=\""); quote >= 0; quote = line.indexOf("=\"", line.indexOf('"', quote + 2)))
         names << line.mid(line.lastIndexOf(' ', quote) + 1, quote - line.lastIndexOf(' ', quote) - 1);
     return names;
 }
