@@ -96,7 +96,9 @@ QWidget *MainWindow::buildMainPage() {
     trackerWidgets_ = {panel, indicator, viewer};
 
     trackerCombo_ = new QComboBox;
+    trackerCombo_->setObjectName("trackers");
     viewStack_ = new QStackedWidget;
+    viewStack_->setObjectName("views");
     for (const Tracker &entry : trackers_) {
         trackerCombo_->addItem(entry.tracker->name());
         viewStack_->addWidget(entry.view ? entry.view : new QLabel);

@@ -1,0 +1,75 @@
+#include "support/fake_tracker.h"
+#include "support/test_main.h"
+#include "views/eyetracker_connected_widget.h"
+
+#include <QImage>
+#include <QTest>
+
+class TestEyetrackerConnectedWidget : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void dot_tells_the_connection();
+    void dot_is_round_on_nothing();
+    void old_tracker_is_forgotten();
+};
+
+namespace {
+
+const QColor green(0x33, 0xCC, 0x00);
+const QColor red(0xCC, 0x33, 0x00);
+const QColor grey(0x99, 0x99, 0x99);
+
+QImage picture(EyetrackerConnectedWidget &widget) {
+    QImage image(widget.size(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    widget.render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
+    return image;
+}
+
+QColor colourOf(EyetrackerConnectedWidget &widget) {
+    return picture(widget).pixelColor(8, 8);
+}
+
+}  // namespace
+
+void TestEyetrackerConnectedWidget::dot_tells_the_connection() {
+    FakeTracker tracker;
+    EyetrackerConnectedWidget widget;
+    QCOMPARE(colourOf(widget), grey);
+    widget.setEyetracker(&tracker);
+    QCOMPARE(colourOf(widget), red);
+    tracker.setConnected(true);
+    QTRY_COMPARE(colourOf(widget), green);
+    tracker.setConnected(false);
+    QTRY_COMPARE(colourOf(widget), red);
+
+    tracker.setConnected(true);
+    widget.setEyetracker(nullptr);
+    QCOMPARE(colourOf(widget), grey);
+    widget.setEyetracker(&tracker);
+    QCOMPARE(colourOf(widget), green);
+}
+
+void TestEyetrackerConnectedWidget::dot_is_round_on_nothing() {
+    EyetrackerConnectedWidget widget;
+    const QImage image = picture(widget);
+    QCOMPARE(image.size(), QSize(16, 16));
+    QCOMPARE(image.pixelColor(0, 0).alpha(), 0);
+    QCOMPARE(image.pixelColor(15, 15).alpha(), 0);
+    QCOMPARE(image.pixelColor(1, 8), grey);
+    QCOMPARE(image.pixelColor(8, 14), grey);
+}
+
+void TestEyetrackerConnectedWidget::old_tracker_is_forgotten() {
+    FakeTracker first, second;
+    EyetrackerConnectedWidget widget;
+    widget.setEyetracker(&first);
+    widget.setEyetracker(&second);
+    first.setConnected(true);
+    QCoreApplication::processEvents();
+    QCOMPARE(colourOf(widget), red);
+}
+
+OCELA_TEST(TestEyetrackerConnectedWidget)
+#include "tst_eyetracker_connected_widget.moc"

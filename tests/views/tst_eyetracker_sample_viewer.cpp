@@ -1,0 +1,167 @@
+#include "support/fake_tracker.h"
+#include "support/test_main.h"
+#include "views/eyetracker_sample_viewer.h"
+
+#include <QGridLayout>
+#include <QLabel>
+#include <QTest>
+#include <QTranslator>
+#include <thread>
+
+class TestEyetrackerSampleViewer : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void shows_a_sample_data();
+    void shows_a_sample();
+    void sample_from_another_thread_is_shown();
+    void old_trackers_samples_are_not_shown();
+    void keeps_its_layout_while_values_change();
+    void grows_for_a_longer_value();
+    void another_language_shows_at_once();
+};
+
+namespace {
+
+/// The value labels' texts of one of the three columns, top to bottom.
+QStringList valuesOf(const EyetrackerSampleViewer &viewer, int column) {
+    auto *main = qobject_cast<QGridLayout *>(viewer.layout());
+    auto *grid = qobject_cast<QGridLayout *>(main->itemAtPosition(1, column)->layout());
+    const int valueColumn = column == 0 ? 2 : 1;
+    QStringList texts;
+    for (int row = 1; row < grid->rowCount(); ++row)
+        texts << qobject_cast<QLabel *>(grid->itemAtPosition(row, valueColumn)->widget())->text();
+    return texts;
+}
+
+QString allValues(const EyetrackerSampleViewer &viewer) {
+    return (valuesOf(viewer, 0) + valuesOf(viewer, 1) + valuesOf(viewer, 2)).join('|');
+}
+
+EyeTrackingSample looking(float x, qint32 xPixel) {
+    EyeTrackingSample sample;
+    sample.x = x;
+    sample.x_px = xPixel;
+    return sample;
+}
+
+class UpperCase : public QTranslator {
+public:
+    [[nodiscard]] QString translate(const char *, const char *text, const char *, int) const override {
+        return QString(text).toUpper();
+    }
+    [[nodiscard]] bool isEmpty() const override { return false; }
+};
+
+class LayoutCounter : public QObject {
+public:
+    int count = 0;
+    bool eventFilter(QObject *, QEvent *event) override {
+        count += event->type() == QEvent::LayoutRequest;
+        return false;
+    }
+};
+
+}  // namespace
+
+void TestEyetrackerSampleViewer::shows_a_sample_data() {
+    QTest::addColumn<EyeTrackingSample>("sample");
+    QTest::addColumn<QString>("texts");
+    QTest::newRow("zero sample") << EyeTrackingSample()
+                                 << "false|--|x:   0.0%|y:   0.0%|x:    0px|y:    0px|0.0|0.0cm"
+                                    "|-|0.0%|0.0%|    0.0mm|-|0.0%|0.0%|    0.0mm";
+    QTest::newRow("every field in its place") << EyeTrackingSample{1, true, false, true, 1,  2,  3,  4,  5,  6,  7,  8,
+                                                                   9, 10,   11,    12,   13, 14, 15, 16, 17, 18, 19, 20}
+                                              << "true|0-|x:   1.0%|y:   4.0%|x:    7px|y:    8px|19.0|20.0cm"
+                                                 "|0|2.0%|5.0%|   17.0mm|-|3.0%|6.0%|   18.0mm";
+    QTest::newRow("full width") << looking(100, 12345)
+                                << "false|--|x: 100.0%|y:   0.0%|x:12345px|y:    0px|0.0|0.0cm"
+                                   "|-|0.0%|0.0%|    0.0mm|-|0.0%|0.0%|    0.0mm";
+    QTest::newRow("wider values are not cut") << looking(-1234.56F, 123456)
+                                              << "false|--|x:-1234.6%|y:   0.0%|x:123456px|y:    0px|0.0|0.0cm"
+                                                 "|-|0.0%|0.0%|    0.0mm|-|0.0%|0.0%|    0.0mm";
+}
+
+void TestEyetrackerSampleViewer::shows_a_sample() {
+    QFETCH(EyeTrackingSample, sample);
+    QFETCH(QString, texts);
+    FakeTracker tracker;
+    EyetrackerSampleViewer viewer;
+    viewer.setEyetracker(&tracker);
+    tracker.addSample(sample);
+    QTRY_COMPARE(allValues(viewer), texts);
+}
+
+void TestEyetrackerSampleViewer::sample_from_another_thread_is_shown() {
+    FakeTracker tracker;
+    EyetrackerSampleViewer viewer;
+    viewer.setEyetracker(&tracker);
+    std::thread([&] { tracker.addSample(looking(50, 0)); }).join();
+    QTRY_COMPARE(valuesOf(viewer, 0)[2], QString("x:  50.0%"));
+}
+
+void TestEyetrackerSampleViewer::old_trackers_samples_are_not_shown() {
+    FakeTracker first, second;
+    EyetrackerSampleViewer viewer;
+    viewer.setEyetracker(&first);
+    first.addSample(looking(10, 0));
+    QTRY_COMPARE(valuesOf(viewer, 0)[2], QString("x:  10.0%"));
+
+    viewer.setEyetracker(&second);
+    QCOMPARE(valuesOf(viewer, 0)[2], QString("x:  10.0%"));
+    first.addSample(looking(20, 0));
+    second.addSample(looking(30, 0));
+    QTRY_COMPARE(valuesOf(viewer, 0)[2], QString("x:  30.0%"));
+
+    viewer.setEyetracker(nullptr);
+    QCOMPARE(valuesOf(viewer, 0)[2], QString("x:   0.0%"));
+}
+
+void TestEyetrackerSampleViewer::keeps_its_layout_while_values_change() {
+    FakeTracker tracker;
+    EyetrackerSampleViewer viewer;
+    viewer.setEyetracker(&tracker);
+    viewer.show();
+    tracker.addSample(looking(10, 1000));
+    QTRY_COMPARE(valuesOf(viewer, 0)[4], QString("x: 1000px"));
+    QCoreApplication::processEvents();
+
+    LayoutCounter layouts;
+    viewer.installEventFilter(&layouts);
+    for (int i = 0; i < 10; ++i)
+        tracker.addSample(looking(static_cast<float>(i), i));
+    QTRY_COMPARE(valuesOf(viewer, 0)[4], QString("x:    9px"));
+    QCoreApplication::processEvents();
+    QCOMPARE(layouts.count, 0);
+}
+
+void TestEyetrackerSampleViewer::grows_for_a_longer_value() {
+    FakeTracker tracker;
+    EyetrackerSampleViewer viewer;
+    viewer.setEyetracker(&tracker);
+    viewer.show();
+    tracker.addSample(looking(0, -2000000000));
+    QTRY_COMPARE(valuesOf(viewer, 0)[4], QString("x:-2000000000px"));
+    for (const QLabel *label : viewer.findChildren<QLabel *>())
+        QVERIFY2(label->maximumWidth() >= label->sizeHint().width(), qPrintable(label->text()));
+}
+
+void TestEyetrackerSampleViewer::another_language_shows_at_once() {
+    FakeTracker tracker;
+    EyetrackerSampleViewer viewer;
+    viewer.setEyetracker(&tracker);
+    tracker.addSample(looking(10, 0));
+    QTRY_COMPARE(valuesOf(viewer, 0)[2], QString("x:  10.0%"));
+
+    UpperCase upperCase;
+    QCoreApplication::installTranslator(&upperCase);
+    QTRY_COMPARE(valuesOf(viewer, 0)[7], QString("0.0CM"));
+    QStringList captions;
+    for (const QLabel *label : viewer.findChildren<QLabel *>("eyeHeader"))
+        captions << label->text();
+    QCOMPARE(captions.join(' '), QString("VALID EYES POSITION FOCUS DISTANCE VALID X Y PUPIL VALID X Y PUPIL"));
+    QCOMPARE(valuesOf(viewer, 0)[2], QString("x:  10.0%"));
+}
+
+OCELA_TEST(TestEyetrackerSampleViewer)
+#include "tst_eyetracker_sample_viewer.moc"
