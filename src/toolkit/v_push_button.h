@@ -3,7 +3,7 @@
 #include <QPushButton>
 
 /// The program's push button: a hand cursor, room between icon and text, and a keyboard focus that is visible
-/// on a flat button too, where styles draw none. Else a QPushButton.
+/// on a flat button too, where not every style draws one. Else a QPushButton.
 class VPushButton : public QPushButton {
     Q_OBJECT
 
@@ -20,4 +20,5 @@ protected:
 private:
     /// Put before the text beside an icon: styles leave 4 pixels there, whatever the size of the font.
     QString gap() const;
+    void drawFocus(QPainter &painter) const;
 };
