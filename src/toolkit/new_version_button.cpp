@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr qint64 maxAnswerBytes = 64 * 1024;
+constexpr qint64 maxAnswerBytes = 64LL * 1024;
 constexpr int timeoutMs = 15000;
 
 bool isWebAddress(const QUrl &url) {
