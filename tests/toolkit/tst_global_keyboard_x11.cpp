@@ -3,12 +3,12 @@
 
 #include <QKeyEvent>
 #include <QProcess>
+#include <QRasterWindow>
 #include <QTest>
-#include <QWidget>
 
 namespace {
 
-class RepeatCounter : public QWidget {
+class RepeatCounter : public QRasterWindow {
 public:
     int repeats = 0;
 
