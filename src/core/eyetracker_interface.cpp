@@ -19,12 +19,6 @@ QString defaultRecordPath() {
     return QStringList{folder, "Ocela", file}.join(QDir::separator());
 }
 
-bool isOlderThanWindow(const EyeTrackingSample &sample, qint64 now) {
-    // Differences wrap rather than overflow, whatever a device's clock says.
-    const auto age = static_cast<qint64>(static_cast<quint64>(now) - static_cast<quint64>(sample.timestamp));
-    return age > EyetrackerInterface::sampleWindowMs;
-}
-
 }  // namespace
 
 EyetrackerInterface::EyetrackerInterface(const QString &dataFolder, QObject *parent)
@@ -71,29 +65,19 @@ bool EyetrackerInterface::stopRecord() {
 }
 
 QList<EyeTrackingSample> EyetrackerInterface::getSamples() {
-    return samples_.copy();
+    return samples_.with([](SampleWindow &window) { return window.samples(); });
 }
 
 EyeTrackingSample EyetrackerInterface::getLastSample() {
-    return samples_.with([](const QList<EyeTrackingSample> &samples) {
-        return samples.isEmpty() ? EyeTrackingSample() : samples.last();
-    });
+    return samples_.with([](const SampleWindow &window) { return window.last(); });
 }
 
 void EyetrackerInterface::addSample(const EyeTrackingSample &sample) {
     Q_EMIT newSample(sample);
-    store(sample);
+    samples_.with([&](SampleWindow &window) { window.add(sample); });
     recordFile_.with([&](const Record &record) {
         if (record)
             record->addSample(sample);
-    });
-}
-
-void EyetrackerInterface::store(const EyeTrackingSample &sample) {
-    samples_.with([&](QList<EyeTrackingSample> &samples) {
-        while (!samples.isEmpty() && isOlderThanWindow(samples.constFirst(), sample.timestamp))
-            samples.removeFirst();
-        samples.append(sample);
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include "core/eye_tracking_sample.h"
 #include "core/guarded.h"
+#include "core/sample_window.h"
 #include "toolkit/connection_helper.h"
 
 #include <QObject>
@@ -111,12 +112,10 @@ protected:
 private:
     using Record = std::unique_ptr<EyeTrackingCSV>;
 
-    void store(const EyeTrackingSample &sample);
-
     const QString dataFolder_;
     PixelUnit pixelUnit_ = PixelUnit::Desktop;
     std::atomic<bool> connected_{false};
     Guarded<QRect> calibratedArea_;
-    Guarded<QList<EyeTrackingSample>> samples_;
+    Guarded<SampleWindow> samples_{SampleWindow(sampleWindowMs)};
     Guarded<Record> recordFile_;
 };

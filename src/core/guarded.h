@@ -8,7 +8,7 @@
 template <typename T>
 class Guarded {
 public:
-    Guarded() = default;
+    Guarded() : value_() {}
     explicit Guarded(T value) : value_(std::move(value)) {}
 
     template <typename Function>
@@ -30,5 +30,5 @@ public:
 
 private:
     mutable std::mutex mutex_;
-    T value_{};
+    T value_;
 };

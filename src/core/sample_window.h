@@ -1,0 +1,30 @@
+#pragma once
+
+#include "core/eye_tracking_sample.h"
+
+#include <QList>
+#include <deque>
+
+/// The samples of the last while, oldest first. Its owner guards it.
+///
+/// samples() hands out implicitly shared lists that other threads read after the guard is released. Such a list is
+/// never changed in place, only let go of: Qt's check whether a list is shared does not order memory, so it must not
+/// decide whether this thread may write into it.
+class SampleWindow {
+public:
+    explicit SampleWindow(qint32 lengthMs) : lengthMs_(lengthMs) {}
+
+    /// Appends the sample and drops those that are more than the window's length older.
+    void add(const EyeTrackingSample &sample);
+
+    /// A shallow copy as long as no sample comes in between.
+    [[nodiscard]] QList<EyeTrackingSample> samples();
+
+    /// The newest sample; all zero before the first.
+    [[nodiscard]] EyeTrackingSample last() const;
+
+private:
+    qint32 lengthMs_;
+    std::deque<EyeTrackingSample> samples_;
+    QList<EyeTrackingSample> handedOut_;  ///< the same samples as a list; empty until asked for
+};
