@@ -46,7 +46,7 @@ QString freeNameBeside(const QString &path) {
     const QString stem = file.path() + '/' + file.completeBaseName();
     const QString suffix = file.suffix().isEmpty() ? QString() : '.' + file.suffix();
     for (int number = 1;; ++number) {
-        const QString candidate = stem + '_' + QString::number(number) + suffix;
+        QString candidate = stem + '_' + QString::number(number) + suffix;
         if (!QFileInfo::exists(candidate))
             return candidate;
     }

@@ -16,4 +16,4 @@ bool registerTest(Factory factory);
 }  // namespace test_support
 
 #define OCELA_TEST(Class) \
-    static const bool registered##Class = test_support::registerTest([]() -> QObject * { return new Class; });
+    static const bool registered##Class = test_support::registerTest([]() -> QObject * { return new (Class); });
