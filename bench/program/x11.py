@@ -1,0 +1,75 @@
+"""The little of Xlib that the program benchmark needs: when which window came onto the screen."""
+
+import ctypes
+import select
+import time
+
+SUBSTRUCTURE_NOTIFY = 1 << 19
+MAP_NOTIFY = 19
+
+
+class MapEvent(ctypes.Structure):
+    _fields_ = [("type", ctypes.c_int), ("serial", ctypes.c_ulong), ("send_event", ctypes.c_int),
+                ("display", ctypes.c_void_p), ("event", ctypes.c_ulong), ("window", ctypes.c_ulong),
+                ("override_redirect", ctypes.c_int)]
+
+
+class Event(ctypes.Union):
+    _fields_ = [("map", MapEvent), ("size_of_every_event", ctypes.c_long * 24)]
+
+
+def library():
+    xlib = ctypes.CDLL("libX11.so.6")
+    xlib.XOpenDisplay.restype = ctypes.c_void_p
+    xlib.XDefaultRootWindow.restype = ctypes.c_ulong
+    xlib.XDefaultRootWindow.argtypes = [ctypes.c_void_p]
+    xlib.XSelectInput.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_long]
+    xlib.XConnectionNumber.argtypes = [ctypes.c_void_p]
+    xlib.XPending.argtypes = [ctypes.c_void_p]
+    xlib.XNextEvent.argtypes = [ctypes.c_void_p, ctypes.POINTER(Event)]
+    xlib.XFetchName.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.POINTER(ctypes.c_void_p)]
+    xlib.XFree.argtypes = [ctypes.c_void_p]
+    xlib.XSync.argtypes = [ctypes.c_void_p, ctypes.c_int]
+    return xlib
+
+
+class Screen:
+    """Hears of every top-level window that is mapped; nothing is polled. There is no window manager, so the
+    programs' windows are children of the root window."""
+
+    def __init__(self):
+        self._xlib = library()
+        self._display = self._xlib.XOpenDisplay(None)
+        if not self._display:
+            raise SystemExit("cannot open the display")
+        self._xlib.XSelectInput(self._display, self._xlib.XDefaultRootWindow(self._display), SUBSTRUCTURE_NOTIFY)
+        self.forget()
+
+    def forget(self):
+        """Drops what has happened so far."""
+        self._xlib.XSync(self._display, True)
+
+    def wait_for_window(self, title, limit):
+        """Seconds of the monotonic clock at which a window was mapped that bears, now or shortly after, a title
+        that begins with `title`."""
+        deadline = time.monotonic() + limit
+        mapped = {}
+        while time.monotonic() < deadline:
+            select.select([self._xlib.XConnectionNumber(self._display)], [], [], 0.02)
+            while self._xlib.XPending(self._display):
+                event = Event()
+                self._xlib.XNextEvent(self._display, ctypes.byref(event))
+                if event.map.type == MAP_NOTIFY and not event.map.override_redirect:
+                    mapped[event.map.window] = time.monotonic()
+            for window, moment in mapped.items():
+                if self._title(window).startswith(title):
+                    return moment
+        raise SystemExit(f"no window {title!r} within {limit} s")
+
+    def _title(self, window):
+        name = ctypes.c_void_p()
+        if not self._xlib.XFetchName(self._display, window, ctypes.byref(name)):
+            return ""
+        text = ctypes.string_at(name).decode("utf-8", "replace")
+        self._xlib.XFree(name)
+        return text
