@@ -2,17 +2,11 @@
 
 #include <QByteArray>
 #include <QLocale>
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
 namespace {
-
-template <typename... Format>
-void appendChars(std::string &text, Format... value) {
-    char buffer[32];
-    const std::to_chars_result result = std::to_chars(buffer, buffer + sizeof buffer, value...);
-    text.append(buffer, result.ptr);
-}
 
 /// Between these bounds the shortest text never needs an exponent, and to_chars agrees with Qt digit for
 /// digit.
@@ -23,16 +17,17 @@ bool isPlain(double value) {
 
 }  // namespace
 
-void appendNumber(std::string &text, qint64 value) {
-    appendChars(text, value);
+char *writeNumber(char *to, qint64 value) {
+    return std::to_chars(to, to + numberTextRoom, value).ptr;
 }
 
-void appendNumber(std::string &text, double value) {
+char *writeNumber(char *to, double value) {
+    if (isPlain(value))
+        return std::to_chars(to, to + numberTextRoom, value, std::chars_format::fixed).ptr;
     if (value == 0.0) {
-        text += '0';
-    } else if (isPlain(value)) {
-        appendChars(text, value, std::chars_format::fixed);
-    } else {
-        text += QByteArray::number(value, 'g', QLocale::FloatingPointShortest).constData();
+        *to = '0';
+        return to + 1;
     }
+    const QByteArray text = QByteArray::number(value, 'g', QLocale::FloatingPointShortest);
+    return std::copy(text.begin(), text.end(), to);
 }

@@ -14,17 +14,30 @@ quint64 bitsOf(const NumericCell &cell) {
 }
 
 template <typename T>
-NumericCell fromBits(quint64 bits) {
+T fromBits(quint64 bits) {
     T value;
     std::memcpy(&value, &bits, sizeof value);
     return value;
 }
 
-void appendNumberOf(std::string &text, const NumericCell &cell) {
-    std::visit(
-        [&](auto value) {
+NumericCell cell(quint64 bits, quint8 type) {
+    switch (type) {
+        case 0:
+            return fromBits<int>(bits);
+        case 1:
+            return fromBits<qint64>(bits);
+        case 2:
+            return fromBits<float>(bits);
+        default:
+            return fromBits<double>(bits);
+    }
+}
+
+char *writeCell(char *to, const NumericCell &cell) {
+    return std::visit(
+        [to](auto value) {
             using Widest = std::conditional_t<std::is_integral_v<decltype(value)>, qint64, double>;
-            appendNumber(text, static_cast<Widest>(value));
+            return writeNumber(to, static_cast<Widest>(value));
         },
         cell);
 }
@@ -37,18 +50,23 @@ void NumericRows::clear() {
 
 QVariantList NumericRows::at(std::size_t row) const {
     QVariantList cells;
-    for (std::size_t index = rowBegin(row); index < rowEnds_[row]; ++index)
-        cells << std::visit([](auto value) { return QVariant(value); }, cell(index));
+    forEachCell(
+        row, [&](const NumericCell &cell) { cells << std::visit([](auto value) { return QVariant(value); }, cell); });
     return cells;
 }
 
 void NumericRows::appendRowTo(std::string &text, std::size_t row, char separator) const {
-    const std::size_t begin = rowBegin(row);
-    for (std::size_t index = begin; index < rowEnds_[row]; ++index) {
-        if (index != begin)
-            text += separator;
-        appendNumberOf(text, cell(index));
-    }
+    const std::size_t cells = rowEnds_[row] - rowBegin(row);
+    const std::size_t begin = text.size();
+    text.resize(begin + cells * (numberTextRoom + 1));
+    char *const first = &text[begin];
+    char *end = first;
+    forEachCell(row, [&](const NumericCell &cell) {
+        if (end != first)
+            *end++ = separator;
+        end = writeCell(end, cell);
+    });
+    text.resize(begin + static_cast<std::size_t>(end - first));
 }
 
 void NumericRows::append(const NumericCell *first, const NumericCell *last) {
@@ -59,16 +77,11 @@ void NumericRows::append(const NumericCell *first, const NumericCell *last) {
     rowEnds_.push_back(values_.size());
 }
 
-NumericCell NumericRows::cell(std::size_t index) const {
-    const quint64 bits = values_[index];
-    switch (types_[index]) {
-        case 0:
-            return fromBits<int>(bits);
-        case 1:
-            return fromBits<qint64>(bits);
-        case 2:
-            return fromBits<float>(bits);
-        default:
-            return fromBits<double>(bits);
-    }
+template <typename Take>
+void NumericRows::forEachCell(std::size_t row, Take take) const {
+    const auto begin = static_cast<std::ptrdiff_t>(rowBegin(row));
+    const auto end = values_.begin() + static_cast<std::ptrdiff_t>(rowEnds_[row]);
+    auto type = types_.begin() + begin;
+    for (auto value = values_.begin() + begin; value != end; ++value, ++type)
+        take(cell(*value, *type));
 }

@@ -30,7 +30,8 @@ public:
 private:
     void append(const NumericCell *first, const NumericCell *last);
     [[nodiscard]] std::size_t rowBegin(std::size_t row) const { return row == 0 ? 0 : rowEnds_[row - 1]; }
-    [[nodiscard]] NumericCell cell(std::size_t index) const;
+    template <typename Take>
+    void forEachCell(std::size_t row, Take take) const;
 
     // Deques grow without copying what they hold, so that a long record never needs its memory twice.
     std::deque<quint64> values_;  // the cells' bits

@@ -19,9 +19,8 @@ private Q_SLOTS:
 namespace {
 
 QString textOf(double value) {
-    std::string text;
-    appendNumber(text, value);
-    return QString::fromStdString(text);
+    char text[numberTextRoom];
+    return QString::fromLatin1(text, static_cast<int>(writeNumber(text, value) - text));
 }
 
 }  // namespace
