@@ -114,5 +114,9 @@ void GazePoint::send(const QByteArray &text) {
     if (text.isEmpty() || socket_.state() != QAbstractSocket::ConnectedState)
         return;
     socket_.write(text + "\r\n");
-    socket_.waitForBytesWritten(sendTimeoutMs);
+    socket_.flush();
+    // Waiting also reads. What it reads may be answered with a send within this one, which leaves nothing to wait
+    // for and the wait going on to its limit; so only what the system did not take at once is waited for.
+    if (socket_.bytesToWrite() > 0)
+        socket_.waitForBytesWritten(sendTimeoutMs);
 }

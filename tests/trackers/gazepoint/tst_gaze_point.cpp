@@ -1,6 +1,7 @@
 #include "support/test_main.h"
 #include "trackers/gazepoint/gaze_point.h"
 
+#include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTcpServer>
@@ -36,6 +37,7 @@ private Q_SLOTS:
     void cleanup();
 
     void enables_its_data_when_connected();
+    void record_that_comes_before_the_switches_holds_nothing_up();
     void asks_for_the_screen_until_it_knows_it();
     void split_record_yields_what_its_first_part_holds();
     void stop_switches_the_data_off_and_disconnects();
@@ -100,6 +102,21 @@ void TestGazePoint::enables_its_data_when_connected() {
     QSignalSpy changes(tracker_.get(), &EyetrackerInterface::connectedChanged);
     connectServer();
     QCOMPARE(changes.count(), 1);
+}
+
+void TestGazePoint::record_that_comes_before_the_switches_holds_nothing_up() {
+    constexpr qint64 halfTheSendLimitMs = 15000;
+    QVERIFY(tracker_->start());
+    QVERIFY(server_->waitForNewConnection(5000));
+    far_ = server_->nextPendingConnection();
+    far_->write("<REC FPOGX=\"0.5\" />\r\n");
+    QVERIFY(far_->flush());
+
+    QElapsedTimer timer;
+    timer.start();
+    QTRY_VERIFY(tracker_->isConnected());
+    QVERIFY(received(sizeof enableLines + sizeof askScreen - 2).contains(askScreen));
+    QVERIFY(timer.elapsed() < halfTheSendLimitMs);
 }
 
 void TestGazePoint::asks_for_the_screen_until_it_knows_it() {
