@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFontDatabase>
+#include <QIcon>
 #include <QStandardPaths>
 
 namespace {
@@ -68,6 +69,7 @@ void startup::loadFonts() {
 }
 
 void startup::applyStyle() {
+    QApplication::setWindowIcon(QIcon(":/images/ocela.png"));
     qApp->setStyleSheet(
         "* { font-family: 'JetBrains Mono'; font-size: 12px; font-weight: 300; } "
         "#propertyHeaderLabel { color: #666; }");
