@@ -1,10 +1,11 @@
 #pragma once
 
 #include <QByteArrayList>
-#include <QEventLoop>
+#include <QFile>
 #include <QHostAddress>
 #include <QTcpSocket>
 #include <QTest>
+#include <algorithm>
 
 /// A client of the simulated server that talks in whole lines and keeps everything it was sent.
 class LoopbackClient {
@@ -19,6 +20,12 @@ public:
 
     void send(const QByteArray &line) { socket.write(line + "\r\n"); }
     void enable(const QByteArray &group) { send("<SET ID=\"ENABLE_SEND_" + group + "\" STATE=\"1\" />"); }
+    /// Asks for records with these groups of fields.
+    void stream(const QByteArrayList &groups) {
+        for (const QByteArray &group : groups)
+            enable(group);
+        enable("DATA");
+    }
 
     /// All complete lines so far that begin like this.
     [[nodiscard]] QByteArrayList lines(const QByteArray &beginning) const {
@@ -40,6 +47,17 @@ public:
     QByteArrayList chunks;
     QByteArray received;
 };
+
+/// What servers of real trackers sent, the lines that begin like this.
+inline QByteArrayList capturedLines(const QByteArray &beginning) {
+    QFile file(OCELA_TEST_DATA "/gazepoint_lines.txt");
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("the captured lines are missing");
+    QByteArrayList lines = file.readAll().split('\n');
+    lines.erase(std::remove_if(lines.begin(), lines.end(), [&](auto &line) { return !line.startsWith(beginning); }),
+                lines.end());
+    return lines;
+}
 
 /// The value of an attribute of a message; empty when it is missing.
 inline QByteArray attributeOf(const QByteArray &line, const QByteArray &name) {

@@ -27,8 +27,6 @@ private Q_SLOTS:
     void begin_after_their_time_data();
     void begin_after_their_time();
     void splitting_and_joining_lose_nothing();
-    void odd_values_are_of_all_kinds();
-    void an_endless_line_has_ten_megabytes();
 };
 
 void TestGazepointFaults::begin_after_their_time_data() {
@@ -52,40 +50,13 @@ void TestGazepointFaults::begin_after_their_time() {
 
 void TestGazepointFaults::splitting_and_joining_lose_nothing() {
     FaultInjector injector({{Fault::Split, Fault::Join}, 0}, 1);
-    QByteArray all;
-    int segments = 0;
-    for (int i = 0; i < 100; ++i) {
-        for (const QByteArray &bytes : bytesOf(injector.deliver(kLine, 1))) {
-            QVERIFY(bytes.size() >= kLine.size());
-            all += bytes;
-            ++segments;
-        }
-    }
-    QVERIFY(segments > 40 && segments < 100);
-    QCOMPARE(all, kLine.repeated(all.size() / kLine.size()));
-    QVERIFY(all.size() >= 97 * kLine.size());
-}
-
-void TestGazepointFaults::odd_values_are_of_all_kinds() {
-    FaultInjector injector({{Fault::Nan}, 0}, 1);
-    QByteArray all;
-    for (int i = 0; i < 200; ++i) {
-        const QByteArray line = bytesOf(injector.deliver(kLine, 1)).value(0);
-        QVERIFY(line != kLine && line.startsWith("<REC") && line.endsWith(" />\r\n"));
-        all += line;
-    }
-    for (const char *part :
-         {"\"NaN\"", "\"inf\"", "\"1e999\"", "=\"\"", "XYZZY", "<REC FPOGX", "FPOGV=\"1\" FPOGV=\"1\""})
-        QVERIFY2(all.contains(part), part);
-}
-
-void TestGazepointFaults::an_endless_line_has_ten_megabytes() {
-    FaultInjector injector({{Fault::Endless}, 0}, 1);
-    QByteArray all;
+    QByteArrayList segments;
     for (int i = 0; i < 100; ++i)
-        all += bytesOf(injector.deliver(kLine, 1)).value(0);
-    QCOMPARE(all.size(), 10 * 1000 * 1000);
-    QVERIFY(all.startsWith("<REC CNT=\"7") && !all.contains('\n') && !all.contains('>'));
+        segments += bytesOf(injector.deliver(kLine, 1));
+    QVERIFY(segments.size() > 40 && segments.size() < 100);
+    const QByteArray all = segments.join();
+    QVERIFY(all.size() >= 97 * kLine.size());  // the last ones may still be held back
+    QCOMPARE(all, kLine.repeated(all.size() / kLine.size()));
 }
 
 OCELA_TEST(TestGazepointFaults)
