@@ -85,12 +85,13 @@ class Program:
 
 
 class VirtualScreen(Program):
-    """An X server without a screen, on the first display that is free; `name` tells which."""
+    """An X server without a screen, on the first display that is free; `name` tells which. The pixels are in a
+    file in `folder`."""
 
-    def __init__(self):
+    def __init__(self, folder):
         read, write = os.pipe()
         super().__init__(["Xvfb", "-displayfd", str(write), "-nolock", "-nolisten", "tcp",
-                          "-screen", "0", "1920x1080x24"], None, pass_fds=[write])
+                          "-screen", "0", "1920x1080x24", "-fbdir", folder], None, pass_fds=[write])
         os.close(write)
         with os.fdopen(read) as number:
             self.name = ":" + number.readline().strip()

@@ -1,0 +1,43 @@
+"""The virtual screen's pixels, read from the file that Xvfb keeps them in."""
+
+import mmap
+import pathlib
+import struct
+
+# The header of the XWD file format: big-endian 32-bit words.
+HEADER_SIZE, WIDTH, HEIGHT, BYTES_PER_LINE, COLOURS = 0, 4, 5, 12, 19
+COLOUR_BYTES = 12
+
+
+class FrameBuffer:
+    def __init__(self, folder):
+        with pathlib.Path(folder, "Xvfb_screen0").open("rb") as file:
+            self._bytes = mmap.mmap(file.fileno(), 0, access=mmap.ACCESS_READ)
+        words = struct.unpack(">25I", self._bytes[:100])
+        self._pixels = words[HEADER_SIZE] + words[COLOURS] * COLOUR_BYTES
+        self._line = words[BYTES_PER_LINE]
+        self._height = words[HEIGHT]
+
+    def lines(self, first, last, begin=0, end=None):
+        """The screen's lines from `first` to before `last`, each cut to its bytes from `begin` to `end`."""
+        starts = [self._pixels + line * self._line for line in range(first, last)]
+        return [self._bytes[start + begin:start + (self._line if end is None else end)] for start in starts]
+
+    def whole(self):
+        return self.lines(0, self._height)
+
+
+class Region:
+    """The smallest rectangle that holds every difference of two pictures of the whole screen."""
+
+    def __init__(self, buffer, one, other):
+        self._buffer = buffer
+        changed = [line for line in range(len(one)) if one[line] != other[line]]
+        if not changed:
+            raise SystemExit("nothing changed on the screen")
+        columns = [column for line in changed for column in range(len(one[line]))
+                   if one[line][column] != other[line][column]]
+        self._area = (changed[0], changed[-1] + 1, min(columns), max(columns) + 1)
+
+    def picture(self):
+        return self._buffer.lines(*self._area)
