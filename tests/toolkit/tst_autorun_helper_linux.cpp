@@ -40,7 +40,6 @@ void TestAutorunHelper::init() {
 void TestAutorunHelper::cleanup() {
     qunsetenv("XDG_CONFIG_HOME");
     qunsetenv("XDG_CONFIG_DIRS");
-    dir_.reset();
 }
 
 QString TestAutorunHelper::entryFile(const QString &folder) const {
@@ -51,20 +50,16 @@ void TestAutorunHelper::quotes_the_program_data() {
     QTest::addColumn<QString>("program");
     QTest::addColumn<QByteArray>("exec");
     QTest::addColumn<QByteArray>("path");
-    QTest::newRow("plain") << "/opt/ocela/Ocela" << QByteArray(R"(Exec="/opt/ocela/Ocela")")
-                           << QByteArray("Path=/opt/ocela");
-    QTest::newRow("blanks and Cyrillic") << QString::fromUtf8("/home/Анна/my apps/Ocela")
-                                         << QByteArray(R"(Exec="/home/Анна/my apps/Ocela")")
-                                         << QByteArray("Path=/home/Анна/my apps");
-    QTest::newRow("what a shell would expand")
-        << R"(/a$b`c"d/Ocela)" << QByteArray(R"(Exec="/a\\$b\\`c\\"d/Ocela")") << QByteArray(R"(Path=/a$b`c"d)");
-    QTest::newRow("a backslash is escaped twice")
-        << R"(/a\b/Ocela)" << QByteArray(R"(Exec="/a\\\\b/Ocela")") << QByteArray(R"(Path=/a\\b)");
-    QTest::newRow("a percent sign is no field code")
-        << "/100%f/Ocela" << QByteArray(R"(Exec="/100%%f/Ocela")") << QByteArray("Path=/100%f");
-    QTest::newRow("a line break starts no new key")
-        << "/a\nHidden=true/Ocela" << QByteArray(R"(Exec="/a\nHidden=true/Ocela")")
-        << QByteArray(R"(Path=/a\nHidden=true)");
+    const auto row = [](const char *name, const char *program, const char *exec, const char *path) {
+        QTest::newRow(name) << QString::fromUtf8(program) << QByteArray(exec) << QByteArray(path);
+    };
+    row("blanks and Cyrillic", "/home/Анна/my apps/Ocela", R"(Exec="/home/Анна/my apps/Ocela")",
+        "Path=/home/Анна/my apps");
+    row("what a shell would expand", R"(/a$b`c"d/Ocela)", R"(Exec="/a\\$b\\`c\\"d/Ocela")", R"(Path=/a$b`c"d)");
+    row("a backslash is escaped twice", R"(/a\b/Ocela)", R"(Exec="/a\\\\b/Ocela")", R"(Path=/a\\b)");
+    row("a percent sign is no field code", "/100%f/Ocela", R"(Exec="/100%%f/Ocela")", "Path=/100%f");
+    row("a line break starts no new key", "/a\nHidden=true/Ocela", R"(Exec="/a\nHidden=true/Ocela")",
+        R"(Path=/a\nHidden=true)");
 }
 
 void TestAutorunHelper::quotes_the_program() {

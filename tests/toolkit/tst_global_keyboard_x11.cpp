@@ -61,19 +61,13 @@ QList<Qt::Key> TestGlobalKeyboardX11::keysOf(const QStringList &arguments) {
 void TestGlobalKeyboardX11::names_the_keys_data() {
     QTest::addColumn<QString>("name");
     QTest::addColumn<Qt::Key>("key");
-    QTest::newRow("F1") << "F1" << Qt::Key_F1;
     QTest::newRow("F10") << "F10" << Qt::Key_F10;
-    QTest::newRow("a letter") << "q" << Qt::Key_Q;
     QTest::newRow("a letter with Shift") << "shift+q" << Qt::Key_Q;
     QTest::newRow("a digit") << "7" << Qt::Key_7;
     QTest::newRow("Escape") << "Escape" << Qt::Key_Escape;
     QTest::newRow("space") << "space" << Qt::Key_Space;
-    QTest::newRow("Return") << "Return" << Qt::Key_Return;
     QTest::newRow("keypad Enter") << "KP_Enter" << Qt::Key_Enter;
-    QTest::newRow("Left") << "Left" << Qt::Key_Left;
-    QTest::newRow("Tab") << "Tab" << Qt::Key_Tab;
-    QTest::newRow("Page Down") << "Next" << Qt::Key_PageDown;
-    QTest::newRow("Delete") << "Delete" << Qt::Key_Delete;
+    QTest::newRow("Page Down, which X also calls Next") << "Next" << Qt::Key_PageDown;
 }
 
 void TestGlobalKeyboardX11::names_the_keys() {

@@ -14,10 +14,9 @@ class TestSettings : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() { folder_ = std::make_unique<QTemporaryDir>(); }
     void declares_a_property_completely_data();
     void declares_a_property_completely();
-    void describes_properties_in_order_of_declaration();
     void setter_tells_of_a_change_once();
     void values_by_name_data();
     void values_by_name();
@@ -31,99 +30,49 @@ private Q_SLOTS:
     void keeps_a_damaged_file_aside_data();
     void keeps_a_damaged_file_aside();
     void keeps_every_damaged_file();
-    void keeps_a_folder_in_its_place_aside();
     void warns_when_it_cannot_save();
 
 private:
     QString path(const QString &name = "settings.xml") const { return folder_->filePath(name); }
-    void write(const QByteArray &contents) const;
-    void writeProperty(const QString &name, const QString &text) const;
-    QByteArray read(const QString &file) const;
+    void write(const QByteArray &contents) const {
+        QFile file(path());
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(contents);
+    }
+    void writeProperty(const QString &name, const QString &text) const {
+        write(QString("<settings><property name=\"%1\">%2</property></settings>").arg(name, text).toUtf8());
+    }
+    static QByteArray read(const QString &file) {
+        QFile device(file);
+        return device.open(QIODevice::ReadOnly) ? device.readAll() : QByteArray();
+    }
 
     std::unique_ptr<QTemporaryDir> folder_;
 };
 
-void TestSettings::init() {
-    folder_ = std::make_unique<QTemporaryDir>();
-}
-
-void TestSettings::write(const QByteArray &contents) const {
-    QFile file(path());
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(contents);
-}
-
-void TestSettings::writeProperty(const QString &name, const QString &text) const {
-    write(QString("<settings><property name=\"%1\">%2</property></settings>").arg(name, text).toUtf8());
-}
-
-QByteArray TestSettings::read(const QString &file) const {
-    QFile device(file);
-    return device.open(QIODevice::ReadOnly) ? device.readAll() : QByteArray();
-}
-
 void TestSettings::declares_a_property_completely_data() {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("type");
-    QTest::addColumn<QString>("defaultText");
-
-    QTest::newRow("enum") << "Points"
-                          << "SampleSettings::Mode"
-                          << "SampleSettings::Mode::Mode_5_points";
-    QTest::newRow("int") << "TimeMs"
-                         << "int"
-                         << "2000";
-    QTest::newRow("double") << "Gain"
-                            << "double"
-                            << "1.5";
-    QTest::newRow("bool") << "Enabled"
-                          << "bool"
-                          << "true";
-    QTest::newRow("empty text") << "Title"
-                                << "QString"
-                                << "\"\"";
-    QTest::newRow("negative number") << "LastIndex"
-                                     << "int"
-                                     << "-1";
+    QTest::addColumn<QByteArray>("defaultText");
+    const auto row = [](const char *title, const char *name, const char *type, const char *defaultText) {
+        QTest::newRow(title) << name << type << QByteArray(defaultText);
+    };
+    row("enum", "Points", "SampleSettings::Mode", "SampleSettings::Mode::Mode_5_points");
+    row("empty text", "Title", "QString", "\"\"");
+    row("negative number", "LastIndex", "int", "-1");
 }
 
 void TestSettings::declares_a_property_completely() {
     QFETCH(QString, name);
     QFETCH(QString, type);
-    QFETCH(QString, defaultText);
     const QMetaObject &meta = SampleSettings::staticMetaObject;
-    const auto method = [&](const QString &signature) {
-        return meta.method(meta.indexOfMethod(QMetaObject::normalizedSignature(signature.toLatin1())));
-    };
-
     const QMetaProperty property = meta.property(meta.indexOfProperty(name.toLatin1()));
     QVERIFY(property.isReadable() && property.isWritable() && property.isResettable());
     QCOMPARE(property.typeName(), type.toLatin1());
     QCOMPARE(property.notifySignal().methodSignature(), QString("changed%1(%2)").arg(name, type).toLatin1());
-    QCOMPARE(method(QString("set%1(%2)").arg(name, type)).tag(), "PROPERTY_TAG");
-    QCOMPARE(method(QString("get%1()").arg(name)).tag(), "PROPERTY_TAG");
-    QCOMPARE(method(QString("get%1()").arg(name)).typeName(), type.toLatin1());
-    QCOMPARE(method(QString("reset%1()").arg(name)).tag(), "PROPERTY_TAG");
-    QCOMPARE(meta.classInfo(meta.indexOfClassInfo((name + "Default").toLatin1())).value(), defaultText.toLatin1());
-    QVERIFY(SampleSettings(path()).defaultValue(name).isValid());
-}
-
-void TestSettings::describes_properties_in_order_of_declaration() {
-    const MetaDescriptor all = SampleSettings(path()).metaDescriptor();
-    QStringList names;
-    for (const PropertyDescriptor &one : all)
-        names << one.name;
-    QCOMPARE(names, QStringList({"Language", "Points", "TimeMs", "Gain", "Enabled", "Title", "Folder", "LastIndex"}));
-
-    QCOMPARE(all[0].category, "Look");
-    QCOMPARE(all[0].choices, QStringList({"ru_RU", "en_US"}));
-    QCOMPARE(all[2].minimum, std::optional<double>(1000));
-    QCOMPARE(all[2].maximum, std::optional<double>(10000));
-    QCOMPARE(all[2].step, std::optional<double>(100));
-    QCOMPARE(all[2].suffix, "ms");
-    QVERIFY(all[2].editable && all[2].visible && !all[2].readOnly);
-    QVERIFY(all[6].readOnly);
-    QVERIFY(!all[7].visible && !all[7].minimum);
+    for (const QString &signature : {QString("set%1(%2)").arg(name, type), "get" + name + "()", "reset" + name + "()"})
+        QCOMPARE(meta.method(meta.indexOfMethod(signature.toLatin1())).tag(), "PROPERTY_TAG");
+    QTEST(QByteArray(meta.classInfo(meta.indexOfClassInfo((name + "Default").toLatin1())).value()), "defaultText");
 }
 
 void TestSettings::setter_tells_of_a_change_once() {
@@ -148,16 +97,11 @@ void TestSettings::values_by_name_data() {
     QTest::addColumn<bool>("accepted");
     QTest::addColumn<QString>("text");
 
-    QTest::newRow("number") << "TimeMs" << QVariant(1500) << true << "1500";
-    QTest::newRow("number as text") << "TimeMs" << QVariant("1500") << true << "1500";
-    QTest::newRow("no value") << "TimeMs" << QVariant() << false << "2000";
     QTest::newRow("enum by key") << "Points" << QVariant("Mode_16_points") << true << "Mode_16_points";
     QTest::newRow("enum by number") << "Points" << QVariant(1) << true << "Mode_9_points";
     QTest::newRow("number that is no key") << "Points" << QVariant(2) << false << "Mode_5_points";
-    QTest::newRow("language that is offered") << "Language" << QVariant("ru_RU") << true << "ru_RU";
     QTest::newRow("language that is not offered") << "Language" << QVariant("fr_FR") << false << "en_US";
     QTest::newRow("unknown property") << "Nothing" << QVariant(1) << false << "";
-    QTest::newRow("a property of every object") << "objectName" << QVariant("x") << false << "";
 }
 
 void TestSettings::values_by_name() {
@@ -197,9 +141,8 @@ void TestSettings::writes_a_file_that_a_person_can_read() {
 void TestSettings::keeps_any_text_data() {
     QTest::addColumn<QString>("text");
     QTest::newRow("nothing") << "";
-    QTest::newRow("blanks around") << "  a  ";
+    QTest::newRow("blanks and lines") << "  a\r\nb\tc\n ";
     QTest::newRow("markup") << "</property>&amp;]]>\"'";
-    QTest::newRow("lines") << "a\r\nb\tc\n";
     QTest::newRow("control characters") << QString("\x01\x1f%41\v") + QChar(0xffff);
     QTest::newRow("beyond the basic plane") << QString::fromUtf8("папка 🙂");
 }
@@ -249,47 +192,28 @@ void TestSettings::reload_makes_properties_what_the_file_says() {
 void TestSettings::loads_values_within_their_range_data() {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("text");
-    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<QString>("value");
     QTest::addColumn<bool>("warns");
-
-    QTest::newRow("too small") << "TimeMs"
-                               << "-5" << QVariant(1000) << false;
-    QTest::newRow("too large") << "TimeMs"
-                               << "10001" << QVariant(10000) << false;
-    QTest::newRow("larger than an int") << "TimeMs"
-                                        << "99999999999" << QVariant(10000) << false;
-    QTest::newRow("larger than an int, without a range") << "LastIndex"
-                                                         << "99999999999" << QVariant(-1) << true;
-    QTest::newRow("no number") << "TimeMs"
-                               << "soon" << QVariant(2000) << true;
-    QTest::newRow("empty number") << "TimeMs"
-                                  << "" << QVariant(2000) << true;
-    QTest::newRow("broken number") << "TimeMs"
-                                   << "1500 ms" << QVariant(2000) << true;
-    QTest::newRow("fraction out of range") << "Gain"
-                                           << "4.01" << QVariant(4.0) << false;
-    QTest::newRow("not a number") << "Gain"
-                                  << "nan" << QVariant(1.5) << true;
-    QTest::newRow("infinite") << "Gain"
-                              << "inf" << QVariant(1.5) << true;
-    QTest::newRow("decimal comma") << "Gain"
-                                   << "2,5" << QVariant(1.5) << true;
-    QTest::newRow("bool in capitals") << "Enabled"
-                                      << "False" << QVariant(false) << false;
-    QTest::newRow("neither true nor false") << "Enabled"
-                                            << "maybe" << QVariant(true) << true;
-    QTest::newRow("key of an enum") << "Points"
-                                    << "Mode_16_points" << QVariant("Mode_16_points") << false;
-    QTest::newRow("unknown key") << "Points"
-                                 << "Mode_2_points" << QVariant("Mode_5_points") << true;
-    QTest::newRow("unknown language") << "Language"
-                                      << "fr_FR" << QVariant("en_US") << true;
+    const auto row = [](const char *title, const char *name, const char *text, const char *value, bool warns) {
+        QTest::newRow(title) << name << text << value << warns;
+    };
+    row("too small", "TimeMs", "-5", "1000", false);
+    row("too large", "Gain", "4.01", "4", false);
+    row("larger than an int", "TimeMs", "99999999999", "10000", false);
+    row("larger than an int, without a range", "LastIndex", "99999999999", "-1", true);
+    row("broken number", "TimeMs", "1500 ms", "2000", true);
+    row("empty number", "TimeMs", "", "2000", true);
+    row("not a number", "Gain", "nan", "1.5", true);
+    row("decimal comma", "Gain", "2,5", "1.5", true);
+    row("bool in capitals", "Enabled", "False", "false", false);
+    row("neither true nor false", "Enabled", "maybe", "true", true);
+    row("unknown key", "Points", "Mode_2_points", "Mode_5_points", true);
+    row("unknown language", "Language", "fr_FR", "en_US", true);
 }
 
 void TestSettings::loads_values_within_their_range() {
     QFETCH(QString, name);
     QFETCH(QString, text);
-    QFETCH(QVariant, value);
     QFETCH(bool, warns);
 
     writeProperty(name, text);
@@ -297,7 +221,7 @@ void TestSettings::loads_values_within_their_range() {
     if (warns)
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("settings.xml: " + name + " cannot be "));
     QVERIFY(settings.reload());
-    QCOMPARE(settings.getValue(name).toString(), value.toString());
+    QTEST(settings.getValue(name).toString(), "value");
 }
 
 void TestSettings::keeps_a_damaged_file_aside_data() {
@@ -305,10 +229,7 @@ void TestSettings::keeps_a_damaged_file_aside_data() {
     const QByteArray whole = "<settings><property name=\"TimeMs\">1500</property></settings>";
     QTest::newRow("empty") << QByteArray();
     QTest::newRow("truncated") << whole.left(whole.size() - 4);
-    QTest::newRow("binary zeros") << QByteArray(64, '\0');
-    QTest::newRow("binary") << QByteArray(
-        "\x7f"
-        "ELF\x02\x01\xff\xfe");
+    QTest::newRow("binary") << QByteArray(64, '\0');
     QTest::newRow("another document") << QByteArray("<html><body/></html>");
     QTest::newRow("something behind the end") << whole + "<more/>";
     QTest::newRow("not UTF-8") << QByteArray(whole).replace("1500", "\xff\xff");
@@ -333,24 +254,17 @@ void TestSettings::keeps_a_damaged_file_aside() {
 
 void TestSettings::keeps_every_damaged_file() {
     SampleSettings settings(path());
-    for (const char *contents : {"first", "second", "third"}) {
+    QVERIFY(QDir().mkpath(path() + "/inside"));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("cannot be used: it is a folder; kept as .*damaged"));
+    QVERIFY(!settings.reload());
+    for (const char *contents : {"first", "second"}) {
         write(contents);
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("cannot be used"));
         QVERIFY(!settings.reload());
     }
-    QCOMPARE(read(path("settings.xml.damaged")), "first");
-    QCOMPARE(read(path("settings.xml.damaged.1")), "second");
-    QCOMPARE(read(path("settings.xml.damaged.2")), "third");
-}
-
-void TestSettings::keeps_a_folder_in_its_place_aside() {
-    QVERIFY(QDir().mkpath(path() + "/inside"));
-    SampleSettings settings(path());
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("cannot be used: it is a folder; kept as .*damaged"));
-    QVERIFY(!settings.reload());
     QVERIFY(QFile::exists(path("settings.xml.damaged/inside")));
-    settings.setTimeMs(1500);
-    QVERIFY(read(path()).contains("1500"));
+    QCOMPARE(read(path("settings.xml.damaged.1")), "first");
+    QCOMPARE(read(path("settings.xml.damaged.2")), "second");
 }
 
 void TestSettings::warns_when_it_cannot_save() {

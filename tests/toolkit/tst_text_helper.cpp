@@ -11,7 +11,6 @@ private Q_SLOTS:
     void cleanupTestCase();
     void names_a_moment_data();
     void names_a_moment();
-    void takes_now_for_a_null_moment();
 
 private:
     QByteArray zoneBefore_;
@@ -41,13 +40,6 @@ void TestTextHelper::names_a_moment() {
     QFETCH(QDateTime, moment);
     QFETCH(bool, withMilliseconds);
     QTEST(TextHelper::DateTimeFileString(moment, withMilliseconds), "text");
-}
-
-void TestTextHelper::takes_now_for_a_null_moment() {
-    const QString before = TextHelper::DateTimeFileString(QDateTime::currentDateTime(), true);
-    const QString now = TextHelper::DateTimeFileString({}, true);
-    const QString after = TextHelper::DateTimeFileString(QDateTime::currentDateTime(), true);
-    QVERIFY2(before <= now && now <= after, qPrintable(before + ' ' + now + ' ' + after));
 }
 
 OCELA_TEST(TestTextHelper)

@@ -1,9 +1,7 @@
 #include "support/test_main.h"
-#include "toolkit/svg_recolour.h"
 #include "toolkit/ui_helper.h"
 
 #include <QIcon>
-#include <QLabel>
 #include <QPainter>
 #include <QRegularExpression>
 #include <QTemporaryFile>
@@ -34,20 +32,11 @@ class TestUIHelper : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void makes_a_label_that_can_be_found();
     void recolours_one_colour_data();
     void recolours_one_colour();
-    void leaves_a_drawing_without_that_colour_alone();
     void draws_sharply_at_any_size_and_ratio();
     void warns_about_what_is_no_drawing();
 };
-
-void TestUIHelper::makes_a_label_that_can_be_found() {
-    QWidget parent;
-    QLabel *label = UIHelper::GenerateLabelWithName("eyeHeader", "Validity", &parent);
-    QCOMPARE(parent.findChild<QLabel *>("eyeHeader"), label);
-    QCOMPARE(label->text(), QString("Validity"));
-}
 
 void TestUIHelper::recolours_one_colour_data() {
     QTest::addColumn<QByteArray>("attributes");
@@ -64,11 +53,6 @@ void TestUIHelper::recolours_one_colour() {
     const QPixmap pixmap = iconOf(drawing(attributes)).pixmap(24, 24);
     QCOMPARE(at(pixmap, 4, 12), QColor("#3C0"));
     QCOMPARE(at(pixmap, 20, 12), QColor(Qt::blue));
-}
-
-void TestUIHelper::leaves_a_drawing_without_that_colour_alone() {
-    const QByteArray svg = drawing(R"(fill="#0000FF")");
-    QCOMPARE(recolouredSvg(svg, "#F00", "#3C0"), svg);
 }
 
 void TestUIHelper::draws_sharply_at_any_size_and_ratio() {

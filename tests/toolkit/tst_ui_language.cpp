@@ -9,7 +9,6 @@ class TestUiLanguage : public QObject {
 private Q_SLOTS:
     void follows_the_system_data();
     void follows_the_system();
-    void names_languages_in_their_own_words();
 };
 
 void TestUiLanguage::follows_the_system_data() {
@@ -32,11 +31,6 @@ void TestUiLanguage::follows_the_system() {
     QFETCH(QStringList, offered);
     QFETCH(QStringList, system);
     QTEST(UiLanguage::preferred(offered, system), "expected");
-}
-
-void TestUiLanguage::names_languages_in_their_own_words() {
-    QCOMPARE(UiLanguage::nativeName("ru_RU"), QString("Русский"));
-    QCOMPARE(UiLanguage::nativeName("en_US"), QString("English"));
 }
 
 OCELA_TEST(TestUiLanguage)

@@ -1,7 +1,6 @@
 #include "support/test_main.h"
 #include "toolkit/v_push_button.h"
 
-#include <QPixmap>
 #include <QTest>
 
 class TestVPushButton : public QObject {
@@ -10,7 +9,6 @@ class TestVPushButton : public QObject {
 private Q_SLOTS:
     void shows_the_keyboard_focus_also_when_flat_data();
     void shows_the_keyboard_focus_also_when_flat();
-    void is_wide_enough_for_icon_and_text();
 };
 
 void TestVPushButton::shows_the_keyboard_focus_also_when_flat_data() {
@@ -36,18 +34,6 @@ void TestVPushButton::shows_the_keyboard_focus_also_when_flat() {
     QTest::keyClick(&other, Qt::Key_Tab);
     QVERIFY(button.hasFocus());
     QVERIFY(button.grab().toImage() != without);
-}
-
-void TestVPushButton::is_wide_enough_for_icon_and_text() {
-    QPixmap pixmap(24, 24);
-    pixmap.fill(Qt::red);
-    VPushButton button("Recalibrate");
-    QPushButton plain("Recalibrate");
-    for (QPushButton *each : {static_cast<QPushButton *>(&button), &plain}) {
-        each->setIcon(pixmap);
-        each->setIconSize({24, 24});
-    }
-    QVERIFY(button.sizeHint().width() > plain.sizeHint().width());
 }
 
 OCELA_TEST(TestVPushButton)
