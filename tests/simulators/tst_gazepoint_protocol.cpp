@@ -66,10 +66,7 @@ void TestGazepointProtocol::answers_data() {
     const auto row = [](const char *name, const QByteArrayList &commands, const QByteArray &answer) {
         QTest::newRow(name) << commands << answer;
     };
-    const auto get = [](const QByteArray &id) { return "<GET ID=\"" + id + "\" />"; };
 
-    row("asking for a switch", {"<SET ID=\"ENABLE_SEND_BLINK\" STATE=\"1\" />", get("ENABLE_SEND_BLINK")},
-        "<ACK ID=\"ENABLE_SEND_BLINK\" STATE=\"1\" />");
     row("a nonsense state changes nothing",
         {"<SET ID=\"ENABLE_SEND_DATA\" STATE=\"1\" />", "<SET ID=\"ENABLE_SEND_DATA\" STATE=\"off\" />"},
         "<ACK ID=\"ENABLE_SEND_DATA\" STATE=\"1\" />");
@@ -77,8 +74,6 @@ void TestGazepointProtocol::answers_data() {
     row("an unknown verb", {"<PUT ID=\"USER_DATA\" />"}, "<NACK ID=\"USER_DATA\" />");
     row("the screen moved", {"<SET ID=\"SCREEN_SIZE\" X=\"-1920\" />"},
         "<ACK ID=\"SCREEN_SIZE\" X=\"-1920\" Y=\"0\" WIDTH=\"1920\" HEIGHT=\"1080\" />");
-    row("a value that cannot be set", {"<SET ID=\"SERIAL_ID\" VALUE=\"1\" />"},
-        "<ACK ID=\"SERIAL_ID\" VALUE=\"123456789\" />");
     row("a point that is none",
         {"<SET ID=\"CALIBRATE_CLEAR\" />", "<SET ID=\"CALIBRATE_ADDPOINT\" X=\"nan\" Y=\"2\" />"},
         "<ACK ID=\"CALIBRATE_ADDPOINT\" PTS=\"0\" />");

@@ -46,7 +46,6 @@ private Q_SLOTS:
     void keep_the_last_values_of_lost_eyes();
     void count_blinks();
     void come_evenly_and_without_drift();
-    void do_not_pile_up_in_a_stall();
 };
 
 void TestGazepointRecords::have_the_form_of_captured_ones() {
@@ -165,17 +164,6 @@ void TestGazepointRecords::come_evenly_and_without_drift() {
         }
     }
     QVERIFY(std::abs(count - perSecond * 600) < perSecond * 0.05);
-}
-
-void TestGazepointRecords::do_not_pile_up_in_a_stall() {
-    Pacer pacer(1000);
-    while (pacer.next(1)) {
-    }
-    int count = 0;
-    while (pacer.next(3600))
-        ++count;
-    QVERIFY(count <= 2);
-    QVERIFY(pacer.wait(3600) < 0.002);
 }
 
 OCELA_TEST(TestGazepointRecords)

@@ -19,7 +19,6 @@ private Q_SLOTS:
     void sends_a_record_in_a_segment_data();
     void sends_a_record_in_a_segment();
     void calibrates_over_the_wire();
-    void answers_as_an_older_server();
     void sends_recorded_lines_once();
     void goes_silent();
     void drops_the_connection_mid_record();
@@ -109,15 +108,6 @@ void TestGazepointServer::calibrates_over_the_wire() {
     QCOMPARE(client.lines("<CAL").size(), 11);
 }
 
-void TestGazepointServer::answers_as_an_older_server() {
-    ServerOptions older = options();
-    older.olderServer = true;
-    older.screen.width = "-3";
-    LoopbackClient client(serve(older));
-    client.send("<GET ID=\"SCREEN_SIZE\" />");
-    QCOMPARE(client.waitFor("<ACK"), QByteArray("<ACK ID=\"SCREEN_SIZE\" WIDTH=\"-3\" HEIGHT=\"1080\" />"));
-}
-
 void TestGazepointServer::sends_recorded_lines_once() {
     QString error;
     const auto lines = LinePlayer::load(OCELA_TEST_DATA "/gazepoint_lines.txt", &error);
@@ -131,9 +121,6 @@ void TestGazepointServer::sends_recorded_lines_once() {
     client.send("<GET ID=\"SCREEN_SIZE\" />");
     QVERIFY(!client.waitFor("<ACK ID=\"SCREEN_SIZE\"").isEmpty());
     QCOMPARE(client.lines("<REC"), QByteArrayList(lines->toList()));
-
-    QVERIFY(!LinePlayer::load(OCELA_TEST_DATA "/absent.txt", &error));
-    QVERIFY(error.contains("absent.txt"));
 }
 
 void TestGazepointServer::goes_silent() {

@@ -1,12 +1,11 @@
 #include "support/test_main.h"
 #include "toolkit/app_helper.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTimer>
 
 namespace {
 
@@ -56,7 +55,6 @@ class TestAppHelper : public QObject {
 private Q_SLOTS:
     void lists_each_process_by_its_file_name();
     void does_not_list_a_zombie();
-    void shows_a_message_box_and_waits();
 };
 
 void TestAppHelper::lists_each_process_by_its_file_name() {
@@ -89,20 +87,6 @@ void TestAppHelper::does_not_list_a_zombie() {
     QCOMPARE(count(name), 0);
     parent.kill();
     QVERIFY(parent.waitForFinished());
-}
-
-void TestAppHelper::shows_a_message_box_and_waits() {
-    QString text, title;
-    QTimer::singleShot(0, this, [&] {
-        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-        QVERIFY(box);
-        text = box->text();
-        title = box->windowTitle();
-        box->accept();
-    });
-    AppHelper::warningMessage("code: 7", "others error!!!", QMessageBox::Warning);
-    QCOMPARE(text, QString("code: 7"));
-    QCOMPARE(title, QString("others error!!!"));
 }
 
 OCELA_TEST(TestAppHelper)

@@ -12,7 +12,6 @@ class TestGlobalKeyboard : public QObject {
 private Q_SLOTS:
     void initTestCase();
     void reports_a_press_once_however_many_objects_see_it();
-    void does_not_repeat_a_held_key();
     void reports_after_the_key_was_handled();
 };
 
@@ -29,29 +28,13 @@ void TestGlobalKeyboard::reports_a_press_once_however_many_objects_see_it() {
     window.show();
     // Nobody accepts the key, so it goes up from the innermost widget to the window.
     QTest::keyClick(inner, Qt::Key_F10);
+    QKeyEvent held(QEvent::KeyPress, Qt::Key_F10, Qt::NoModifier, QString(), true);
+    QCoreApplication::sendEvent(inner, &held);
     QTest::keyClick(inner, Qt::Key_F10);
     QTest::keyClick(&window, Qt::Key_Escape);
     QTest::keyClick(window.windowHandle(), Qt::Key_F9);  // as the platform delivers it
     QTRY_COMPARE(keys.size(), 4);
     QCOMPARE(keys[2].at(0).value<Qt::Key>(), Qt::Key_Escape);
-}
-
-void TestGlobalKeyboard::does_not_repeat_a_held_key() {
-    QSignalSpy keys(GlobalKeyboard::Instance(), &GlobalKeyboard::keyPressed);
-    QWidget window;
-    const auto send = [&](QEvent::Type type, bool repeat) {
-        QKeyEvent event(type, Qt::Key_F10, Qt::NoModifier, QString(), repeat);
-        QCoreApplication::sendEvent(&window, &event);
-    };
-    send(QEvent::KeyPress, false);
-    for (int time = 0; time < 3; ++time) {
-        send(QEvent::KeyRelease, true);
-        send(QEvent::KeyPress, true);
-    }
-    send(QEvent::KeyRelease, false);
-    QTest::keyClick(&window, Qt::Key_F9);
-    QTRY_VERIFY(!keys.isEmpty() && keys.last().at(0).value<Qt::Key>() == Qt::Key_F9);
-    QCOMPARE(keys.size(), 2);
 }
 
 void TestGlobalKeyboard::reports_after_the_key_was_handled() {

