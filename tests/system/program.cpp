@@ -1,0 +1,90 @@
+#include "system/program.h"
+
+#include "system/desktop.h"
+#include "system/patience.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QTest>
+
+namespace {
+
+bool write(const QString &path, const QByteArray &contents) {
+    QFile file(path);
+    return QDir().mkpath(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly) &&
+           file.write(contents) == contents.size();
+}
+
+}  // namespace
+
+Home::Home() {
+    QVERIFY(write(folder_.filePath("config/user-dirs.dirs"), "XDG_DOCUMENTS_DIR=\"$HOME/Documents\"\n"));
+    QVERIFY(QDir().mkpath(folder_.filePath("Documents")));
+}
+
+QProcessEnvironment Home::environment() const {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("HOME", folder_.path());
+    environment.insert("XDG_DATA_HOME", folder_.filePath("data"));
+    environment.insert("XDG_CONFIG_HOME", folder_.filePath("config"));
+    environment.insert("XDG_CACHE_HOME", folder_.filePath("cache"));
+    environment.insert("XDG_RUNTIME_DIR", folder_.path());
+    environment.insert("LC_ALL", "C.UTF-8");
+    environment.insert("QT_MESSAGE_PATTERN", "[%{type}] %{category}: %{message}");
+    return environment;
+}
+
+void Home::writeSettings(const QMap<QString, QString> &properties) const {
+    QByteArray xml = "<settings version=\"1\">";
+    for (auto property = properties.begin(); property != properties.end(); ++property)
+        xml += QString("<property name=\"%1\">%2</property>").arg(property.key(), property.value()).toUtf8();
+    writeSettings(xml + "</settings>");
+}
+
+void Home::writeSettings(const QByteArray &contents) const {
+    QVERIFY(write(settingsFile(), contents));
+}
+
+QString Home::readSettings() const {
+    QFile file(settingsFile());
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+QString Home::recordFile() const {
+    const QStringList files = QDir(recordsFolder()).entryList({"*_ocela.csv"}, QDir::Files);
+    return files.size() == 1 ? recordsFolder() + '/' + files.first() : QString();
+}
+
+Program::Program(const Home &home) {
+    process_.setProcessEnvironment(home.environment());
+    process_.setProgram(OCELA_PROGRAM);
+}
+
+void Program::start() {
+    process_.start();
+}
+
+bool Program::startWindow() {
+    start();
+    return QTest::qWaitFor([this] { return !window().isEmpty(); }, patienceMs);
+}
+
+QByteArray Program::window(const QString &titlePattern) const {
+    return desktop::visibleWindow(process_.processId(), titlePattern);
+}
+
+void Program::requestClose() {
+    desktop::requestClose(window().toUInt());
+}
+
+int Program::close() {
+    requestClose();
+    return process_.waitForExitCode();
+}
+
+QStringList Program::complaints() {
+    static const QRegularExpression complaint(R"(^\[(warning|critical|fatal)\]|Sanitizer|runtime error:)");
+    return process_.log().split('\n').filter(complaint);
+}
