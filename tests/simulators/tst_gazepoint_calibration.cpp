@@ -111,8 +111,10 @@ void TestGazepointCalibration::gives_no_result_for_eyes_that_are_away() {
     eyes.right.visible = true;
     eyes.right.gaze = {0.52, 0.5};
     std::vector<QByteArray> messages;
-    for (double now = 0; calibration.running(); now += 0.01)
+    for (double now = 0; calibration.running(); now += 0.01) {
+        eyes.left.visible = now < 0.8;  // and away for most of the time that counts
         messages = calibration.advance(now, eyes);
+    }
     QCOMPARE(messages.back(), QByteArray("<CAL ID=\"CALIB_RESULT\" CALX1=\"0.50000\" CALY1=\"0.50000\" LX1=\"0.00000\" "
                                          "LY1=\"0.00000\" LV1=\"0\" RX1=\"0.52000\" RY1=\"0.50000\" RV1=\"1\" />"));
     QCOMPARE(calibration.summary(1920, 1080).validPoints, 0);

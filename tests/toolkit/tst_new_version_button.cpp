@@ -5,7 +5,6 @@
 #include <QDesktopServices>
 #include <QLoggingCategory>
 #include <QNetworkReply>
-#include <QPointer>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTcpServer>
