@@ -13,9 +13,7 @@ class TestAppSettings : public QObject {
 private Q_SLOTS:
     void init() { folder_ = std::make_unique<QTemporaryDir>(); }
     void first_start_has_the_defaults();
-    void setting_the_same_value_tells_nobody();
     void resets_the_records_path_to_the_documents_folder();
-    void remembers_its_values();
     void loads_the_file_of_an_older_version();
 
 private:
@@ -36,38 +34,16 @@ void TestAppSettings::first_start_has_the_defaults() {
     QCOMPARE(fresh->getRecordsPath(), QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
 }
 
-void TestAppSettings::setting_the_same_value_tells_nobody() {
-    const auto fresh = settings();
-    const QSignalSpy autoRun(fresh.get(), &Settings::changedAutoRun);
-    const QSignalSpy any(fresh.get(), &Settings::changedProperty);
-    fresh->setAutoRun(true);
-    QCOMPARE(autoRun.count() + any.count(), 0);
-}
-
 void TestAppSettings::resets_the_records_path_to_the_documents_folder() {
     const auto fresh = settings();
     const QSignalSpy records(fresh.get(), &Settings::changedRecordsPath);
     const QSignalSpy any(fresh.get(), &Settings::changedProperty);
     fresh->resetRecordsPath();
     QCOMPARE(records.count() + any.count(), 0);
-
     fresh->setRecordsPath("/elsewhere");
     fresh->resetRecordsPath();
     QCOMPARE(records.last().first().toString(), fresh->getRecordsPath());
     QCOMPARE(any, QList<QList<QVariant>>({{"RecordsPath"}, {"RecordsPath"}}));
-}
-
-void TestAppSettings::remembers_its_values() {
-    const auto first = settings();
-    first->setLanguage("ru_RU");
-    first->setSelectedTracker("gazepoint");
-    first->setHideWindowOnStart(true);
-
-    const auto second = settings();
-    QVERIFY(second->reload());
-    QCOMPARE(second->getLanguage(), "ru_RU");
-    QCOMPARE(second->getSelectedTracker(), "gazepoint");
-    QCOMPARE(second->getHideWindowOnStart(), true);
 }
 
 void TestAppSettings::loads_the_file_of_an_older_version() {

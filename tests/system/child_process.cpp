@@ -4,7 +4,6 @@
 
 #include <QTest>
 #include <csignal>
-
 #include <sys/prctl.h>
 
 ChildProcess::ChildProcess() {

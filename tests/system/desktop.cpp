@@ -11,11 +11,10 @@
 #include <QProcess>
 #include <QScreen>
 #include <QTest>
-#include <xcb/xcb.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
+#include <xcb/xcb.h>
 
 // The macro declares a function, which must not end up in a namespace.
 static void initResources() {

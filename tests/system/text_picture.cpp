@@ -48,7 +48,8 @@ TextPicture::TextPicture(const QImage &drawing) {
     for (int y = 0; y < frame.height(); ++y) {
         for (int x = 0; x < frame.width(); ++x) {
             const QPoint from = frame.topLeft() + QPoint(x, y);
-            grey_.scanLine(y)[x] = static_cast<uchar>(whole.valid(from) ? at(whole, from.x(), from.y()) : at(whole, 0, 0));
+            grey_.scanLine(y)[x] =
+                static_cast<uchar>(whole.valid(from) ? at(whole, from.x(), from.y()) : at(whole, 0, 0));
         }
     }
     darkest_ = darkestOf(grey_);

@@ -97,7 +97,10 @@ void TestProgramLife::starts_with_defaults_from_a_damaged_settings_file_data() {
     QTest::addColumn<QByteArray>("contents");
     QTest::newRow("empty") << QByteArray("");
     QTest::newRow("cut off") << QByteArray("<settings><property name=\"Language\">ru_RU</prop");
-    QTest::newRow("binary") << QByteArray("\x7f""ELF\0\1\2\xff", 8);
+    QTest::newRow("binary") << QByteArray(
+        "\x7f"
+        "ELF\0\1\2\xff",
+        8);
 }
 
 void TestProgramLife::starts_with_defaults_from_a_damaged_settings_file() {

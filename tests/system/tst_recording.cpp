@@ -66,8 +66,10 @@ int linesBehind(const RecordFile &file, const QList<QStringList> &lines) {
     for (int row = 0; row < file.rows.size(); ++row) {
         line = std::find(line, lines.end(), file.values(row));
         if (line == lines.end()) {
-            qDebug() << row << file.rows.size() << file.rows[row]; qDebug() << lines[0] << lines.size();
-            return 0;}
+            qDebug() << row << file.rows.size() << file.rows[row];
+            qDebug() << lines[0] << lines.size();
+            return 0;
+        }
         if (row == 0)
             first = line;
         ++line;
