@@ -116,6 +116,10 @@
         <source>Eye Tracker Service</source>
         <translation>Служба айтрекера</translation>
     </message>
+    <message>
+        <source>Ocela</source>
+        <translation>Ocela</translation>
+    </message>
 </context>
 <context>
     <name>PropertyEditor</name>

@@ -14,6 +14,7 @@ int main(int argc, char *argv[]) {
 
     QSplashScreen splash(startup::splashImage());
     splash.show();
+    startup::loadIcon();
     startup::loadFonts();
     startup::applyStyle();
     startup::createRecordsFolder();
@@ -21,5 +22,5 @@ int main(int argc, char *argv[]) {
     MainWindow window;
     window.setWindowTitle(startup::windowTitle());
     splash.finish(&window);
-    return QApplication::exec();
+    return window.isClosed() ? 0 : QApplication::exec();
 }

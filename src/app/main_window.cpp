@@ -10,9 +10,9 @@
 #include "views/eyetracker_connected_widget.h"
 #include "views/eyetracker_sample_viewer.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
-#include <QCoreApplication>
 #include <QGridLayout>
 #include <QLabel>
 #include <QMenu>
@@ -23,6 +23,7 @@
 namespace {
 
 constexpr int pageMargin = 12;
+constexpr int settingsMargin = 8;
 constexpr QSize firstSize(520, 420);
 
 }  // namespace
@@ -37,6 +38,8 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent) {
     if (!hidesIntoTray())
         show();
     selectFirstTracker();
+    // The end of the user's session closes no window.
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &MainWindow::shutDown);
 }
 
 MainWindow::~MainWindow() {
@@ -75,6 +78,7 @@ void MainWindow::buildPages() {
 QWidget *MainWindow::buildSettingsPage() {
     settingsTabs_ = new QTabWidget;
     auto *common = new PropertyListControl(settings_);
+    common->setContentsMargins(settingsMargin, settingsMargin, settingsMargin, settingsMargin);
     newVersionButton_ = new NewVersionButton(QString(), OCELA_RELEASE_INFO_URL, common);
     common->addRow(newVersionButton_);
     settingsTabs_->addTab(common, QString());
@@ -83,7 +87,7 @@ QWidget *MainWindow::buildSettingsPage() {
         if (!entry.tracker->settings())
             continue;
         auto *editor = new PropertyListControl(entry.tracker->settings());
-        editor->setContentsMargins(8, 8, 8, 8);
+        editor->setContentsMargins(settingsMargin, settingsMargin, settingsMargin, settingsMargin);
         settingsTabs_->addTab(editor, entry.tracker->name());
     }
     return settingsTabs_;
@@ -159,18 +163,17 @@ void MainWindow::selectFirstTracker() {
 void MainWindow::trackerIndexChanged(int index) {
     if (index < 0 || index >= static_cast<int>(trackers_.size()))
         return;
-    if (currentTracker_) {
+    if (currentTracker_)
         currentTracker_->stop();
-        // Nobody could see or end the old tracker's record any more, so it is saved now.
-        currentTracker_->stopRecord();
-    }
     currentTracker_ = trackers_[static_cast<std::size_t>(index)].tracker;
-
-    const QSignalBlocker blocker(trackerCombo_);
-    trackerCombo_->setCurrentIndex(index);
+    {
+        const QSignalBlocker blocker(trackerCombo_);
+        trackerCombo_->setCurrentIndex(index);
+    }
     showView(index);
     for (BaseEyetrackerWidget *widget : trackerWidgets_)
         widget->setEyetracker(currentTracker_);
+    Q_EMIT trackerChanged(currentTracker_);
 
     currentTracker_->start();
     settings_->setSelectedTracker(currentTracker_->name());
@@ -204,12 +207,16 @@ void MainWindow::closeEvent(QCloseEvent *event) {
         hide();
         return;
     }
-    if (currentTracker_)
-        currentTracker_->stop();
+    shutDown();
     event->accept();
-    // Asked for by hand, as a calibration screen that closes while this window is hidden must not end the
-    // program.
+    // Asked for by hand, as a calibration screen that closes while this window is hidden must not end the program.
     QCoreApplication::quit();
+}
+
+void MainWindow::shutDown() {
+    if (!closed_ && currentTracker_)
+        currentTracker_->stop();
+    closed_ = true;
 }
 
 void MainWindow::changeEvent(QEvent *event) {

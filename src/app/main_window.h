@@ -4,7 +4,6 @@
 
 #include <QMainWindow>
 #include <QSystemTrayIcon>
-#include <functional>
 #include <vector>
 
 class BaseEyetrackerWidget;
@@ -29,6 +28,13 @@ public:
     explicit MainWindow(QWidget *parent = nullptr);
     ~MainWindow() override;
 
+    /// Whether the user has ended the program; possible even before the event loop runs.
+    [[nodiscard]] bool isClosed() const { return closed_; }
+
+Q_SIGNALS:
+    /// Another tracker is current and about to start; for what serves the current tracker beside the window's widgets.
+    void trackerChanged(EyetrackerInterface *tracker);
+
 protected:
     void closeEvent(QCloseEvent *event) override;
     void changeEvent(QEvent *event) override;
@@ -51,6 +57,7 @@ private:
     void trackerIndexChanged(int index);
     void showView(int index);
     [[nodiscard]] bool hidesIntoTray() const;
+    void shutDown();
     void toggleVisible();
     void retranslate();
 
@@ -58,6 +65,7 @@ private:
     Settings *settings_ = nullptr;
     std::vector<Tracker> trackers_;
     EyetrackerInterface *currentTracker_ = nullptr;
+    bool closed_ = false;
     std::vector<BaseEyetrackerWidget *> trackerWidgets_;
 
     QTabWidget *pages_ = nullptr;

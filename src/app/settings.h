@@ -26,7 +26,7 @@ public:
     Q_CLASSINFO("AutoRunCategory", "Common")
     Q_CLASSINFO("AutoRunEditable", "true")
 
-    /// Folder of the record files, chosen in the tracker control panel.
+    /// Folder that the settings page shows for record files; records go to the folder Ocela in the documents.
     VT_PROPERTY(QString, RecordsPath, QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation))
     Q_CLASSINFO("RecordsPathDisplayName", QT_TRANSLATE_NOOP("Generic", "RecordsPath"))
     Q_CLASSINFO("RecordsPathCategory", "Common")

@@ -5,7 +5,6 @@
 #include "toolkit/file_utilities.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QFontDatabase>
 #include <QIcon>
 #include <QStandardPaths>
@@ -63,13 +62,16 @@ QPixmap startup::splashImage() {
     return image;
 }
 
+void startup::loadIcon() {
+    QApplication::setWindowIcon(QIcon(":/images/ocela.png"));
+}
+
 void startup::loadFonts() {
     for (const char *weight : {"Regular", "Bold", "Light"})
         QFontDatabase::addApplicationFont(QString(":/fonts/JetBrainsMono-%1.ttf").arg(weight));
 }
 
 void startup::applyStyle() {
-    QApplication::setWindowIcon(QIcon(":/images/ocela.png"));
     qApp->setStyleSheet(
         "* { font-family: 'JetBrains Mono'; font-size: 12px; font-weight: 300; } "
         "#propertyHeaderLabel { color: #666; }");
@@ -81,5 +83,5 @@ void startup::createRecordsFolder() {
 }
 
 QString startup::windowTitle() {
-    return QCoreApplication::translate("MainWindow", applicationName) + ' ' + QApplication::applicationVersion();
+    return QCoreApplication::translate("MainWindow", "Ocela") + ' ' + QApplication::applicationVersion();
 }

@@ -15,6 +15,7 @@ void setIdentity();
 [[nodiscard]] bool refuseSecondInstance();
 
 [[nodiscard]] QPixmap splashImage();
+void loadIcon();
 void loadFonts();
 void applyStyle();
 

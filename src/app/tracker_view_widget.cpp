@@ -27,9 +27,10 @@ const QIcon &monitorIcon() {
 /// screen's.
 QPoint desktopPosition(const EyeTrackingSample &sample, EyetrackerInterface::PixelUnit unit) {
     const QPoint position(sample.x_px, sample.y_px);
-    if (unit == EyetrackerInterface::PixelUnit::Desktop)
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    if (unit == EyetrackerInterface::PixelUnit::Desktop || !screen)
         return position;
-    return position / QGuiApplication::primaryScreen()->devicePixelRatio();
+    return position / screen->devicePixelRatio();
 }
 
 }  // namespace
@@ -43,6 +44,8 @@ TrackerViewWidget::TrackerViewWidget(QWidget *parent) : BaseEyetrackerWidget(par
 }
 
 TrackerViewWidget::~TrackerViewWidget() {
+    // Before anything that a sample touches is gone.
+    connections_.clear();
     delete startButton_;
     delete stopButton_;
 }
@@ -131,7 +134,11 @@ void TrackerViewWidget::eyetrackerChanged() {
                         Qt::DirectConnection)
                  << connect(
                         tracker, &EyetrackerInterface::newSample, tracker,
-                        [this](const EyeTrackingSample &sample) { followGaze(sample); }, Qt::DirectConnection);
+                        [this, unit = tracker->pixelUnit()](const EyeTrackingSample &sample) {
+                            followGaze(sample, unit);
+                        },
+                        Qt::DirectConnection);
+    showRecording(tracker->isRecording());
 }
 
 void TrackerViewWidget::changeEvent(QEvent *event) {
@@ -151,10 +158,9 @@ void TrackerViewWidget::setControlCursor(bool on) {
     cursorCheckBox_->setChecked(on);
 }
 
-void TrackerViewWidget::followGaze(const EyeTrackingSample &sample) {
+void TrackerViewWidget::followGaze(const EyeTrackingSample &sample, EyetrackerInterface::PixelUnit unit) {
     if (!controlCursor_ || !sample.valid)
         return;
-    const EyetrackerInterface::PixelUnit unit = eyetracker_->pixelUnit();
     // The cursor belongs to the GUI thread; a sample from there moves it at once, any other a moment later.
     QMetaObject::invokeMethod(this, [sample, unit] { QCursor::setPos(desktopPosition(sample, unit)); });
 }

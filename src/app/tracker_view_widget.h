@@ -1,15 +1,15 @@
 #pragma once
 
+#include "core/eyetracker_interface.h"
 #include "views/base_eyetracker_widget.h"
 
-#include <QPoint>
+#include <QSize>
 #include <atomic>
 #include <vector>
 
 class QCheckBox;
 class QComboBox;
 class QPushButton;
-struct EyeTrackingSample;
 
 /// The control panel of the selected tracker: calibrate on a chosen screen, start and stop a record, let the
 /// gaze move the mouse cursor (check box or F10).
@@ -36,7 +36,7 @@ private:
 
     void showRecording(bool recording);
     void setControlCursor(bool on);
-    void followGaze(const EyeTrackingSample &sample);
+    void followGaze(const EyeTrackingSample &sample, EyetrackerInterface::PixelUnit unit);
 
     std::atomic<bool> controlCursor_{false};
     QPushButton *calibrateButton_ = nullptr;

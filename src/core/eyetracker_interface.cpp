@@ -74,11 +74,16 @@ EyeTrackingSample EyetrackerInterface::getLastSample() {
 
 void EyetrackerInterface::addSample(const EyeTrackingSample &sample) {
     Q_EMIT newSample(sample);
-    samples_.with([&](SampleWindow &window) { window.add(sample); });
+    // The list that goes has a node a sample; nobody need wait for the lock while they are freed.
+    const QList<EyeTrackingSample> outdated = samples_.with([&](SampleWindow &window) { return window.add(sample); });
     recordFile_.with([&](const Record &record) {
         if (record)
             record->addSample(sample);
     });
+}
+
+bool EyetrackerInterface::isRecording() {
+    return recordFile_.with([](const Record &record) { return record != nullptr; });
 }
 
 void EyetrackerInterface::setConnected(bool value) {

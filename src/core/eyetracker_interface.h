@@ -23,7 +23,8 @@ class QWidget;
 ///
 /// Trackers are created by the main window, live on the GUI thread for the whole run, and are started and
 /// stopped there. addSample(), getSamples(), getLastSample(), isConnected() and calibratedArea() may be
-/// called from any thread; all else belongs to the GUI thread (from elsewhere: QMetaObject::invokeMethod).
+/// called from any thread; all else belongs to the GUI thread (from elsewhere: QMetaObject::invokeMethod). A back-end
+/// whose device delivers on a thread of its own ends that before it is destroyed.
 class EyetrackerInterface : public QObject {
     Q_OBJECT
 
@@ -49,15 +50,19 @@ public:
     [[nodiscard]] virtual QWidget *createViewWidget() = 0;
 
 Q_SIGNALS:
+    /// A gaze update in percent, lighter than a sample; not every back-end has it.
     void newData(bool valid, double x, double y);
     /// Every sample, on the thread that delivers it, before it is stored.
     void newSample(EyeTrackingSample sample);
+    /// A calibration ended well; not every back-end learns of it.
     void calibrated();
     void recordStarted();
     /// A record was closed; `path` is the file it was to be written to. A write that failed is in the log
     /// only.
     void recordStopped(QString path);
+    /// The calibration screen is to close.
     void stopCalibrationRequest();
+    /// The connection came or went; on the GUI thread.
     void connected();
     void disconnected();
     void connectedChanged(bool connected);
@@ -79,7 +84,8 @@ public Q_SLOTS:
     bool startRecord(QString path = QString());
     /// Writes the running record to its file, on the calling thread. False when none runs.
     bool stopRecord();
-    /// The samples of the last two seconds, oldest first. A shallow copy.
+    /// The samples of the last two seconds, oldest first. The list is made at the first call after a sample (0.1 ms
+    /// for 2000 samples) and shared by the calls until the next one.
     QList<EyeTrackingSample> getSamples();
     /// The newest sample; all zero before the first.
     EyeTrackingSample getLastSample();
@@ -91,6 +97,9 @@ public:
     /// The window is bounded by time alone: a device that stamps all samples alike lets it grow while it
     /// runs.
     void addSample(const EyeTrackingSample &sample);
+
+    /// Whether a record runs.
+    [[nodiscard]] bool isRecording();
 
     /// Stores the connection state and reports a change of it.
     void setConnected(bool value);

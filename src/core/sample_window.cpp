@@ -1,5 +1,7 @@
 #include "core/sample_window.h"
 
+#include <utility>
+
 namespace {
 
 qint64 ageOf(const EyeTrackingSample &sample, qint64 now) {
@@ -9,11 +11,11 @@ qint64 ageOf(const EyeTrackingSample &sample, qint64 now) {
 
 }  // namespace
 
-void SampleWindow::add(const EyeTrackingSample &sample) {
+QList<EyeTrackingSample> SampleWindow::add(const EyeTrackingSample &sample) {
     while (!samples_.empty() && ageOf(samples_.front(), sample.timestamp) > lengthMs_)
         samples_.pop_front();
     samples_.push_back(sample);
-    handedOut_ = {};
+    return std::exchange(handedOut_, {});
 }
 
 QList<EyeTrackingSample> SampleWindow::samples() {

@@ -14,8 +14,9 @@ class SampleWindow {
 public:
     explicit SampleWindow(qint32 lengthMs) : lengthMs_(lengthMs) {}
 
-    /// Appends the sample and drops those that are more than the window's length older.
-    void add(const EyeTrackingSample &sample);
+    /// Appends the sample and drops those that are more than the window's length older. Returns the list that was
+    /// handed out before, for the caller to let go of when the guard is released.
+    [[nodiscard]] QList<EyeTrackingSample> add(const EyeTrackingSample &sample);
 
     /// A shallow copy as long as no sample comes in between.
     [[nodiscard]] QList<EyeTrackingSample> samples();

@@ -18,7 +18,6 @@ enum Column { labelColumn, editorColumn, resetColumn };
 
 // Wider, a value would stand too far from its label in a large window.
 constexpr int maxContentWidth = 600;
-constexpr int margin = 8;
 constexpr int columnSpacing = 16;
 constexpr int rowSpacing = 6;
 constexpr int categorySpacing = 16;
@@ -85,7 +84,7 @@ void PropertyListControl::buildLayout() {
     lastRows_->setSpacing(rowSpacing);
 
     auto *outer = new QVBoxLayout(this);
-    outer->setContentsMargins(margin, margin, margin, margin);
+    outer->setContentsMargins(0, 0, 0, 0);
     outer->setSpacing(categorySpacing);
     outer->addLayout(leftAligned);
     outer->addLayout(lastRows_);

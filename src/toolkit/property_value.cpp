@@ -36,13 +36,12 @@ double clamped(const PropertyDescriptor &descriptor, double value) {
 }
 
 Value intValue(const PropertyDescriptor &descriptor, const QVariant &value) {
-    bool ok = false;
-    const qlonglong whole = value.toLongLong(&ok);
-    const double number = clamped(descriptor, static_cast<double>(whole));
     using Limits = std::numeric_limits<int>;
-    if (!ok || number < Limits::min() || number > Limits::max())
+    bool ok = false;
+    const double number = value.toDouble(&ok);  // also where it is beyond every integer type
+    if (!ok || std::trunc(number) != number)
         return std::nullopt;
-    return static_cast<int>(number);
+    return static_cast<int>(std::clamp<double>(clamped(descriptor, number), Limits::min(), Limits::max()));
 }
 
 Value doubleValue(const PropertyDescriptor &descriptor, const QVariant &value) {

@@ -1,14 +1,13 @@
 #include "toolkit/ui_language.h"
 
+#include "toolkit/toolkit_log.h"
+
 #include <QCoreApplication>
 #include <QLibraryInfo>
 #include <QLocale>
-#include <QLoggingCategory>
 #include <QTranslator>
 
 namespace {
-
-Q_LOGGING_CATEGORY(logSettings, "ocela.settings")
 
 void install(std::unique_ptr<QTranslator> &translator, bool loaded) {
     if (loaded)
@@ -32,7 +31,7 @@ void UiLanguage::use(const QString &locale) {
     const bool loaded = translator_->load(cataloguePrefix + locale);
     install(translator_, loaded);
     if (!loaded)
-        qCDebug(logSettings) << "No translation for" << locale;
+        qCDebug(lcSettings) << "No translation for" << locale;
 }
 
 QString UiLanguage::preferred(const QStringList &languages, const QStringList &systemLanguages) {

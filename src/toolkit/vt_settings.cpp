@@ -1,17 +1,15 @@
 #include "toolkit/vt_settings.h"
 
 #include "toolkit/property_value.h"
+#include "toolkit/toolkit_log.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QHash>
-#include <QLoggingCategory>
 #include <QScopedValueRollback>
 #include <utility>
 
 namespace {
-
-Q_LOGGING_CATEGORY(logSettings, "ocela.settings")
 
 QString shown(const QString &path) {
     return QDir::toNativeSeparators(path);
@@ -46,15 +44,15 @@ bool VTSettings::save() {
         entries.append({descriptor.name, propertyText(descriptor, getValue(descriptor.name))});
     const QString error = settings_file::write(filePath_, entries + unknown_);
     if (!error.isEmpty())
-        qCWarning(logSettings).noquote() << "Settings were not saved to" << shown(filePath_) + ":" << error;
+        qCWarning(lcSettings).noquote() << "Settings were not saved to" << shown(filePath_) + ":" << error;
     return error.isEmpty();
 }
 
 void VTSettings::setAside(const QString &reason) const {
     const QString kept = settings_file::moveAside(filePath_);
     const QString outcome = kept.isEmpty() ? QStringLiteral("it could not be renamed") : "kept as " + shown(kept);
-    qCWarning(logSettings).noquote() << "Settings file" << shown(filePath_) << "cannot be used:" << reason + ";"
-                                     << outcome + "; the defaults apply";
+    qCWarning(lcSettings).noquote() << "Settings file" << shown(filePath_) << "cannot be used:" << reason + ";"
+                                    << outcome + "; the defaults apply";
 }
 
 void VTSettings::restore(const QVector<settings_file::Entry> &entries) {
@@ -76,7 +74,7 @@ void VTSettings::restoreProperty(const QString &name, const QString *text) {
     if (text != nullptr && setValue(name, *text))
         return;
     if (text != nullptr)
-        qCWarning(logSettings).noquote() << shown(filePath_) + ":" << name << "cannot be"
-                                         << *text + "; its default applies";
+        qCWarning(lcSettings).noquote() << shown(filePath_) + ":" << name << "cannot be"
+                                        << *text + "; its default applies";
     resetValue(name);
 }

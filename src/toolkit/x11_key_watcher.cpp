@@ -27,8 +27,8 @@ X11KeyWatcher::X11KeyWatcher(const Report &report) : report_(report) {
     };
     notifiers_[0] = watch(data_);
     notifiers_[1] = watch(control_);
-    QObject::connect(notifiers_[0].get(), &QSocketNotifier::activated, [this] { readKeys(); });
-    QObject::connect(notifiers_[1].get(), &QSocketNotifier::activated, [this] { readChanges(); });
+    QObject::connect(notifiers_[0].get(), &QSocketNotifier::activated, notifiers_[0].get(), [this] { readKeys(); });
+    QObject::connect(notifiers_[1].get(), &QSocketNotifier::activated, notifiers_[1].get(), [this] { readChanges(); });
     readKeys();  // what came together with the answers so far makes no socket readable any more
 }
 

@@ -35,9 +35,12 @@ void EyetrackerConnectedWidget::eyetrackerChanged() {
         setState(-1);
         return;
     }
-    connections_ << connect(
-        eyetracker_, &EyetrackerInterface::connectedChanged, this,
-        [this](bool connected) { setState(connected ? 1 : 0); }, Qt::QueuedConnection);
+    // What the old tracker has queued still arrives after it was severed.
+    const auto show = [this, tracker = eyetracker_](bool connected) {
+        if (tracker == eyetracker_)
+            setState(connected ? 1 : 0);
+    };
+    connections_ << connect(eyetracker_, &EyetrackerInterface::connectedChanged, this, show, Qt::QueuedConnection);
     setState(eyetracker_->isConnected() ? 1 : 0);
 }
 

@@ -13,13 +13,18 @@ namespace {
 constexpr char headerName[] = "eyeH1";
 constexpr char captionName[] = "eyeHeader";
 
-/// Labels only ever grow: a label of fixed size changes its text without laying out the whole window anew, which
-/// hundreds of samples a second would make the program's main work. The columns also stand still that way.
+/// Longer texts are no gaze on any screen.
+constexpr int usualLength = 12;
+
+/// Labels grow with their texts and do not shrink again: a label of fixed size changes its text without laying out the
+/// whole window anew, which hundreds of samples a second would make the program's main work. The columns also stand
+/// still that way. An absurdly long text alone gives its room back.
 void showText(QLabel *label, const QString &text) {
     if (label->text() == text)
         return;
+    const bool wasUsual = label->text().size() <= usualLength;
     label->setText(text);
-    const QSize needed = label->sizeHint().expandedTo(label->minimumSize());
+    const QSize needed = wasUsual ? label->sizeHint().expandedTo(label->minimumSize()) : label->sizeHint();
     if (needed != label->maximumSize())
         label->setFixedSize(needed);
 }
@@ -94,8 +99,12 @@ void EyetrackerSampleViewer::eyetrackerChanged() {
         display(EyeTrackingSample());
         return;
     }
-    connections_ << connect(eyetracker_, &EyetrackerInterface::newSample, this, &EyetrackerSampleViewer::display,
-                            Qt::QueuedConnection);
+    // What the old tracker has queued still arrives after it was severed.
+    const auto show = [this, tracker = eyetracker_](const EyeTrackingSample &sample) {
+        if (tracker == eyetracker_)
+            display(sample);
+    };
+    connections_ << connect(eyetracker_, &EyetrackerInterface::newSample, this, show, Qt::QueuedConnection);
 }
 
 void EyetrackerSampleViewer::changeEvent(QEvent *event) {

@@ -3,7 +3,6 @@
 #include "trackers/gazepoint/gaze_point_protocol.h"
 
 #include <QDateTime>
-#include <QHostAddress>
 #include <QLoggingCategory>
 
 namespace {
@@ -49,8 +48,8 @@ GazePoint::~GazePoint() {
 
 bool GazePoint::start() {
     screenSize_ = QSize(0, 0);
-    // A server that did not take the last bytes keeps the socket closing; a start would be lost on it.
-    if (socket_.state() == QAbstractSocket::ClosingState)
+    // A start would be lost on a socket that still closes, or that still connects and is to be closed then.
+    if (socket_.state() != QAbstractSocket::UnconnectedState && socket_.state() != QAbstractSocket::ConnectedState)
         socket_.abort();
     socket_.connectToHost("127.0.0.1", port_);
     return true;
@@ -93,11 +92,17 @@ void GazePoint::onReadyRead() {
         case gazepoint::Message::Other:
             break;
     }
+    // What came while a send was waited for is not announced again.
+    if (socket_.bytesAvailable() > 0)
+        QMetaObject::invokeMethod(
+            &socket_, [this] { onReadyRead(); }, Qt::QueuedConnection);
 }
 
 void GazePoint::takeRecord(const QByteArray &message) {
     if (screenSize_.width() == 0 || screenSize_.height() == 0) {
-        send("<GET ID=\"SCREEN_SIZE\" />");
+        // A server that does not read need not be asked again; each time would cost the wait of a send.
+        if (socket_.bytesToWrite() == 0)
+            send("<GET ID=\"SCREEN_SIZE\" />");
         return;
     }
     addSample(gazepoint::parseRecord(view(message), screenSize_, QDateTime::currentMSecsSinceEpoch()));
