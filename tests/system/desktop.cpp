@@ -77,13 +77,13 @@ xcb_atom_t atom(xcb_connection_t *connection, const QByteArray &name) {
 
 }  // namespace
 
-QImage desktop::screenshot() {
-    return QGuiApplication::primaryScreen()->grabWindow(0).toImage();
+QImage desktop::screenshot(quint32 window) {
+    return QGuiApplication::primaryScreen()->grabWindow(window).toImage();
 }
 
-void desktop::keepScreenshot(const QString &name) {
+void desktop::keep(const QImage &screen, const QString &name) {
     QVERIFY(QDir().mkpath(OCELA_ARTEFACTS));
-    QVERIFY(screenshot().save(QString("%1/%2.png").arg(OCELA_ARTEFACTS, name)));
+    QVERIFY(screen.save(QString("%1/%2.png").arg(OCELA_ARTEFACTS, name)));
 }
 
 QRect desktop::find(const QString &text, const QImage &screen, Look look) {
@@ -94,11 +94,8 @@ bool desktop::shows(const QString &text, Look look) {
     return !find(text, screenshot(), look).isEmpty();
 }
 
-bool desktop::showsValues(const QStringList &values, const QImage &screen) {
-    const QImage grey = screen.convertToFormat(QImage::Format_Grayscale8);
-    return std::all_of(values.begin(), values.end(), [&](const QString &value) {
-        return !pictureOf(value, 0, Look::Program).findIn(grey).isEmpty();
-    });
+bool desktop::showsAll(const QStringList &texts, const QImage &screen) {
+    return std::all_of(texts.begin(), texts.end(), [&](const QString &text) { return !find(text, screen).isEmpty(); });
 }
 
 bool desktop::waitFor(const QString &text, Look look) {

@@ -11,15 +11,15 @@ namespace desktop {
 /// How a text is dressed: as in the program's window, or as in a box from before the style is applied.
 enum class Look { Program, Plain };
 
-[[nodiscard]] QImage screenshot();
+/// Of one window, or of the whole screen.
+[[nodiscard]] QImage screenshot(quint32 window = 0);
 /// Keeps a screenshot for people to look at, in the build's folder of artefacts.
-void keepScreenshot(const QString &name);
+void keep(const QImage &screen, const QString &name);
 
 /// Where the text stands by itself on the screen; an empty rectangle when it is not to be seen.
 [[nodiscard]] QRect find(const QString &text, const QImage &screen, Look look = Look::Program);
 [[nodiscard]] bool shows(const QString &text, Look look = Look::Program);
-/// Whether all of them stand in the labels of values, which fit their texts exactly.
-[[nodiscard]] bool showsValues(const QStringList &values, const QImage &screen);
+[[nodiscard]] bool showsAll(const QStringList &texts, const QImage &screen);
 /// Waits for the text to be seen.
 [[nodiscard]] bool waitFor(const QString &text, Look look = Look::Program);
 /// Whether the connection indicator has this colour.

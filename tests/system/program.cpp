@@ -75,6 +75,10 @@ QByteArray Program::window(const QString &titlePattern) const {
     return desktop::visibleWindow(process_.processId(), titlePattern);
 }
 
+QImage Program::picture() const {
+    return desktop::screenshot(window().toUInt());
+}
+
 void Program::requestClose() {
     desktop::requestClose(window().toUInt());
 }

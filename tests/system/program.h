@@ -2,6 +2,7 @@
 
 #include "system/child_process.h"
 
+#include <QImage>
 #include <QMap>
 #include <QTemporaryDir>
 
@@ -37,6 +38,8 @@ public:
 
     /// The window of this process with a title that matches; empty while there is none to be seen.
     [[nodiscard]] QByteArray window(const QString &titlePattern = "^Ocela [0-9.]+$") const;
+    /// What the main window shows.
+    [[nodiscard]] QImage picture() const;
     /// Asks the main window to close, as the close button of its frame does.
     void requestClose();
     /// Closes the window and waits for the end; the exit code, or -1.

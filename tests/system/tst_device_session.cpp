@@ -120,7 +120,7 @@ void TestDeviceSession::gaze_moves_the_cursor_between_two_presses_of_F10() {
     // The key comes by another way than the gaze does.
     QVERIFY(QTest::qWaitFor([this] { return cursorFollows(); }, patienceMs));
     QVERIFY(!cursorFollows(false));
-    desktop::keepScreenshot("gaze-controls-cursor");
+    desktop::keep(desktop::screenshot(), "gaze-controls-cursor");
     desktop::press("F10");
     QVERIFY(QTest::qWaitFor([this] { return !cursorFollows(); }, patienceMs));
     QCOMPARE(program_->close(), 0);

