@@ -2,6 +2,7 @@
 #include "toolkit/desktop_entry.h"
 #include "toolkit/file_utilities.h"
 #include "toolkit/toolkit_log.h"
+#include "toolkit/whole_file.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -33,10 +34,9 @@ bool addEntry(const QString &path, const QString &program) {
     if (!FileUtilities::createIfNotExists(QFileInfo(path).path()))
         return false;
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return fail("Cannot write", path, file.errorString());
-    file.write(desktopEntry(program));
-    return file.commit() || fail("Cannot write", path, file.errorString());
+    const QByteArray entry = desktopEntry(program);
+    return (whole_file::open(file) && whole_file::write(file, entry.constData(), entry.size()) && file.commit()) ||
+           fail("Cannot write", path, file.errorString());
 }
 
 bool removeEntry(const QString &path) {

@@ -1,6 +1,7 @@
 #include "toolkit/numeric_table_csv.h"
 
 #include "toolkit/csv_text.h"
+#include "toolkit/whole_file.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -22,8 +23,7 @@ bool refuse(const char *what, const QString &path, const QString &reason) {
 }
 
 bool flush(std::string &text, QSaveFile &file) {
-    const auto size = static_cast<qint64>(text.size());
-    const bool written = file.write(text.data(), size) == size;
+    const bool written = whole_file::write(file, text.data(), static_cast<qint64>(text.size()));
     text.clear();
     return written;
 }
@@ -89,7 +89,7 @@ void NumericTableCSV::setHeaders(const QStringList &headers) {
 
 bool NumericTableCSV::save(const QString &path, bool keepExisting) {
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || !writeTable(headers_, rows_, file) || !commit(file, path, keepExisting))
+    if (!whole_file::open(file) || !writeTable(headers_, rows_, file) || !commit(file, path, keepExisting))
         return refuse("save", path, file.errorString());
     return true;
 }

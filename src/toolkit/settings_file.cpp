@@ -1,5 +1,7 @@
 #include "toolkit/settings_file.h"
 
+#include "toolkit/whole_file.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -36,8 +38,9 @@ void writeEntry(QXmlStreamWriter &xml, const Entry &entry) {
     xml.writeEndElement();
 }
 
-void writeDocument(QIODevice &device, const QVector<Entry> &entries) {
-    QXmlStreamWriter xml(&device);
+QByteArray document(const QVector<Entry> &entries) {
+    QByteArray text;
+    QXmlStreamWriter xml(&text);
     xml.setCodec("UTF-8");
     xml.setAutoFormatting(true);
     xml.writeStartDocument();
@@ -46,6 +49,7 @@ void writeDocument(QIODevice &device, const QVector<Entry> &entries) {
     for (const Entry &entry : entries)
         writeEntry(xml, entry);
     xml.writeEndDocument();
+    return text;
 }
 
 Entry readEntry(QXmlStreamReader &xml) {
@@ -91,10 +95,10 @@ QString settings_file::write(const QString &path, const QVector<Entry> &entries)
     if (!QDir().mkpath(folder))
         return QStringLiteral("the folder %1 cannot be created").arg(QDir::toNativeSeparators(folder));
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return file.errorString();
-    writeDocument(file, entries);
-    return file.commit() ? QString() : file.errorString();
+    const QByteArray text = document(entries);
+    const bool saved =
+        whole_file::open(file) && whole_file::write(file, text.constData(), text.size()) && file.commit();
+    return saved ? QString() : file.errorString();
 }
 
 QString settings_file::moveAside(const QString &path) {

@@ -1,0 +1,82 @@
+#include "support/test_main.h"
+#include "toolkit/numeric_table_csv.h"
+#include "toolkit/settings_file.h"
+
+#include <QDir>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+#include <cerrno>
+#include <csignal>
+#include <sys/resource.h>
+
+namespace {
+
+class Table : public NumericTableCSV {
+public:
+    explicit Table(int rows) {
+        setHeaders({"A"});
+        for (int row = 0; row < rows; ++row)
+            rows_.append({row});
+    }
+};
+
+/// While it lives, files end at `bytes`: what goes beyond is taken in part first and then refused, as on a disk
+/// that fills.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
+        getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit limit = {bytes, before_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, handler_);
+    }
+    Q_DISABLE_COPY(FileSizeLimit)
+
+private:
+    void (*handler_)(int);
+    rlimit before_ = {};
+};
+
+}  // namespace
+
+class TestFullDisk : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void table_tells_what_is_wrong_and_leaves_nothing_data();
+    void table_tells_what_is_wrong_and_leaves_nothing();
+    void settings_tell_what_is_wrong_and_keep_the_earlier_file();
+};
+
+void TestFullDisk::table_tells_what_is_wrong_and_leaves_nothing_data() {
+    QTest::addColumn<int>("rows");
+    QTest::newRow("short table") << 400;
+    QTest::newRow("long table") << 100000;
+}
+
+void TestFullDisk::table_tells_what_is_wrong_and_leaves_nothing() {
+    QFETCH(int, rows);
+    const QTemporaryDir folder;
+    const FileSizeLimit limit(1000);
+
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Cannot save .*: " + qt_error_string(EFBIG) + '$'));
+    QVERIFY(!Table(rows).save(folder.filePath("t.csv"), true));
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList());
+}
+
+void TestFullDisk::settings_tell_what_is_wrong_and_keep_the_earlier_file() {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("s.xml");
+    QCOMPARE(settings_file::write(path, {{"A", "earlier"}}), QString());
+    const FileSizeLimit limit(50);
+
+    QCOMPARE(settings_file::write(path, {{"A", "later"}}), qt_error_string(EFBIG));
+    QCOMPARE(settings_file::read(path).entries.value(0).text, QString("earlier"));
+}
+
+OCELA_TEST(TestFullDisk)
+#include "tst_full_disk_linux.moc"
