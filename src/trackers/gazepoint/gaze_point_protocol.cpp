@@ -107,6 +107,9 @@ auto find(const Table &table, std::string_view key) {
 }
 
 void setGaze(EyeTrackingSample &sample, const Axis &axis, QSize screen, float value) {
+    // A number may be finite and its percent not: it is as little a place as an infinite one.
+    if (!std::isfinite(value * 100.0F))
+        value = 0.0F;
     const auto side = static_cast<float>(axis.horizontal ? screen.width() : screen.height());
     sample.*axis.percent = value * 100.0F;
     sample.*axis.pixel = truncatedToPixel(side * value);

@@ -73,6 +73,7 @@ void TestGazePointProtocol::reads_one_attribute_data() {
     QTest::newRow("gaze x in percent") << recordWith("FPOGX=\"0.5\"") << "x" << 50.0;
     QTest::newRow("gaze x in pixels") << recordWith("FPOGX=\"0.5\"") << "x_px" << 960.0;
     QTest::newRow("gaze left of the screen") << recordWith("FPOGX=\"-0.1\"") << "x_px" << -192.0;
+    QTest::newRow("gaze that overflows as percent") << recordWith("FPOGX=\"1e38\"") << "x_px" << 0.0;
     QTest::newRow("gaze y") << recordWith("FPOGY=\"0.25\"") << "y_px" << 270.0;
     QTest::newRow("left eye x") << recordWith("LPOGX=\"0.25\"") << "l_x_px" << 480.0;
     QTest::newRow("left eye y") << recordWith("LPOGY=\"0.25\"") << "l_y" << 25.0;
