@@ -3,9 +3,19 @@
 #include <QByteArrayList>
 #include <QFile>
 #include <QHostAddress>
+#include <QRegularExpression>
 #include <QTcpSocket>
 #include <QTest>
-#include <algorithm>
+
+/// The complete lines of a text that begin like this.
+inline QByteArrayList linesOf(const QByteArray &text, const QByteArray &beginning) {
+    QByteArrayList found;
+    for (const QByteArray &line : text.left(text.lastIndexOf('\n')).split('\n')) {
+        if (line.startsWith(beginning))
+            found << line.trimmed();
+    }
+    return found;
+}
 
 /// A client of the simulated server that talks in whole lines and keeps everything it was sent.
 class LoopbackClient {
@@ -27,17 +37,9 @@ public:
         enable("DATA");
     }
 
-    /// All complete lines so far that begin like this.
-    [[nodiscard]] QByteArrayList lines(const QByteArray &beginning) const {
-        QByteArrayList found;
-        for (const QByteArray &line : received.left(received.lastIndexOf("\r\n") + 1).split('\n')) {
-            if (line.startsWith(beginning))
-                found << line.trimmed();
-        }
-        return found;
-    }
+    [[nodiscard]] QByteArrayList lines(const QByteArray &beginning) const { return linesOf(received, beginning); }
 
-    /// The first line that begins like this, waited for; empty when it does not come.
+    /// The line with this number of those that begin like this, waited for; empty when it does not come.
     QByteArray waitFor(const QByteArray &beginning, int count = 1) {
         const bool came = QTest::qWaitFor([&] { return lines(beginning).size() >= count; }, 10000);
         return came ? lines(beginning).at(count - 1) : QByteArray();
@@ -51,27 +53,16 @@ public:
 /// What servers of real trackers sent, the lines that begin like this.
 inline QByteArrayList capturedLines(const QByteArray &beginning) {
     QFile file(OCELA_TEST_DATA "/gazepoint_lines.txt");
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("the captured lines are missing");
-    QByteArrayList lines = file.readAll().split('\n');
-    lines.erase(std::remove_if(lines.begin(), lines.end(), [&](auto &line) { return !line.startsWith(beginning); }),
-                lines.end());
-    return lines;
+    return file.open(QIODevice::ReadOnly) ? linesOf(file.readAll(), beginning) : QByteArrayList();
 }
 
 /// The value of an attribute of a message; empty when it is missing.
 inline QByteArray attributeOf(const QByteArray &line, const QByteArray &name) {
-    const int start = line.indexOf(' ' + name + "=\"");
-    if (start < 0)
-        return {};
-    const int value = start + name.size() + 3;
-    return line.mid(value, line.indexOf('"', value) - value);
+    return QRegularExpression(' ' + name + "=\"([^\"]*)\"").match(line).captured(1).toLatin1();
 }
 
-/// The names of the attributes in their order.
-inline QByteArrayList attributeNames(const QByteArray &line) {
-    QByteArrayList names;
-    for (int quote = line.indexOf("=\""); quote >= 0; quote = line.indexOf("=\"", line.indexOf('"', quote + 2)))
-        names << line.mid(line.lastIndexOf(' ', quote) + 1, quote - line.lastIndexOf(' ', quote) - 1);
-    return names;
+/// A line with the values of five decimals and the integers taken out: what is left is its form.
+inline QByteArray formOf(const QByteArray &line) {
+    static const QRegularExpression integer("\"-?\\d+\""), real("\"-?\\d+\\.\\d{5}\"");
+    return QString::fromLatin1(line).replace(real, "real").replace(integer, "integer").toLatin1();
 }
