@@ -9,6 +9,7 @@
 #include <QEvent>
 #include <QGridLayout>
 #include <QGuiApplication>
+#include <QHBoxLayout>
 #include <QIcon>
 #include <QPushButton>
 #include <QScreen>
@@ -101,8 +102,11 @@ void TrackerViewWidget::buildLayout() {
     layout->setRowMinimumHeight(1, spacing);
     layout->addWidget(calibrateButton_, 0, 0);
     layout->addWidget(screenCombo_, 0, 1);
-    layout->addWidget(startRecordButton_, 2, 0, 1, 2);
-    layout->addWidget(stopRecordButton_, 2, 0, 1, 2);
+    // One of the two is hidden. Sharing a cell of the grid they would move all below when they change places.
+    auto *recordRow = new QHBoxLayout;
+    recordRow->addWidget(startRecordButton_);
+    recordRow->addWidget(stopRecordButton_);
+    layout->addLayout(recordRow, 2, 0, 1, 2);
     layout->addWidget(cursorCheckBox_, 3, 0, 1, 2);
 }
 

@@ -24,6 +24,7 @@ private Q_SLOTS:
     void screens_are_listed_by_number_and_size();
     void record_buttons_follow_the_tracker_not_the_click();
     void record_buttons_follow_the_new_tracker_alone();
+    void record_that_starts_moves_nothing();
     void valid_gaze_moves_the_cursor_while_it_is_told_to();
     void f10_toggles_and_the_box_follows_silently();
 
@@ -102,6 +103,20 @@ void TestTrackerViewWidget::record_buttons_follow_the_new_tracker_alone() {
     QVERIFY(isShown("Start record"));
     Q_EMIT second.recordStarted();
     QVERIFY(isShown("Stop record"));
+}
+
+void TestTrackerViewWidget::record_that_starts_moves_nothing() {
+    FakeTracker tracker;
+    panel_->setEyetracker(&tracker);
+    panel_->show();
+    QCoreApplication::processEvents();
+    const QRect start = button("Start record")->geometry();
+    const QSize size = panel_->sizeHint();
+
+    tracker.startRecord();
+    QCoreApplication::processEvents();
+    QCOMPARE(button("Stop record")->geometry(), start);
+    QCOMPARE(panel_->sizeHint(), size);
 }
 
 void TestTrackerViewWidget::valid_gaze_moves_the_cursor_while_it_is_told_to() {
