@@ -81,8 +81,9 @@ Contents settings_file::parse(QIODevice &device) {
 
 Contents settings_file::read(const QString &path) {
     QFile file(path);
-    if (QFileInfo(path).isDir())
-        return {{}, QStringLiteral("it is a folder")};
+    // Opening a pipe would wait for its other end.
+    if (!QFileInfo(path).isFile())
+        return {{}, QStringLiteral("it is no regular file")};
     if (!file.open(QIODevice::ReadOnly))
         return {{}, file.errorString()};
     if (file.size() > maxFileSize)
