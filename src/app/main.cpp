@@ -6,6 +6,8 @@
 
 int main(int argc, char *argv[]) {
     Q_INIT_RESOURCE(ocela);
+    if (!startup::hasDisplay())
+        return 1;
     startup::prepareApplication();
     QApplication application(argc, argv);
     startup::setIdentity();

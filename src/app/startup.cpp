@@ -8,6 +8,7 @@
 #include <QFontDatabase>
 #include <QIcon>
 #include <QStandardPaths>
+#include <cstdio>
 
 namespace {
 
@@ -28,6 +29,13 @@ bool isAlreadyRunning() {
 }
 
 }  // namespace
+
+bool startup::hasDisplay() {
+    const QString problem = AppHelper::displayProblem();
+    if (!problem.isEmpty())
+        std::fprintf(stderr, "%s: %s\n", applicationName, qPrintable(problem));
+    return problem.isEmpty();
+}
 
 void startup::prepareApplication() {
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);

@@ -5,6 +5,9 @@
 /// The steps that main() takes before there is a window, in the order of their use. GUI thread only.
 namespace startup {
 
+/// Whether windows can be shown; if not, the console has been told why.
+[[nodiscard]] bool hasDisplay();
+
 /// What Qt wants to know before the application object exists.
 void prepareApplication();
 

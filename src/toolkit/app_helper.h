@@ -15,6 +15,10 @@ public:
     /// The file name of the program `base` on this platform: "Ocela" is "Ocela.exe" on Windows. Any thread.
     static QString executableName(const QString &base);
 
+    /// Why no window can be shown here, in one line for the console; empty where one can. Asked before there is an
+    /// application object, which would end the program without one.
+    static QString displayProblem();
+
     /// Shows a modal message box over the active window and waits until the user has closed it. GUI thread.
     static void warningMessage(const QString &text, const QString &title, QMessageBox::Icon icon);
 };

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <xcb/xcb.h>
 
 namespace {
 
@@ -52,4 +53,13 @@ QStringList AppHelper::getRunningApps() {
 
 QString AppHelper::executableName(const QString &base) {
     return base;
+}
+
+QString AppHelper::displayProblem() {
+    if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") || !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        return {};
+    xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
+    const bool reached = !xcb_connection_has_error(connection);
+    xcb_disconnect(connection);
+    return reached ? QString() : QString("no display can be reached (DISPLAY=%1)").arg(qEnvironmentVariable("DISPLAY"));
 }

@@ -24,3 +24,7 @@ QStringList AppHelper::getRunningApps() {
 QString AppHelper::executableName(const QString &base) {
     return base + ".exe";
 }
+
+QString AppHelper::displayProblem() {
+    return {};
+}
