@@ -52,22 +52,6 @@ QString freeNameBeside(const QString &path) {
     }
 }
 
-/// Puts the finished file in its place. The earlier file gives way only now, and returns if that fails after
-/// all.
-bool commit(QSaveFile &file, const QString &path, bool keepExisting) {
-    QString kept;
-    if (keepExisting && QFileInfo::exists(path)) {
-        kept = freeNameBeside(path);
-        if (!QFile::rename(path, kept))
-            return false;
-    }
-    if (file.commit())
-        return true;
-    if (!kept.isEmpty())
-        QFile::rename(kept, path);
-    return false;
-}
-
 std::optional<NumericCell> parseCell(const QString &text, std::optional<int> type) {
     bool valid = false;
     if (!type || *type == QMetaType::LongLong || *type == QMetaType::UInt) {
@@ -89,9 +73,19 @@ void NumericTableCSV::setHeaders(const QStringList &headers) {
 
 bool NumericTableCSV::save(const QString &path, bool keepExisting) {
     QSaveFile file(path);
-    if (!whole_file::open(file) || !writeTable(headers_, rows_, file) || !commit(file, path, keepExisting))
+    if (!whole_file::open(file) || !writeTable(headers_, rows_, file))
         return refuse("save", path, file.errorString());
-    return true;
+
+    // The earlier file gives way only now, and returns if the new one cannot take its place after all.
+    QFile earlier(path);
+    const bool keeps = keepExisting && earlier.exists();
+    if (keeps && !earlier.rename(freeNameBeside(path)))
+        return refuse("save", path, "the earlier file cannot be renamed: " + earlier.errorString());
+    if (file.commit())
+        return true;
+    if (keeps)
+        earlier.rename(path);
+    return refuse("save", path, file.errorString());
 }
 
 bool NumericTableCSV::load(const QString &path) {

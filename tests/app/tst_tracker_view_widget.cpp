@@ -103,6 +103,12 @@ void TestTrackerViewWidget::record_buttons_follow_the_new_tracker_alone() {
     QVERIFY(isShown("Start record"));
     Q_EMIT second.recordStarted();
     QVERIFY(isShown("Stop record"));
+
+    first.startRecord("unused");
+    panel_->setEyetracker(&first);
+    QVERIFY(isShown("Stop record"));
+    panel_->setEyetracker(&second);
+    QVERIFY2(isShown("Start record"), "the record of another tracker is none of this one's");
 }
 
 void TestTrackerViewWidget::record_that_starts_moves_nothing() {

@@ -65,7 +65,11 @@ void TestEyetrackerConnectedWidget::old_tracker_is_forgotten() {
     FakeTracker first, second;
     EyetrackerConnectedWidget widget;
     widget.setEyetracker(&first);
+    first.setConnected(true);  // still under way to the widget
     widget.setEyetracker(&second);
+    QCoreApplication::processEvents();
+    QCOMPARE(colourOf(widget), red);
+    first.setConnected(false);
     first.setConnected(true);
     QCoreApplication::processEvents();
     QCOMPARE(colourOf(widget), red);

@@ -105,7 +105,9 @@ void TestEyetrackerSampleViewer::old_trackers_samples_are_not_shown() {
     first.addSample(looking(10, 0));
     QTRY_COMPARE(valuesOf(viewer, 0)[2], QString("x:  10.0%"));
 
+    first.addSample(looking(20, 0));  // still under way to the viewer
     viewer.setEyetracker(&second);
+    QCoreApplication::processEvents();
     QCOMPARE(valuesOf(viewer, 0)[2], QString("x:  10.0%"));
     first.addSample(looking(20, 0));
     second.addSample(looking(30, 0));
