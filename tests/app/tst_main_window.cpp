@@ -1,6 +1,5 @@
 #include "app/main_window.h"
 #include "support/test_main.h"
-#include "trackers/gazepoint/gaze_point.h"
 
 #include <QComboBox>
 #include <QDir>
@@ -8,13 +7,8 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QRegularExpression>
-#include <QStackedWidget>
-#include <QSystemTrayIcon>
 #include <QTabWidget>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTest>
-#include <QTimer>
 
 /// The window in the test's own process; what a user sees of it is the system tests' business.
 class TestMainWindow : public QObject {
@@ -24,11 +18,9 @@ private Q_SLOTS:
     void initTestCase();
     void init();
 
-    void first_start_selects_the_first_tracker_and_stores_it();
-    void unknown_stored_tracker_falls_back_to_the_first();
+    void first_tracker_is_selected_and_stored_data();
+    void first_tracker_is_selected_and_stored();
     void language_switches_at_once_in_both_directions();
-    void hidden_start_without_a_tray_shows_the_window();
-    void closing_stops_the_tracker_and_ends_the_program();
     void changing_autorun_registers_the_program();
 };
 
@@ -69,21 +61,20 @@ void TestMainWindow::init() {
     store("Language", "en_US");
 }
 
-void TestMainWindow::first_start_selects_the_first_tracker_and_stores_it() {
+void TestMainWindow::first_tracker_is_selected_and_stored_data() {
+    QTest::addColumn<QString>("stored");
+    QTest::newRow("first start") << QString();
+    QTest::newRow("stored name that no tracker has") << QString("crystal ball");
+}
+
+void TestMainWindow::first_tracker_is_selected_and_stored() {
+    QFETCH(QString, stored);
+    store("SelectedTracker", stored);
     MainWindow window;
     QVERIFY(window.isVisible());
     QVERIFY(QDir(Settings::dataFolder()).exists());
     QCOMPARE(trackersOf(window).currentIndex(), 0);
-    const QString first = trackersOf(window).itemText(0);
-    QCOMPARE(settingsOf(window).getSelectedTracker(), first);
-    QVERIFY(storedText().contains(first));
-    QCOMPARE(window.findChild<QStackedWidget *>("views")->count(), trackersOf(window).count());
-}
-
-void TestMainWindow::unknown_stored_tracker_falls_back_to_the_first() {
-    store("SelectedTracker", "crystal ball");
-    MainWindow window;
-    QCOMPARE(settingsOf(window).getSelectedTracker(), trackersOf(window).itemText(0));
+    QVERIFY(storedText().contains(trackersOf(window).itemText(0)));
 }
 
 void TestMainWindow::language_switches_at_once_in_both_directions() {
@@ -108,30 +99,6 @@ void TestMainWindow::language_switches_at_once_in_both_directions() {
 
     settingsOf(window).setLanguage("en_US");
     QTRY_COMPARE(texts(), english);
-}
-
-void TestMainWindow::hidden_start_without_a_tray_shows_the_window() {
-    if (QSystemTrayIcon::isSystemTrayAvailable())
-        QSKIP("there is a tray here");
-    store("HideWindowOnStart", true);
-    MainWindow window;
-    QVERIFY(window.isVisible());
-}
-
-void TestMainWindow::closing_stops_the_tracker_and_ends_the_program() {
-    QTcpServer server;
-    if (!server.listen(QHostAddress::LocalHost, GazePoint::serverPort))
-        QSKIP("another server stands at the tracker's port");
-    store("SelectedTracker", "gazepoint");
-    MainWindow window;
-    QTRY_VERIFY(server.hasPendingConnections());
-    QTcpSocket *far = server.nextPendingConnection();
-    QTRY_VERIFY(window.findChild<GazePoint *>()->isConnected());
-
-    QTimer::singleShot(0, &window, [&window] { window.close(); });
-    QCOMPARE(QCoreApplication::exec(), 0);
-    QTRY_COMPARE(far->state(), QAbstractSocket::UnconnectedState);
-    QVERIFY(far->readAll().endsWith("<SET ID=\"ENABLE_SEND_DATA\" STATE=\"0\" />\r\n"));
 }
 
 void TestMainWindow::changing_autorun_registers_the_program() {
