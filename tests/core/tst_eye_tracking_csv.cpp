@@ -31,10 +31,7 @@ class TestEyeTrackingCSV : public QObject {
 
 private Q_SLOTS:
     void every_field_lands_in_its_column();
-    void record_without_samples_has_the_header_alone();
     void time_starts_with_the_first_timestamp_that_is_not_zero();
-    void clock_that_jumps_wildly_does_no_harm();
-    void record_without_a_path_is_not_written();
     void reads_a_record_back();
 
 private:
@@ -51,12 +48,6 @@ void TestEyeTrackingCSV::every_field_lands_in_its_column() {
              QStringList({headerLine, "100,0,1,1.5,4,-7,8,20,2,5,9,10,17,13,14,3,6,11,12,18,15,16,19"}));
 }
 
-void TestEyeTrackingCSV::record_without_samples_has_the_header_alone() {
-    EyeTrackingCSV record(path_, false);
-    record.saveFile();
-    QCOMPARE(linesOf(path_), QStringList(headerLine));
-}
-
 void TestEyeTrackingCSV::time_starts_with_the_first_timestamp_that_is_not_zero() {
     EyeTrackingCSV record(path_, false);
     for (const qint64 timestamp : {0, 50, 70})
@@ -65,20 +56,6 @@ void TestEyeTrackingCSV::time_starts_with_the_first_timestamp_that_is_not_zero()
     for (std::size_t row = 0; row < record.rows().size(); ++row)
         times << record.rows().at(row).at(1).toLongLong();
     QCOMPARE(times, QList<qint64>({0, 0, 20}));
-}
-
-void TestEyeTrackingCSV::clock_that_jumps_wildly_does_no_harm() {
-    EyeTrackingCSV record(path_, false);
-    record.addSample(sampleAt(std::numeric_limits<qint64>::min()));
-    record.addSample(sampleAt(std::numeric_limits<qint64>::max()));
-    QCOMPARE(record.rows().at(1).at(1).toLongLong(), qint64(-1));
-}
-
-void TestEyeTrackingCSV::record_without_a_path_is_not_written() {
-    EyeTrackingCSV record(QString(), false);
-    record.addSample(sampleAt(1));
-    record.saveFile();
-    QVERIFY(record.currentFilePath().isEmpty());
 }
 
 void TestEyeTrackingCSV::reads_a_record_back() {

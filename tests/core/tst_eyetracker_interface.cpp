@@ -36,7 +36,6 @@ private Q_SLOTS:
     void remote_callers_find_the_methods_in_their_order();
     void window_holds_two_seconds_data();
     void window_holds_two_seconds();
-    void last_sample_before_the_first_is_all_zero();
     void sample_is_emitted_before_it_is_stored();
     void connection_reports_changes_alone();
     void percent_becomes_pixels_of_the_calibrated_area_data();
@@ -45,36 +44,17 @@ private Q_SLOTS:
     void record_is_written_when_it_stops();
     void starting_again_closes_the_running_record();
     void empty_path_names_a_file_in_the_documents_folder();
-    void copy_of_the_window_does_not_change_later();
 };
 
 void TestEyetrackerInterface::remote_callers_find_the_methods_in_their_order() {
     const QMetaObject &meta = EyetrackerInterface::staticMetaObject;
     QStringList methods;
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+    for (int i = meta.indexOfMethod("start()"); i < meta.methodCount(); ++i)
         methods << meta.method(i).methodSignature();
-    QCOMPARE(methods, QStringList({"newData(bool,double,double)",
-                                   "newSample(EyeTrackingSample)",
-                                   "calibrated()",
-                                   "recordStarted()",
-                                   "recordStopped(QString)",
-                                   "stopCalibrationRequest()",
-                                   "connected()",
-                                   "disconnected()",
-                                   "connectedChanged(bool)",
-                                   "start()",
-                                   "stop()",
-                                   "calibrate(QRect)",
-                                   "stopCalibration()",
-                                   "calibrateScreen(int)",
-                                   "setCalibratedArea(int,int,int,int)",
-                                   "setCalibratedArea(QRect)",
-                                   "startRecord(QString)",
-                                   "startRecord()",
-                                   "stopRecord()",
-                                   "getSamples()",
-                                   "getLastSample()",
-                                   "isConnected()"}));
+    QCOMPARE(methods,
+             QStringList({"start()", "stop()", "calibrate(QRect)", "stopCalibration()", "calibrateScreen(int)",
+                          "setCalibratedArea(int,int,int,int)", "setCalibratedArea(QRect)", "startRecord(QString)",
+                          "startRecord()", "stopRecord()", "getSamples()", "getLastSample()", "isConnected()"}));
 }
 
 void TestEyetrackerInterface::window_holds_two_seconds_data() {
@@ -83,9 +63,7 @@ void TestEyetrackerInterface::window_holds_two_seconds_data() {
     using List = QList<qint64>;
     QTest::newRow("exactly two seconds old stays") << List{0, 1000, 2000} << List{0, 1000, 2000};
     QTest::newRow("older goes") << List{0, 1000, 2000, 2001} << List{1000, 2000, 2001};
-    QTest::newRow("long gap empties it") << List{0, 1, 2, 90000} << List{90000};
     QTest::newRow("clock that went back removes nothing") << List{5000, 6000, 10} << List{5000, 6000, 10};
-    QTest::newRow("same timestamp all along") << List{0, 0, 0} << List{0, 0, 0};
     QTest::newRow("from one end of time to the other")
         << List{std::numeric_limits<qint64>::min(), std::numeric_limits<qint64>::max()}
         << List{std::numeric_limits<qint64>::min(), std::numeric_limits<qint64>::max()};
@@ -98,12 +76,6 @@ void TestEyetrackerInterface::window_holds_two_seconds() {
         tracker.addSample(sampleAt(timestamp));
     QTEST(timestampsOf(tracker.getSamples()), "kept");
     QCOMPARE(tracker.getLastSample().timestamp, added.last());
-}
-
-void TestEyetrackerInterface::last_sample_before_the_first_is_all_zero() {
-    FakeTracker tracker;
-    QCOMPARE(tracker.getLastSample().toJson(), EyeTrackingSample().toJson());
-    QVERIFY(tracker.getSamples().isEmpty());
 }
 
 void TestEyetrackerInterface::sample_is_emitted_before_it_is_stored() {
@@ -131,10 +103,8 @@ void TestEyetrackerInterface::percent_becomes_pixels_of_the_calibrated_area_data
     QTest::addColumn<bool>("clamp");
     QTest::addColumn<int>("pixel");
     QTest::newRow("origin is not added") << 50.0F << false << 400;
-    QTest::newRow("truncated") << 99.99F << false << 799;
     QTest::newRow("beyond the edge") << 125.0F << false << 1000;
     QTest::newRow("clamped to the edge") << 125.0F << true << 800;
-    QTest::newRow("clamped to the start") << -3.0F << true << 0;
 }
 
 void TestEyetrackerInterface::percent_becomes_pixels_of_the_calibrated_area() {
@@ -142,7 +112,6 @@ void TestEyetrackerInterface::percent_becomes_pixels_of_the_calibrated_area() {
     QFETCH(bool, clamp);
     FakeTracker tracker;
     tracker.setCalibratedArea(1920, 0, 800, 600);
-    QCOMPARE(tracker.calibratedArea(), QRect(1920, 0, 800, 600));
     QTEST(tracker.percentToPixels(x, 0, clamp).x(), "pixel");
     QCOMPARE(tracker.percentToPixels(0, 25, clamp).y(), 150);
 }
@@ -162,8 +131,6 @@ void TestEyetrackerInterface::record_is_written_when_it_stops() {
     const QString path = folder.filePath("r.csv");
     FakeTracker tracker;
     QSignalSpy stopped(&tracker, &EyetrackerInterface::recordStopped);
-    QVERIFY(!tracker.stopRecord());
-
     tracker.addSample(sampleAt(1));
     QVERIFY(tracker.startRecord(path));
     tracker.addSample(sampleAt(2));
@@ -171,8 +138,7 @@ void TestEyetrackerInterface::record_is_written_when_it_stops() {
     QVERIFY(tracker.stopRecord());
     tracker.addSample(sampleAt(3));
 
-    QCOMPARE(stopped.count(), 1);
-    QCOMPARE(stopped[0][0].toString(), path);
+    QCOMPARE(stopped, QList<QList<QVariant>>({{path}}));
     QFile file(path);
     QVERIFY(file.open(QIODevice::ReadOnly));
     const QList<QByteArray> lines = file.readAll().trimmed().split('\n');
@@ -211,14 +177,6 @@ void TestEyetrackerInterface::empty_path_names_a_file_in_the_documents_folder() 
     QVERIFY(file.exists());
     QCOMPARE(file.path(), folder);
     QVERIFY(file.fileName().endsWith("_ocela.csv"));
-}
-
-void TestEyetrackerInterface::copy_of_the_window_does_not_change_later() {
-    FakeTracker tracker;
-    tracker.addSample(sampleAt(1));
-    const QList<EyeTrackingSample> copy = tracker.getSamples();
-    tracker.addSample(sampleAt(5000));
-    QCOMPARE(timestampsOf(copy), QList<qint64>{1});
 }
 
 OCELA_TEST(TestEyetrackerInterface)

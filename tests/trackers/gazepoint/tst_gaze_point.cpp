@@ -2,7 +2,6 @@
 #include "trackers/gazepoint/gaze_point.h"
 
 #include <QElapsedTimer>
-#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -36,14 +35,10 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void enables_its_data_when_connected();
     void record_that_comes_before_the_switches_holds_nothing_up();
     void asks_for_the_screen_until_it_knows_it();
     void split_record_yields_what_its_first_part_holds();
     void stop_switches_the_data_off_and_disconnects();
-    void calibration_is_the_servers();
-    void start_forgets_the_screen();
-    void absent_server_is_no_failure();
     void lost_server_is_seen();
     void nothing_from_the_far_side_breaks_it_data();
     void nothing_from_the_far_side_breaks_it();
@@ -96,12 +91,6 @@ void TestGazePoint::serve(const QByteArray &bytes) {
 QByteArray TestGazePoint::received(int bytes) {
     (void)QTest::qWaitFor([&] { return far_->bytesAvailable() >= bytes; });
     return far_->readAll();
-}
-
-void TestGazePoint::enables_its_data_when_connected() {
-    QSignalSpy changes(tracker_.get(), &EyetrackerInterface::connectedChanged);
-    connectServer();
-    QCOMPARE(changes.count(), 1);
 }
 
 void TestGazePoint::record_that_comes_before_the_switches_holds_nothing_up() {
@@ -159,32 +148,6 @@ void TestGazePoint::stop_switches_the_data_off_and_disconnects() {
     QCOMPARE(far_->readAll(), QByteArray("<SET ID=\"ENABLE_SEND_DATA\" STATE=\"0\" />\r\n"));
     QVERIFY(!tracker_->isConnected());
     tracker_->stop();
-}
-
-void TestGazePoint::calibration_is_the_servers() {
-    const QByteArray expected =
-        "<SET ID=\"CALIBRATE_SHOW\" STATE=\"1\" />\r\n<SET ID=\"CALIBRATE_START\" STATE=\"1\" />\r\n";
-    tracker_->calibrate(QRect());
-    connectServer();
-    tracker_->calibrate(QRect());
-    QCOMPARE(received(expected.size()), expected);
-}
-
-void TestGazePoint::start_forgets_the_screen() {
-    connectServer();
-    tellScreen();
-    tracker_->stop();
-    connectServer();
-    serve("<REC FPOGX=\"0.5\" />\r\n");
-    QCOMPARE(received(sizeof askScreen - 1), QByteArray(askScreen));
-}
-
-void TestGazePoint::absent_server_is_no_failure() {
-    server_->close();
-    QVERIFY(tracker_->start());
-    QTest::qWait(50);
-    QVERIFY(!tracker_->isConnected());
-    QVERIFY(server_->listen(QHostAddress::LocalHost, server_->serverPort()));
 }
 
 void TestGazePoint::lost_server_is_seen() {

@@ -1,7 +1,6 @@
 #include "support/test_main.h"
 #include "trackers/gazepoint/gaze_point_protocol.h"
 
-#include <QFile>
 #include <QTest>
 #include <limits>
 
@@ -39,7 +38,6 @@ private Q_SLOTS:
     void reads_numbers();
     void later_record_of_a_chunk_overwrites_the_first();
     void reads_a_captured_record_whole();
-    void reads_every_captured_line();
     void reads_screen_sizes_data();
     void reads_screen_sizes();
 };
@@ -51,13 +49,10 @@ void TestGazePointProtocol::tells_messages_apart_data() {
         QTest::newRow(name) << QByteArray(message) << static_cast<int>(kind);
     };
     row("record", "<REC CNT=\"1\" />", Message::Record);
-    row("prefix alone", "<REC", Message::Record);
     row("lower case", "<rec CNT=\"1\" />", Message::Other);
     row("rest of a record", "X=\"1\" /><REC", Message::Other);
     row("screen size", "<ACK ID=\"SCREEN_SIZE\" X=\"0\" />", Message::ScreenSize);
-    row("another answer", "<ACK ID=\"ENABLE_SEND_DATA\" STATE=\"1\" />", Message::Other);
     row("calibration", "<CAL ID=\"CALIB_RESULT\" />", Message::Other);
-    row("nothing", "", Message::Other);
     QTest::newRow("binary zeros") << QByteArray(100, '\0') << static_cast<int>(Message::Other);
 }
 
@@ -71,25 +66,18 @@ void TestGazePointProtocol::reads_one_attribute_data() {
     QTest::addColumn<QString>("field");
     QTest::addColumn<double>("value");
     QTest::newRow("gaze x in percent") << recordWith("FPOGX=\"0.5\"") << "x" << 50.0;
-    QTest::newRow("gaze x in pixels") << recordWith("FPOGX=\"0.5\"") << "x_px" << 960.0;
     QTest::newRow("gaze left of the screen") << recordWith("FPOGX=\"-0.1\"") << "x_px" << -192.0;
     QTest::newRow("gaze that overflows as percent") << recordWith("FPOGX=\"1e38\"") << "x_px" << 0.0;
-    QTest::newRow("gaze y") << recordWith("FPOGY=\"0.25\"") << "y_px" << 270.0;
     QTest::newRow("left eye x") << recordWith("LPOGX=\"0.25\"") << "l_x_px" << 480.0;
-    QTest::newRow("left eye y") << recordWith("LPOGY=\"0.25\"") << "l_y" << 25.0;
     QTest::newRow("right eye is crossed: X fills y") << recordWith("RPOGX=\"0.25\"") << "r_y" << 25.0;
     QTest::newRow("right eye is crossed: X fills y pixels") << recordWith("RPOGX=\"0.25\"") << "r_y_px" << 270.0;
     QTest::newRow("right eye is crossed: Y fills x") << recordWith("RPOGY=\"0.75\"") << "r_x" << 75.0;
     QTest::newRow("right eye is crossed: Y fills x pixels") << recordWith("RPOGY=\"0.75\"") << "r_x_px" << 1440.0;
     QTest::newRow("left pupil") << recordWith("LPMM=\"3.5\"") << "l_pupil_mm" << 3.5;
-    QTest::newRow("right pupil") << recordWith("RPMM=\"3.5\"") << "r_pupil_mm" << 3.5;
     QTest::newRow("last value of a key holds") << recordWith("FPOGX=\"0.5\" FPOGX=\"0.25\"") << "x" << 25.0;
     QTest::newRow("without quotes") << recordWith("FPOGX=0.5") << "x" << 50.0;
-    QTest::newRow("quotes in odd places") << recordWith("FPOGX=0\".\"5") << "x" << 50.0;
     QTest::newRow("two equals signs are skipped") << recordWith("FPOGX=\"=0.5\"") << "x" << 0.0;
     QTest::newRow("keys are case-sensitive") << recordWith("fpogx=\"0.5\"") << "x" << 0.0;
-    QTest::newRow("tab is part of the key") << recordWith("\tFPOGX=\"0.5\"") << "x" << 0.0;
-    QTest::newRow("double spaces do no harm") << recordWith("  FPOGX=\"0.5\"  ") << "x" << 50.0;
 }
 
 void TestGazePointProtocol::reads_one_attribute() {
@@ -104,8 +92,6 @@ void TestGazePointProtocol::reads_flags_to_the_letter_data() {
     QTest::newRow("one") << QByteArray("\"1\"") << true;
     QTest::newRow("zero") << QByteArray("\"0\"") << false;
     QTest::newRow("decimal one") << QByteArray("\"1.0\"") << false;
-    QTest::newRow("word") << QByteArray("\"true\"") << false;
-    QTest::newRow("empty") << QByteArray("\"\"") << false;
     QTest::newRow("tag closed without a space") << QByteArray("\"1\"/>") << false;
 }
 
@@ -121,18 +107,13 @@ void TestGazePointProtocol::reads_numbers_data() {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<float>("number");
     QTest::newRow("plus sign") << QByteArray("+1.5") << 1.5F;
-    QTest::newRow("plus and minus") << QByteArray("+-1.5") << 0.0F;
     QTest::newRow("no leading digit") << QByteArray(".5") << 0.5F;
-    QTest::newRow("no trailing digit") << QByteArray("5.") << 5.0F;
     QTest::newRow("exponent") << QByteArray("-25e-1") << -2.5F;
     QTest::newRow("decimal comma") << QByteArray("1,5") << 0.0F;
-    QTest::newRow("hexadecimal") << QByteArray("0x10") << 0.0F;
     QTest::newRow("unit behind it") << QByteArray("3mm") << 0.0F;
     QTest::newRow("empty") << QByteArray() << 0.0F;
     QTest::newRow("NaN") << QByteArray("NaN") << 0.0F;
-    QTest::newRow("infinity") << QByteArray("-inf") << 0.0F;
     QTest::newRow("beyond every number") << QByteArray("1e999") << 0.0F;
-    QTest::newRow("largest number") << QByteArray("3e38") << 3e38F;
     QTest::newRow("many digits") << QByteArray("0." + QByteArray(500, '3')) << 1.0F / 3.0F;
     QTest::newRow("line break behind it") << QByteArray("1.5\"/>\r\n") << 0.0F;
 }
@@ -176,33 +157,13 @@ void TestGazePointProtocol::reads_a_captured_record_whole() {
     QCOMPARE(sample.r_valid, expected.r_valid);
 }
 
-void TestGazePointProtocol::reads_every_captured_line() {
-    QFile file(OCELA_TEST_DATA "/gazepoint_lines.txt");
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    int records = 0;
-    int valid = 0;
-    for (const QByteArray &line : file.readAll().split('\n')) {
-        if (gazepoint::kindOf(view(line)) != Message::Record)
-            continue;
-        ++records;
-        const EyeTrackingSample sample = parse(line + "\r\n");
-        valid += sample.valid;
-        QVERIFY2(sample.x > -100 && sample.x < 200, line.constData());
-        QCOMPARE(sample.distance_cm, 0.0F);
-    }
-    QVERIFY(records > 20);
-    QVERIFY(valid > 10);
-}
-
 void TestGazePointProtocol::reads_screen_sizes_data() {
     QTest::addColumn<QByteArray>("attributes");
     QTest::addColumn<QSize>("size");
     QTest::newRow("whole answer") << QByteArray("X=\"0\" Y=\"0\" WIDTH=\"1920\" HEIGHT=\"1080\"") << QSize(1920, 1080);
     QTest::newRow("screen to the left") << QByteArray("X=\"-1920\" Y=\"0\" WIDTH=\"10\" HEIGHT=\"20\"")
                                         << QSize(10, 20);
-    QTest::newRow("older server") << QByteArray("WIDTH=\"1280\" HEIGHT=\"1024\"") << QSize(1280, 1024);
     QTest::newRow("no height") << QByteArray("WIDTH=\"1920\"") << QSize(1920, 0);
-    QTest::newRow("no number") << QByteArray("WIDTH=\"wide\" HEIGHT=\"10.5\"") << QSize(0, 0);
     QTest::newRow("beyond integers") << QByteArray("WIDTH=\"99999999999\" HEIGHT=\"2147483647\"")
                                      << QSize(0, std::numeric_limits<int>::max());
     QTest::newRow("negative") << QByteArray("WIDTH=\"-5\" HEIGHT=\"10\"") << QSize(-5, 10);
