@@ -29,12 +29,10 @@ public:
     }
 
     void send(const QByteArray &line) { socket.write(line + "\r\n"); }
-    void enable(const QByteArray &group) { send("<SET ID=\"ENABLE_SEND_" + group + "\" STATE=\"1\" />"); }
     /// Asks for records with these groups of fields.
     void stream(const QByteArrayList &groups) {
-        for (const QByteArray &group : groups)
-            enable(group);
-        enable("DATA");
+        for (const QByteArray &group : groups + QByteArrayList{"DATA"})
+            send("<SET ID=\"ENABLE_SEND_" + group + "\" STATE=\"1\" />");
     }
 
     [[nodiscard]] QByteArrayList lines(const QByteArray &beginning) const { return linesOf(received, beginning); }

@@ -28,8 +28,6 @@ public:
     VT_PROPERTY(double, Gain, 1.5)
     Q_CLASSINFO("GainCategory", "Look")
     Q_CLASSINFO("GainEditable", "true")
-    Q_CLASSINFO("GainMinimum", "0")
-    Q_CLASSINFO("GainMaximum", "4")
     Q_CLASSINFO("GainStep", "0.05")
 
     VT_PROPERTY(bool, Enabled, true)

@@ -11,10 +11,9 @@ class TestFileUtilities : public QObject {
 
 private Q_SLOTS:
     void init() { dir_ = std::make_unique<QTemporaryDir>(); }
-    void says_why_it_cannot_create();
+    void creates_a_folder_or_says_why_not();
     void empties_a_folder();
     void removes_links_but_not_their_targets();
-    void says_why_it_cannot_clear();
 
 private:
     QString path(const QString &name) const { return dir_->filePath(name); }
@@ -27,7 +26,9 @@ private:
     std::unique_ptr<QTemporaryDir> dir_;
 };
 
-void TestFileUtilities::says_why_it_cannot_create() {
+void TestFileUtilities::creates_a_folder_or_says_why_not() {
+    QVERIFY(FileUtilities::createIfNotExists(path("a/b/c/")));
+    QVERIFY2(FileUtilities::createIfNotExists(path("a/b/c")), "one that exists is a success");
     write(path("file"));
     const QString pattern = QRegularExpression::escape(path("file/folder")) + ": Not a directory";
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(pattern));
@@ -52,13 +53,6 @@ void TestFileUtilities::removes_links_but_not_their_targets() {
     QVERIFY(!QFileInfo(path("link")).isSymLink());
     QVERIFY(QDir(path("sdk")).isEmpty());
     QVERIFY(QFileInfo::exists(path("outside/precious")));
-}
-
-void TestFileUtilities::says_why_it_cannot_clear() {
-    write(path("file"));
-    QTest::ignoreMessage(QtWarningMsg, qPrintable("Cannot clear " + path("file") + ": it is not a folder"));
-    QVERIFY(!FileUtilities::clearFolder(path("file"), true));
-    QVERIFY(QFileInfo::exists(path("file")));
 }
 
 OCELA_TEST(TestFileUtilities)

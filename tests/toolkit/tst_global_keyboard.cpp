@@ -10,20 +10,15 @@ class TestGlobalKeyboard : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
+    void initTestCase() { GlobalKeyboard::Install(); }
     void reports_a_press_once_however_many_objects_see_it();
     void reports_after_the_key_was_handled();
 };
 
-void TestGlobalKeyboard::initTestCase() {
-    GlobalKeyboard::Install();
-}
-
 void TestGlobalKeyboard::reports_a_press_once_however_many_objects_see_it() {
     QSignalSpy keys(GlobalKeyboard::Instance(), &GlobalKeyboard::keyPressed);
     QWidget window;
-    auto *frame = new QWidget(&window);
-    auto *inner = new QWidget(frame);
+    auto *inner = new QWidget(&window);
     window.show();
     // Nobody accepts the key, so it goes up from the innermost widget to the window.
     QTest::keyClick(inner, Qt::Key_F10);

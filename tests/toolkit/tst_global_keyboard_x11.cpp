@@ -23,9 +23,8 @@ class TestGlobalKeyboardX11 : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
+    void initTestCase() { GlobalKeyboard::Install(); }
     void names_the_keys();
-    void tells_keypad_digits_by_num_lock();
     void names_latin_keys_on_a_cyrillic_layout();
     void does_not_repeat_a_held_key();
 
@@ -33,10 +32,6 @@ private:
     static void xdotool(const QStringList &arguments);
     static QList<Qt::Key> keysOf(const QStringList &arguments);
 };
-
-void TestGlobalKeyboardX11::initTestCase() {
-    GlobalKeyboard::Install();
-}
 
 void TestGlobalKeyboardX11::xdotool(const QStringList &arguments) {
     QCOMPARE(QProcess::execute("xdotool", arguments), 0);
@@ -59,14 +54,6 @@ QList<Qt::Key> TestGlobalKeyboardX11::keysOf(const QStringList &arguments) {
 void TestGlobalKeyboardX11::names_the_keys() {
     QCOMPARE(keysOf({"key", "shift+q", "7", "KP_Enter", "Next"}),
              (QList<Qt::Key>{Qt::Key_Q, Qt::Key_7, Qt::Key_Enter, Qt::Key_PageDown}));
-}
-
-void TestGlobalKeyboardX11::tells_keypad_digits_by_num_lock() {
-    const QString keypad7 = "79";  // keycode
-    QCOMPARE(keysOf({"key", keypad7}), QList<Qt::Key>{Qt::Key_Home});
-    keysOf({"key", "Num_Lock"});
-    QCOMPARE(keysOf({"key", keypad7}), QList<Qt::Key>{Qt::Key_7});
-    keysOf({"key", "Num_Lock"});
 }
 
 void TestGlobalKeyboardX11::names_latin_keys_on_a_cyrillic_layout() {

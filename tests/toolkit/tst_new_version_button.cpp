@@ -43,27 +43,18 @@ public Q_SLOTS:
 
 private Q_SLOTS:
     void initTestCase();
-    void cleanupTestCase();
     void shows_itself_for_a_newer_release_data();
     void shows_itself_for_a_newer_release();
     void opens_only_web_pages();
 
 private:
-    QString versionBefore_;
     QList<QUrl> opened_;
 };
 
 void TestNewVersionButton::initTestCase() {
-    versionBefore_ = QCoreApplication::applicationVersion();
     QCoreApplication::setApplicationVersion("1.3.0");
     for (const char *scheme : {"https", "file"})
         QDesktopServices::setUrlHandler(scheme, this, "openPage");
-}
-
-void TestNewVersionButton::cleanupTestCase() {
-    for (const char *scheme : {"https", "file"})
-        QDesktopServices::unsetUrlHandler(scheme);
-    QCoreApplication::setApplicationVersion(versionBefore_);
 }
 
 void TestNewVersionButton::shows_itself_for_a_newer_release_data() {
@@ -72,6 +63,7 @@ void TestNewVersionButton::shows_itself_for_a_newer_release_data() {
     QTest::newRow("newer") << release("1.4.0") << true;
     QTest::newRow("numbers are compared, not texts") << release("1.10.0") << true;
     QTest::newRow("older") << release("1.2.9") << false;
+    QTest::newRow("too long") << release("1.4.0").leftJustified(64 * 1024 + 1) << false;
     QTest::newRow("no JSON") << QByteArray("<html>404</html>") << false;
 }
 
