@@ -1,3 +1,4 @@
+#include "support/gazepoint_wire.h"
 #include "support/test_main.h"
 #include "system/desktop.h"
 #include "system/patience.h"
@@ -8,24 +9,6 @@
 #include <QTest>
 
 namespace {
-
-constexpr char enableData[] =
-    "<SET ID=\"ENABLE_SEND_CURSOR\" STATE=\"1\" />\r\n"
-    "<SET ID=\"ENABLE_SEND_EYE_RIGHT\" STATE=\"1\" />\r\n"
-    "<SET ID=\"ENABLE_SEND_EYE_LEFT\" STATE=\"1\" />\r\n"
-    "<SET ID=\"ENABLE_SEND_CURSOR\" STATE=\"1\" />\r\n"
-    "<SET ID=\"ENABLE_SEND_PUPIL_LEFT\" STATE=\"1\" />\r\n"
-    "<SET ID=\"ENABLE_SEND_PUPIL_RIGHT\" STATE=\"1\" />\r\n"
-    "<SET ID=\"ENABLE_SEND_POG_FIX\" STATE=\"1\" />\r\n"
-    "<SET ID=\"ENABLE_SEND_POG_LEFT\" STATE=\"1\" />\r\n"
-    "<SET ID=\"ENABLE_SEND_POG_RIGHT\" STATE=\"1\" />\r\n"
-    "<SET ID=\"ENABLE_SEND_PUPILMM\" STATE=\"1\" />\r\n"
-    "<SET ID=\"ENABLE_SEND_DATA\" STATE=\"1\" />\r\n";
-constexpr char askScreenSize[] = "<GET ID=\"SCREEN_SIZE\" />\r\n";
-constexpr char calibrate[] =
-    "<SET ID=\"CALIBRATE_SHOW\" STATE=\"1\" />\r\n"
-    "<SET ID=\"CALIBRATE_START\" STATE=\"1\" />\r\n";
-constexpr char disableData[] = "<SET ID=\"ENABLE_SEND_DATA\" STATE=\"0\" />\r\n";
 
 QByteArray gazeAt(double x, double y, bool valid = true) {
     return QString("<REC FPOGX=\"%1\" FPOGY=\"%2\" FPOGV=\"%3\" />").arg(x).arg(y).arg(valid ? 1 : 0).toLatin1();
@@ -70,15 +53,15 @@ void TestDeviceSession::cleanup() {
 }
 
 void TestDeviceSession::connectProgram() {
-    conversation_ = enableData;
+    conversation_ = wire::enableData;
     QVERIFY(server_->listen());
     QVERIFY(program_->startWindow());
     QTRY_COMPARE_WITH_TIMEOUT(server_->received(), conversation_, patienceMs);
 
     server_->send(gazeAt(0.9, 0.9));
-    conversation_ += askScreenSize;
+    conversation_ += wire::askScreenSize;
     QTRY_COMPARE_WITH_TIMEOUT(server_->received(), conversation_, patienceMs);
-    server_->send("<ACK ID=\"SCREEN_SIZE\" X=\"0\" Y=\"0\" WIDTH=\"1920\" HEIGHT=\"1080\" />");
+    server_->send(QByteArray(wire::screenSize).trimmed());
 }
 
 bool TestDeviceSession::cursorFollows(bool valid) {
@@ -101,11 +84,11 @@ void TestDeviceSession::talks_to_the_server_from_start_to_close() {
         return;
     QTRY_VERIFY_WITH_TIMEOUT(desktop::showsIndicator(0xff33cc00), patienceMs);
     QVERIFY(desktop::click("Calibrate"));
-    conversation_ += calibrate;
+    conversation_ += wire::calibrate;
     QTRY_COMPARE_WITH_TIMEOUT(server_->received(), conversation_, patienceMs);
 
     QCOMPARE(program_->close(), 0);
-    conversation_ += disableData;
+    conversation_ += wire::disableData;
     QTRY_VERIFY_WITH_TIMEOUT(!server_->isConnected(), patienceMs);
     QCOMPARE(server_->received(), conversation_);
     QCOMPARE(program_->complaints(), QStringList());

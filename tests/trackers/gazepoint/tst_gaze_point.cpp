@@ -1,3 +1,4 @@
+#include "support/gazepoint_wire.h"
 #include "support/test_main.h"
 #include "trackers/gazepoint/gaze_point.h"
 
@@ -6,26 +7,6 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
-
-namespace {
-
-constexpr char enableLines[] =
-    "<SET ID=\"ENABLE_SEND_CURSOR\" STATE=\"1\" />\r\n"
-    "<SET ID=\"ENABLE_SEND_EYE_RIGHT\" STATE=\"1\" />\r\n"
-    "<SET ID=\"ENABLE_SEND_EYE_LEFT\" STATE=\"1\" />\r\n"
-    "<SET ID=\"ENABLE_SEND_CURSOR\" STATE=\"1\" />\r\n"
-    "<SET ID=\"ENABLE_SEND_PUPIL_LEFT\" STATE=\"1\" />\r\n"
-    "<SET ID=\"ENABLE_SEND_PUPIL_RIGHT\" STATE=\"1\" />\r\n"
-    "<SET ID=\"ENABLE_SEND_POG_FIX\" STATE=\"1\" />\r\n"
-    "<SET ID=\"ENABLE_SEND_POG_LEFT\" STATE=\"1\" />\r\n"
-    "<SET ID=\"ENABLE_SEND_POG_RIGHT\" STATE=\"1\" />\r\n"
-    "<SET ID=\"ENABLE_SEND_PUPILMM\" STATE=\"1\" />\r\n"
-    "<SET ID=\"ENABLE_SEND_DATA\" STATE=\"1\" />\r\n";
-
-constexpr char askScreen[] = "<GET ID=\"SCREEN_SIZE\" />\r\n";
-constexpr char screenAnswer[] = "<ACK ID=\"SCREEN_SIZE\" X=\"0\" Y=\"0\" WIDTH=\"1920\" HEIGHT=\"1080\" />\r\n";
-
-}  // namespace
 
 /// The back-end against a real socket; the far side does just what each test says.
 class TestGazePoint : public QObject {
@@ -70,14 +51,14 @@ void TestGazePoint::connectServer() {
     QVERIFY(tracker_->start());
     QTRY_VERIFY(server_->hasPendingConnections());
     far_ = server_->nextPendingConnection();
-    QCOMPARE(received(sizeof enableLines - 1), QByteArray(enableLines));
+    QCOMPARE(received(sizeof wire::enableData - 1), QByteArray(wire::enableData));
     QVERIFY(tracker_->isConnected());
 }
 
 void TestGazePoint::tellScreen() {
     serve("<REC FPOGX=\"0.5\" />\r\n");
-    QCOMPARE(received(sizeof askScreen - 1), QByteArray(askScreen));
-    serve(screenAnswer);
+    QCOMPARE(received(sizeof wire::askScreenSize - 1), QByteArray(wire::askScreenSize));
+    serve(wire::screenSize);
 }
 
 void TestGazePoint::serve(const QByteArray &bytes) {
@@ -104,7 +85,7 @@ void TestGazePoint::record_that_comes_before_the_switches_holds_nothing_up() {
     QElapsedTimer timer;
     timer.start();
     QTRY_VERIFY(tracker_->isConnected());
-    QVERIFY(received(sizeof enableLines + sizeof askScreen - 2).contains(askScreen));
+    QVERIFY(received(sizeof wire::enableData + sizeof wire::askScreenSize - 2).contains(wire::askScreenSize));
     QVERIFY(timer.elapsed() < halfTheSendLimitMs);
 }
 
@@ -115,7 +96,7 @@ void TestGazePoint::asks_for_the_screen_until_it_knows_it() {
          {"<ACK ID=\"SCREEN_SIZE\" />\r\n", "<ACK ID=\"SCREEN_SIZE\" WIDTH=\"1920\" />\r\n"}) {
         serve(earlierAnswer);
         serve("<REC FPOGX=\"0.5\" />\r\n");
-        QCOMPARE(received(sizeof askScreen - 1), QByteArray(askScreen));
+        QCOMPARE(received(sizeof wire::askScreenSize - 1), QByteArray(wire::askScreenSize));
     }
     QCOMPARE(samples.count(), 0);
 
@@ -171,7 +152,7 @@ void TestGazePoint::nothing_from_the_far_side_breaks_it() {
     connectServer();
     tellScreen();
     serve(bytes);
-    serve(screenAnswer);
+    serve(wire::screenSize);
     serve("<REC FPOGX=\"0.125\" />\r\n");
     QTRY_COMPARE(tracker_->getLastSample().x, 12.5F);
     QCOMPARE(tracker_->getLastSample().x_px, 240);
