@@ -175,20 +175,19 @@ Device::Attributes Device::calibrateAddPoint(const Command &command) {
 }
 
 Device::Attributes Device::calibrateDelay(const Command &command) {
-    Variable &variable = variables_["CALIBRATE_DELAY"];
-    const auto seconds = number(command, "VALUE", 0, kLongestCalibrationTime);
-    if (!seconds)
-        return variable.values;
-    calibration_.setDelay(*seconds);
-    return assign(command, &variable);
+    return calibrationTime(command, &Calibration::setDelay);
 }
 
 Device::Attributes Device::calibrateTimeout(const Command &command) {
-    Variable &variable = variables_["CALIBRATE_TIMEOUT"];
+    return calibrationTime(command, &Calibration::setTimeout);
+}
+
+Device::Attributes Device::calibrationTime(const Command &command, void (Calibration::*set)(double seconds)) {
+    Variable &variable = variables_[command.id];
     const auto seconds = number(command, "VALUE", 0, kLongestCalibrationTime);
     if (!seconds)
         return variable.values;
-    calibration_.setTimeout(*seconds);
+    (calibration_.*set)(*seconds);
     return assign(command, &variable);
 }
 

@@ -69,6 +69,7 @@ private:
     Attributes calibrateAddPoint(const Command &command);
     Attributes calibrateDelay(const Command &command);
     Attributes calibrateTimeout(const Command &command);
+    Attributes calibrationTime(const Command &command, void (Calibration::*set)(double seconds));
     Attributes calibrateResultSummary(const Command &command);
     [[nodiscard]] Attribute pointCount() const;
     [[nodiscard]] double screenValue(const char *name) const;
