@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QHostAddress>
+#include <string_view>
+
+/// The bytes that a client has sent and that no request has consumed yet: a view, the reader of the connection owns
+/// the memory. Requests are fed through it, from a socket or from anything else that has bytes.
+class HttpInput {
+public:
+    HttpInput() = default;
+    explicit HttpInput(std::string_view bytes, const QHostAddress &peerAddress = QHostAddress())
+        : bytes_(bytes), peerAddress_(peerAddress) {}
+
+    [[nodiscard]] bool isEmpty() const { return bytes_.empty(); }
+    [[nodiscard]] const QHostAddress &peerAddress() const { return peerAddress_; }
+
+    /// Consumes at most `limit` bytes.
+    std::string_view take(std::size_t limit) {
+        const std::string_view taken = bytes_.substr(0, limit);
+        bytes_.remove_prefix(taken.size());
+        return taken;
+    }
+
+    /// Consumes up to and including the next line feed, or what there is of the line; at most `limit` bytes.
+    std::string_view takeLine(std::size_t limit) {
+        const std::size_t lineFeed = bytes_.substr(0, limit).find('\n');
+        return take(lineFeed == std::string_view::npos ? limit : lineFeed + 1);
+    }
+
+private:
+    std::string_view bytes_;
+    QHostAddress peerAddress_;
+};

@@ -1,0 +1,3 @@
+#include "http/http_log.h"
+
+Q_LOGGING_CATEGORY(lcHttp, "ocela.http")

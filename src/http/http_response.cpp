@@ -1,0 +1,78 @@
+#include "http/http_response.h"
+
+#include "http/http_output.h"
+
+#include <numeric>
+
+namespace {
+
+bool sameIgnoringCase(const QByteArray &a, const char *b) {
+    return qstricmp(a.constData(), b) == 0;
+}
+
+}  // namespace
+
+void HttpResponse::setHeader(const QByteArray &name, const QByteArray &value) {
+    headers_.insert(name, value);
+}
+
+void HttpResponse::setHeader(const QByteArray &name, int value) {
+    headers_.insert(name, QByteArray::number(value));
+}
+
+void HttpResponse::setCookie(const HttpCookie &cookie) {
+    cookies_.insert(cookie.name, cookie);
+}
+
+void HttpResponse::setStatus(int statusCode, const QByteArray &description) {
+    statusCode_ = statusCode;
+    statusText_ = description;
+}
+
+void HttpResponse::write(const QByteArray &data, bool lastPart) {
+    write(QVector<QByteArray>{data}, lastPart);
+}
+
+void HttpResponse::write(const QVector<QByteArray> &data, bool lastPart) {
+    const qint64 size = std::accumulate(data.begin(), data.end(), qint64(0),
+                                        [](qint64 sum, const QByteArray &piece) { return sum + piece.size(); });
+    // Everything that this call has to say leaves in one go: a header sent ahead of its body would cost the client a
+    // delayed acknowledgement of 40 ms.
+    QVector<QByteArray> pieces;
+    if (!sentHeaders_) {
+        chooseFraming(size, lastPart);
+        pieces.append(headerBlock());
+        sentHeaders_ = true;
+    }
+    if (size > 0 && chunkedMode_)
+        pieces << QByteArray::number(size, 16) + "\r\n" << data << QByteArrayLiteral("\r\n");
+    else if (size > 0)
+        pieces << data;
+    if (lastPart && chunkedMode_)
+        pieces << QByteArrayLiteral("0\r\n\r\n");
+    if (!pieces.isEmpty())
+        socket_->write(pieces);
+    if (lastPart)
+        sentLastPart_ = true;
+}
+
+void HttpResponse::chooseFraming(qint64 size, bool lastPart) {
+    if (lastPart) {
+        setHeader("Content-Length", QByteArray::number(size));
+        return;
+    }
+    const QByteArray connection = headers_.value("Connection", headers_.value("connection"));
+    if (!sameIgnoringCase(connection, "close")) {
+        setHeader("Transfer-Encoding", "chunked");
+        chunkedMode_ = true;
+    }
+}
+
+QByteArray HttpResponse::headerBlock() const {
+    QByteArray block = "HTTP/1.1 " + QByteArray::number(statusCode_) + ' ' + statusText_ + "\r\n";
+    for (auto header = headers_.begin(); header != headers_.end(); ++header)
+        block += header.key() + ": " + header.value() + "\r\n";
+    for (const HttpCookie &cookie : cookies_)
+        block += "Set-Cookie: " + cookie.toByteArray() + "\r\n";
+    return block + "\r\n";
+}

@@ -1,0 +1,116 @@
+#include "http/http_response.h"
+#include "support/recording_output.h"
+#include "support/test_main.h"
+
+#include <QTest>
+#include <functional>
+
+/// The bytes of responses and of the cookies in them.
+class TestHttpResponse : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void writes_data();
+    void writes();
+    void cookies_data();
+    void cookies();
+    void partsOfAHeaderValue();
+};
+
+using Handler = std::function<void(HttpResponse &)>;
+Q_DECLARE_METATYPE(Handler)
+Q_DECLARE_METATYPE(HttpCookie)
+
+void TestHttpResponse::writes_data() {
+    QTest::addColumn<Handler>("handler");
+    QTest::addColumn<QList<QByteArray>>("expected");
+    const auto row = [](const char *name, const Handler &handler, const QList<QByteArray> &expected) {
+        QTest::newRow(name) << handler << expected;
+    };
+
+    row("a body in one part leaves with its headers in one write", [](HttpResponse &r) { r.write("hello", true); },
+        {"HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello"});
+    row("a part in several pieces counts as one",
+        [](HttpResponse &r) {
+            r.write(QVector<QByteArray>{"hel", "", "lo"}, true);
+        },
+        {"HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello"});
+    row("an empty answer has a length", [](HttpResponse &r) { r.write("", true); },
+        {"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"});
+    row("several parts are chunks",
+        [](HttpResponse &r) {
+            r.write("ab");
+            r.write("c", true);
+        },
+        {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\nab\r\n", "1\r\nc\r\n0\r\n\r\n"});
+    row("sizes of chunks are lower-case hexadecimal", [](HttpResponse &r) { r.write(QByteArray(26, 'x')); },
+        {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n1a\r\n" + QByteArray(26, 'x') + "\r\n"});
+    row("an empty first part sends the headers, an empty last one the end",
+        [](HttpResponse &r) {
+            r.write("");
+            r.write("");
+            r.write("", true);
+        },
+        {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n", "0\r\n\r\n"});
+    row("parts of a closing response are not framed",
+        [](HttpResponse &r) {
+            r.setHeader("connection", "Close");
+            r.write("ab");
+            r.write("c", true);
+        },
+        {"HTTP/1.1 200 OK\r\nconnection: Close\r\n\r\nab", "c"});
+    row("headers are sorted, the last value of a name counts, late ones do not",
+        [](HttpResponse &r) {
+            r.setStatus(404, "not found");
+            r.setHeader("Content-Type", "text/plain");
+            r.setHeader("X-Count", 1);
+            r.setHeader("X-Count", -12);
+            r.setHeader("Content-Length", 99);
+            r.setHeader("Connection", "keep-alive");
+            r.write("x", true);
+            r.setHeader("X-Late", "1");
+        },
+        {"HTTP/1.1 404 not found\r\nConnection: keep-alive\r\nContent-Length: 1\r\nContent-Type: text/plain\r\n"
+         "X-Count: -12\r\n\r\nx"});
+    row("cookies follow the headers, one of a name",
+        [](HttpResponse &r) {
+            r.setCookie({"b", "2"});
+            r.setCookie({"a", "0"});
+            r.setCookie({"a", "1"});
+            r.write("", true);
+        },
+        {"HTTP/1.1 200 OK\r\nContent-Length: 0\r\nSet-Cookie: a=1; Version=0\r\nSet-Cookie: b=2; Version=0\r\n\r\n"});
+}
+
+void TestHttpResponse::writes() {
+    QFETCH(const Handler, handler);
+    RecordingOutput output;
+    HttpResponse response(&output);
+    handler(response);
+    QTEST(output.writes, "expected");
+}
+
+void TestHttpResponse::cookies_data() {
+    QTest::addColumn<HttpCookie>("cookie");
+    QTest::addColumn<QByteArray>("text");
+    QTest::newRow("name and value alone") << HttpCookie{"a", "1"} << QByteArray("a=1; Version=0");
+    QTest::newRow("everything, in its order")
+        << HttpCookie{"n", "v", "why", "example.org", 60, "/p", true, true, "Lax", 2}
+        << QByteArray(
+               "n=v; Comment=why; Domain=example.org; Max-Age=60; Path=/p; Secure; HttpOnly; SameSite=Lax; "
+               "Version=2");
+}
+
+void TestHttpResponse::cookies() {
+    QFETCH(const HttpCookie, cookie);
+    QTEST(cookie.toByteArray(), "text");
+}
+
+void TestHttpResponse::partsOfAHeaderValue() {
+    const QList<QByteArray> expected{"a=1", "b=2;3", "c"};
+    QCOMPARE(HttpCookie::splitCSV(" a=1;; b=\"2;3\" ; \t;c"), expected);
+    QCOMPARE(HttpCookie::splitCSV("x;\"open ; end "), (QList<QByteArray>{"x", "open ; end"}));
+}
+
+OCELA_TEST(TestHttpResponse)
+#include "tst_http_response.moc"
