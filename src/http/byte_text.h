@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QByteArray>
+#include <string_view>
+
+/// Text of the wire, looked at where it lies instead of being copied piece by piece.
+namespace byte_text {
+
+[[nodiscard]] inline std::string_view view(const QByteArray &bytes) {
+    return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
+}
+
+/// `text` comes from a QByteArray or from a request, whose size is bounded far below 2 GiB.
+[[nodiscard]] inline QByteArray copy(std::string_view text) {
+    return {text.data(), static_cast<int>(text.size())};
+}
+
+[[nodiscard]] inline std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view whiteSpace = " \t\n\v\f\r";
+    const std::size_t first = text.find_first_not_of(whiteSpace);
+    if (first == std::string_view::npos)
+        return {};
+    return text.substr(first, text.find_last_not_of(whiteSpace) + 1 - first);
+}
+
+[[nodiscard]] inline bool startsWith(std::string_view text, std::string_view start) {
+    return text.substr(0, start.size()) == start;
+}
+
+[[nodiscard]] inline bool endsWith(std::string_view text, std::string_view end) {
+    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+}
+
+[[nodiscard]] inline bool contains(std::string_view text, std::string_view part) {
+    return text.find(part) != std::string_view::npos;
+}
+
+}  // namespace byte_text
