@@ -1,0 +1,126 @@
+#include "http/multipart_form.h"
+
+#include "http/byte_text.h"
+#include "http/http_input.h"
+#include "http/http_log.h"
+
+using namespace byte_text;
+
+namespace {
+
+constexpr std::size_t maxLineSize = 65536;
+constexpr std::size_t lineBreakSize = 2;
+
+/// What stands in double quotes behind `introduction`; empty if a quote is missing.
+std::string_view quoted(std::string_view line, std::string_view introduction) {
+    const std::size_t found = line.find(introduction);
+    if (found == std::string_view::npos)
+        return {};
+    const std::string_view rest = line.substr(found + introduction.size());
+    const std::size_t end = rest.find('"');
+    return end == std::string_view::npos ? std::string_view() : rest.substr(0, end);
+}
+
+struct PartHeaders {
+    QByteArray fieldName = {};
+    QByteArray fileName = {};
+};
+
+void readDisposition(std::string_view line, PartHeaders &headers) {
+    if (!contains(line, "form-data")) {
+        qCDebug(lcHttp, "HttpRequest: ignoring unsupported content part %s", copy(line).constData());
+        return;
+    }
+    if (const auto name = quoted(line, " name=\""); !name.empty())
+        headers.fieldName = copy(name);
+    if (const auto name = quoted(line, " filename=\""); !name.empty())
+        headers.fileName = copy(name);
+}
+
+PartHeaders takePartHeaders(HttpInput &input) {
+    PartHeaders headers;
+    while (!input.isEmpty()) {
+        const std::string_view line = trimmed(input.takeLine(maxLineSize));
+        if (line.empty())
+            break;
+        if (startsWith(line, "Content-Disposition:"))
+            readDisposition(line, headers);
+    }
+    return headers;
+}
+
+struct PartBody {
+    std::string_view content;   ///< with the line break before the boundary
+    std::string_view boundary;  ///< the line that ended it; empty if none did
+};
+
+PartBody takePartBody(HttpInput &input, std::string_view delimiter) {
+    std::string_view content;
+    while (!input.isEmpty()) {
+        const std::string_view line = input.takeLine(maxLineSize);
+        if (startsWith(line, delimiter))
+            return {content, line};
+        content = {content.empty() ? line.data() : content.data(), content.size() + line.size()};
+    }
+    return {};
+}
+
+std::unique_ptr<QTemporaryFile> writeFile(std::string_view content) {
+    auto file = std::make_unique<QTemporaryFile>();
+    const auto size = static_cast<qint64>(content.size());
+    if (file->open() && file->write(content.data(), size) == size && file->flush() && file->seek(0))
+        return file;
+    qCCritical(lcHttp, "HttpRequest: error writing temp file, %s", qUtf8Printable(file->errorString()));
+    return nullptr;
+}
+
+void logParameter(const QByteArray &name, const QByteArray &value) {
+    qCDebug(lcHttp, "HttpRequest: set parameter %s=%s", name.constData(), value.constData());
+}
+
+}  // namespace
+
+MultipartParser::Result MultipartParser::parse(std::string_view body) {
+    HttpInput input(body);
+    bool finished = false;
+    while (!input.isEmpty() && !finished && result_ == Result::complete) {
+        const PartHeaders headers = takePartHeaders(input);
+        const PartBody part = takePartBody(input, view(delimiter_));
+        if (!headers.fieldName.isEmpty() && !part.boundary.empty())
+            store(headers.fieldName, headers.fileName, part.content);
+        finished = contains(part.boundary, view(end_));
+    }
+    return result_;
+}
+
+void MultipartParser::store(const QByteArray &name, const QByteArray &fileName, std::string_view content) {
+    const std::string_view value = content.substr(0, content.size() - std::min(content.size(), lineBreakSize));
+    if (fileName.isEmpty())
+        storeField(name, value);
+    else if (content.empty())
+        qCWarning(lcHttp, "HttpRequest: format error, unexpected end of file data");
+    else
+        storeFile(name, fileName, value);
+}
+
+void MultipartParser::storeField(const QByteArray &name, std::string_view value) {
+    form_.parameters.insert(name, copy(value));
+    logParameter(name, form_.parameters.value(name));
+}
+
+void MultipartParser::storeFile(const QByteArray &name, const QByteArray &fileName, std::string_view content) {
+    if (form_.files.size() == maxFiles && form_.files.count(name) == 0) {
+        qCWarning(lcHttp, "HttpRequest: received too many files");
+        result_ = Result::tooManyFiles;
+        return;
+    }
+    auto file = writeFile(content);
+    if (!file) {
+        result_ = Result::fileError;
+        return;
+    }
+    form_.parameters.insert(name, fileName);
+    logParameter(name, fileName);
+    qCDebug(lcHttp, "HttpRequest: uploaded file size is %li", static_cast<long>(file->size()));
+    form_.files[name] = std::move(file);
+}
