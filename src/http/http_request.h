@@ -4,6 +4,8 @@
 
 #include <QMap>
 #include <QMultiMap>
+#include <map>
+#include <memory>
 
 class HttpSettings;
 class QTemporaryFile;
@@ -11,7 +13,9 @@ class QTemporaryFile;
 /// One request as it arrives: fed with what the client has sent, until it is complete, too large or broken.
 ///
 /// "maxRequestSize" bounds request line, headers and body together, "maxMultiPartSize" a multipart body, which goes to
-/// a temporary file instead of memory; both are bytes, 50,000,000 unless set. Used by one thread at a time.
+/// a temporary file instead of memory; both are bytes, 50,000,000 unless set, and count up to 1 GiB. What few bytes
+/// would blow up to many in memory (continued header lines, hundreds of thousands of parameters, open files) is bounded
+/// as well. Used by one thread at a time.
 class HttpRequest {
 public:
     enum RequestStatus { waitForRequest, waitForHeader, waitForBody, complete, abortSize, abortBroken };
@@ -53,13 +57,43 @@ public:
     [[nodiscard]] const QHostAddress &getPeerAddress() const { return peerAddress_; }
 
 private:
+    using Step = void (HttpRequest::*)(std::string_view line);
+
+    void readLine(HttpInput &socket, Step interpret);
+    void readRequestLine(std::string_view line);
+    void readHeaderLine(std::string_view line);
+    void addHeader(const QByteArray &name, const QByteArray &value);
+    void finishHeaders();
+    void expectBody(qint64 room, const char *tooLarge);
+    void readBody(HttpInput &socket);
+    void readMultiPartBody(HttpInput &socket);
+    void finishMultiPartBody();
+    void parseMultiPartFile();
+    void failToWriteTempFile();
+    [[nodiscard]] bool hasTooManyBytes() const;
+    [[nodiscard]] bool isBodyUrlEncoded() const;
+    void decodeParameters();
+    void extractCookies();
+    void abortManyEntries();
+
     QMultiMap<QByteArray, QByteArray> headers_;
     QMultiMap<QByteArray, QByteArray> parameters_;
     QMap<QByteArray, QByteArray> cookies_;
     QByteArray bodyData_;
     QByteArray method_;
+    QByteArray path_;  ///< still url-encoded; without the query once the request is complete
     QByteArray rawPath_;
     QByteArray version_;
     RequestStatus status_ = waitForRequest;
     QHostAddress peerAddress_;
+    const qint64 maxSize_;
+    const qint64 maxMultiPartSize_;
+    qint64 currentSize_ = 0;       ///< request line, headers and body, but for a multipart body
+    qint64 storedHeaderSize_ = 0;  ///< names and values; exceeds what was received only by continued lines
+    qint64 expectedBodySize_ = 0;
+    QByteArray currentHeader_;
+    QByteArray boundary_;                       ///< empty: no multipart body
+    std::unique_ptr<QTemporaryFile> tempFile_;  ///< the multipart body as received
+    std::map<QByteArray, std::unique_ptr<QTemporaryFile>> uploadedFiles_;
+    QByteArray lineBuffer_;  ///< of a line whose end has not arrived
 };

@@ -1,0 +1,287 @@
+#include "http/http_request.h"
+
+#include "http/byte_text.h"
+#include "http/cookie_header.h"
+#include "http/http_log.h"
+#include "http/http_settings.h"
+#include "http/multipart_form.h"
+#include "http/url_encoding.h"
+
+#include <QTemporaryFile>
+#include <algorithm>
+#include <charconv>
+#include <limits>
+#include <numeric>
+
+using namespace byte_text;
+
+namespace {
+
+/// A QByteArray holds less than 2 GiB; half of it keeps every sum of two sizes an int.
+constexpr int largestLimit = 1 << 30;
+
+constexpr qint64 maxMultiPartBlock = 65536;
+
+/// An entry of a map costs about 100 bytes beside its text, which can be a single byte: together 50 MB at most.
+constexpr int maxEntries = 500000;
+
+qint64 limitFrom(const HttpSettings &settings, const QString &key) {
+    return qBound(0, settings.number(key, 50000000), largestLimit);
+}
+
+/// Decimal digits alone are a number. One that no type holds counts as the largest, not as none: its body follows.
+qint64 contentLength(const QByteArray &text) {
+    quint32 number = 0;
+    const auto [end, error] = std::from_chars(text.begin(), text.end(), number);
+    if (end != text.end())
+        return 0;
+    return error == std::errc::result_out_of_range ? std::numeric_limits<quint32>::max() : number;
+}
+
+qint64 count(std::string_view text, char separator) {
+    return std::count(text.begin(), text.end(), separator);
+}
+
+QByteArray withoutQuotes(const QByteArray &text) {
+    const bool quoted = text.size() > 1 && text.startsWith('"') && text.endsWith('"');
+    return quoted ? text.mid(1, text.size() - 2) : text;
+}
+
+}  // namespace
+
+HttpRequest::HttpRequest(const HttpSettings &settings)
+    : maxSize_(limitFrom(settings, QStringLiteral("maxRequestSize"))),
+      maxMultiPartSize_(limitFrom(settings, QStringLiteral("maxMultiPartSize"))) {}
+
+HttpRequest::~HttpRequest() = default;
+
+void HttpRequest::readFromSocket(HttpInput &socket) {
+    switch (status_) {
+        case waitForRequest:
+            peerAddress_ = socket.peerAddress();
+            readLine(socket, &HttpRequest::readRequestLine);
+            break;
+        case waitForHeader:
+            readLine(socket, &HttpRequest::readHeaderLine);
+            break;
+        case waitForBody:
+            boundary_.isEmpty() ? readBody(socket) : readMultiPartBody(socket);
+            break;
+        case complete:
+        case abortSize:
+        case abortBroken:
+            return;
+    }
+    if (hasTooManyBytes()) {
+        qCWarning(lcHttp, "HttpRequest: received too many bytes");
+        status_ = abortSize;
+    }
+    if (status_ == complete) {
+        decodeParameters();
+        extractCookies();
+    }
+}
+
+bool HttpRequest::hasTooManyBytes() const {
+    if (!boundary_.isEmpty())
+        return currentSize_ > maxMultiPartSize_;
+    // Each continued line stores all that it continues once more: unbounded, that would grow with the square.
+    return std::max(currentSize_, storedHeaderSize_) > maxSize_ || headers_.size() > maxEntries;
+}
+
+// Reading stops at each line feed, so a line has ended if and only if what there is of it ends in CR LF: no search
+// through the buffer. A line that arrived in one piece is not copied at all.
+void HttpRequest::readLine(HttpInput &socket, Step interpret) {
+    const std::string_view piece = socket.takeLine(static_cast<std::size_t>(maxSize_ - currentSize_ + 1));
+    currentSize_ += static_cast<qint64>(piece.size());
+    if (lineBuffer_.isEmpty() && endsWith(piece, "\r\n")) {
+        (this->*interpret)(trimmed(piece));
+        return;
+    }
+    lineBuffer_.append(piece.data(), static_cast<int>(piece.size()));
+    if (lineBuffer_.endsWith("\r\n")) {
+        (this->*interpret)(trimmed(view(lineBuffer_)));
+        lineBuffer_.clear();
+    }
+}
+
+void HttpRequest::readRequestLine(std::string_view line) {
+    if (line.empty())
+        return;
+    const std::size_t first = line.find(' ');
+    const std::size_t last = line.rfind(' ');
+    // Exactly two spaces, with a target between them.
+    const bool threePieces = first != std::string_view::npos && last > first + 1 && line.find(' ', first + 1) == last;
+    if (!threePieces || !contains(line.substr(last), "HTTP")) {
+        qCWarning(lcHttp, "HttpRequest: received broken HTTP request, invalid first line");
+        status_ = abortBroken;
+        return;
+    }
+    method_ = copy(trimmed(line.substr(0, first)));
+    path_ = rawPath_ = copy(line.substr(first + 1, last - first - 1));
+    version_ = copy(line.substr(last + 1));
+    status_ = waitForHeader;
+}
+
+void HttpRequest::readHeaderLine(std::string_view line) {
+    const std::size_t colon = line.find(':');
+    if (line.empty()) {
+        finishHeaders();
+    } else if (colon != 0 && colon != std::string_view::npos) {
+        currentHeader_ = copy(line.substr(0, colon)).toLower();
+        addHeader(currentHeader_, copy(trimmed(line.substr(colon + 1))));
+    } else if (headers_.contains(currentHeader_)) {
+        addHeader(currentHeader_, headers_.value(currentHeader_) + ' ' + copy(line));
+    }
+}
+
+void HttpRequest::addHeader(const QByteArray &name, const QByteArray &value) {
+    storedHeaderSize_ += name.size() + value.size();
+    headers_.insert(name, value);
+}
+
+void HttpRequest::finishHeaders() {
+    const QByteArray contentType = headers_.value("content-type");
+    const int boundary = contentType.indexOf("boundary=");
+    if (boundary >= 0 && contentType.startsWith("multipart/form-data"))
+        boundary_ = withoutQuotes(contentType.mid(boundary + int(qstrlen("boundary="))));
+
+    expectedBodySize_ = contentLength(headers_.value("content-length"));
+    if (expectedBodySize_ == 0)
+        status_ = complete;
+    else if (boundary_.isEmpty())
+        expectBody(maxSize_ - currentSize_, "HttpRequest: expected body is too large");
+    else
+        expectBody(maxMultiPartSize_, "HttpRequest: expected multipart body is too large");
+}
+
+void HttpRequest::expectBody(qint64 room, const char *tooLarge) {
+    status_ = expectedBodySize_ > room ? abortSize : waitForBody;
+    if (status_ == abortSize)
+        qCWarning(lcHttp, "%s", tooLarge);
+}
+
+void HttpRequest::readBody(HttpInput &socket) {
+    const std::string_view block = socket.take(static_cast<std::size_t>(expectedBodySize_ - bodyData_.size()));
+    currentSize_ += static_cast<qint64>(block.size());
+    bodyData_.append(block.data(), static_cast<int>(block.size()));
+    if (bodyData_.size() == expectedBodySize_)
+        status_ = complete;
+}
+
+void HttpRequest::readMultiPartBody(HttpInput &socket) {
+    if (!tempFile_)
+        tempFile_ = std::make_unique<QTemporaryFile>();
+    const qint64 room = std::min(expectedBodySize_ - tempFile_->pos(), maxMultiPartBlock);
+    const std::string_view block = socket.take(static_cast<std::size_t>(room));
+    const auto size = static_cast<qint64>(block.size());
+    if ((!tempFile_->isOpen() && !tempFile_->open()) || tempFile_->write(block.data(), size) != size) {
+        // Without room for the body its end would never be reached.
+        failToWriteTempFile();
+    } else if (tempFile_->pos() >= maxMultiPartSize_) {
+        // Intended: a body of exactly the limit passes the header and is refused here.
+        qCWarning(lcHttp, "HttpRequest: received too many multipart bytes");
+        status_ = abortSize;
+    } else if (tempFile_->pos() >= expectedBodySize_) {
+        finishMultiPartBody();
+    }
+}
+
+void HttpRequest::failToWriteTempFile() {
+    qCCritical(lcHttp, "HttpRequest: Error writing temp file for multipart body");
+    status_ = abortBroken;
+}
+
+void HttpRequest::finishMultiPartBody() {
+    if (tempFile_->flush())
+        parseMultiPartFile();
+    else
+        failToWriteTempFile();
+    tempFile_->close();
+}
+
+void HttpRequest::parseMultiPartFile() {
+    qCDebug(lcHttp, "HttpRequest: parsing multipart temp file");
+    const qint64 size = tempFile_->size();
+    uchar *bytes = tempFile_->map(0, size);
+    if (!bytes) {
+        qCCritical(lcHttp, "HttpRequest: cannot read temp file, %s", qUtf8Printable(tempFile_->errorString()));
+        status_ = abortBroken;
+        return;
+    }
+    MultipartParser parser(boundary_);
+    const auto result = parser.parse({reinterpret_cast<const char *>(bytes), static_cast<std::size_t>(size)});
+    tempFile_->unmap(bytes);
+    if (result == MultipartParser::Result::complete) {
+        parameters_ = parser.form().parameters;
+        uploadedFiles_ = std::move(parser.form().files);
+        status_ = complete;
+    } else {
+        status_ = result == MultipartParser::Result::tooManyFiles ? abortSize : abortBroken;
+    }
+}
+
+bool HttpRequest::isBodyUrlEncoded() const {
+    const QByteArray contentType = headers_.value("content-type");
+    return contentType.isEmpty() || contentType.startsWith("application/x-www-form-urlencoded");
+}
+
+void HttpRequest::decodeParameters() {
+    const int question = rawPath_.indexOf('?');
+    if (question >= 0)
+        path_.truncate(question);
+    const std::string_view query = question < 0 ? std::string_view() : view(rawPath_).substr(std::size_t(question) + 1);
+    const std::string_view body = isBodyUrlEncoded() ? view(bodyData_) : std::string_view();
+    if (count(query, '&') + count(body, '&') > maxEntries) {
+        abortManyEntries();
+        return;
+    }
+    url_encoding::addParameters(query, parameters_);
+    url_encoding::addParameters(body, parameters_);
+}
+
+void HttpRequest::extractCookies() {
+    const QList<QByteArray> values = headers_.values("cookie");
+    const auto add = [](qint64 sum, const QByteArray &value) { return sum + count(view(value), ';'); };
+    if (std::accumulate(values.begin(), values.end(), qint64(0), add) > maxEntries) {
+        abortManyEntries();
+        return;
+    }
+    // The map gives the value that came last first.
+    std::for_each(values.rbegin(), values.rend(),
+                  [this](const QByteArray &value) { cookie_header::addCookies(value, cookies_); });
+}
+
+void HttpRequest::abortManyEntries() {
+    qCWarning(lcHttp, "HttpRequest: received too many parameters or cookies");
+    status_ = abortSize;
+}
+
+QByteArray HttpRequest::getPath() const {
+    return url_encoding::decode(view(path_));
+}
+
+QByteArray HttpRequest::getHeader(const QByteArray &name) const {
+    return headers_.value(name.toLower());
+}
+
+QList<QByteArray> HttpRequest::getHeaders(const QByteArray &name) const {
+    return headers_.values(name.toLower());
+}
+
+QByteArray HttpRequest::getParameter(const QByteArray &name) const {
+    return parameters_.value(name);
+}
+
+QList<QByteArray> HttpRequest::getParameters(const QByteArray &name) const {
+    return parameters_.values(name);
+}
+
+QByteArray HttpRequest::getCookie(const QByteArray &name) const {
+    return cookies_.value(name);
+}
+
+QTemporaryFile *HttpRequest::getUploadedFile(const QByteArray &fieldName) const {
+    const auto found = uploadedFiles_.find(fieldName);
+    return found == uploadedFiles_.end() ? nullptr : found->second.get();
+}

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "http/http_request.h"
+#include "http/http_settings.h"
+
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTemporaryFile>
+#include <functional>
+
+/// The size limits of requests, in bytes.
+class RequestLimits {
+public:
+    RequestLimits(int maxRequestSize, int maxMultiPartSize) { set(maxRequestSize, maxMultiPartSize); }
+
+    void set(int maxRequestSize, int maxMultiPartSize) {
+        stored_.setValue("maxRequestSize", maxRequestSize);
+        stored_.setValue("maxMultiPartSize", maxMultiPartSize);
+    }
+    [[nodiscard]] const HttpSettings &settings() const { return settings_; }
+
+private:
+    const QTemporaryDir folder_;
+    QSettings stored_{folder_.filePath("settings.ini"), QSettings::IniFormat};
+    const HttpSettings settings_{&stored_};
+};
+
+inline std::string_view whatIsLeft(HttpInput input) {
+    return input.take(std::string_view::npos);
+}
+
+/// Feeds `bytes` in pieces of the sizes that `pieceSize` gives until the request is final, and returns what is left of
+/// them. A call that consumes nothing would be repeated forever: it ends the program.
+inline std::string_view feed(HttpRequest &request, std::string_view bytes,
+                             const std::function<std::size_t()> &pieceSize) {
+    const auto isFinal = [&request] { return request.getStatus() >= HttpRequest::complete; };
+    HttpInput all(bytes);
+    HttpInput piece;
+    while (!isFinal() && !all.isEmpty()) {
+        piece = HttpInput(all.take(pieceSize()), QHostAddress::LocalHost);
+        while (!isFinal() && !piece.isEmpty()) {
+            const std::size_t before = whatIsLeft(piece).size();
+            request.readFromSocket(piece);
+            if (!isFinal() && whatIsLeft(piece).size() == before)
+                qFatal("a request does not consume its input");
+        }
+    }
+    return bytes.substr(bytes.size() - whatIsLeft(all).size() - whatIsLeft(piece).size());
+}
+
+/// What a handler sees of a request, a line for each thing: status, first line, headers, parameters, cookies, body,
+/// uploaded files.
+inline QList<QByteArray> describe(const HttpRequest &request) {
+    static const char *const names[] = {"first line", "headers", "body", "complete", "too large", "broken"};
+    QList<QByteArray> lines{names[request.getStatus()]};
+    if (!request.getMethod().isEmpty())
+        lines << request.getMethod() + ' ' + request.getPath() + ' ' + request.getVersion();
+    const auto add = [&lines](const auto &map, const QByteArray &start, const QByteArray &middle) {
+        for (auto entry = map.begin(); entry != map.end(); ++entry)
+            lines << start + entry.key() + middle + entry.value();
+    };
+    add(request.getHeaderMap(), "", ": ");
+    add(request.getParameterMap(), "", "=");
+    add(request.getCookieMap(), "cookie ", "=");
+    if (!request.getBody().isEmpty())
+        lines << "body " + request.getBody();
+    for (const QByteArray &field : request.getParameterMap().uniqueKeys())
+        if (QTemporaryFile *file = request.getUploadedFile(field))
+            lines << "file " + field + ": " + file->readAll();
+    return lines;
+}
