@@ -1,0 +1,26 @@
+#pragma once
+
+#include "http/http_output.h"
+
+#include <QDeadlineTimer>
+#include <QHostAddress>
+
+/// A client's connection, plain or encrypted, with calls that block: each connection has a thread of its own, so
+/// waiting in the system call itself is the shortest way from a request to its answer. Used by that thread alone;
+/// closes the connection when it is destroyed.
+///
+/// Calls that wait look every `sliceMs` whether the server is being closed, and then return as if the client had gone.
+class ByteStream : public HttpOutput {
+public:
+    static constexpr int sliceMs = 250;
+
+    /// What read() returns besides a number of bytes.
+    enum : qint64 { TimedOut = 0, Ended = -1 };
+
+    /// Waits for bytes and stores at most `capacity` of them; returns their number. `Ended`: the client has closed or
+    /// lost the connection.
+    [[nodiscard]] virtual qint64 read(char *to, qint64 capacity, const QDeadlineTimer &deadline) = 0;
+    /// Ends the sending direction: the client reads everything that was written, then an end.
+    virtual void endWriting() = 0;
+    [[nodiscard]] virtual QHostAddress peerAddress() const = 0;
+};

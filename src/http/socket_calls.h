@@ -1,0 +1,30 @@
+#pragma once
+
+#include "http/socket_descriptor.h"
+
+#include <QHostAddress>
+#include <string_view>
+
+/// The calls to the operating system's sockets that Qt does not offer, one file a platform. All leave the descriptor
+/// with the caller.
+namespace socket_calls {
+
+/// What receive() and send() return when the time limit has passed or a signal came in between.
+constexpr qint64 tryAgain = -2;
+
+/// Makes the calls on a connected socket block, each for `limitMs` at most, and small answers leave at once. False if
+/// the descriptor is no socket.
+[[nodiscard]] bool prepare(tSocketDescriptor socket, int limitMs);
+/// The number of bytes; 0 at the end of what the client sends, -1 when the connection is lost.
+[[nodiscard]] qint64 receive(tSocketDescriptor socket, char *to, qint64 capacity);
+/// Sends the pieces as one block; the number of bytes that the system has taken, -1 when the connection is lost.
+[[nodiscard]] qint64 send(tSocketDescriptor socket, const std::string_view *pieces, int count);
+/// Whether receive() would return at once, within `limitMs`.
+[[nodiscard]] bool waitReadable(tSocketDescriptor socket, int limitMs);
+void endSending(tSocketDescriptor socket);
+void close(tSocketDescriptor socket);
+[[nodiscard]] QHostAddress peerAddress(tSocketDescriptor socket);
+/// Lets more clients wait for being accepted than Qt's 50: beyond the limit they wait for a second, or are refused.
+void lengthenBacklog(tSocketDescriptor listener);
+
+}  // namespace socket_calls
