@@ -6,6 +6,8 @@
 
 namespace {
 
+constexpr int usualHeaderBytes = 512;
+
 bool sameIgnoringCase(const QByteArray &a, const char *b) {
     return qstricmp(a.constData(), b) == 0;
 }
@@ -69,10 +71,12 @@ void HttpResponse::chooseFraming(qint64 size, bool lastPart) {
 }
 
 QByteArray HttpResponse::headerBlock() const {
-    QByteArray block = "HTTP/1.1 " + QByteArray::number(statusCode_) + ' ' + statusText_ + "\r\n";
+    QByteArray block;
+    block.reserve(usualHeaderBytes);
+    block.append("HTTP/1.1 ").append(QByteArray::number(statusCode_)).append(' ').append(statusText_).append("\r\n");
     for (auto header = headers_.begin(); header != headers_.end(); ++header)
-        block += header.key() + ": " + header.value() + "\r\n";
+        block.append(header.key()).append(": ").append(header.value()).append("\r\n");
     for (const HttpCookie &cookie : cookies_)
-        block += "Set-Cookie: " + cookie.toByteArray() + "\r\n";
-    return block + "\r\n";
+        block.append("Set-Cookie: ").append(cookie.toByteArray()).append("\r\n");
+    return block.append("\r\n");
 }
