@@ -1,0 +1,25 @@
+#include "fuzz/fuzz_support.h"
+#include "http/byte_text.h"
+#include "http/multipart_form.h"
+
+// The first byte is the length of the boundary, which comes next; the rest is the body.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    fuzz::Input input(data, size);
+    const QByteArray boundary = byte_text::copy(input.text(input.byte() % 16 + 1));
+    MultipartParser parser(boundary.isEmpty() ? "x" : boundary);
+    if (parser.parse(input.rest()) != MultipartParser::Result::complete)
+        return 0;
+
+    std::size_t total = 0;
+    const auto found = [&](const QByteArray &bytes) {
+        total += std::size_t(bytes.size());
+        return byte_text::contains(input.rest(), byte_text::view(bytes));
+    };
+    const MultipartForm &form = parser.form();
+    for (auto parameter = form.parameters.begin(); parameter != form.parameters.end(); ++parameter)
+        fuzz::require(found(parameter.key()) && found(parameter.value()), "a parameter that was not sent");
+    for (const auto &[name, file] : form.files)
+        fuzz::require(form.parameters.contains(name) && found(file->readAll()), "a file that was not sent");
+    fuzz::require(total <= input.rest().size(), "a part that counts twice");
+    return 0;
+}
