@@ -1,6 +1,33 @@
 #include "toolkit/text_helper.h"
 
+namespace {
+
+constexpr qint64 msPerSecond = 1000;
+
+/// The text of this second. The HTTP API asks for the current one with every answer, and it takes microseconds to make.
+QString cachedSecondText(qint64 secondsSinceEpoch) {
+    thread_local qint64 cachedSecond = -1;
+    thread_local QString text;
+    if (secondsSinceEpoch != cachedSecond) {
+        text = QDateTime::fromMSecsSinceEpoch(secondsSinceEpoch * msPerSecond).toString("yyyy-MM-dd_HH-mm-ss");
+        cachedSecond = secondsSinceEpoch;
+    }
+    return text;
+}
+
+void appendMilliseconds(QString &text, int milliseconds) {
+    text += QLatin1Char('-');
+    for (int unit = 100; unit > 0; unit /= 10)
+        text += QLatin1Char(static_cast<char>('0' + milliseconds / unit % 10));
+}
+
+}  // namespace
+
 QString TextHelper::DateTimeFileString(const QDateTime &moment, bool withMilliseconds) {
-    const QDateTime local = moment.isNull() ? QDateTime::currentDateTime() : moment.toLocalTime();
-    return local.toString(withMilliseconds ? "yyyy-MM-dd_HH-mm-ss-zzz" : "yyyy-MM-dd_HH-mm-ss");
+    const qint64 ms = moment.isNull() ? QDateTime::currentMSecsSinceEpoch() : moment.toMSecsSinceEpoch();
+    const auto withinSecond = static_cast<int>((ms % msPerSecond + msPerSecond) % msPerSecond);
+    QString text = cachedSecondText((ms - withinSecond) / msPerSecond);
+    if (withMilliseconds)
+        appendMilliseconds(text, withinSecond);
+    return text;
 }
