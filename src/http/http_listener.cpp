@@ -22,7 +22,10 @@ HttpListener::HttpListener(QSettings *settings, HttpRequestHandler *requestHandl
     qRegisterMetaType<tSocketDescriptor>("tSocketDescriptor");
     connect(this, &QTcpServer::acceptError, this, [this] {
         qCWarning(lcHttp, "HttpListener: Cannot accept a connection: %s", qUtf8Printable(errorString()));
-        QTimer::singleShot(recoveryMs, this, &QTcpServer::resumeAccepting);
+        QTimer::singleShot(recoveryMs, this, [this] {
+            if (isListening())
+                resumeAccepting();
+        });
     });
     listen();
 }
@@ -63,7 +66,10 @@ void HttpListener::incomingConnection(tSocketDescriptor socketDescriptor) {
 void HttpListener::refuse(tSocketDescriptor socketDescriptor) {
     qCDebug(lcHttp, "HttpListener: Too many incoming connections");
     auto *socket = new QTcpSocket(this);
-    socket->setSocketDescriptor(socketDescriptor);
+    if (!socket->setSocketDescriptor(socketDescriptor)) {
+        delete socket;
+        return;
+    }
     connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
     socket->write(tooManyConnections);
     socket->disconnectFromHost();

@@ -51,6 +51,9 @@ std::unique_ptr<const QSslConfiguration> loadTlsConfiguration(const HttpSettings
     configuration->setProtocol(QSsl::AnyProtocol);
     configuration->setLocalCertificate(QSslCertificate(*certificate));
     configuration->setPrivateKey(QSslKey(*key, QSsl::Rsa));
+    // No client will get through, but nothing is sent unencrypted either.
+    if (configuration->localCertificate().isNull() || configuration->privateKey().isNull())
+        qCCritical(lcHttp, "HttpConnectionHandlerPool: no certificate or no RSA key in the files given");
     addPeerVerification(*configuration, settings);
     return configuration;
 }
