@@ -35,9 +35,9 @@ def private_profile(folder):
 class Program:
     """A started process; ends with the `with` block."""
 
-    def __init__(self, command, environment, pass_fds=()):
+    def __init__(self, command, environment, pass_fds=(), output=subprocess.DEVNULL):
         self.begin = time.monotonic()
-        self._process = subprocess.Popen(command, env=environment, pass_fds=pass_fds, stdout=subprocess.DEVNULL,
+        self._process = subprocess.Popen(command, env=environment, pass_fds=pass_fds, stdout=output,
                                          stderr=subprocess.DEVNULL)
         self._proc = pathlib.Path(f"/proc/{self._process.pid}")
 
@@ -51,6 +51,13 @@ class Program:
         if self._process.poll() is None:
             self._process.send_signal(signal.SIGTERM)
         self._process.wait()
+
+    def exit_code(self, limit):
+        """Waits for its end; None if it has not ended within `limit` seconds."""
+        try:
+            return self._process.wait(limit)
+        except subprocess.TimeoutExpired:
+            return None
 
     def require_running(self):
         if self._process.poll() is not None:
@@ -78,6 +85,13 @@ class Program:
 
     def resident_bytes(self):
         return int((self._proc / "statm").read_text().split()[1]) * PAGE_BYTES
+
+    def threads(self):
+        return len(os.listdir(self._proc / "task"))
+
+    def open_files(self):
+        """What its descriptors stand for."""
+        return [os.readlink(link) for link in (self._proc / "fd").iterdir() if link.is_symlink()]
 
     def bytes_read(self):
         """By read(): the tracker's socket, but not the X server's."""

@@ -1,4 +1,4 @@
-"""The little of Xlib that the program benchmark needs: when which window came onto the screen."""
+"""The little of Xlib that the benchmarks need: when which window came onto the screen, and asking it to close."""
 
 import ctypes
 import select
@@ -6,6 +6,7 @@ import time
 
 SUBSTRUCTURE_NOTIFY = 1 << 19
 MAP_NOTIFY = 19
+CLIENT_MESSAGE = 33
 
 
 class MapEvent(ctypes.Structure):
@@ -14,8 +15,14 @@ class MapEvent(ctypes.Structure):
                 ("override_redirect", ctypes.c_int)]
 
 
+class ClientMessage(ctypes.Structure):
+    _fields_ = [("type", ctypes.c_int), ("serial", ctypes.c_ulong), ("send_event", ctypes.c_int),
+                ("display", ctypes.c_void_p), ("window", ctypes.c_ulong), ("message", ctypes.c_ulong),
+                ("format", ctypes.c_int), ("data", ctypes.c_long * 5)]
+
+
 class Event(ctypes.Union):
-    _fields_ = [("map", MapEvent), ("size_of_every_event", ctypes.c_long * 24)]
+    _fields_ = [("map", MapEvent), ("client", ClientMessage), ("size_of_every_event", ctypes.c_long * 24)]
 
 
 def library():
@@ -30,6 +37,9 @@ def library():
     xlib.XFetchName.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.POINTER(ctypes.c_void_p)]
     xlib.XFree.argtypes = [ctypes.c_void_p]
     xlib.XSync.argtypes = [ctypes.c_void_p, ctypes.c_int]
+    xlib.XInternAtom.restype = ctypes.c_ulong
+    xlib.XInternAtom.argtypes = [ctypes.c_void_p, ctypes.c_char_p, ctypes.c_int]
+    xlib.XSendEvent.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_int, ctypes.c_long, ctypes.POINTER(Event)]
     return xlib
 
 
@@ -43,6 +53,7 @@ class Screen:
         if not self._display:
             raise SystemExit("cannot open the display")
         self._xlib.XSelectInput(self._display, self._xlib.XDefaultRootWindow(self._display), SUBSTRUCTURE_NOTIFY)
+        self._window = None
         self.forget()
 
     def forget(self):
@@ -63,8 +74,21 @@ class Screen:
                     mapped[event.map.window] = time.monotonic()
             for window, moment in mapped.items():
                 if self._title(window).startswith(title):
+                    self._window = window
                     return moment
         raise SystemExit(f"no window {title!r} within {limit} s")
+
+    def request_close(self):
+        """Asks the window that was waited for to close, as the close button of its frame does."""
+        event = Event()
+        event.client = ClientMessage(type=CLIENT_MESSAGE, window=self._window, message=self._atom(b"WM_PROTOCOLS"),
+                                     format=32)
+        event.client.data[0] = self._atom(b"WM_DELETE_WINDOW")
+        self._xlib.XSendEvent(self._display, self._window, False, 0, ctypes.byref(event))
+        self._xlib.XSync(self._display, False)
+
+    def _atom(self, name):
+        return self._xlib.XInternAtom(self._display, name, False)
 
     def _title(self, window):
         name = ctypes.c_void_p()
