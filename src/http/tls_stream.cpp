@@ -33,6 +33,9 @@ qint64 TlsStream::read(char *to, qint64 capacity, const QDeadlineTimer &deadline
     while (!closing_) {
         if (deadline.hasExpired())
             return TimedOut;
+        // A handshake that fails closes the socket.
+        if (!socket_.isOpen())
+            return Ended;
         const qint64 count = socket_.read(to, capacity);
         if (count > 0)
             return count;
