@@ -1,0 +1,250 @@
+#include "api/api_client.h"
+#include "api/ocela_http_exchange.h"
+#include "support/fake_tracker.h"
+#include "support/test_main.h"
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QJsonArray>
+#include <QRegularExpression>
+#include <QScreen>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+#include <QTest>
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <thread>
+#include <vector>
+
+/// What the API answers, and what it asks of the tracker.
+class TestOcelaHttpExchange : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void endpoints_data();
+    void endpoints();
+    void document_and_text_are_the_same_data();
+    void document_and_text_are_the_same();
+    void calls_from_other_threads_are_queued_up_to_a_limit();
+    void answers_are_whole_while_trackers_deliver_and_change();
+    void a_handler_without_an_exchange_makes_one();
+
+private:
+    std::unique_ptr<FakeTracker> tracker_;
+    std::unique_ptr<OcelaHTTPExchange> exchange_;
+    QTemporaryDir folder_;
+};
+
+namespace {
+
+const QByteArray missing = R"({"action":"/%1","error":"File http/%1doesn't exist","result":false})";
+
+QByteArray answerAbout(const char *file) {
+    return QByteArray(missing).replace("%1", file);
+}
+
+/// The digits of the time blanked, which change.
+QString withoutTime(const QByteArray &text) {
+    static const QRegularExpression time(R"("time":"\d{4}-\d\d-\d\d_\d\d-\d\d-\d\d-\d{3}")");
+    return QString::fromUtf8(text).replace(time, "TIME");
+}
+
+EyeTrackingSample numbered(int number) {
+    EyeTrackingSample sample;
+    sample.timestamp = number;
+    sample.x = static_cast<float>(number);
+    sample.r_pupil_y = number;
+    return sample;
+}
+
+constexpr int stepMs = 20;
+
+bool isWhole(const QJsonObject &sample) {
+    return sample["x"] == sample["timestamp"] && sample["r_pupil_y"] == sample["timestamp"];
+}
+
+bool isWholeWindow(const QJsonArray &samples) {
+    for (int i = 0; i < samples.size(); ++i) {
+        const int last = i == 0 ? 0 : samples[i - 1].toObject()["timestamp"].toInt() + stepMs;
+        if (!isWhole(samples[i].toObject()) || (i > 0 && samples[i].toObject()["timestamp"] != last))
+            return false;
+    }
+    return true;
+}
+
+bool isWholeAnswer(const QJsonObject &answer) {
+    const QJsonArray samples = answer["samples"].toArray();
+    return answer["result"].toBool() ? answer["sampleCount"] == samples.size() && isWholeWindow(samples)
+                                     : answer.keys() == QStringList("result");
+}
+
+void inThreads(int count, const std::function<void()> &work) {
+    std::vector<std::thread> threads;
+    threads.reserve(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i)
+        threads.emplace_back(work);
+    for (std::thread &thread : threads)
+        thread.join();
+}
+
+}  // namespace
+
+void TestOcelaHttpExchange::init() {
+    QVERIFY(QDir::setCurrent(folder_.path()));
+    tracker_ = std::make_unique<FakeTracker>();
+    exchange_ = std::make_unique<OcelaHTTPExchange>(nullptr);
+    connect(tracker_.get(), &FakeTracker::recordStarted, this, [this] { tracker_->calls << "record"; });
+    connect(tracker_.get(), &FakeTracker::recordStopped, this,
+            [this](const QString &path) { tracker_->calls << path; });
+}
+
+void TestOcelaHttpExchange::cleanup() {
+    exchange_.reset();
+    tracker_.reset();
+}
+
+void TestOcelaHttpExchange::endpoints_data() {
+    QTest::addColumn<QByteArray>("path");
+    QTest::addColumn<QByteArray>("withTracker");
+    QTest::addColumn<QByteArray>("withoutTracker");
+    QTest::addColumn<QStringList>("calls");
+    const auto row = [](const char *name, const char *path, const QByteArray &withTracker,
+                        const QByteArray &withoutTracker, const QStringList &calls) {
+        QTest::newRow(name) << QByteArray(path) << withTracker << withoutTracker << calls;
+    };
+    const QByteArray done = R"({"result":true})";
+    const QByteArray undone = R"({"result":false})";
+    const QByteArray sample = QJsonDocument(EyeTrackingSample().toJson()).toJson(QJsonDocument::Compact);
+
+    row("hello", "/hello", R"({"hello":"there","result":true})", R"({"hello":"there","result":true})", {});
+    row("hello is nothing but hello", "/hello2", answerAbout("hello2"), answerAbout("hello2"), {});
+    row("the case counts", "/Hello", answerAbout("Hello"), answerAbout("Hello"), {});
+    row("record to a path", "/startrecord&path=C:%5Cdata%5Cäö%26%20c.csv", done, undone, {"record"});
+    row("record to the default", "/startrecord", done, undone, {"record"});
+    row("record with something behind", "/startrecordXYZ", done, undone, {"record"});
+    row("no record to stop", "/stoprecord", done, undone, {});
+    row("no samples", "/lastsamples", R"({"result":true,"sampleCount":0,"samples":[]})", undone, {});
+    row("no sample", "/lastsample", R"({"result":true,"sample":)" + sample + "}", undone, {});
+    row("calibrate", "/calibrate", done, undone, {"calibrate"});
+    row("calibrate with something behind", "/calibrateXYZ", done, undone, {"calibrate"});
+    row("calibrate the first screen", "/calibrate&screen=1", done, undone, {"calibrate"});
+    row("calibrate a screen that is not there", "/calibrate&screen=2", done, undone, {});
+    row("screens count from 1", "/calibrate&screen=0", done, undone, {});
+    row("a screen that is no number", "/calibrate&screen=abc", done, undone, {});
+    row("the least number", "/calibrate&screen=-2147483648", done, undone, {});
+    row("a number that is too large", "/calibrate&screen=99999999999", done, undone, {});
+    row("stop the calibration", "/stopcalibration", done, undone, {"stopCalibration"});
+    row("state", "/status", R"({"result":true,"todo":"TODO: Fill in the state"})",
+        R"({"result":true,"todo":"TODO: Fill in the state"})", {});
+    row("no start page", "/", answerAbout("index.html"), answerAbout("index.html"), {});
+    row("bars are slashes", "/a|b|c", answerAbout("a/b/c"), answerAbout("a/b/c"), {});
+    const QByteArray absolute = R"({"action":"/ROOT//none/ROOT/a","error":"File /noneadoesn't exist","result":false})";
+    row("a path of the whole machine", "/ROOT|/none/ROOT/a", absolute, absolute, {});
+    const QByteArray quoted =
+        R"({"action":"/\"\\\u0001é","error":"File http/\"\\\u0001édoesn't exist","result":false})";
+    row("quotes, control characters and accents", "/%22%5C%01é", quoted, quoted, {});
+    const QByteArray broken = answerAbout("\xEF\xBF\xBD");
+    row("no UTF-8", "/%FF", broken, broken, {});
+}
+
+void TestOcelaHttpExchange::endpoints() {
+    QFETCH(const QByteArray, path);
+    QFETCH(const QByteArray, withTracker);
+    QFETCH(const QByteArray, withoutTracker);
+    QFETCH(const QStringList, calls);
+    ApiClient client;
+    const auto answer = [&] {
+        const ApiClient::Reply reply = client.get(path);
+        return reply.isDocument() ? QJsonDocument(reply.answer()).toJson(QJsonDocument::Compact) : reply.head;
+    };
+    QCOMPARE(answer(), withoutTracker);
+    exchange_->setTracker(tracker_.get());
+    QCOMPARE(answer(), withTracker);
+    QCOMPARE(tracker_->calls, calls);
+    if (calls.contains("calibrate"))
+        QCOMPARE(tracker_->lastArea, QGuiApplication::primaryScreen()->geometry());
+    exchange_->setTracker(nullptr);
+    QCOMPARE(answer(), withoutTracker);
+}
+
+void TestOcelaHttpExchange::document_and_text_are_the_same_data() {
+    QTest::addColumn<QString>("path");
+    for (const char *path : {"/hello", "/lastsample", "/lastsamples", "/status", "/nothing"})
+        QTest::newRow(path) << QString(path);
+}
+
+void TestOcelaHttpExchange::document_and_text_are_the_same() {
+    QFETCH(const QString, path);
+    exchange_->setTracker(tracker_.get());
+    for (int number = 0; number < 300; ++number)
+        tracker_->addSample(numbered(number));
+    QSettings group(QString(), QSettings::IniFormat);
+    const HttpSettings settings(&group);
+    HttpRequest request(settings);
+    QString filePath = "left over";
+    const QJsonDocument document = exchange_->processRequest(path, request, filePath);
+    QVERIFY(filePath.isEmpty());
+    QCOMPARE(withoutTime(ApiClient().get(path.toUtf8()).body), withoutTime(document.toJson(QJsonDocument::Compact)));
+}
+
+void TestOcelaHttpExchange::calls_from_other_threads_are_queued_up_to_a_limit() {
+    exchange_->setTracker(tracker_.get());
+    int accepted = 0;
+    const auto ask = [&] {
+        ApiClient client;
+        for (int i = 0; i < OcelaHTTPExchange::mostPendingCalls + 10; ++i)
+            accepted += client.get("/stopcalibration").answer()["result"].toBool();
+    };
+    for (int round = 1; round <= 2; ++round) {
+        inThreads(1, ask);
+        QCOMPARE(accepted, round * OcelaHTTPExchange::mostPendingCalls);
+        QCOMPARE(tracker_->calls.size(), (round - 1) * OcelaHTTPExchange::mostPendingCalls);
+        QCoreApplication::processEvents();
+        QCOMPARE(tracker_->calls.size(), round * OcelaHTTPExchange::mostPendingCalls);
+    }
+}
+
+void TestOcelaHttpExchange::answers_are_whole_while_trackers_deliver_and_change() {
+    FakeTracker other;
+    std::atomic<int> torn{0};
+    std::atomic<bool> asking{true};
+    std::thread devices([&] {
+        for (int number = 0; asking; number += stepMs) {
+            tracker_->addSample(numbered(number));
+            other.addSample(numbered(number));
+        }
+    });
+    std::thread choice([&] {
+        for (int i = 0; asking; ++i)
+            exchange_->setTracker(i % 3 == 0 ? tracker_.get() : i % 3 == 1 ? &other : nullptr);
+    });
+    inThreads(4, [&] {
+        ApiClient client;
+        for (int i = 0; i < 100; ++i) {
+            const QJsonObject last = client.get("/lastsample").answer();
+            torn += last["result"].toBool() != last.contains("sample") || !isWhole(last["sample"].toObject());
+            torn += !isWholeAnswer(client.get("/lastsamples").answer());
+        }
+    });
+    asking = false;
+    devices.join();
+    choice.join();
+    QCOMPARE(torn.load(), 0);
+}
+
+void TestOcelaHttpExchange::a_handler_without_an_exchange_makes_one() {
+    exchange_.reset();
+    inThreads(4, [] { QCOMPARE(ApiClient().get("/hello").answer()["hello"].toString(), QString("there")); });
+    exchange_.reset(&OcelaHTTPExchange::instance());
+    QCOMPARE(exchange_->thread(), thread());
+    QTcpSocket socket;
+    socket.connectToHost("127.0.0.1", 3735);
+    QTRY_COMPARE(socket.state(), QAbstractSocket::ConnectedState);
+}
+
+OCELA_TEST(TestOcelaHttpExchange)
+#include "tst_ocela_http_exchange.moc"
