@@ -1,5 +1,6 @@
 #include "app/main_window.h"
 
+#include "api/ocela_http_exchange.h"
 #include "app/tracker_view_widget.h"
 #include "core/eyetracker_interface.h"
 #include "toolkit/autorun_helper.h"
@@ -31,6 +32,7 @@ constexpr QSize firstSize(520, 420);
 MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent) {
     buildSettings();
     buildTrackers();
+    buildExchange();
     buildPages();
     buildTray();
     retranslate();
@@ -61,6 +63,11 @@ void MainWindow::buildSettings() {
 
 void MainWindow::buildTrackers() {
     addTracker(new GazePoint(dataFolder_, this));
+}
+
+void MainWindow::buildExchange() {
+    exchange_ = std::make_unique<OcelaHTTPExchange>(nullptr);
+    connect(this, &MainWindow::trackerChanged, exchange_.get(), &OcelaHTTPExchange::setTracker);
 }
 
 void MainWindow::addTracker(EyetrackerInterface *tracker) {

@@ -4,11 +4,13 @@
 
 #include <QMainWindow>
 #include <QSystemTrayIcon>
+#include <memory>
 #include <vector>
 
 class BaseEyetrackerWidget;
 class EyetrackerInterface;
 class NewVersionButton;
+class OcelaHTTPExchange;
 class QComboBox;
 class QGridLayout;
 class QMenu;
@@ -16,7 +18,7 @@ class QStackedWidget;
 class QTabWidget;
 
 /// The program's window, and the owner of everything that lives for the whole run: settings, trackers, the
-/// widgets bound to the selected tracker, and the tray icon. GUI thread only.
+/// HTTP API and the widgets bound to the selected tracker, and the tray icon. GUI thread only.
 ///
 /// Exactly one tracker is started at a time: the selected one. Selecting another stops the old one, starts
 /// the new one and stores the choice. Closing hides the window into the tray while HideWindowOnStart is set,
@@ -47,6 +49,7 @@ private:
 
     void buildSettings();
     void buildTrackers();
+    void buildExchange();
     [[nodiscard]] QWidget *buildMainPage();
     [[nodiscard]] QWidget *buildSettingsPage();
     void buildPages();
@@ -66,6 +69,8 @@ private:
     std::vector<Tracker> trackers_;
     EyetrackerInterface *currentTracker_ = nullptr;
     bool closed_ = false;
+    /// Ends before the trackers, which are children of the window: its threads read them.
+    std::unique_ptr<OcelaHTTPExchange> exchange_;
     std::vector<BaseEyetrackerWidget *> trackerWidgets_;
 
     QTabWidget *pages_ = nullptr;
