@@ -109,7 +109,7 @@ void MultipartParser::storeField(const QByteArray &name, std::string_view value)
 }
 
 void MultipartParser::storeFile(const QByteArray &name, const QByteArray &fileName, std::string_view content) {
-    if (form_.files.size() == maxFiles && form_.files.count(name) == 0) {
+    if (++fileCount_ > maxFiles) {
         qCWarning(lcHttp, "HttpRequest: received too many files");
         result_ = Result::tooManyFiles;
         return;

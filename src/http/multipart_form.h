@@ -18,8 +18,8 @@ class MultipartParser {
 public:
     enum class Result { complete, tooManyFiles, fileError };
 
-    /// Each file of a form holds a descriptor of the process, so their number is bounded.
-    static constexpr std::size_t maxFiles = 100;
+    /// Each file of a form holds a descriptor of the process and takes its time to create, so their number is bounded.
+    static constexpr int maxFiles = 100;
 
     /// `boundary` is not empty.
     explicit MultipartParser(const QByteArray &boundary) : delimiter_("--" + boundary), end_(boundary + "--") {}
@@ -36,5 +36,6 @@ private:
     const QByteArray delimiter_;
     const QByteArray end_;
     MultipartForm form_;
+    int fileCount_ = 0;  ///< those that were replaced included
     Result result_ = Result::complete;
 };
