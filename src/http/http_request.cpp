@@ -141,12 +141,12 @@ void HttpRequest::addHeader(const QByteArray &name, const QByteArray &value) {
 }
 
 void HttpRequest::finishHeaders() {
-    const QByteArray contentType = headers_.value("content-type");
+    const QByteArray contentType = headers_.value(QByteArrayLiteral("content-type"));
     const int boundary = contentType.indexOf("boundary=");
     if (boundary >= 0 && contentType.startsWith("multipart/form-data"))
         boundary_ = withoutQuotes(contentType.mid(boundary + int(qstrlen("boundary="))));
 
-    expectedBodySize_ = contentLength(headers_.value("content-length"));
+    expectedBodySize_ = contentLength(headers_.value(QByteArrayLiteral("content-length")));
     if (expectedBodySize_ == 0)
         status_ = complete;
     else if (boundary_.isEmpty())
@@ -221,8 +221,10 @@ void HttpRequest::parseMultiPartFile() {
     }
 }
 
-bool HttpRequest::isBodyUrlEncoded() const {
-    const QByteArray contentType = headers_.value("content-type");
+bool HttpRequest::hasUrlEncodedBody() const {
+    if (bodyData_.isEmpty())
+        return false;
+    const QByteArray contentType = headers_.value(QByteArrayLiteral("content-type"));
     return contentType.isEmpty() || contentType.startsWith("application/x-www-form-urlencoded");
 }
 
@@ -231,7 +233,7 @@ void HttpRequest::decodeParameters() {
     if (question >= 0)
         path_.truncate(question);
     const std::string_view query = question < 0 ? std::string_view() : view(rawPath_).substr(std::size_t(question) + 1);
-    const std::string_view body = isBodyUrlEncoded() ? view(bodyData_) : std::string_view();
+    const std::string_view body = hasUrlEncodedBody() ? view(bodyData_) : std::string_view();
     if (count(query, '&') + count(body, '&') > maxEntries) {
         abortManyEntries();
         return;
@@ -241,7 +243,7 @@ void HttpRequest::decodeParameters() {
 }
 
 void HttpRequest::extractCookies() {
-    const QList<QByteArray> values = headers_.values("cookie");
+    const QList<QByteArray> values = headers_.values(QByteArrayLiteral("cookie"));
     const auto add = [](qint64 sum, const QByteArray &value) { return sum + count(view(value), ';'); };
     if (std::accumulate(values.begin(), values.end(), qint64(0), add) > maxEntries) {
         abortManyEntries();

@@ -71,7 +71,7 @@ private:
     void parseMultiPartFile();
     void failToWriteTempFile();
     [[nodiscard]] bool hasTooManyBytes() const;
-    [[nodiscard]] bool isBodyUrlEncoded() const;
+    [[nodiscard]] bool hasUrlEncodedBody() const;
     void decodeParameters();
     void extractCookies();
     void abortManyEntries();
