@@ -54,7 +54,7 @@ bool answer(int socket, std::string_view request, const Answers &answers) {
 }
 
 void serve(int socket, const Answers &answers) {
-    std::array<char, 8192> buffer;
+    std::array<char, 8192> buffer{};
     std::string received;
     bool open = true;
     while (open) {

@@ -41,7 +41,7 @@ double run(const Load &load, const Clients &clients, double seconds) {
     const auto elapsed = [begin] { return std::chrono::duration<double>(Clock::now() - begin).count(); };
     for (const auto &client : clients)
         client->start();
-    std::array<epoll_event, 64> events;
+    std::array<epoll_event, 64> events{};
     while (elapsed() < seconds) {
         const int count = epoll_wait(load.epoll, events.data(), events.size(), pollMs);
         for (int i = 0; i < count; ++i)

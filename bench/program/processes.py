@@ -1,5 +1,6 @@
 """Starting the programs that are measured, and reading what they used."""
 
+import contextlib
 import os
 import pathlib
 import signal
@@ -90,8 +91,12 @@ class Program:
         return len(os.listdir(self._proc / "task"))
 
     def open_files(self):
-        """What its descriptors stand for."""
-        return [os.readlink(link) for link in (self._proc / "fd").iterdir() if link.is_symlink()]
+        """What its descriptors stand for; those that are closed meanwhile are left out."""
+        names = []
+        for link in (self._proc / "fd").iterdir():
+            with contextlib.suppress(FileNotFoundError):
+                names.append(os.readlink(link))
+        return names
 
     def bytes_read(self):
         """By read(): the tracker's socket, but not the X server's."""
