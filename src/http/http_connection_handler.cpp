@@ -102,7 +102,7 @@ std::unique_ptr<ByteStream> HttpConnectionHandler::openStream(tSocketDescriptor 
 
 /// Waits for more from the client. False at the end of the connection, also by the time limit, which needs no answer.
 bool HttpConnectionHandler::receive() {
-    const qint64 count = socket_->read(buffer_.data(), buffer_.size(), readTimer_);
+    const qint64 count = socket_->read(buffer_.data(), static_cast<qint64>(buffer_.size()), readTimer_);
     if (count <= 0)
         return false;
     input_ = HttpInput(std::string_view(buffer_.data(), static_cast<std::size_t>(count)), peerAddress_);
@@ -176,7 +176,7 @@ void HttpConnectionHandler::refuseRequest(const QByteArray &answer) {
     socket_->write({answer});
     socket_->endWriting();
     const QDeadlineTimer limit(goodbyeMs);
-    while (socket_->read(buffer_.data(), buffer_.size(), limit) > 0) {
+    while (socket_->read(buffer_.data(), static_cast<qint64>(buffer_.size()), limit) > 0) {
     }
 }
 
