@@ -1,0 +1,83 @@
+#include "api/ocela_http_exchange.h"
+#include "core/eyetracker_interface.h"
+#include "fuzz/fuzz_support.h"
+#include "http/http_request.h"
+#include "http/http_settings.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QSettings>
+#include <QThread>
+
+namespace {
+
+class BareTracker : public EyetrackerInterface {
+public:
+    BareTracker() : EyetrackerInterface(QString(), nullptr) {}
+
+    [[nodiscard]] QString name() const override { return QStringLiteral("bare"); }
+    [[nodiscard]] VTSettings *settings() override { return nullptr; }
+    [[nodiscard]] QWidget *createViewWidget() override { return nullptr; }
+    bool start() override { return true; }
+    void stop() override {}
+    void calibrate(QRect) override {}
+    void stopCalibration() override {}
+};
+
+/// An exchange with a tracker whose thread never runs: what is asked of it, as writing files anywhere, is never done.
+struct Api {
+    Api() {
+        tracker.addSample(EyeTrackingSample());
+        tracker.moveToThread(&thread);
+        exchange.setTracker(&tracker);
+    }
+
+    int argumentCount = 0;
+    QCoreApplication application{argumentCount, nullptr};
+    QThread thread;
+    BareTracker tracker;
+    OcelaHTTPExchange exchange{nullptr};
+    QSettings group{QString(), QSettings::IniFormat};
+    HttpSettings settings{&group};
+    HttpRequest request{settings};
+};
+
+QString fileNameStepByStep(QString path) {
+    if (path == "/")
+        path = "/index.html";
+    path.replace("|", "/");
+    return path.startsWith("/ROOT/") ? path.remove("/ROOT/") : "http" + path;
+}
+
+QJsonObject withoutTime(const QJsonDocument &document) {
+    QJsonObject object = document.object();
+    fuzz::require(object.take("time").toString().size() == 23, "no time");
+    return object;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    const std::string_view bytes = fuzz::Input(data, size).rest();
+    static Api api;
+    const QString path = QString::fromUtf8(bytes.data(), static_cast<int>(bytes.size()));
+    QString filePath = "left over";
+    const QJsonObject answer = withoutTime(api.exchange.processRequest(path, api.request, filePath));
+
+    fuzz::require(answer["result"].isBool(), "no result");
+    fuzz::require(filePath.isEmpty() || filePath == fileNameStepByStep(path), "another file");
+    fuzz::require(filePath.isEmpty() || QFileInfo::exists(filePath), "a file that is not there");
+    fuzz::require(
+        !answer.contains("error") || answer["error"].toString() == "File " + fileNameStepByStep(path) + "doesn't exist",
+        "another error");
+    QByteArray text;
+    for (const QByteArray &piece : api.exchange.answer(path).toJson(api.exchange.sampleJson()))
+        text += piece;
+    const QJsonDocument parsed = QJsonDocument::fromJson(text);
+    fuzz::require(parsed.toJson(QJsonDocument::Compact) == text, "the text is not as documents have it");
+    // Calls that wait for the tracker come to an end between the two.
+    fuzz::require(
+        !answer["result"].toBool() || withoutTime(parsed) == answer || !withoutTime(parsed)["result"].toBool(),
+        "another text");
+    return 0;
+}
