@@ -5,9 +5,9 @@ set(OCELA_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undef
 add_library(ocela_options INTERFACE)
 target_include_directories(ocela_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(ocela_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
-# Qt's logging macros are variadic and used with one argument.
+# Clang counts changes of sign to the conversions, and warns of Qt's variadic logging macros with one argument.
 target_compile_options(ocela_options INTERFACE
-  $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>)
+  $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion -Wno-gnu-zero-variadic-macro-arguments>)
 target_compile_definitions(ocela_options INTERFACE
   QT_NO_KEYWORDS
   QT_NO_FOREACH
