@@ -1,0 +1,215 @@
+#include "support/gazepoint_wire.h"
+#include "support/test_main.h"
+#include "system/desktop.h"
+#include "system/expected_row.h"
+#include "system/patience.h"
+#include "system/program.h"
+#include "system/server.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QRegularExpression>
+#include <QTcpSocket>
+#include <QTest>
+#include <algorithm>
+
+namespace {
+
+constexpr quint16 apiPort = 3735;
+const QString page = QStringLiteral("<html>Hello</html>");
+
+}  // namespace
+
+/// Other programs drive this one over HTTP.
+class TestHttpApi : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void answers();
+    void shows_the_live_gaze();
+    void records_what_it_shows();
+    void calibrates_the_device();
+    void runs_the_documented_examples_data();
+    void runs_the_documented_examples();
+    void ends_in_spite_of_clients();
+    void goes_on_without_its_port();
+
+private:
+    [[nodiscard]] QByteArray get(const QByteArray &path);
+    [[nodiscard]] QJsonObject ask(const QByteArray &path) { return QJsonDocument::fromJson(get(path)).object(); }
+    [[nodiscard]] QString file(const QString &name) const { return folder_->filePath(name); }
+
+    std::unique_ptr<Home> home_;
+    std::unique_ptr<QTemporaryDir> folder_;  ///< where the program is started
+    std::unique_ptr<Program> program_;
+    std::unique_ptr<Simulator> simulator_;
+    QNetworkAccessManager network_;
+};
+
+void TestHttpApi::init() {
+    home_ = std::make_unique<Home>();
+    folder_ = std::make_unique<QTemporaryDir>();
+    program_ = std::make_unique<Program>(*home_);
+    program_->process().setWorkingDirectory(folder_->path());
+    simulator_ = std::make_unique<Simulator>();
+}
+
+void TestHttpApi::cleanup() {
+    program_.reset();
+    simulator_.reset();
+    network_.clearConnectionCache();
+}
+
+QByteArray TestHttpApi::get(const QByteArray &path) {
+    const QByteArray url = "http://127.0.0.1:" + QByteArray::number(apiPort) + path;
+    const std::unique_ptr<QNetworkReply> reply(network_.get(QNetworkRequest(QUrl::fromEncoded(url))));
+    const bool finished = QTest::qWaitFor([&] { return reply->isFinished(); }, patienceMs);
+    return finished ? reply->readAll() : QByteArray();
+}
+
+void TestHttpApi::answers() {
+    QVERIFY(QDir(folder_->path()).mkpath("http/sub"));
+    for (const char *name : {"http/index.html", "http/sub/b.html", "a b.html"}) {
+        QFile target(file(name));
+        QVERIFY(target.open(QIODevice::WriteOnly) && target.write(page.toUtf8()) > 0);
+    }
+    QVERIFY(program_->startWindow());
+    QCOMPARE(ask("/hello")["hello"].toString(), QString("there"));
+    QCOMPARE(ask("/status")["todo"].toString(), QString("TODO: Fill in the state"));
+    QCOMPARE(ask("/none.html")["error"].toString(), QString("File http/none.htmldoesn't exist"));
+    for (const QByteArray &path : {QByteArray("/"), QByteArray("/sub/b.html"), QByteArray("/sub%7Cb.html"),
+                                   "/ROOT/" + QUrl::toPercentEncoding(file("a b.html"))})
+        QCOMPARE(QString(get(path)), page);
+    QCOMPARE(program_->close(), 0);
+    QCOMPARE(program_->complaints(), QStringList());
+}
+
+void TestHttpApi::shows_the_live_gaze() {
+    QVERIFY(simulator_->listen({"--rate", "150", "--seed", "3"}));
+    QVERIFY(program_->startWindow());
+    // A busy machine may deliver two records at once, which then count as one.
+    QTRY_VERIFY_WITH_TIMEOUT(ask("/lastsamples")["sampleCount"].toInt() > 200, patienceMs);
+    const QJsonObject first = ask("/lastsample")["sample"].toObject();
+    QTRY_VERIFY(ask("/lastsample")["sample"].toObject()["timestamp"].toDouble() > first["timestamp"].toDouble());
+
+    const QJsonArray samples = ask("/lastsamples")["samples"].toArray();
+    QVERIFY2(samples.size() <= 320, qPrintable(QString::number(samples.size())));
+    QVERIFY(samples.contains(first));
+    QCOMPARE(program_->close(), 0);
+}
+
+void TestHttpApi::records_what_it_shows() {
+    QVERIFY(simulator_->listen({"--rate", "60"}));
+    QVERIFY(program_->startWindow());
+    QTRY_VERIFY_WITH_TIMEOUT(ask("/lastsample")["sample"].toObject()["timestamp"].toDouble() > 0, patienceMs);
+
+    const QString name = file(QString::fromUtf8("rec 1 & äö.csv"));
+    QVERIFY(ask("/startrecord&path=" + QUrl::toPercentEncoding(name))["result"].toBool());
+    QVERIFY(desktop::waitFor("Stop record"));
+    const double startMs = ask("/lastsample")["sample"].toObject()["timestamp"].toDouble();
+    QJsonObject sample;
+    QTRY_VERIFY((sample = ask("/lastsample")["sample"].toObject())["timestamp"].toDouble() > startMs + 500);
+    QVERIFY(ask("/stoprecord")["result"].toBool());
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(name), patienceMs);
+
+    const RecordFile record(name);
+    const auto isSample = [&](const QStringList &row) {
+        return row[0] == sample["timestamp"].toVariant().toString() && row[5].toInt() == sample["x_px"].toInt();
+    };
+    QVERIFY(std::any_of(record.rows.begin(), record.rows.end(), isSample));
+    QCOMPARE(program_->close(), 0);
+    QCOMPARE(program_->complaints(), QStringList());
+}
+
+void TestHttpApi::calibrates_the_device() {
+    ScriptedServer server;
+    QVERIFY(server.listen());
+    QVERIFY(program_->startWindow());
+    QTRY_COMPARE_WITH_TIMEOUT(server.received(), QByteArray(wire::enableData), patienceMs);
+    for (const char *path : {"/calibrate&screen=0", "/calibrate&screen=2", "/calibrate&screen=1", "/stopcalibration"})
+        QVERIFY(ask(path)["result"].toBool());
+    QTRY_COMPARE_WITH_TIMEOUT(server.received(), wire::enableData + QByteArray(wire::calibrate), patienceMs);
+    QCOMPARE(program_->close(), 0);
+}
+
+void TestHttpApi::runs_the_documented_examples_data() {
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("language");
+    QTest::addColumn<QString>("output");
+    QTest::newRow("curl") << "bash -e -c"
+                          << "sh"
+                          << R"(^\{"hello".*"result":true.*\}\{"result":true,"sample":\{.*\}$)";
+    QTest::newRow("Python") << "python3 -c"
+                            << "python"
+                            << "^(\\{'result': True.*\\}\n){2}Timestamp,Time,.*\n$";
+    QTest::newRow("JavaScript") << "node -e"
+                                << "js"
+                                << "^((true|false) -?[0-9.]+ -?[0-9.]+\n){5}$";
+}
+
+void TestHttpApi::runs_the_documented_examples() {
+    QFETCH(const QString, command);
+    QFETCH(const QString, language);
+    QFETCH(const QString, output);
+    QFile document(OCELA_SOURCE_DIR "/docs/http-api.md");
+    QVERIFY(document.open(QIODevice::ReadOnly));
+    const QRegularExpression block(
+        "^```" + language + "\n(.*?)^```",
+        QRegularExpression::MultilineOption | QRegularExpression::DotMatchesEverythingOption);
+    QRegularExpressionMatchIterator examples = block.globalMatch(QString::fromUtf8(document.readAll()));
+    QVERIFY(examples.hasNext());
+
+    QVERIFY(simulator_->listen({}));
+    QVERIFY(program_->startWindow());
+    QTRY_VERIFY_WITH_TIMEOUT(ask("/lastsample")["sample"].toObject()["timestamp"].toDouble() > 0, patienceMs);
+    while (examples.hasNext()) {
+        QProcess process;
+        process.setWorkingDirectory(folder_->path());
+        QStringList arguments = command.split(' ') << examples.next().captured(1);
+        const QString program = arguments.takeFirst();
+        process.start(program, arguments);
+        QVERIFY(QTest::qWaitFor([&] { return process.state() == QProcess::NotRunning; }, patienceMs));
+        const QString printed = QString::fromUtf8(process.readAllStandardOutput());
+        QVERIFY2(process.exitCode() == 0, process.readAllStandardError());
+        QVERIFY2(QRegularExpression(output).match(printed).hasMatch(), qPrintable(printed));
+    }
+}
+
+void TestHttpApi::ends_in_spite_of_clients() {
+    QVERIFY(simulator_->listen({"--rate", "150"}));
+    QVERIFY(program_->startWindow());
+    QTRY_VERIFY_WITH_TIMEOUT(ask("/lastsamples")["sampleCount"].toInt() > 100, patienceMs);
+    std::vector<std::unique_ptr<QTcpSocket>> clients;
+    for (int i = 0; i < 20; ++i) {
+        clients.push_back(std::make_unique<QTcpSocket>());
+        // It asks for more than the system buffers, and never reads.
+        clients.back()->setReadBufferSize(1);
+        clients.back()->connectToHost("127.0.0.1", apiPort);
+        clients.back()->write(QByteArray("GET /lastsamples HTTP/1.1\r\n\r\n").repeated(200));
+    }
+    for (const auto &client : clients)
+        QTRY_VERIFY_WITH_TIMEOUT(client->bytesAvailable() > 0, patienceMs);
+    QCOMPARE(program_->close(), 0);
+    QCOMPARE(program_->complaints(), QStringList());
+}
+
+void TestHttpApi::goes_on_without_its_port() {
+    QTcpServer other;
+    QVERIFY(other.listen(QHostAddress::Any, apiPort));
+    QVERIFY(program_->startWindow());
+    QVERIFY(desktop::waitFor("Start record"));
+    QCOMPARE(program_->complaints().size(), 1);
+    QVERIFY2(program_->complaints().first().contains("port 3735"), qPrintable(program_->complaints().first()));
+    QCOMPARE(program_->close(), 0);
+}
+
+OCELA_TEST(TestHttpApi)
+#include "tst_http_api.moc"
