@@ -9,11 +9,10 @@
 /// waiting in the system call itself is the shortest way from a request to its answer. Used by that thread alone;
 /// closes the connection when it is destroyed.
 ///
-/// Calls that wait look every `sliceMs` whether the server is being closed, and then return as if the client had gone.
+/// Calls that wait look every quarter of a second whether the server is being closed, and then return as if the client
+/// had gone.
 class ByteStream : public HttpOutput {
 public:
-    static constexpr int sliceMs = 250;
-
     /// What read() returns besides a number of bytes.
     enum : qint64 { TimedOut = 0, Ended = -1 };
 
@@ -23,4 +22,9 @@ public:
     /// Ends the sending direction: the client reads everything that was written, then an end.
     virtual void endWriting() = 0;
     [[nodiscard]] virtual QHostAddress peerAddress() const = 0;
+    /// Whether a write has failed. What is written after that goes nowhere.
+    [[nodiscard]] bool isGone() const { return gone_; }
+
+protected:
+    bool gone_ = false;
 };

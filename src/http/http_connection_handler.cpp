@@ -6,7 +6,7 @@
 #include "http/plain_stream.h"
 #include "http/tls_stream.h"
 
-#include <QThread>
+#include <utility>
 
 namespace {
 
@@ -47,13 +47,11 @@ HttpConnectionHandler::HttpConnectionHandler(const HttpSettings &settings, HttpR
     : settings_(settings),
       requestHandler_(requestHandler),
       sslConfiguration_(sslConfiguration),
-      thread_(QThread::create([this] { run(); })) {
-    thread_->start();
-}
+      thread_([this] { run(); }) {}
 
 HttpConnectionHandler::~HttpConnectionHandler() {
     requestStop();
-    thread_->wait();
+    thread_.join();
 }
 
 void HttpConnectionHandler::handleConnection(tSocketDescriptor socketDescriptor) {
@@ -111,7 +109,7 @@ bool HttpConnectionHandler::receive() {
 
 /// Serves the requests that end within what has arrived. False when the connection has been ended.
 bool HttpConnectionHandler::read() {
-    while (!input_.isEmpty()) {
+    while (!input_.isEmpty() && !stopping_) {
         feedRequest();
         switch (currentRequest_->getStatus()) {
             case HttpRequest::complete:
@@ -154,7 +152,7 @@ bool HttpConnectionHandler::answerRequest() {
     if (!response.hasSentLastPart())
         response.write(QByteArray(), true);
     currentRequest_.reset();
-    if (closeConnection || !keepsOpen(response.getHeaders())) {
+    if (closeConnection || !keepsOpen(response.getHeaders()) || socket_->isGone()) {
         socket_->endWriting();
         return false;
     }

@@ -12,12 +12,12 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <thread>
 
 class HttpRequestHandler;
 class HttpResponse;
 class HttpSettings;
 class QSslConfiguration;
-class QThread;
 
 /// Serves one connection at a time, any number of them one after the other, in a thread of its own: reads requests,
 /// lets the request handler answer them, decides whether the connection stays open, and ends it after "readTimeout" ms
@@ -27,11 +27,12 @@ class QThread;
 /// connection happens in the handler's thread.
 class HttpConnectionHandler {
 public:
-    /// All three outlive the handler; no encryption without `sslConfiguration`.
+    /// All three outlive the handler; no encryption without `sslConfiguration`. Throws std::system_error if the system
+    /// gives no thread.
     HttpConnectionHandler(const HttpSettings &settings, HttpRequestHandler *requestHandler,
                           const QSslConfiguration *sslConfiguration);
-    /// Breaks off a connection that is open and waits for the thread; a request that is being answered is finished
-    /// first.
+    /// Breaks off a connection that is open and waits for the thread. A request handler at work is waited for; of what
+    /// it answers goes out what the client takes at once.
     ~HttpConnectionHandler();
     HttpConnectionHandler(const HttpConnectionHandler &) = delete;
     HttpConnectionHandler &operator=(const HttpConnectionHandler &) = delete;
@@ -77,5 +78,5 @@ private:
     HttpInput input_;
     std::optional<HttpRequest> currentRequest_;
 
-    std::unique_ptr<QThread> thread_;
+    std::thread thread_;  // not Qt's, which takes a descriptor for each
 };

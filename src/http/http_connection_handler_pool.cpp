@@ -7,6 +7,7 @@
 
 #include <QSslConfiguration>
 #include <algorithm>
+#include <system_error>
 
 HttpConnectionHandlerPool::HttpConnectionHandlerPool(const HttpSettings &settings, HttpRequestHandler *requestHandler)
     : settings_(settings), requestHandler_(requestHandler), sslConfiguration_(loadTlsConfiguration(settings)) {
@@ -22,16 +23,24 @@ HttpConnectionHandlerPool::~HttpConnectionHandlerPool() {
     qCDebug(lcHttp, "HttpConnectionHandlerPool (%p): destroyed", static_cast<void *>(this));
 }
 
+HttpConnectionHandler *HttpConnectionHandlerPool::createHandler() {
+    try {
+        pool_.push_back(std::make_unique<HttpConnectionHandler>(settings_, requestHandler_, sslConfiguration_.get()));
+        return pool_.back().get();
+    } catch (const std::system_error &error) {
+        qCCritical(lcHttp, "HttpConnectionHandlerPool: cannot start a thread: %s", error.what());
+        return nullptr;
+    }
+}
+
 HttpConnectionHandler *HttpConnectionHandlerPool::getConnectionHandler() {
     const std::lock_guard<std::mutex> lock(mutex_);
     const auto idle = std::find_if(pool_.begin(), pool_.end(), [](const auto &handler) { return !handler->isBusy(); });
     HttpConnectionHandler *chosen = nullptr;
-    if (idle != pool_.end()) {
+    if (idle != pool_.end())
         chosen = idle->get();
-    } else if (static_cast<int>(pool_.size()) < settings_.number("maxThreads", 100)) {
-        pool_.push_back(std::make_unique<HttpConnectionHandler>(settings_, requestHandler_, sslConfiguration_.get()));
-        chosen = pool_.back().get();
-    }
+    else if (static_cast<int>(pool_.size()) < settings_.number("maxThreads", 100))
+        chosen = createHandler();
     if (chosen)
         chosen->setBusy();
     return chosen;

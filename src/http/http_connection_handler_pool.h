@@ -23,13 +23,15 @@ public:
     /// Ends all handlers, and waits for requests that are being answered.
     ~HttpConnectionHandlerPool() override;
 
-    /// A handler for a new connection, marked busy already; null when all that may be are.
+    /// A handler for a new connection, marked busy already; null when all that may be are, or none can be made.
     [[nodiscard]] HttpConnectionHandler *getConnectionHandler();
 
 private Q_SLOTS:
     void cleanup();
 
 private:
+    [[nodiscard]] HttpConnectionHandler *createHandler();
+
     const HttpSettings &settings_;
     HttpRequestHandler *const requestHandler_;
     std::unique_ptr<const QSslConfiguration> sslConfiguration_;

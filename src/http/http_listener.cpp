@@ -14,6 +14,9 @@ const char tooManyConnections[] =
     "HTTP/1.1 503 too many connections\r\nConnection: close\r\n\r\nToo many connections\r\n";
 /// How long the system gets to recover after a connection could not be accepted, for want of descriptors as a rule.
 constexpr int recoveryMs = 100;
+/// How long clients that are turned away may take to notice, and how many of them at a time.
+constexpr int goodbyeMs = 1000;
+constexpr int mostGoodbyes = 50;
 
 }  // namespace
 
@@ -72,5 +75,13 @@ void HttpListener::refuse(tSocketDescriptor socketDescriptor) {
     }
     connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
     socket->write(tooManyConnections);
-    socket->disconnectFromHost();
+    if (findChildren<QTcpSocket *>().size() > mostGoodbyes) {
+        socket->disconnectFromHost();
+        return;
+    }
+    // Closed before it has sent its request, the client would see an error instead of the answer.
+    socket->flush();
+    socket_calls::endSending(socketDescriptor);
+    connect(socket, &QTcpSocket::readyRead, socket, [socket] { socket->readAll(); });
+    QTimer::singleShot(goodbyeMs, socket, &QTcpSocket::abort);
 }

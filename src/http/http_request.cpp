@@ -22,8 +22,8 @@ constexpr int largestLimit = 1 << 30;
 
 constexpr qint64 maxMultiPartBlock = 65536;
 
-/// An entry of a map costs about 100 bytes beside its text, which can be a single byte: together 50 MB at most.
-constexpr int maxEntries = 500000;
+/// An entry of a map costs about 100 bytes beside its text, which can be a single byte: together 1 MB at most.
+constexpr int maxEntries = 10000;
 
 qint64 limitFrom(const HttpSettings &settings, const QString &key) {
     return qBound(0, settings.number(key, 50000000), largestLimit);
@@ -217,7 +217,7 @@ void HttpRequest::parseMultiPartFile() {
         uploadedFiles_ = std::move(parser.form().files);
         status_ = complete;
     } else {
-        status_ = result == MultipartParser::Result::tooManyFiles ? abortSize : abortBroken;
+        status_ = result == MultipartParser::Result::tooManyParts ? abortSize : abortBroken;
     }
 }
 

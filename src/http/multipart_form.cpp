@@ -4,6 +4,9 @@
 #include "http/http_input.h"
 #include "http/http_log.h"
 
+#include <algorithm>
+#include <atomic>
+
 using namespace byte_text;
 
 namespace {
@@ -65,8 +68,16 @@ PartBody takePartBody(HttpInput &input, std::string_view delimiter) {
     return {};
 }
 
+std::atomic<int> filesOfProcess{0};
+
+class UploadedFile : public QTemporaryFile {
+public:
+    UploadedFile() { ++filesOfProcess; }
+    ~UploadedFile() override { --filesOfProcess; }
+};
+
 std::unique_ptr<QTemporaryFile> writeFile(std::string_view content) {
-    auto file = std::make_unique<QTemporaryFile>();
+    auto file = std::make_unique<UploadedFile>();
     const auto size = static_cast<qint64>(content.size());
     if (file->open() && file->write(content.data(), size) == size && file->flush() && file->seek(0))
         return file;
@@ -95,12 +106,25 @@ MultipartParser::Result MultipartParser::parse(std::string_view body) {
 
 void MultipartParser::store(const QByteArray &name, const QByteArray &fileName, std::string_view content) {
     const std::string_view value = content.substr(0, content.size() - std::min(content.size(), lineBreakSize));
-    if (fileName.isEmpty())
+    if (!hasRoomFor(fileName))
+        result_ = Result::tooManyParts;
+    else if (fileName.isEmpty())
         storeField(name, value);
     else if (content.empty())
         qCWarning(lcHttp, "HttpRequest: format error, unexpected end of file data");
     else
         storeFile(name, fileName, value);
+}
+
+bool MultipartParser::hasRoomFor(const QByteArray &fileName) {
+    ++partCount_;
+    if (!fileName.isEmpty())
+        ++fileCount_;
+    const bool room =
+        partCount_ <= maxParts && fileCount_ <= maxFiles && (fileName.isEmpty() || filesOfProcess < maxFilesOfProcess);
+    if (!room)
+        qCWarning(lcHttp, "HttpRequest: received too many fields or files");
+    return room;
 }
 
 void MultipartParser::storeField(const QByteArray &name, std::string_view value) {
@@ -109,11 +133,6 @@ void MultipartParser::storeField(const QByteArray &name, std::string_view value)
 }
 
 void MultipartParser::storeFile(const QByteArray &name, const QByteArray &fileName, std::string_view content) {
-    if (++fileCount_ > maxFiles) {
-        qCWarning(lcHttp, "HttpRequest: received too many files");
-        result_ = Result::tooManyFiles;
-        return;
-    }
     auto file = writeFile(content);
     if (!file) {
         result_ = Result::fileError;

@@ -16,10 +16,14 @@ struct MultipartForm {
 /// Reads the body of a "multipart/form-data" request. A part counts once the boundary after it is found.
 class MultipartParser {
 public:
-    enum class Result { complete, tooManyFiles, fileError };
+    enum class Result { complete, tooManyParts, fileError };
 
-    /// Each file of a form holds a descriptor of the process and takes its time to create, so their number is bounded.
+    /// Fields and files of a form.
+    static constexpr int maxParts = 10000;
+    /// Each file takes its time to create, and holds a descriptor of the process until its request has been answered:
+    /// the second limit is for all requests together.
     static constexpr int maxFiles = 100;
+    static constexpr int maxFilesOfProcess = 200;
 
     /// `boundary` is not empty.
     explicit MultipartParser(const QByteArray &boundary) : delimiter_("--" + boundary), end_(boundary + "--") {}
@@ -30,12 +34,14 @@ public:
 
 private:
     void store(const QByteArray &name, const QByteArray &fileName, std::string_view content);
+    [[nodiscard]] bool hasRoomFor(const QByteArray &fileName);
     void storeField(const QByteArray &name, std::string_view value);
     void storeFile(const QByteArray &name, const QByteArray &fileName, std::string_view content);
 
     const QByteArray delimiter_;
     const QByteArray end_;
     MultipartForm form_;
+    int partCount_ = 0;
     int fileCount_ = 0;  ///< those that were replaced included
     Result result_ = Result::complete;
 };

@@ -30,8 +30,10 @@ void drop(Pieces &pieces, std::size_t count) {
 }  // namespace
 
 std::unique_ptr<PlainStream> PlainStream::open(tSocketDescriptor descriptor, const std::atomic<bool> &closing) {
-    if (!socket_calls::prepare(descriptor, sliceMs))
+    if (!socket_calls::prepare(descriptor)) {
+        socket_calls::close(descriptor);
         return nullptr;
+    }
     return std::unique_ptr<PlainStream>(new PlainStream(descriptor, closing));
 }
 
@@ -43,8 +45,8 @@ qint64 PlainStream::read(char *to, qint64 capacity, const QDeadlineTimer &deadli
     while (!closing_) {
         if (deadline.hasExpired())
             return TimedOut;
-        const qint64 left = deadline.isForever() ? sliceMs : deadline.remainingTime();
-        if (left < sliceMs && !socket_calls::waitReadable(descriptor_, static_cast<int>(left)))
+        const qint64 left = deadline.isForever() ? socket_calls::sliceMs : deadline.remainingTime();
+        if (left < socket_calls::sliceMs && !socket_calls::waitReadable(descriptor_, static_cast<int>(left)))
             return TimedOut;
         const qint64 count = socket_calls::receive(descriptor_, to, capacity);
         if (count != socket_calls::tryAgain)
@@ -55,14 +57,14 @@ qint64 PlainStream::read(char *to, qint64 capacity, const QDeadlineTimer &deadli
 
 bool PlainStream::write(const QVector<QByteArray> &pieces) {
     Pieces unsent = views(pieces);
-    while (!unsent.isEmpty()) {
+    while (!unsent.isEmpty() && !gone_) {
         const qint64 count = socket_calls::send(descriptor_, unsent.constData(), unsent.size());
         if (count > 0)
             drop(unsent, static_cast<std::size_t>(count));
-        else if (count != socket_calls::tryAgain || closing_)
-            return false;
+        const bool lost = count <= 0 && count != socket_calls::tryAgain;
+        gone_ = lost || (closing_ && !unsent.isEmpty());
     }
-    return true;
+    return !gone_;
 }
 
 void PlainStream::endWriting() {

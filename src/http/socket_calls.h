@@ -9,12 +9,13 @@
 /// with the caller.
 namespace socket_calls {
 
-/// What receive() and send() return when the time limit has passed or a signal came in between.
+/// The longest that receive() and send() wait.
+constexpr int sliceMs = 250;
+/// What they return when that has passed or a signal came in between.
 constexpr qint64 tryAgain = -2;
 
-/// Makes the calls on a connected socket block, each for `limitMs` at most, and small answers leave at once. False if
-/// the descriptor is no socket.
-[[nodiscard]] bool prepare(tSocketDescriptor socket, int limitMs);
+/// To be called once before the others; lets small answers leave at once. False if the descriptor is no socket.
+[[nodiscard]] bool prepare(tSocketDescriptor socket);
 /// The number of bytes; 0 at the end of what the client sends, -1 when the connection is lost.
 [[nodiscard]] qint64 receive(tSocketDescriptor socket, char *to, qint64 capacity);
 /// Sends the pieces as one block; the number of bytes that the system has taken, -1 when the connection is lost.

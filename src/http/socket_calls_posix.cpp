@@ -15,7 +15,8 @@
 namespace socket_calls {
 namespace {
 
-constexpr std::size_t maxPiecesACall = 16;
+/// The text of a window of 2000 samples has 35.
+constexpr std::size_t maxPiecesACall = 64;
 
 int number(tSocketDescriptor socket) {
     return static_cast<int>(socket);
@@ -35,12 +36,12 @@ qint64 checked(ssize_t result) {
 
 }  // namespace
 
-bool prepare(tSocketDescriptor socket, int limitMs) {
+bool prepare(tSocketDescriptor socket) {
     const int flags = ::fcntl(number(socket), F_GETFL);
     if (flags < 0 || ::fcntl(number(socket), F_SETFL, flags & ~O_NONBLOCK) != 0)
         return false;
     timeval limit{};
-    limit.tv_usec = limitMs * 1000;
+    limit.tv_usec = sliceMs * 1000;
     const bool ready =
         setOption(socket, SOL_SOCKET, SO_RCVTIMEO, limit) && setOption(socket, SOL_SOCKET, SO_SNDTIMEO, limit);
     setOption(socket, IPPROTO_TCP, TCP_NODELAY, 1);
@@ -52,7 +53,7 @@ qint64 receive(tSocketDescriptor socket, char *to, qint64 capacity) {
 }
 
 qint64 send(tSocketDescriptor socket, const std::string_view *pieces, int count) {
-    std::array<iovec, maxPiecesACall> vectors{};
+    std::array<iovec, maxPiecesACall> vectors;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
     const std::size_t used = std::min(static_cast<std::size_t>(count), maxPiecesACall);
     std::transform(pieces, pieces + used, vectors.begin(), [](std::string_view piece) {
         return iovec{const_cast<char *>(piece.data()), piece.size()};

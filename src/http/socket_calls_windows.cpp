@@ -8,42 +8,47 @@
 namespace socket_calls {
 namespace {
 
-constexpr std::size_t maxPiecesACall = 16;
+constexpr std::size_t maxPiecesACall = 64;
 
 SOCKET handle(tSocketDescriptor socket) {
     return static_cast<SOCKET>(socket);
 }
 
-template <typename Value>
-bool setOption(tSocketDescriptor socket, int level, int option, const Value &value) {
-    return ::setsockopt(handle(socket), level, option, reinterpret_cast<const char *>(&value), sizeof value) == 0;
+/// Whether `event` came within the time; also after an error, which the next call tells.
+bool waitFor(tSocketDescriptor socket, SHORT event, int limitMs) {
+    WSAPOLLFD request{handle(socket), event, 0};
+    return ::WSAPoll(&request, 1, limitMs) != 0;
 }
 
-/// The code for a call that failed, with the reasons to call again told apart.
-qint64 failure() {
+/// Calls until the result is no refusal to wait, or no `event` comes. Winsock's own time limits would leave the socket
+/// in an undefined state, so it does not block, and the waiting is done here.
+template <typename Call>
+qint64 repeat(tSocketDescriptor socket, SHORT event, const Call &call) {
+    qint64 result = call();
+    if (result < 0 && ::WSAGetLastError() == WSAEWOULDBLOCK && waitFor(socket, event, sliceMs))
+        result = call();
+    if (result >= 0)
+        return result;
     const int error = ::WSAGetLastError();
-    return error == WSAETIMEDOUT || error == WSAEWOULDBLOCK || error == WSAEINTR ? tryAgain : -1;
+    return error == WSAEWOULDBLOCK || error == WSAEINTR ? tryAgain : -1;
 }
 
 }  // namespace
 
-bool prepare(tSocketDescriptor socket, int limitMs) {
-    // An accepted socket inherits the listener's notifications, and cannot block while it has any.
+bool prepare(tSocketDescriptor socket) {
+    // An accepted socket inherits the listener's notifications, which it does not need.
     if (::WSAEventSelect(handle(socket), nullptr, 0) != 0)
         return false;
-    u_long nonBlocking = 0;
-    if (::ioctlsocket(handle(socket), static_cast<long>(FIONBIO), &nonBlocking) != 0)
-        return false;
-    const auto limit = static_cast<DWORD>(limitMs);
-    const bool ready =
-        setOption(socket, SOL_SOCKET, SO_RCVTIMEO, limit) && setOption(socket, SOL_SOCKET, SO_SNDTIMEO, limit);
-    setOption(socket, IPPROTO_TCP, TCP_NODELAY, BOOL(TRUE));
+    u_long nonBlocking = 1;
+    const bool ready = ::ioctlsocket(handle(socket), static_cast<long>(FIONBIO), &nonBlocking) == 0;
+    const BOOL noDelay = TRUE;
+    ::setsockopt(handle(socket), IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char *>(&noDelay), sizeof noDelay);
     return ready;
 }
 
 qint64 receive(tSocketDescriptor socket, char *to, qint64 capacity) {
-    const int count = ::recv(handle(socket), to, static_cast<int>(capacity), 0);
-    return count >= 0 ? count : failure();
+    return repeat(socket, POLLRDNORM,
+                  [&]() -> qint64 { return ::recv(handle(socket), to, static_cast<int>(capacity), 0); });
 }
 
 qint64 send(tSocketDescriptor socket, const std::string_view *pieces, int count) {
@@ -52,14 +57,16 @@ qint64 send(tSocketDescriptor socket, const std::string_view *pieces, int count)
     std::transform(pieces, pieces + used, buffers.begin(), [](std::string_view piece) {
         return WSABUF{static_cast<ULONG>(piece.size()), const_cast<char *>(piece.data())};
     });
-    DWORD sent = 0;
-    const int result = ::WSASend(handle(socket), buffers.data(), static_cast<DWORD>(used), &sent, 0, nullptr, nullptr);
-    return result == 0 ? static_cast<qint64>(sent) : failure();
+    return repeat(socket, POLLWRNORM, [&]() -> qint64 {
+        DWORD sent = 0;
+        const auto number = static_cast<DWORD>(used);
+        const int result = ::WSASend(handle(socket), buffers.data(), number, &sent, 0, nullptr, nullptr);
+        return result == 0 ? static_cast<qint64>(sent) : -1;
+    });
 }
 
 bool waitReadable(tSocketDescriptor socket, int limitMs) {
-    WSAPOLLFD request{handle(socket), POLLRDNORM, 0};
-    return ::WSAPoll(&request, 1, limitMs) > 0;
+    return waitFor(socket, POLLRDNORM, limitMs);
 }
 
 void endSending(tSocketDescriptor socket) {

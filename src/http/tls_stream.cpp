@@ -1,5 +1,8 @@
 #include "http/tls_stream.h"
 
+#include "http/socket_calls.h"
+
+#include <QCoreApplication>
 #include <QSslConfiguration>
 #include <algorithm>
 
@@ -37,28 +40,29 @@ qint64 TlsStream::read(char *to, qint64 capacity, const QDeadlineTimer &deadline
         if (!socket_.isOpen())
             return Ended;
         const qint64 count = socket_.read(to, capacity);
+        // Without an event loop nobody else delivers the socket's request to itself to decrypt more.
+        QCoreApplication::sendPostedEvents(&socket_, QEvent::MetaCall);
         if (count > 0)
             return count;
         if (count < 0 || socket_.state() != QAbstractSocket::ConnectedState)
             return Ended;
-        const qint64 left = deadline.isForever() ? sliceMs : deadline.remainingTime();
-        socket_.waitForReadyRead(static_cast<int>(std::min<qint64>(left, sliceMs)));
+        const qint64 left = deadline.isForever() ? socket_calls::sliceMs : deadline.remainingTime();
+        socket_.waitForReadyRead(static_cast<int>(std::min<qint64>(left, socket_calls::sliceMs)));
     }
     return Ended;
 }
 
 bool TlsStream::write(const QVector<QByteArray> &pieces) {
-    for (const QByteArray &piece : pieces) {
-        if (!drainTo(writeAheadBytes) || socket_.write(piece) != piece.size())
-            return false;
-    }
-    return drainTo(0);
+    for (const QByteArray &piece : pieces)
+        gone_ = gone_ || !drainTo(writeAheadBytes) || socket_.write(piece) != piece.size();
+    gone_ = gone_ || !drainTo(0);
+    return !gone_;
 }
 
 bool TlsStream::drainTo(qint64 limit) {
     while (socket_.bytesToWrite() + socket_.encryptedBytesToWrite() > limit) {
-        const bool written = socket_.waitForBytesWritten(sliceMs);
-        if (!written && (closing_ || socket_.state() != QAbstractSocket::ConnectedState))
+        const bool written = socket_.waitForBytesWritten(socket_calls::sliceMs);
+        if (closing_ || (!written && socket_.state() != QAbstractSocket::ConnectedState))
             return false;
     }
     return socket_.state() == QAbstractSocket::ConnectedState;

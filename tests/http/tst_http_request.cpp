@@ -24,7 +24,7 @@ private Q_SLOTS:
     void limits();
     void forms_data();
     void forms();
-    void tooManyFiles();
+    void tooManyParts();
     void noRoomForFiles();
     void decoding_data();
     void decoding();
@@ -206,10 +206,10 @@ void TestHttpRequest::forms() {
                 });
 }
 
-void TestHttpRequest::tooManyFiles() {
+void TestHttpRequest::tooManyParts() {
     const QByteArray body = part(" name=\"f\"; filename=\"n\"", "1").repeated(101);
-    withAllCuts(post("multipart/form-data; boundary=xyz", body + "--xyz--"), {1000, 1000000}, "received too many files",
-                [](const HttpRequest &request, const QByteArray &) {
+    withAllCuts(post("multipart/form-data; boundary=xyz", body + "--xyz--"), {1000, 1000000},
+                "received too many fields or files", [](const HttpRequest &request, const QByteArray &) {
                     QCOMPARE(describe(request).first(), QByteArray("too large"));
                 });
 }
