@@ -15,6 +15,8 @@
 
 namespace {
 
+constexpr int longestPath = 32767;
+
 std::atomic<OcelaHTTPExchange *> exchange{nullptr};
 
 /// In memory only. "host" stays unset, so that the listener binds every interface.
@@ -68,13 +70,14 @@ OcelaHTTPExchange::OcelaHTTPExchange(QObject *parent) : QObject(parent) {
 }
 
 void OcelaHTTPExchange::listen() {
-    requestHandler_ = std::make_unique<OcelaHTTPRequestHandler>(this);
+    requestHandler_ = std::make_unique<OcelaHTTPRequestHandler>();
     listener_ = std::make_unique<HttpListener>(createListenerSettings(), requestHandler_.get());
 }
 
 OcelaHTTPExchange::~OcelaHTTPExchange() {
     listener_.reset();
-    exchange = nullptr;
+    OcelaHTTPExchange *self = this;
+    exchange.compare_exchange_strong(self, nullptr);
 }
 
 OcelaHTTPExchange &OcelaHTTPExchange::instance() {
@@ -97,6 +100,9 @@ QJsonDocument OcelaHTTPExchange::processRequest(QString path, HttpRequest &reque
 }
 
 ApiAnswer OcelaHTTPExchange::answer(QString path) const {
+    // No system has longer names, and answers that repeat one would multiply it.
+    if (path.size() > longestPath)
+        return {false, {{"error", "The path is too long"}}};
     const auto *endpoint = std::find_if(std::begin(endpoints), std::end(endpoints),
                                         [&](const Endpoint &candidate) { return candidate.matches(path); });
     return endpoint == std::end(endpoints) ? plainFile(std::move(path)) : (this->*endpoint->answer)(path);
@@ -147,8 +153,7 @@ ApiAnswer OcelaHTTPExchange::plainFile(QString path) const {
     if (path == QLatin1String("/"))
         path = QStringLiteral("/index.html");
     path.replace('|', '/');
-    // Split and joined, as removing from a long path many times over takes minutes.
-    const QString fileName = path.startsWith(root) ? path.split(root).join(QString()) : fileRoot_ + path;
+    const QString fileName = path.startsWith(root) ? QString(path).remove(root) : fileRoot_ + path;
     if (exists(fileName))
         return {true, {}, ApiAnswer::Samples::None, nullptr, fileName};
     return {false, {{"action", path}, {"error", "File " + fileName + "doesn't exist"}}};

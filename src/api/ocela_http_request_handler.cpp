@@ -16,16 +16,23 @@ namespace {
 class FileMemory {
 public:
     FileMemory(std::atomic<qint64> &used, qint64 size)
-        : used_(used),
-          size_(std::min(size, OcelaHTTPRequestHandler::mostFileBytes + 1)),
-          before_(used.fetch_add(size_)) {}
+        : used_(used), size_(counted(size)), before_(used.fetch_add(size_)) {}
     ~FileMemory() { used_.fetch_sub(size_); }
     FileMemory(const FileMemory &) = delete;
     FileMemory &operator=(const FileMemory &) = delete;
 
-    [[nodiscard]] bool isGranted() const { return before_ + size_ <= OcelaHTTPRequestHandler::mostFileBytes; }
+    [[nodiscard]] bool isGranted() const {
+        return size_ == 0 || before_ + size_ <= OcelaHTTPRequestHandler::mostFileBytes;
+    }
 
 private:
+    static qint64 counted(qint64 size) {
+        // Never refused, so that a client which is slow with large files keeps nobody from a page.
+        if (size <= OcelaHTTPRequestHandler::smallFileBytes)
+            return 0;
+        return std::min(size, OcelaHTTPRequestHandler::mostFileBytes + 1);
+    }
+
     std::atomic<qint64> &used_;
     const qint64 size_;
     const qint64 before_;

@@ -14,8 +14,9 @@ class OcelaHTTPRequestHandler : public HttpRequestHandler {
     Q_OBJECT
 
 public:
-    /// What all files that are being sent may take together, as they lie in memory.
+    /// What all files that are being sent may take together, as they lie in memory; small ones are not counted.
     static constexpr qint64 mostFileBytes = 2'000'000'000;
+    static constexpr qint64 smallFileBytes = 1'000'000;
 
     using HttpRequestHandler::HttpRequestHandler;
 

@@ -32,7 +32,7 @@ constexpr QSize firstSize(520, 420);
 MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent) {
     buildSettings();
     buildTrackers();
-    buildExchange();
+    exchange_ = std::make_unique<OcelaHTTPExchange>(nullptr);
     buildPages();
     buildTray();
     retranslate();
@@ -63,11 +63,6 @@ void MainWindow::buildSettings() {
 
 void MainWindow::buildTrackers() {
     addTracker(new GazePoint(dataFolder_, this));
-}
-
-void MainWindow::buildExchange() {
-    exchange_ = std::make_unique<OcelaHTTPExchange>(nullptr);
-    connect(this, &MainWindow::trackerChanged, exchange_.get(), &OcelaHTTPExchange::setTracker);
 }
 
 void MainWindow::addTracker(EyetrackerInterface *tracker) {
@@ -180,7 +175,7 @@ void MainWindow::trackerIndexChanged(int index) {
     showView(index);
     for (BaseEyetrackerWidget *widget : trackerWidgets_)
         widget->setEyetracker(currentTracker_);
-    Q_EMIT trackerChanged(currentTracker_);
+    exchange_->setTracker(currentTracker_);
 
     currentTracker_->start();
     settings_->setSelectedTracker(currentTracker_->name());

@@ -33,10 +33,6 @@ public:
     /// Whether the user has ended the program; possible even before the event loop runs.
     [[nodiscard]] bool isClosed() const { return closed_; }
 
-Q_SIGNALS:
-    /// Another tracker is current and about to start; for what serves the current tracker beside the window's widgets.
-    void trackerChanged(EyetrackerInterface *tracker);
-
 protected:
     void closeEvent(QCloseEvent *event) override;
     void changeEvent(QEvent *event) override;
@@ -49,7 +45,6 @@ private:
 
     void buildSettings();
     void buildTrackers();
-    void buildExchange();
     [[nodiscard]] QWidget *buildMainPage();
     [[nodiscard]] QWidget *buildSettingsPage();
     void buildPages();

@@ -141,6 +141,8 @@ void TestOcelaHttpExchange::endpoints_data() {
     row("state", "/status", R"({"result":true,"todo":"TODO: Fill in the state"})",
         R"({"result":true,"todo":"TODO: Fill in the state"})", {});
     row("no start page", "/", answerAbout("index.html"), answerAbout("index.html"), {});
+    const QByteArray tooLong = R"({"error":"The path is too long","result":false})";
+    row("a path that no system has", "/" + QByteArray(32767, 'x'), tooLong, tooLong, {});
     row("bars are slashes", "/a|b|c", answerAbout("a/b/c"), answerAbout("a/b/c"), {});
     const QByteArray absolute = R"({"action":"/ROOT//none/ROOT/a","error":"File /noneadoesn't exist","result":false})";
     row("a path of the whole machine", "/ROOT|/none/ROOT/a", absolute, absolute, {});
