@@ -31,6 +31,8 @@ QProcessEnvironment Home::environment() const {
     environment.insert("XDG_CONFIG_HOME", folder_.filePath("config"));
     environment.insert("XDG_CACHE_HOME", folder_.filePath("cache"));
     environment.insert("XDG_RUNTIME_DIR", folder_.path());
+    // OpenGL is not used, and a driver that is looked at and unloaded again leaks.
+    environment.insert("QT_XCB_GL_INTEGRATION", "none");
     environment.insert("LC_ALL", "C.UTF-8");
     environment.insert("QT_MESSAGE_PATTERN", "[%{type}] %{category}: %{message}");
     return environment;
