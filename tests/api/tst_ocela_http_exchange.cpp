@@ -6,7 +6,6 @@
 #include <QDir>
 #include <QGuiApplication>
 #include <QJsonArray>
-#include <QRegularExpression>
 #include <QScreen>
 #include <QTcpSocket>
 #include <QTemporaryDir>
@@ -27,8 +26,6 @@ private Q_SLOTS:
 
     void endpoints_data();
     void endpoints();
-    void document_and_text_are_the_same_data();
-    void document_and_text_are_the_same();
     void calls_from_other_threads_are_queued_up_to_a_limit();
     void answers_are_whole_while_trackers_deliver_and_change();
     void a_handler_without_an_exchange_makes_one();
@@ -45,12 +42,6 @@ const QByteArray missing = R"({"action":"/%1","error":"File http/%1doesn't exist
 
 QByteArray answerAbout(const char *file) {
     return QByteArray(missing).replace("%1", file);
-}
-
-/// The digits of the time blanked, which change.
-QString withoutTime(const QByteArray &text) {
-    static const QRegularExpression time(R"("time":"\d{4}-\d\d-\d\d_\d\d-\d\d-\d\d-\d{3}")");
-    return QString::fromUtf8(text).replace(time, "TIME");
 }
 
 EyeTrackingSample numbered(int number) {
@@ -171,26 +162,6 @@ void TestOcelaHttpExchange::endpoints() {
         QCOMPARE(tracker_->lastArea, QGuiApplication::primaryScreen()->geometry());
     exchange_->setTracker(nullptr);
     QCOMPARE(answer(), withoutTracker);
-}
-
-void TestOcelaHttpExchange::document_and_text_are_the_same_data() {
-    QTest::addColumn<QString>("path");
-    for (const char *path : {"/hello", "/lastsample", "/lastsamples", "/status", "/nothing"})
-        QTest::newRow(path) << QString(path);
-}
-
-void TestOcelaHttpExchange::document_and_text_are_the_same() {
-    QFETCH(const QString, path);
-    exchange_->setTracker(tracker_.get());
-    for (int number = 0; number < 300; ++number)
-        tracker_->addSample(numbered(number));
-    QSettings group(QString(), QSettings::IniFormat);
-    const HttpSettings settings(&group);
-    HttpRequest request(settings);
-    QString filePath = "left over";
-    const QJsonDocument document = exchange_->processRequest(path, request, filePath);
-    QVERIFY(filePath.isEmpty());
-    QCOMPARE(withoutTime(ApiClient().get(path.toUtf8()).body), withoutTime(document.toJson(QJsonDocument::Compact)));
 }
 
 void TestOcelaHttpExchange::calls_from_other_threads_are_queued_up_to_a_limit() {
