@@ -1,5 +1,6 @@
 #include "http/http_connection_handler_pool.h"
 
+#include "http/freed_memory.h"
 #include "http/http_connection_handler.h"
 #include "http/http_log.h"
 #include "http/http_settings.h"
@@ -11,6 +12,7 @@
 
 HttpConnectionHandlerPool::HttpConnectionHandlerPool(const HttpSettings &settings, HttpRequestHandler *requestHandler)
     : settings_(settings), requestHandler_(requestHandler), sslConfiguration_(loadTlsConfiguration(settings)) {
+    freed_memory::returnLargeBlocks();
     connect(&cleanupTimer_, &QTimer::timeout, this, &HttpConnectionHandlerPool::cleanup);
     cleanupTimer_.start(settings_.number("cleanupInterval", 1000));
 }
@@ -55,6 +57,7 @@ void HttpConnectionHandlerPool::cleanup() {
         return;
     const void *address = superfluous->get();
     pool_.erase(superfluous);
+    freed_memory::giveBack();
     qCDebug(lcHttp, "HttpConnectionHandlerPool: Removed connection handler (%p), pool size is now %li", address,
             static_cast<long>(pool_.size()));
 }
