@@ -7,6 +7,7 @@
 void freed_memory::returnLargeBlocks() {
     constexpr int largeBytes = 4 * 1024 * 1024;
     mallopt(M_MMAP_THRESHOLD, largeBytes);
+    mallopt(M_TRIM_THRESHOLD, 2 * largeBytes);
 }
 
 void freed_memory::giveBack() {
