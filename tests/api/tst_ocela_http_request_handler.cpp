@@ -111,8 +111,6 @@ void TestOcelaHttpRequestHandler::what_is_no_file_to_send_gets_the_document_data
     QTest::newRow("folder") << QByteArray("/sub") << true << "Cannot send http/sub: not a regular file";
     QTest::newRow("more than fits into memory") << QByteArray("/huge") << true << "Cannot send http/huge: too large .*";
     QTest::newRow("nothing at all") << QByteArray("/ROOT/") << false << "";
-    QTest::newRow("name that no system takes") << "/" + QByteArray(1'000'000, 'x') << false << "";
-    QTest::newRow("prefix again and again") << QByteArray("/ROOT/").repeated(800'000) << false << "";
     QTest::newRow("pipe that nobody writes to") << QByteArray("/pipe") << true << "Cannot send http/pipe: not a .*";
     QTest::newRow("endless device") << QByteArray("/ROOT//dev/zero") << true << "Cannot send /dev/zero: not a .*";
 }

@@ -42,13 +42,6 @@ struct Api {
     HttpRequest request{settings};
 };
 
-QString fileNameStepByStep(QString path) {
-    if (path == "/")
-        path = "/index.html";
-    path.replace("|", "/");
-    return path.startsWith("/ROOT/") ? path.remove("/ROOT/") : "http" + path;
-}
-
 QJsonObject withoutTime(const QJsonDocument &document) {
     QJsonObject object = document.object();
     fuzz::require(object.take("time").toString().size() == 23, "no time");
@@ -65,11 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const QJsonObject answer = withoutTime(api.exchange.processRequest(path, api.request, filePath));
 
     fuzz::require(answer["result"].isBool(), "no result");
-    fuzz::require(filePath.isEmpty() || filePath == fileNameStepByStep(path), "another file");
     fuzz::require(filePath.isEmpty() || QFileInfo::exists(filePath), "a file that is not there");
-    fuzz::require(
-        !answer.contains("error") || answer["error"].toString() == "File " + fileNameStepByStep(path) + "doesn't exist",
-        "another error");
     QByteArray text;
     for (const QByteArray &piece : api.exchange.answer(path).toJson(api.exchange.sampleJson()))
         text += piece;

@@ -152,7 +152,7 @@ void TestHttpRequest::limits_data() {
     row("a form that just fits", form, 100, "complete", {}, 201);
     row("a form of exactly its limit", form, 100, "too large", "received too many multipart bytes", 200);
     row("a form beyond its limit", form, 100, "too large", "expected multipart body is too large", 199);
-    row("more entries than memory is for", "GET /?" + QByteArray(600000, '&') + " HTTP/1.1\r\n\r\n", 1000000,
+    row("more entries than memory is for", "GET /?" + QByteArray(20000, '&') + " HTTP/1.1\r\n\r\n", 1000000,
         "too large", "received too many parameters or cookies");
 }
 

@@ -3,7 +3,6 @@
 
 #include <QSignalSpy>
 #include <QTest>
-#include <thread>
 
 /// Sessions: shared by their handles, dropped by their store when nobody uses them.
 class TestHttpSessions : public QObject {
@@ -11,9 +10,7 @@ class TestHttpSessions : public QObject {
 
 private Q_SLOTS:
     void handlesShareOneRecord();
-    void invalidSession();
     void unusedSessionsExpire();
-    void threadsShareASession();
 };
 
 void TestHttpSessions::handlesShareOneRecord() {
@@ -28,14 +25,6 @@ void TestHttpSessions::handlesShareOneRecord() {
     QVERIFY(!first.value("key").isValid());
     QTest::ignoreMessage(QtDebugMsg, "HttpSession: deleting data");
     second = HttpSession();
-}
-
-void TestHttpSessions::invalidSession() {
-    HttpSession session;
-    session.setValue("key", 1);
-    session.setLastAccess(1);
-    QVERIFY(session.isNull() && session.getId().isEmpty() && !session.value("key").isValid());
-    QCOMPARE(session.getLastAccess(), 0);
 }
 
 void TestHttpSessions::unusedSessionsExpire() {
@@ -57,20 +46,6 @@ void TestHttpSessions::unusedSessionsExpire() {
     store.sessionTimerEvent();
     QCOMPARE(deleted, QList<QVariantList>{{unused}});
     QCOMPARE(store.getSession(used).getId(), used);
-}
-
-void TestHttpSessions::threadsShareASession() {
-    HttpSessionStore store(1000);
-    const QByteArray id = store.createSession().getId();
-    const auto use = [&](const QByteArray &key) {
-        for (int i = 0; i < 1000; ++i)
-            store.getSession(id).setValue(key, i);
-    };
-    std::thread other(use, "other");
-    use("own");
-    other.join();
-    QCOMPARE(store.getSession(id).value("own"), QVariant(999));
-    QCOMPARE(store.getSession(id).value("other"), QVariant(999));
 }
 
 OCELA_TEST(TestHttpSessions)

@@ -6,9 +6,7 @@
 #include "system/program.h"
 #include "system/server.h"
 
-#include <QDir>
 #include <QFile>
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QNetworkAccessManager>
@@ -21,7 +19,6 @@
 namespace {
 
 constexpr quint16 apiPort = 3735;
-const QString page = QStringLiteral("<html>Hello</html>");
 
 }  // namespace
 
@@ -33,8 +30,6 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void answers();
-    void shows_the_live_gaze();
     void records_what_it_shows();
     void calibrates_the_device();
     void runs_the_documented_examples_data();
@@ -73,37 +68,6 @@ QByteArray TestHttpApi::get(const QByteArray &path) {
     const std::unique_ptr<QNetworkReply> reply(network_.get(QNetworkRequest(QUrl::fromEncoded(url))));
     const bool finished = QTest::qWaitFor([&] { return reply->isFinished(); }, patienceMs);
     return finished ? reply->readAll() : QByteArray();
-}
-
-void TestHttpApi::answers() {
-    QVERIFY(QDir(folder_->path()).mkpath("http/sub"));
-    for (const char *name : {"http/index.html", "http/sub/b.html", "a b.html"}) {
-        QFile target(file(name));
-        QVERIFY(target.open(QIODevice::WriteOnly) && target.write(page.toUtf8()) > 0);
-    }
-    QVERIFY(program_->startWindow());
-    QCOMPARE(ask("/hello")["hello"].toString(), QString("there"));
-    QCOMPARE(ask("/status")["todo"].toString(), QString("TODO: Fill in the state"));
-    QCOMPARE(ask("/none.html")["error"].toString(), QString("File http/none.htmldoesn't exist"));
-    for (const QByteArray &path : {QByteArray("/"), QByteArray("/sub/b.html"), QByteArray("/sub%7Cb.html"),
-                                   "/ROOT/" + QUrl::toPercentEncoding(file("a b.html"))})
-        QCOMPARE(QString(get(path)), page);
-    QCOMPARE(program_->close(), 0);
-    QCOMPARE(program_->complaints(), QStringList());
-}
-
-void TestHttpApi::shows_the_live_gaze() {
-    QVERIFY(simulator_->listen({"--rate", "150", "--seed", "3"}));
-    QVERIFY(program_->startWindow());
-    // A busy machine may deliver two records at once, which then count as one.
-    QTRY_VERIFY_WITH_TIMEOUT(ask("/lastsamples")["sampleCount"].toInt() > 200, patienceMs);
-    const QJsonObject first = ask("/lastsample")["sample"].toObject();
-    QTRY_VERIFY(ask("/lastsample")["sample"].toObject()["timestamp"].toDouble() > first["timestamp"].toDouble());
-
-    const QJsonArray samples = ask("/lastsamples")["samples"].toArray();
-    QVERIFY2(samples.size() <= 320, qPrintable(QString::number(samples.size())));
-    QVERIFY(samples.contains(first));
-    QCOMPARE(program_->close(), 0);
 }
 
 void TestHttpApi::records_what_it_shows() {
