@@ -31,6 +31,11 @@ namespace byte_text {
     return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
 
+/// For words of the protocol.
+[[nodiscard]] inline bool sameIgnoringCase(const QByteArray &text, const char *word) {
+    return qstricmp(text.constData(), word) == 0;
+}
+
 [[nodiscard]] inline bool contains(std::string_view text, std::string_view part) {
     return text.find(part) != std::string_view::npos;
 }

@@ -2,6 +2,8 @@
 
 #include "http/http_cookie.h"
 
+#include <algorithm>
+
 void cookie_header::addCookies(const QByteArray &headerValue, QMap<QByteArray, QByteArray> &cookies) {
     for (const QByteArray &part : HttpCookie::splitCSV(headerValue)) {
         const int equals = part.indexOf('=');

@@ -1,5 +1,6 @@
 #include "http/http_connection_handler.h"
 
+#include "http/byte_text.h"
 #include "http/http_request_handler.h"
 #include "http/http_response.h"
 #include "http/http_settings.h"
@@ -7,6 +8,8 @@
 #include "http/tls_stream.h"
 
 #include <utility>
+
+using byte_text::sameIgnoringCase;
 
 namespace {
 
@@ -16,10 +19,6 @@ constexpr int goodbyeMs = 1000;
 
 const char tooLarge[] = "HTTP/1.1 413 entity too large\r\nConnection: close\r\n\r\n413 Entity too large\r\n";
 const char broken[] = "HTTP/1.1 400 bad request\r\nConnection: close\r\n\r\n400 Bad request\r\n";
-
-bool sameIgnoringCase(const QByteArray &a, const char *b) {
-    return qstricmp(a.constData(), b) == 0;
-}
 
 /// A client of HTTP/1.0 is not kept even if it asks for it.
 bool wantsClose(const HttpRequest &request) {

@@ -20,7 +20,7 @@ class HttpConnectionHandlerPool : public QObject {
 public:
     /// Both outlive the pool.
     HttpConnectionHandlerPool(const HttpSettings &settings, HttpRequestHandler *requestHandler);
-    /// Ends all handlers, and waits for requests that are being answered.
+    /// Ends all handlers, and waits for request handlers at work.
     ~HttpConnectionHandlerPool() override;
 
     /// A handler for a new connection, marked busy already; null when all that may be are, or none can be made.

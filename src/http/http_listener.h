@@ -25,7 +25,7 @@ public:
 
     /// Listens, again after close(), or if it failed. A failure is in the log, and isListening() tells.
     void listen();
-    /// Ends listening, all connections and their threads. Waits for requests that are being answered.
+    /// Ends listening, all connections and their threads. Waits for request handlers at work, but for no client.
     void close();
 
 Q_SIGNALS:

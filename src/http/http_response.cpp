@@ -1,5 +1,6 @@
 #include "http/http_response.h"
 
+#include "http/byte_text.h"
 #include "http/http_output.h"
 
 #include <numeric>
@@ -7,10 +8,6 @@
 namespace {
 
 constexpr int usualHeaderBytes = 512;
-
-bool sameIgnoringCase(const QByteArray &a, const char *b) {
-    return qstricmp(a.constData(), b) == 0;
-}
 
 }  // namespace
 
@@ -64,7 +61,7 @@ void HttpResponse::chooseFraming(qint64 size, bool lastPart) {
         return;
     }
     const QByteArray connection = headers_.value("Connection", headers_.value("connection"));
-    if (!sameIgnoringCase(connection, "close")) {
+    if (!byte_text::sameIgnoringCase(connection, "close")) {
         setHeader("Transfer-Encoding", "chunked");
         chunkedMode_ = true;
     }

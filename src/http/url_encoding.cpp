@@ -2,6 +2,8 @@
 
 #include "http/byte_text.h"
 
+#include <algorithm>
+
 using namespace byte_text;
 
 namespace {
