@@ -74,7 +74,7 @@ private:
     std::unique_ptr<ByteStream> socket_;
     QHostAddress peerAddress_;
     QDeadlineTimer readTimer_;
-    std::array<char, 65536> buffer_;
+    std::array<char, 65536> buffer_{};
     HttpInput input_;
     std::optional<HttpRequest> currentRequest_;
 

@@ -41,7 +41,7 @@ bool prepare(tSocketDescriptor socket) {
     if (flags < 0 || ::fcntl(number(socket), F_SETFL, flags & ~O_NONBLOCK) != 0)
         return false;
     timeval limit{};
-    limit.tv_usec = sliceMs * 1000;
+    limit.tv_usec = sliceMs * 1000L;
     const bool ready =
         setOption(socket, SOL_SOCKET, SO_RCVTIMEO, limit) && setOption(socket, SOL_SOCKET, SO_SNDTIMEO, limit);
     setOption(socket, IPPROTO_TCP, TCP_NODELAY, 1);
