@@ -8,6 +8,7 @@
 #include "http/http_request.h"
 #include "http/http_response.h"
 #include "http/http_settings.h"
+#include "support/bare_tracker.h"
 #include "support/rounds.h"
 #include "support/typical_samples.h"
 #include "toolkit/text_helper.h"
@@ -26,20 +27,12 @@ namespace {
 constexpr std::size_t windowSize = 500;
 constexpr std::size_t answersPerRound = 2000;
 
-class BareTracker : public EyetrackerInterface {
+class FedTracker : public BareTracker {
 public:
-    BareTracker() : EyetrackerInterface(QString(), nullptr) {
+    FedTracker() {
         for (const EyeTrackingSample &sample : bench::typicalSamples(windowSize))
             addSample(sample);
     }
-
-    [[nodiscard]] QString name() const override { return QStringLiteral("bare"); }
-    [[nodiscard]] VTSettings *settings() override { return nullptr; }
-    [[nodiscard]] QWidget *createViewWidget() override { return nullptr; }
-    bool start() override { return true; }
-    void stop() override {}
-    void calibrate(QRect) override {}
-    void stopCalibration() override {}
 
     /// The window moves on by one sample.
     void deliver() {
@@ -82,7 +75,7 @@ private:
 };
 
 /// The same answer with documents all the way.
-void answerWithDocuments(BareTracker &tracker) {
+void answerWithDocuments(FedTracker &tracker) {
     QJsonArray samples;
     for (const EyeTrackingSample &sample : tracker.getSamples())
         samples.append(sample.toJson());
@@ -91,7 +84,7 @@ void answerWithDocuments(BareTracker &tracker) {
     bench::keep(QJsonDocument(answer).toJson(QJsonDocument::Compact));
 }
 
-void answerLastWithDocuments(BareTracker &tracker) {
+void answerLastWithDocuments(FedTracker &tracker) {
     const QString time = QDateTime::currentDateTime().toString("yyyy-MM-dd_HH-mm-ss-zzz");
     const QJsonObject answer{{"result", true}, {"sample", tracker.getLastSample().toJson()}, {"time", time}};
     bench::keep(QJsonDocument(answer).toJson(QJsonDocument::Compact));
@@ -106,7 +99,7 @@ bench::Contender repeated(const char *name, std::size_t times, Work work) {
     return {name, times, run, {}};
 }
 
-void measureLastSample(BareTracker &tracker, int rounds) {
+void measureLastSample(FedTracker &tracker, int rounds) {
     Client client("/lastsample");
     Client hello("/hello");
     bench::print("/lastsample",
@@ -122,7 +115,7 @@ void measureLastSample(BareTracker &tracker, int rounds) {
                                    rounds));
 }
 
-void measureLastSamples(BareTracker &tracker, int rounds) {
+void measureLastSamples(FedTracker &tracker, int rounds) {
     Client client("/lastsamples");
     constexpr std::size_t few = 20;
     bench::print("/lastsamples, 500 of them",
@@ -163,7 +156,7 @@ void measureFile(int rounds) {
 int main(int argc, char *argv[]) {
     const QCoreApplication application(argc, argv);
     const int rounds = bench::roundsFrom(argc, argv, 51);
-    BareTracker tracker;
+    FedTracker tracker;
     OcelaHTTPExchange exchange(nullptr);
     exchange.setTracker(&tracker);
     measureLastSample(tracker, rounds);

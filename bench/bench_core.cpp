@@ -1,6 +1,7 @@
 // What a tracker pays for delivering one sample.
 
 #include "core/eyetracker_interface.h"
+#include "support/bare_tracker.h"
 #include "support/rounds.h"
 #include "support/typical_samples.h"
 
@@ -12,19 +13,6 @@
 namespace {
 
 constexpr std::size_t samplesPerRound = 20000;
-
-class BareTracker : public EyetrackerInterface {
-public:
-    BareTracker() : EyetrackerInterface(QString(), nullptr) {}
-
-    [[nodiscard]] QString name() const override { return QStringLiteral("bare"); }
-    [[nodiscard]] VTSettings *settings() override { return nullptr; }
-    [[nodiscard]] QWidget *createViewWidget() override { return nullptr; }
-    bool start() override { return true; }
-    void stop() override {}
-    void calibrate(QRect) override {}
-    void stopCalibration() override {}
-};
 
 /// Delivers samples one millisecond apart, so that a window of two seconds stays full at 2001 samples.
 class Feed {
