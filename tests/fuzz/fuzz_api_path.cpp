@@ -1,8 +1,8 @@
 #include "api/ocela_http_exchange.h"
-#include "core/eyetracker_interface.h"
 #include "fuzz/fuzz_support.h"
 #include "http/http_request.h"
 #include "http/http_settings.h"
+#include "support/fake_tracker.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -10,19 +10,6 @@
 #include <QThread>
 
 namespace {
-
-class BareTracker : public EyetrackerInterface {
-public:
-    BareTracker() : EyetrackerInterface(QString(), nullptr) {}
-
-    [[nodiscard]] QString name() const override { return QStringLiteral("bare"); }
-    [[nodiscard]] VTSettings *settings() override { return nullptr; }
-    [[nodiscard]] QWidget *createViewWidget() override { return nullptr; }
-    bool start() override { return true; }
-    void stop() override {}
-    void calibrate(QRect) override {}
-    void stopCalibration() override {}
-};
 
 /// An exchange with a tracker whose thread never runs: what is asked of it, as writing files anywhere, is never done.
 struct Api {
@@ -35,7 +22,7 @@ struct Api {
     int argumentCount = 0;
     QCoreApplication application{argumentCount, nullptr};
     QThread thread;
-    BareTracker tracker;
+    FakeTracker tracker;
     OcelaHTTPExchange exchange{nullptr};
     QSettings group{QString(), QSettings::IniFormat};
     HttpSettings settings{&group};

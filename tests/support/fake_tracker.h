@@ -6,8 +6,6 @@
 
 /// A tracker without a device: it notes what is asked of it, in order.
 class FakeTracker : public EyetrackerInterface {
-    Q_OBJECT
-
 public:
     explicit FakeTracker(QObject *parent = nullptr) : EyetrackerInterface(QString(), parent) {}
 
