@@ -9,7 +9,7 @@
 /// The JSON texts of a window of samples that moves on: a sample that is still there keeps its text.
 ///
 /// The texts stand in blocks of many samples, so that neither the moving on costs more than a block or two, nor a
-/// window that never drops a sample outgrows a byte array. Its owner guards it. Blocks that were handed out are
+/// window of very many samples outgrows a byte array. Its owner guards it. Blocks that were handed out are
 /// read by other threads and therefore never changed, only replaced.
 class SampleJsonBlocks {
 public:

@@ -10,8 +10,14 @@
 #include <QScreen>
 #include <QStandardPaths>
 #include <algorithm>
+#include <chrono>
 
 namespace {
+
+qint64 steadyMs() {
+    using namespace std::chrono;
+    return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
 
 QString defaultRecordPath() {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
@@ -75,7 +81,8 @@ EyeTrackingSample EyetrackerInterface::getLastSample() {
 void EyetrackerInterface::addSample(const EyeTrackingSample &sample) {
     Q_EMIT newSample(sample);
     // The list that goes has a node a sample; nobody need wait for the lock while they are freed.
-    const QList<EyeTrackingSample> outdated = samples_.with([&](SampleWindow &window) { return window.add(sample); });
+    const QList<EyeTrackingSample> outdated =
+        samples_.with([&](SampleWindow &window) { return window.add(sample, steadyMs()); });
     recordFile_.with([&](const Record &record) {
         if (record)
             record->addSample(sample);

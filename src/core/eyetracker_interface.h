@@ -94,8 +94,8 @@ public Q_SLOTS:
 public:
     /// Delivers a sample: emits it, puts it into the window and into the running record.
     ///
-    /// The window is bounded by time alone: a device that stamps all samples alike lets it grow while it
-    /// runs.
+    /// The window is bounded by time alone: by the samples' stamps or, where a device stamps all alike, by when they
+    /// arrived.
     void addSample(const EyeTrackingSample &sample);
 
     /// Whether a record runs.

@@ -2,31 +2,30 @@
 
 #include <utility>
 
-namespace {
-
-qint64 ageOf(const EyeTrackingSample &sample, qint64 now) {
+qint64 SampleWindow::Entry::ageBeside(const Entry &newest) const {
     // Differences wrap rather than overflow, whatever a device's clock says.
-    return static_cast<qint64>(static_cast<quint64>(now) - static_cast<quint64>(sample.timestamp));
+    const auto stamped =
+        static_cast<qint64>(static_cast<quint64>(newest.sample.timestamp) - static_cast<quint64>(sample.timestamp));
+    return stamped > 0 ? stamped : newest.arrivalMs - arrivalMs;
 }
 
-}  // namespace
-
-QList<EyeTrackingSample> SampleWindow::add(const EyeTrackingSample &sample) {
-    while (!samples_.empty() && ageOf(samples_.front(), sample.timestamp) > lengthMs_)
+QList<EyeTrackingSample> SampleWindow::add(const EyeTrackingSample &sample, qint64 arrivalMs) {
+    const Entry newest{sample, arrivalMs};
+    while (!samples_.empty() && samples_.front().ageBeside(newest) > lengthMs_)
         samples_.pop_front();
-    samples_.push_back(sample);
+    samples_.push_back(newest);
     return std::exchange(handedOut_, {});
 }
 
 QList<EyeTrackingSample> SampleWindow::samples() {
     if (handedOut_.isEmpty()) {
         handedOut_.reserve(static_cast<int>(samples_.size()));
-        for (const EyeTrackingSample &sample : samples_)
-            handedOut_.append(sample);
+        for (const Entry &entry : samples_)
+            handedOut_.append(entry.sample);
     }
     return handedOut_;
 }
 
 EyeTrackingSample SampleWindow::last() const {
-    return samples_.empty() ? EyeTrackingSample() : samples_.back();
+    return samples_.empty() ? EyeTrackingSample() : samples_.back().sample;
 }

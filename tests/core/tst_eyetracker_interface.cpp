@@ -36,6 +36,8 @@ private Q_SLOTS:
     void remote_callers_find_the_methods_in_their_order();
     void window_holds_two_seconds_data();
     void window_holds_two_seconds();
+    void age_by_arrival_where_stamps_say_nothing_data();
+    void age_by_arrival_where_stamps_say_nothing();
     void sample_is_emitted_before_it_is_stored();
     void connection_reports_changes_alone();
     void percent_becomes_pixels_of_the_calibrated_area_data();
@@ -76,6 +78,24 @@ void TestEyetrackerInterface::window_holds_two_seconds() {
         tracker.addSample(sampleAt(timestamp));
     QTEST(timestampsOf(tracker.getSamples()), "kept");
     QCOMPARE(tracker.getLastSample().timestamp, added.last());
+}
+
+void TestEyetrackerInterface::age_by_arrival_where_stamps_say_nothing_data() {
+    QTest::addColumn<QList<qint64>>("stamps");
+    QTest::addColumn<QList<qint64>>("kept");
+    using List = QList<qint64>;
+    // One sample a second arrives.
+    QTest::newRow("all stamped alike") << List{0, 0, 0, 0, 0} << List{0, 0, 0};
+    QTest::newRow("clock set back") << List{9000, 10000, 10, 20, 30} << List{10, 20, 30};
+    QTest::newRow("clock that runs slow") << List{0, 1, 2, 3, 4} << List{0, 1, 2, 3, 4};
+}
+
+void TestEyetrackerInterface::age_by_arrival_where_stamps_say_nothing() {
+    QFETCH(QList<qint64>, stamps);
+    SampleWindow window(2000);
+    for (int i = 0; i < stamps.size(); ++i)
+        (void)window.add(sampleAt(stamps[i]), i * 1000);
+    QTEST(timestampsOf(window.samples()), "kept");
 }
 
 void TestEyetrackerInterface::sample_is_emitted_before_it_is_stored() {
