@@ -25,6 +25,9 @@ constexpr double kVergence_deg = 0.15;
 constexpr double kAccuracy_deg = 0.35;  // deviation of what calibration leaves, one eye and axis
 constexpr Point kLeftInImage{0.27, 0.46};
 constexpr Point kRightInImage{0.66, 0.44};
+constexpr Point kImageCentre{0.5, 0.5};
+constexpr double kBetweenPupils_mm = 63;
+constexpr double kImageDistance_cm = 62;    // where the eyes are in the image as above
 constexpr double kRotationInImage = 0.012;  // how far a look from edge to edge moves the pupil in the image
 constexpr double kSmallestPupil_mm = 2;
 constexpr double kLargestPupil_mm = 8;
@@ -85,19 +88,25 @@ EyeState Subject::live() {
     const Point gaze = path_.at(now_);
     const bool visible = !blinks_.closedAt(now_);
     EyeState state;
-    state.left = liveEye(left_, gaze, visible);
-    state.right = liveEye(right_, gaze, visible);
     state.distance_cm = options_.setup.distance_cm + distance_.at(now_);
+    state.left = liveEye(left_, gaze, visible, state.distance_cm);
+    state.right = liveEye(right_, gaze, visible, state.distance_cm);
     return state;
 }
 
-Eye Subject::liveEye(const EyeModel &model, Point gaze, bool visible) const {
+double Subject::millimetreInImage(double distance_cm) {
+    return (kRightInImage.x - kLeftInImage.x) / kBetweenPupils_mm * kImageDistance_cm / distance_cm;
+}
+
+Eye Subject::liveEye(const EyeModel &model, Point gaze, bool visible, double distance_cm) const {
     Eye eye;
     eye.visible = visible;
     eye.gaze = gaze + eyeError(model);
     eye.pupil_mm = std::clamp(restingPupil_mm_ + commonPupil_.at(now_) + model.pupil.at(now_), kSmallestPupil_mm,
                               kLargestPupil_mm);
-    eye.pupilCentre = model.centreInImage + head_.at(now_) + (gaze - Point{0.5, 0.5}) * kRotationInImage;
+    const Point atRest =
+        model.centreInImage + head_.at(now_) + (gaze - Point{0.5, 0.5}) * kRotationInImage - kImageCentre;
+    eye.pupilCentre = kImageCentre + atRest * (kImageDistance_cm / distance_cm);
     return eye;
 }
 

@@ -46,6 +46,9 @@ public:
 
     [[nodiscard]] const PhysicalSetup &setup() const { return options_.setup; }
 
+    /// How large a millimetre at the eyes is in the camera image, as a fraction of the image's width.
+    static double millimetreInImage(double distance_cm);
+
 private:
     /// What makes one eye differ from the other.
     struct EyeModel {
@@ -58,7 +61,7 @@ private:
         Point centreInImage;
     };
 
-    [[nodiscard]] Eye liveEye(const EyeModel &model, Point gaze, bool visible) const;
+    [[nodiscard]] Eye liveEye(const EyeModel &model, Point gaze, bool visible, double distance_cm) const;
     EyeState live();
     EyeState played();
     [[nodiscard]] Point eyeError(const EyeModel &model) const;

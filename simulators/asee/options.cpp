@@ -1,0 +1,31 @@
+#include "asee/options.h"
+
+namespace sim::asee_pro {
+
+namespace {
+
+constexpr int kSmallestImage = 16;
+constexpr int kLargestImage = 8192;
+
+const QSet<QString> kFaults = {"refuse-coefficients", "compute",    "endless-point",
+                               "instant-point",       "null-image", "null-records"};
+
+}  // namespace
+
+Options Options::fromEnvironment() {
+    Options options;
+    options.rate = environment::number("OCELA_SIM_ASEE_RATE", options.rate, 1, 5000);
+    options.imageRate = environment::number("OCELA_SIM_ASEE_IMAGE_RATE", options.imageRate, 0, 1000);
+    options.image = environment::size("OCELA_SIM_ASEE_IMAGE", options.image, kSmallestImage, kLargestImage);
+    options.toldImage = environment::size("OCELA_SIM_ASEE_TOLD_IMAGE");
+    if (!environment::text("OCELA_SIM_ASEE_TOLD_BYTES").isEmpty())
+        options.toldBytes = environment::anyInteger("OCELA_SIM_ASEE_TOLD_BYTES");
+    options.point_s = environment::number("OCELA_SIM_ASEE_POINT_MS", options.point_s * 1000, 10, 60000) / 1000;
+    options.connectError = environment::anyInteger("OCELA_SIM_ASEE_CONNECT_ERROR");
+    options.startError = environment::anyInteger("OCELA_SIM_ASEE_START_ERROR");
+    options.lateCallbacksMs = environment::integer("OCELA_SIM_ASEE_LATE_CALLBACKS_MS", 0, 0, 60000);
+    options.faults = environment::words("OCELA_SIM_ASEE_FAULT", kFaults);
+    return options;
+}
+
+}  // namespace sim::asee_pro

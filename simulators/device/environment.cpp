@@ -1,0 +1,73 @@
+#include "device/environment.h"
+
+#include <QRegularExpression>
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace sim::environment {
+
+namespace {
+
+void complain(const char *name, const QString &value) {
+    qWarning("%s: \"%s\" makes no sense and is passed over", name, qPrintable(value));
+}
+
+}  // namespace
+
+double number(const char *name, double fallback, double low, double high) {
+    const QString value = text(name);
+    if (value.isEmpty())
+        return fallback;
+    bool ok = false;
+    const double result = value.toDouble(&ok);
+    if (!ok || !std::isfinite(result)) {
+        complain(name, value);
+        return fallback;
+    }
+    return std::clamp(result, low, high);
+}
+
+int integer(const char *name, int fallback, int low, int high) {
+    return static_cast<int>(number(name, fallback, low, high));
+}
+
+int anyInteger(const char *name) {
+    return integer(name, 0, -std::numeric_limits<int>::max(), std::numeric_limits<int>::max());
+}
+
+QString text(const char *name) {
+    return qEnvironmentVariable(name);
+}
+
+QSet<QString> words(const char *name, const QSet<QString> &known) {
+    QSet<QString> result;
+    for (const QString &word : text(name).split(',', Qt::SkipEmptyParts)) {
+        if (known.contains(word))
+            result.insert(word);
+        else
+            complain(name, word);
+    }
+    return result;
+}
+
+std::optional<Size> size(const char *name) {
+    static const QRegularExpression form("^(-?\\d+)x(-?\\d+)$");
+    const QString value = text(name);
+    const QRegularExpressionMatch match = form.match(value);
+    bool widthOk = false;
+    bool heightOk = false;
+    const Size size{match.captured(1).toInt(&widthOk), match.captured(2).toInt(&heightOk)};
+    if (widthOk && heightOk)
+        return size;
+    if (!value.isEmpty())
+        complain(name, value);
+    return std::nullopt;
+}
+
+Size size(const char *name, Size fallback, int low, int high) {
+    const Size size = environment::size(name).value_or(fallback);
+    return {std::clamp(size.width, low, high), std::clamp(size.height, low, high)};
+}
+
+}  // namespace sim::environment
