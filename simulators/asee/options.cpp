@@ -7,8 +7,8 @@ namespace {
 constexpr int kSmallestImage = 16;
 constexpr int kLargestImage = 8192;
 
-const QSet<QString> kFaults = {"refuse-coefficients", "compute",    "endless-point",
-                               "instant-point",       "null-image", "null-records"};
+const std::set<std::string> kFaults = {"refuse-coefficients", "compute",    "endless-point",
+                                       "instant-point",       "null-image", "null-records"};
 
 }  // namespace
 

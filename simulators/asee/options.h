@@ -19,9 +19,9 @@ struct Options {
     int connectError = 0;
     int startError = 0;
     int lateCallbacksMs = 0;
-    QSet<QString> faults;
+    std::set<std::string> faults;
 
-    [[nodiscard]] bool has(const char *fault) const { return faults.contains(fault); }
+    [[nodiscard]] bool has(const char *fault) const { return faults.count(fault) > 0; }
 };
 
 }  // namespace sim::asee_pro

@@ -40,11 +40,11 @@ QString text(const char *name) {
     return qEnvironmentVariable(name);
 }
 
-QSet<QString> words(const char *name, const QSet<QString> &known) {
-    QSet<QString> result;
+std::set<std::string> words(const char *name, const std::set<std::string> &known) {
+    std::set<std::string> result;
     for (const QString &word : text(name).split(',', Qt::SkipEmptyParts)) {
-        if (known.contains(word))
-            result.insert(word);
+        if (known.count(word.toStdString()) > 0)
+            result.insert(word.toStdString());
         else
             complain(name, word);
     }

@@ -1,8 +1,9 @@
 #pragma once
 
-#include <QSet>
 #include <QString>
 #include <optional>
+#include <set>
+#include <string>
 
 /// How a simulated vendor library is told what to do: nobody passes it a command line, so by the environment.
 ///
@@ -18,7 +19,7 @@ int anyInteger(const char *name);
 QString text(const char *name);
 
 /// Words joined by commas, each one of `known`.
-QSet<QString> words(const char *name, const QSet<QString> &known);
+std::set<std::string> words(const char *name, const std::set<std::string> &known);
 
 struct Size {
     int width = 0;

@@ -1,0 +1,9 @@
+#include "eyetech/library.h"
+
+// The library's entry points: each one is the operation of the same name.
+#define OCELA_EXPORT(name, parameters, arguments)                \
+    extern "C" Q_DECL_EXPORT int name parameters;                \
+    extern "C" int name parameters {                             \
+        return sim::eyetech::Library::instance().name arguments; \
+    }
+OCELA_QUICKLINK2_FUNCTIONS(OCELA_EXPORT)
