@@ -31,13 +31,14 @@ public:
           endless_(tracker->options_.has("endless-point")) {}
 
     bool operator()() {
-        if (endless_ && percent_ == kStuckAtPercent)
+        if (stuck_)
             return true;
         if (percent_ >= kSettledAtPercent)
             measurement_.add(tracker_->person_.now());
         report(reports_.progress, percent_);
         if (percent_ == 100)
             return finish();
+        stuck_ = endless_ && percent_ == kStuckAtPercent;
         percent_ += kPercentStep;
         return true;
     }
@@ -59,6 +60,7 @@ private:
     TargetMeasurement measurement_;
     Reports reports_;
     bool endless_;
+    bool stuck_ = false;
     int percent_ = 0;
 };
 
