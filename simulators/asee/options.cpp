@@ -7,9 +7,6 @@ namespace {
 constexpr int kSmallestImage = 16;
 constexpr int kLargestImage = 8192;
 
-const std::set<std::string> kFaults = {"refuse-coefficients", "compute",    "endless-point",
-                                       "instant-point",       "null-image", "null-records"};
-
 }  // namespace
 
 Options Options::fromEnvironment() {
@@ -24,7 +21,8 @@ Options Options::fromEnvironment() {
     options.connectError = environment::anyInteger("OCELA_SIM_ASEE_CONNECT_ERROR");
     options.startError = environment::anyInteger("OCELA_SIM_ASEE_START_ERROR");
     options.lateCallbacksMs = environment::integer("OCELA_SIM_ASEE_LATE_CALLBACKS_MS", 0, 0, 60000);
-    options.faults = environment::words("OCELA_SIM_ASEE_FAULT", kFaults);
+    options.faults = environment::words("OCELA_SIM_ASEE_FAULT", {"refuse-coefficients", "compute", "endless-point",
+                                                                 "instant-point", "null-image", "null-records"});
     return options;
 }
 

@@ -81,12 +81,13 @@ Camera::Shade Camera::openEye(double x_mm, double y_mm) {
         grey = 88 + 8 * std::cos(22 * std::atan2(y_mm, x_mm)) - 25 * std::pow(radius_mm / kIrisRadius_mm, 6);
     if (y_mm < 0 && insideLid_mm < 1)  // the upper lid's shadow
         grey *= 0.6;
-    return {grey, std::clamp(insideLid_mm / 0.6 + 0.5, 0.0, 1.0)};
+    return {grey, std::clamp(insideLid_mm / 0.6, 0.0, 1.0)};
 }
 
 Camera::Shade Camera::closedEye(double x_mm, double y_mm) {
     const double fromLashes_mm = std::abs(y_mm - 3 * lidCurve(x_mm));
-    return {45, std::abs(x_mm) < kEyeHalfWidth_mm ? std::clamp(1.2 - fromLashes_mm, 0.0, 1.0) : 0.0};
+    const double fading = std::min(1.0, 5 * lidCurve(x_mm));
+    return {45, fading * std::clamp(1.2 - fromLashes_mm, 0.0, 1.0)};
 }
 
 Camera::Stamp Camera::makeStamp(Shade (*shade)(double, double)) const {

@@ -1,16 +1,22 @@
 #include "device/environment.h"
 
-#include <QRegularExpression>
+#include <QStringList>
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <mutex>
 
 namespace sim::environment {
 
 namespace {
 
+/// Once for each value, as the variables are read again and again.
 void complain(const char *name, const QString &value) {
-    qWarning("%s: \"%s\" makes no sense and is passed over", name, qPrintable(value));
+    static std::mutex mutex;
+    static auto *const said = new std::set<QString>;
+    const std::lock_guard lock(mutex);
+    if (said->insert(name + value).second)
+        qWarning("%s: \"%s\" makes no sense and is passed over", name, qPrintable(value));
 }
 
 }  // namespace
@@ -40,10 +46,10 @@ QString text(const char *name) {
     return qEnvironmentVariable(name);
 }
 
-std::set<std::string> words(const char *name, const std::set<std::string> &known) {
+std::set<std::string> words(const char *name, std::initializer_list<std::string_view> known) {
     std::set<std::string> result;
     for (const QString &word : text(name).split(',', Qt::SkipEmptyParts)) {
-        if (known.count(word.toStdString()) > 0)
+        if (std::find(known.begin(), known.end(), word.toStdString()) != known.end())
             result.insert(word.toStdString());
         else
             complain(name, word);
@@ -52,13 +58,12 @@ std::set<std::string> words(const char *name, const std::set<std::string> &known
 }
 
 std::optional<Size> size(const char *name) {
-    static const QRegularExpression form("^(-?\\d+)x(-?\\d+)$");
     const QString value = text(name);
-    const QRegularExpressionMatch match = form.match(value);
+    const QStringList sides = value.split('x');
     bool widthOk = false;
     bool heightOk = false;
-    const Size size{match.captured(1).toInt(&widthOk), match.captured(2).toInt(&heightOk)};
-    if (widthOk && heightOk)
+    const Size size{sides.first().toInt(&widthOk), sides.last().toInt(&heightOk)};
+    if (widthOk && heightOk && sides.size() == 2)
         return size;
     if (!value.isEmpty())
         complain(name, value);

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <QString>
+#include <initializer_list>
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 
 /// How a simulated vendor library is told what to do: nobody passes it a command line, so by the environment.
 ///
@@ -19,7 +21,7 @@ int anyInteger(const char *name);
 QString text(const char *name);
 
 /// Words joined by commas, each one of `known`.
-std::set<std::string> words(const char *name, const std::set<std::string> &known);
+std::set<std::string> words(const char *name, std::initializer_list<std::string_view> known);
 
 struct Size {
     int width = 0;

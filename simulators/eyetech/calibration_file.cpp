@@ -9,7 +9,7 @@ namespace sim::eyetech {
 
 namespace {
 
-const QString kTitle = "simulated calibration 1";
+constexpr char kTitle[] = "simulated calibration 1";
 constexpr std::size_t kMostTargets = 20;
 
 QTextStream &operator<<(QTextStream &stream, const QLScore &score) {
@@ -41,7 +41,7 @@ bool Calibration::load(const QString &path) {
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
         return false;
     QTextStream stream(&file);
-    if (stream.readLine(kTitle.size() + 1) != kTitle)
+    if (stream.readLine(sizeof kTitle) != kTitle)
         return false;
     State state;
     while (state.targets.size() < kMostTargets) {

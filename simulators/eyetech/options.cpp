@@ -8,9 +8,6 @@ constexpr double kLongest_s = 86400;
 constexpr int kSmallestImage = 16;
 constexpr int kLargestImage = 8192;
 
-const std::set<std::string> kFaults = {"target-fails-once", "target-fails", "distracted", "small-target-buffer",
-                                       "null-image"};
-
 }  // namespace
 
 Options Options::fromEnvironment() {
@@ -28,7 +25,8 @@ Options Options::fromEnvironment() {
     options.rate = number("OCELA_SIM_EYETECH_RATE", options.rate, 1, 1000);
     options.image = size("OCELA_SIM_EYETECH_IMAGE", options.image, kSmallestImage, kLargestImage);
     options.toldImage = size("OCELA_SIM_EYETECH_TOLD_IMAGE");
-    options.faults = words("OCELA_SIM_EYETECH_FAULT", kFaults);
+    options.faults = words("OCELA_SIM_EYETECH_FAULT",
+                           {"target-fails-once", "target-fails", "distracted", "small-target-buffer", "null-image"});
     return options;
 }
 

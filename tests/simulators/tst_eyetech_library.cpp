@@ -1,4 +1,4 @@
-#include "simulators/scoped_variables.h"
+#include "simulators/fault_rows.h"
 #include "support/test_main.h"
 #include "trackers/eyetech/quicklink2.h"
 
@@ -6,7 +6,6 @@
 #include <QFile>
 #include <QLibrary>
 #include <QTemporaryDir>
-#include <QTest>
 #include <array>
 #include <cmath>
 #include <cstring>
@@ -62,6 +61,7 @@ private Q_SLOTS:
 
 private:
     int start();
+    static QString courseOf(int calibration);
 
     QTemporaryDir folder_;
     int device_ = 0;
@@ -117,32 +117,25 @@ void TestEyetechLibrary::streams_frames_while_it_runs() {
 }
 
 void TestEyetechLibrary::finds_devices_data() {
-    QTest::addColumn<QByteArray>("variable");
-    QTest::addColumn<QString>("found");
-    QTest::newRow("one device") << QByteArray() << "0: 1 devices, status 0, start 0";
-    QTest::newRow("two devices") << QByteArray("OCELA_SIM_EYETECH_DEVICES=2") << "0: 2 devices, status 0, start 0";
-    QTest::newRow("no device") << QByteArray("OCELA_SIM_EYETECH_DEVICES=0") << "0: 0 devices, status 1, start 1";
-    QTest::newRow("not yet") << QByteArray("OCELA_SIM_EYETECH_APPEAR_AFTER=9999") << "0: 0 devices, status 1, start 1";
-    QTest::newRow("enumerate error") << QByteArray("OCELA_SIM_EYETECH_ENUMERATE_ERROR=5")
-                                     << "5: 100 devices, status 1, start 1";
-    QTest::newRow("status error") << QByteArray("OCELA_SIM_EYETECH_STATUS_ERROR=6")
-                                  << "0: 1 devices, status 6, start 0";
-    QTest::newRow("start error") << QByteArray("OCELA_SIM_EYETECH_START_ERROR=7") << "0: 1 devices, status 0, start 7";
+    faultColumns();
+    faultRow("one device", "OCELA_SIM_EYETECH_DEVICES=1", "0: 1 devices, status 0, start 0");
+    faultRow("two devices", "OCELA_SIM_EYETECH_DEVICES=2", "0: 2 devices, status 0, start 0");
+    faultRow("no device", "OCELA_SIM_EYETECH_DEVICES=0", "0: 0 devices, status 1, start 1");
+    faultRow("not yet", "OCELA_SIM_EYETECH_APPEAR_AFTER=9999", "0: 0 devices, status 1, start 1");
+    faultRow("enumerate error", "OCELA_SIM_EYETECH_ENUMERATE_ERROR=5", "5: 100 devices, status 1, start 1");
+    faultRow("status error", "OCELA_SIM_EYETECH_STATUS_ERROR=6", "0: 1 devices, status 6, start 0");
+    faultRow("start error", "OCELA_SIM_EYETECH_START_ERROR=7", "0: 1 devices, status 0, start 7");
 }
 
 void TestEyetechLibrary::finds_devices() {
-    QFETCH(QByteArray, variable);
-    const ScopedVariables scope(variable);
+    QFETCH(QByteArray, variables);
+    const ScopedVariables scope(variables);
     std::array<int, 100> devices{};
     int count = 100, status = 0;
-    const int result = QLDevice_Enumerate(&count, devices.data());
-    const int statusResult = QLDevice_GetStatus(devices[0], &status);
-    QTEST(QString("%1: %2 devices, status %3, start %4")
-              .arg(result)
-              .arg(count)
-              .arg(statusResult)
-              .arg(QLDevice_Start(devices[0])),
-          "found");
+    const int found = QLDevice_Enumerate(&count, devices.data());
+    const int asked = QLDevice_GetStatus(devices[0], &status);
+    const int started = QLDevice_Start(devices[0]);
+    QTEST(QString("%1: %2 devices, status %3, start %4").arg(found).arg(count).arg(asked).arg(started), "outcome");
 }
 
 void TestEyetechLibrary::can_be_unplugged_while_running() {
@@ -182,46 +175,46 @@ void TestEyetechLibrary::blocks_in_a_frame_whatever_happens() {
 }
 
 void TestEyetechLibrary::calibrates_data() {
-    QTest::addColumn<int>("type");
-    QTest::addColumn<QByteArray>("fault");
-    QTest::addColumn<QString>("course");
-    QTest::newRow("5 targets") << 0 << QByteArray() << "5 targets, status 0, good";
-    QTest::newRow("9 targets") << 1 << QByteArray() << "9 targets, status 0, good";
-    QTest::newRow("16 targets") << 2 << QByteArray() << "16 targets, status 0, good";
-    QTest::newRow("fails once") << 0 << QByteArray("target-fails-once") << "5 targets, status 3, status 0, good";
-    QTest::newRow("fails") << 0 << QByteArray("target-fails") << "5 targets, status 3, status 3, no score";
-    QTest::newRow("distracted") << 0 << QByteArray("distracted") << "5 targets, status 0, poor";
-    QTest::newRow("small buffer") << 0 << QByteArray("small-target-buffer") << "30 targets, too many";
-    QTest::newRow("unknown type") << 3 << QByteArray() << "not initialized";
+    faultColumns();
+    faultRow("0", "", "5 targets, status 0, good");
+    faultRow("1", "", "9 targets, status 0, good");
+    faultRow("2", "", "16 targets, status 0, good");
+    faultRow("3", "", "not initialized");
+    faultRow("0, fails once", "target-fails-once", "5 targets, status 3, status 0, good");
+    faultRow("0, fails", "target-fails", "5 targets, status 3, status 3, no score");
+    faultRow("0, distracted", "distracted", "5 targets, status 0, poor");
+    faultRow("0, buffer too small", "small-target-buffer", "30 targets, too many");
 }
 
-/// Its second target alone, where faults show, and that at most twice.
+/// A calibration of the type that the row begins with; its second target alone, where faults show, and twice at most.
 void TestEyetechLibrary::calibrates() {
-    QFETCH(int, type);
-    QFETCH(QByteArray, fault);
-    const ScopedVariables scope("OCELA_SIM_EYETECH_RATE=200 OCELA_SIM_EYETECH_FAULT=" + fault);
+    QFETCH(QByteArray, variables);
+    const ScopedVariables scope("OCELA_SIM_EYETECH_RATE=200 OCELA_SIM_EYETECH_FAULT=" + variables);
     QCOMPARE(start(), 0);
-    QCOMPARE(QLCalibration_Initialize(device_, 9999, type), 3);
-    int id = 0, count = 20, status = 3;
-    std::array<QLTarget, 20> targets{};
+    QCOMPARE(QLCalibration_Initialize(device_, 9999, 0), 3);
+    int id = 0;
     QCOMPARE(QLCalibration_Create(0, &id), 0);
-    QString course = "not initialized";
-    if (QLCalibration_Initialize(device_, id, type) == 0) {
-        const int result = QLCalibration_GetTargets(id, &count, targets.data());
-        course = QString("%1 targets").arg(count) + (result == 11 ? ", too many" : "");
-        for (int attempt = 0; attempt < 2 && status == 3 && result == 0; ++attempt) {
-            QCOMPARE(QLCalibration_Calibrate(id, targets[1].id, 700, attempt == 0), 0);
-            QTRY_VERIFY(QLCalibration_GetStatus(id, targets[1].id, &status) == 0 && status != 1);
-            course += QString(", status %1").arg(status);
-        }
-        QLScore score{};
-        if (result == 0)
-            course += QLCalibration_GetScoring(id, targets[1].id, 1, &score) != 0 ? ", no score"
-                      : score.score < 10                                          ? ", good"
-                                                                                  : ", poor";
-    }
-    QTEST(course, "course");
+    const int type = QTest::currentDataTag()[0] - '0';
+    QTEST(QLCalibration_Initialize(device_, id, type) == 0 ? courseOf(id) : "not initialized", "outcome");
     QVERIFY(QLCalibration_Finalize(id) != 0 && QLDevice_ApplyCalibration(device_, id) != 0);  // targets are left
+}
+
+QString TestEyetechLibrary::courseOf(int calibration) {
+    std::array<QLTarget, 20> targets{};
+    int count = 20, status = 3;
+    if (QLCalibration_GetTargets(calibration, &count, targets.data()) == 11)
+        return QString("%1 targets, too many").arg(count);
+    QString course = QString("%1 targets").arg(count);
+    for (int attempt = 0; attempt < 2 && status == 3; ++attempt) {
+        QLCalibration_Calibrate(calibration, targets[1].id, 700, attempt == 0);
+        while (QLCalibration_GetStatus(calibration, targets[1].id, &status) == 0 && status == 1)
+            QTest::qWait(10);
+        course += QString(", status %1").arg(status);
+    }
+    QLScore score{};
+    if (QLCalibration_GetScoring(calibration, targets[1].id, 1, &score) != 0)
+        return course + ", no score";
+    return course + (score.score < 10 ? ", good" : ", poor");
 }
 
 void TestEyetechLibrary::keeps_settings() {

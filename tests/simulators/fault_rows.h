@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QByteArrayList>
+#include <QTest>
+
+/// Environment variables for as long as this lives: "NAME=value", joined by spaces.
+class ScopedVariables {
+public:
+    explicit ScopedVariables(const QByteArray &assignments) {
+        for (const QByteArray &assignment : assignments.simplified().split(' ')) {
+            names_ << assignment.split('=').first();
+            qputenv(names_.last(), assignment.mid(names_.last().size() + 1));
+        }
+    }
+    ~ScopedVariables() {
+        for (const QByteArray &name : names_)
+            qunsetenv(name);
+    }
+    ScopedVariables(const ScopedVariables &) = delete;
+    ScopedVariables &operator=(const ScopedVariables &) = delete;
+
+private:
+    QByteArrayList names_;
+};
+
+/// A table of faults: how a device is told to fail, and what is then to be seen of it.
+inline void faultColumns() {
+    QTest::addColumn<QByteArray>("variables");
+    QTest::addColumn<QString>("outcome");
+}
+inline void faultRow(const char *name, const QByteArray &variables, const QString &outcome) {
+    QTest::newRow(name) << variables << outcome;
+}
