@@ -1,0 +1,21 @@
+#pragma once
+
+class QByteArray;
+
+/// The standard streams of a program that has windows: nobody may be reading or writing at their other end.
+///
+/// GUI thread. What is printed is for people who started the program from a console; it never holds up the program
+/// and never ends it, so text that nobody takes is dropped.
+namespace console {
+
+/// Before any file or connection is opened: one of these must not end up in the place of a stream that whoever
+/// started the program has closed, or what is printed would go there.
+void prepare();
+
+void print(const QByteArray &text);
+
+/// Waits for one character of standard input, and drops what a person typed behind it. -1 at the end of the input,
+/// or where there is none.
+[[nodiscard]] int readCharacter();
+
+}  // namespace console
