@@ -2,6 +2,17 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en_US" sourcelanguage="en_US">
 <context>
+    <name>EyetechCalibrationWidget</name>
+    <message>
+        <source>Save</source>
+        <translation>Save</translation>
+    </message>
+    <message>
+        <source>Recalibrate</source>
+        <translation>Recalibrate</translation>
+    </message>
+</context>
+<context>
     <name>EyetrackerConnectedWidget</name>
     <message>
         <source>No tracker</source>
@@ -88,6 +99,38 @@
     <message>
         <source>Ocela уже запущена</source>
         <translation>Ocela is already running</translation>
+    </message>
+    <message>
+        <source>Calibration_5_points</source>
+        <translation>5 points</translation>
+    </message>
+    <message>
+        <source>Calibration_9_points</source>
+        <translation>9 points</translation>
+    </message>
+    <message>
+        <source>Calibration_16_points</source>
+        <translation>16 points</translation>
+    </message>
+    <message>
+        <source>Calibration</source>
+        <translation>Calibration</translation>
+    </message>
+    <message>
+        <source>CalibrationTimeMs</source>
+        <translation>Time on a target</translation>
+    </message>
+    <message>
+        <source>ms</source>
+        <translation>ms</translation>
+    </message>
+    <message>
+        <source>CalibrationAnimationMs</source>
+        <translation>Time of movement</translation>
+    </message>
+    <message>
+        <source>CalibrationDelayMs</source>
+        <translation>Pause before a target</translation>
     </message>
 </context>
 <context>

@@ -2,6 +2,17 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="ru_RU" sourcelanguage="en_US">
 <context>
+    <name>EyetechCalibrationWidget</name>
+    <message>
+        <source>Save</source>
+        <translation>Сохранить</translation>
+    </message>
+    <message>
+        <source>Recalibrate</source>
+        <translation>Повторить</translation>
+    </message>
+</context>
+<context>
     <name>EyetrackerConnectedWidget</name>
     <message>
         <source>No tracker</source>
@@ -88,6 +99,38 @@
     <message>
         <source>Ocela уже запущена</source>
         <translation>Ocela уже запущена</translation>
+    </message>
+    <message>
+        <source>Calibration_5_points</source>
+        <translation>5 точек</translation>
+    </message>
+    <message>
+        <source>Calibration_9_points</source>
+        <translation>9 точек</translation>
+    </message>
+    <message>
+        <source>Calibration_16_points</source>
+        <translation>16 точек</translation>
+    </message>
+    <message>
+        <source>Calibration</source>
+        <translation>Калибровка</translation>
+    </message>
+    <message>
+        <source>CalibrationTimeMs</source>
+        <translation>Время на точку</translation>
+    </message>
+    <message>
+        <source>ms</source>
+        <translation>мс</translation>
+    </message>
+    <message>
+        <source>CalibrationAnimationMs</source>
+        <translation>Время движения</translation>
+    </message>
+    <message>
+        <source>CalibrationDelayMs</source>
+        <translation>Пауза перед точкой</translation>
     </message>
 </context>
 <context>
