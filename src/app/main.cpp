@@ -1,10 +1,23 @@
 #include "app/main_window.h"
 #include "app/startup.h"
+#include "toolkit/console.h"
 
 #include <QApplication>
 #include <QSplashScreen>
 
+namespace {
+
+int runWindow(QSplashScreen &splash) {
+    MainWindow window;
+    window.setWindowTitle(startup::windowTitle());
+    splash.finish(&window);
+    return window.isClosed() ? 0 : QApplication::exec();
+}
+
+}  // namespace
+
 int main(int argc, char *argv[]) {
+    console::prepare();
     Q_INIT_RESOURCE(ocela);
     if (!startup::hasDisplay())
         return 1;
@@ -21,8 +34,7 @@ int main(int argc, char *argv[]) {
     startup::applyStyle();
     startup::createRecordsFolder();
 
-    MainWindow window;
-    window.setWindowTitle(startup::windowTitle());
-    splash.finish(&window);
-    return window.isClosed() ? 0 : QApplication::exec();
+    const int exitCode = runWindow(splash);
+    startup::endInSpiteOfTasks(exitCode);
+    return exitCode;
 }

@@ -7,6 +7,7 @@
 #include "toolkit/file_utilities.h"
 #include "toolkit/new_version_button.h"
 #include "toolkit/property_list_control.h"
+#include "trackers/eyetech/eyetech_grabber.h"
 #include "trackers/gazepoint/gaze_point.h"
 #include "views/eyetracker_connected_widget.h"
 #include "views/eyetracker_sample_viewer.h"
@@ -62,6 +63,7 @@ void MainWindow::buildSettings() {
 }
 
 void MainWindow::buildTrackers() {
+    addTracker(new EyetechGrabber(dataFolder_, this));
     addTracker(new GazePoint(dataFolder_, this));
 }
 

@@ -8,7 +8,9 @@
 #include <QFontDatabase>
 #include <QIcon>
 #include <QStandardPaths>
+#include <QThreadPool>
 #include <cstdio>
+#include <cstdlib>
 
 namespace {
 
@@ -16,6 +18,9 @@ constexpr char applicationName[] = "Ocela";
 
 /// The splash image is drawn twice as large as it is shown, for screens that are scaled.
 constexpr qreal splashPixelRatio = 2.0;
+
+/// For tasks that are about to end by themselves.
+constexpr int patienceWithTasksMs = 300;
 
 bool isAlreadyRunning() {
     const QString executable = AppHelper::executableName(applicationName);
@@ -92,4 +97,9 @@ void startup::createRecordsFolder() {
 
 QString startup::windowTitle() {
     return QCoreApplication::translate("MainWindow", "Ocela") + ' ' + QApplication::applicationVersion();
+}
+
+void startup::endInSpiteOfTasks(int exitCode) {
+    if (!QThreadPool::globalInstance()->waitForDone(patienceWithTasksMs))
+        std::_Exit(exitCode);
 }

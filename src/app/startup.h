@@ -2,7 +2,7 @@
 
 #include <QPixmap>
 
-/// The steps that main() takes before there is a window, in the order of their use. GUI thread only.
+/// The steps that main() takes around the life of the window, in the order of their use. GUI thread only.
 namespace startup {
 
 /// Whether windows can be shown; if not, the console has been told why.
@@ -27,5 +27,10 @@ void createRecordsFolder();
 
 /// Title of the main window.
 [[nodiscard]] QString windowTitle();
+
+/// When the window is gone and everything is saved: ends the program at once, with this exit code, if a call into a
+/// vendor's library still holds a thread of the global pool. Left to itself the application object would wait for it,
+/// and such a call may take 10 s.
+void endInSpiteOfTasks(int exitCode);
 
 }  // namespace startup
