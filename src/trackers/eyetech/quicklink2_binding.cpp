@@ -24,21 +24,20 @@ enum Index {
 #undef OCELA_INDEX
 };
 
-QLibrary &library() {
-    static QLibrary library(QStringLiteral("QuickLink2"));
-    return library;
-}
+/// Null while nothing is loaded.
+QLibrary *library = nullptr;
 
-/// Null while no library is loaded, whatever stands in the table.
+/// Null without a library, whatever stands in the table.
 QFunctionPointer loadedFunction(Index index) {
-    return library().isLoaded() ? entryPoints[index].function : nullptr;
+    return library ? entryPoints[index].function : nullptr;
 }
 
 void unload() {
-    if (!library().isLoaded())
+    if (!library)
         return;
     quicklink2::QLDevice_Stop_All();
-    library().unload();
+    library->unload();
+    library = nullptr;
 }
 
 }  // namespace
@@ -55,10 +54,12 @@ bool loadQuickLink2(const QString &path) {
     unload();
     if (!path.isEmpty() && !QLibrary(path).load())
         return false;
-    if (!library().load())
+    static QLibrary quickLink2(QStringLiteral("QuickLink2"));
+    if (!quickLink2.load())
         return false;
+    library = &quickLink2;
     for (EntryPoint &entry : entryPoints)
-        entry.function = library().resolve(entry.name);
+        entry.function = library->resolve(entry.name);
     const bool complete = std::all_of(std::begin(entryPoints), std::end(entryPoints),
                                       [](const EntryPoint &entry) { return entry.function != nullptr; });
     if (!complete)

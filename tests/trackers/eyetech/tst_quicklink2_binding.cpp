@@ -1,0 +1,162 @@
+#include "support/test_main.h"
+#include "trackers/eyetech/quicklink2_binding.h"
+#include "trackers/eyetech/script.h"
+#include "trackers/eyetech/select_device.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+/// While it lives, a file descriptor of this process stands for another one.
+class Redirected {
+public:
+    Redirected(int descriptor, int target) : descriptor_(descriptor), kept_(dup(descriptor)) {
+        dup2(target, descriptor);
+    }
+    ~Redirected() {
+        dup2(kept_, descriptor_);
+        ::close(kept_);
+    }
+    Redirected(const Redirected &) = delete;
+    Redirected &operator=(const Redirected &) = delete;
+
+private:
+    int descriptor_;
+    int kept_;
+};
+
+}  // namespace
+
+class TestQuickLink2Binding : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void calls_go_through_while_the_library_is_loaded();
+    void chooses_a_device_data();
+    void chooses_a_device();
+    void asks_once_where_nobody_can_answer();
+    void nobody_reading_the_output_holds_nothing_up();
+
+private:
+    /// What selectDevice() returns, with `input` typed; what it prints is in `printed_`.
+    int select(const QByteArray &input);
+    void attach(int result, const QList<int> &devices);
+
+    Script *script_ = nullptr;
+    QTemporaryDir folder_;
+    QByteArray printed_;
+};
+
+void TestQuickLink2Binding::init() {
+    script_ = &freshScript();
+    QVERIFY(loadQuickLink2());
+}
+
+void TestQuickLink2Binding::attach(int result, const QList<int> &devices) {
+    script_->QLDevice_Enumerate = [=](int *count, int *ids) {
+        *count = devices.size();
+        std::copy(devices.begin(), devices.end(), ids);
+        return result;
+    };
+    script_->QLDevice_GetInfo = [](int device, QLDeviceInfo *info) {
+        qstrcpy(info->modelName, "TM");
+        std::fill_n(info->serialNumber, sizeof info->serialNumber, static_cast<char>('0' + device));  // without an end
+        return 0;
+    };
+    script_->QLSettings_Create = [](int, int *settings) { return *settings = 42, 0; };
+}
+
+int TestQuickLink2Binding::select(const QByteArray &input) {
+    QFile in(folder_.filePath("in"));
+    QFile out(folder_.filePath("out"));
+    if (!in.open(QIODevice::ReadWrite | QIODevice::Truncate) || !out.open(QIODevice::ReadWrite | QIODevice::Truncate))
+        qFatal("no files for the streams");
+    in.write(input);
+    in.seek(0);
+    int device = 0;
+    {
+        const Redirected typed(STDIN_FILENO, in.handle());
+        const Redirected shown(STDOUT_FILENO, out.handle());
+        device = selectDevice("QL2Settings.txt");
+    }
+    out.seek(0);
+    printed_ = out.readAll();
+    return device;
+}
+
+void TestQuickLink2Binding::calls_go_through_while_the_library_is_loaded() {
+    script_->QLCalibration_AddBias = [](int, int eye, float x, float) { return eye + static_cast<int>(x); };
+    QCOMPARE(quicklink2::QLCalibration_AddBias(1, 20, 300.0F, 4.0F), 320);
+    (void)script_->takeCalls();
+    QVERIFY(loadQuickLink2());
+    QCOMPARE(script_->takeCalls(), QList<QByteArray>{"QLDevice_Stop_All"});
+    QVERIFY(!loadQuickLink2("/nonexistent/libQuickLink2.so"));
+    QCOMPARE(quicklink2::QLCalibration_AddBias(1, 20, 300.0F, 4.0F), ql_not_loaded);
+}
+
+void TestQuickLink2Binding::chooses_a_device_data() {
+    QTest::addColumn<int>("result");
+    QTest::addColumn<QList<int>>("devices");
+    QTest::addColumn<QByteArray>("input");
+    QTest::addColumn<int>("chosen");
+    QTest::addColumn<QByteArray>("printed");
+    const QByteArray question =
+        "QLDevice_Enumerate() found 2 devices\n\nDevice 0\n\tdeviceInfo.modelName = TM\n"
+        "\tdeviceInfo.serialNumber = " +
+        QByteArray(64, '5') +
+        "\n\nDevice 1\n"
+        "\tdeviceInfo.modelName = TM\n\tdeviceInfo.serialNumber = " +
+        QByteArray(64, '7') + "\n\nWhich device would you like to use? ";
+    const QList<int> two{5, 7};
+    QTest::newRow("enumeration fails") << 3 << two << QByteArray() << 0
+                                       << QByteArray("QLDevice_Enumerate() failed with error code 3\n");
+    QTest::newRow("none attached") << 0 << QList<int>() << QByteArray() << 0 << QByteArray("No devices present.\n");
+    QTest::newRow("one is taken unasked") << 0 << QList<int>{5} << QByteArray() << 5 << QByteArray();
+    QTest::newRow("the second of two") << 0 << two << QByteArray("1\n") << 7 << question;
+    QTest::newRow("not so many") << 0 << two << QByteArray("2") << 0 << question + "Invalid device: 2.\n\n";
+    QTest::newRow("a letter") << 0 << two << QByteArray("a") << 0 << question + "Invalid device: 49.\n\n";
+    QTest::newRow("end of input") << 0 << two << QByteArray() << 0 << question + "Invalid device: -49.\n\n";
+}
+
+void TestQuickLink2Binding::chooses_a_device() {
+    QFETCH(const int, result);
+    QFETCH(const QList<int>, devices);
+    QFETCH(const QByteArray, input);
+    QFETCH(const int, chosen);
+    attach(result, devices);
+    QList<int> given;
+    script_->QLDevice_ImportSettings = [&](int device, int settings) { return given << device << settings, 0; };
+    QCOMPARE(select(input), chosen);
+    QTEST(printed_, "printed");
+    QCOMPARE(given, chosen == 0 ? QList<int>() : (QList<int>{chosen, 42}));
+}
+
+void TestQuickLink2Binding::asks_once_where_nobody_can_answer() {
+    attach(0, {1, 2, 3});
+    QCOMPARE(select(QByteArray()), 0);
+    QCOMPARE(select("1"), 0);
+    QCOMPARE(printed_, QByteArray());
+    attach(0, {1, 2});
+    QCOMPARE(select("1"), 2);
+}
+
+void TestQuickLink2Binding::nobody_reading_the_output_holds_nothing_up() {
+    int ends[2];
+    QCOMPARE(pipe(ends), 0);
+    attach(3, {});
+    {
+        const Redirected full(STDOUT_FILENO, ends[1]);
+        for (int i = 0; i < 10000; ++i)
+            QCOMPARE(selectDevice(""), 0);
+    }
+    ::close(ends[0]);
+    ::close(ends[1]);
+}
+
+OCELA_TEST(TestQuickLink2Binding)
+#include "tst_quicklink2_binding.moc"
