@@ -2,6 +2,17 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en_US" sourcelanguage="en_US">
 <context>
+    <name>CalibrationWidget</name>
+    <message>
+        <source>Нажмите ESC для выхода</source>
+        <translation>Press ESC to exit</translation>
+    </message>
+    <message>
+        <source>Нажмите Пробел для начала калибровки</source>
+        <translation>Press Space to start the calibration</translation>
+    </message>
+</context>
+<context>
     <name>EyetechCalibrationWidget</name>
     <message>
         <source>Save</source>

@@ -2,6 +2,17 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="ru_RU" sourcelanguage="en_US">
 <context>
+    <name>CalibrationWidget</name>
+    <message>
+        <source>Нажмите ESC для выхода</source>
+        <translation>Нажмите ESC для выхода</translation>
+    </message>
+    <message>
+        <source>Нажмите Пробел для начала калибровки</source>
+        <translation>Нажмите Пробел для начала калибровки</translation>
+    </message>
+</context>
+<context>
     <name>EyetechCalibrationWidget</name>
     <message>
         <source>Save</source>

@@ -19,6 +19,9 @@ using PointCallback = void (*)(int first, int second, void *context);
 /// The coefficients of a calibration, opaque.
 constexpr std::size_t coefficientBytes = 1024;
 
+/// What every call returns when the library, or an entry of it, is missing.
+constexpr int notAvailable = -1;
+
 /// Where the fields of a gaze record stand: bytes from its start, little-endian. Gaze is in fractions of the
 /// calibrated area, eye positions in fractions of the camera image; two coordinates stand side by side, x first.
 namespace gaze_record {
@@ -63,7 +66,7 @@ constexpr std::size_t bytes = 1272;          ///< at least
 namespace asee {
 
 /// One function per entry point, under its name. The first call looks for the library; if it or an entry of it is
-/// missing, every call returns -1, and the log has said once what is missing. Callable from any thread.
+/// missing, every call returns `notAvailable`, and the log has said once what is missing. Callable from any thread.
 #define OCELA_DECLARE(name, parameters, arguments) int name parameters;
 OCELA_ASEE_FUNCTIONS(OCELA_DECLARE)
 #undef OCELA_DECLARE

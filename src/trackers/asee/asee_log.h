@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QLoggingCategory>
+
+/// Log lines about aSee Pro trackers: "ocela.asee".
+Q_DECLARE_LOGGING_CATEGORY(lcAsee)
+
+/// A debug line for each sample, "ocela.asee.samples"; off unless QT_LOGGING_RULES asks for it, as each costs more than
+/// the sample itself.
+Q_DECLARE_LOGGING_CATEGORY(lcAseeSamples)
