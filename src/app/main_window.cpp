@@ -7,6 +7,7 @@
 #include "toolkit/file_utilities.h"
 #include "toolkit/new_version_button.h"
 #include "toolkit/property_list_control.h"
+#include "trackers/asee/asee_pro.h"
 #include "trackers/eyetech/eyetech_grabber.h"
 #include "trackers/gazepoint/gaze_point.h"
 #include "views/eyetracker_connected_widget.h"
@@ -65,6 +66,7 @@ void MainWindow::buildSettings() {
 void MainWindow::buildTrackers() {
     addTracker(new EyetechGrabber(dataFolder_, this));
     addTracker(new GazePoint(dataFolder_, this));
+    addTracker(new aSeePro(dataFolder_, this));
 }
 
 void MainWindow::addTracker(EyetrackerInterface *tracker) {
