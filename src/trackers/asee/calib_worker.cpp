@@ -54,10 +54,22 @@ std::atomic<bool> CalibWorker::isBusy_{false};
 CalibWorker::CalibWorker(std::shared_ptr<CalibrationGate> gate, CalibrationPace pace)
     : gate_(std::move(gate)), pace_(pace) {}
 
-/// Has the screen change as soon as its thread gets to it; false when the screen is gone.
+/// False when the screen is gone; another one may stand at its address.
+template <typename Use>
+bool CalibWorker::withScreen(Use use) const {
+    bool isThere = false;
+    LiveObjects<CalibrationWidget>::with(screen_, [&](CalibrationWidget &screen) {
+        isThere = screen.isRunBy(this);
+        if (isThere)
+            use(screen);
+    });
+    return isThere;
+}
+
+/// Has the screen change as soon as its thread gets to it.
 template <typename Change>
 bool CalibWorker::show(Change change) const {
-    return LiveObjects<CalibrationWidget>::with(screen_, [change](CalibrationWidget &screen) {
+    return withScreen([change](CalibrationWidget &screen) {
         QMetaObject::invokeMethod(
             &screen, [&screen, change] { change(screen); }, Qt::QueuedConnection);
     });
@@ -67,7 +79,7 @@ void CalibWorker::process(CalibrationWidget *calibUI) {
     isBusy_ = true;
     const auto atEnd = qScopeGuard([] { isBusy_ = false; });
     screen_ = calibUI;
-    LiveObjects<CalibrationWidget>::with(screen_, [this](CalibrationWidget &ui) { dataFolder_ = ui.dataFolder(); });
+    withScreen([this](CalibrationWidget &ui) { dataFolder_ = ui.dataFolder(); });
 
     show([](CalibrationWidget &ui) { ui.showCalibration(); });
     printed("_7i_start_calibration", asee::_7i_start_calibration(pointCount));
@@ -105,8 +117,7 @@ bool CalibWorker::movePoint() {
     bool goesOn = true;
     for (float value = 0.01F; goesOn && static_cast<double>(value) < 0.3;
          value = static_cast<float>(static_cast<double>(value) + 0.01)) {
-        LiveObjects<CalibrationWidget>::with(
-            screen_, [value](CalibrationWidget &ui) { Q_EMIT ui.signal_calib_move_point(value); });
+        withScreen([value](CalibrationWidget &ui) { Q_EMIT ui.signal_calib_move_point(value); });
         goesOn = gate_->pause(pace_.moveStep);
     }
     return goesOn;

@@ -46,6 +46,8 @@ private:
     void cancel();
     void compute();
     void apply(const Coefficients &coefficients);
+    template <typename Use>
+    bool withScreen(Use use) const;
     template <typename Change>
     bool show(Change change) const;
 

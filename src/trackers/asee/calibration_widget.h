@@ -34,6 +34,8 @@ public:
     /// Whether the live gaze point is drawn.
     void setShowGaze(bool on);
 
+    [[nodiscard]] bool isRunBy(const CalibWorker *worker) const { return worker == worker_; }
+
     // What the worker has shown.
     void showCalibration();
     void showPoint(FractionPoint point, FractionPoint next);

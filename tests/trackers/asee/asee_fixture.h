@@ -1,0 +1,67 @@
+#pragma once
+
+#include "scripted_asee.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QMessageBox>
+#include <QStringList>
+#include <QTimer>
+#include <array>
+#include <cstring>
+
+/// A gaze record of which a test sets the fields it is about.
+class TestRecord {
+public:
+    template <typename T>
+    TestRecord &set(std::size_t offset, T value) {
+        std::memcpy(bytes_.data() + offset, &value, sizeof value);
+        return *this;
+    }
+    TestRecord &setPoint(std::size_t offset, float x, float y) { return set(offset, x).set(offset + sizeof x, y); }
+    [[nodiscard]] const void *data() const { return bytes_.data(); }
+
+private:
+    std::array<char, asee::gaze_record::bytes> bytes_{};
+};
+
+inline ScriptedAsee &library() {
+    return ScriptedAsee::instance();
+}
+
+inline QStringList takeCalls() {
+    QStringList calls;
+    for (const std::string &call : library().takeCalls())
+        calls << QString::fromStdString(call);
+    return calls;
+}
+
+inline QByteArray contentOf(const QString &path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+inline void write(const QString &path, const QByteArray &content) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("cannot write %s", qPrintable(path));
+}
+
+/// Answers message boxes while it lives, and keeps what they said.
+class BoxReader {
+public:
+    BoxReader() {
+        QObject::connect(&timer_, &QTimer::timeout, [this] {
+            if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+                texts << box->windowTitle() << box->text();
+                box->accept();
+            }
+        });
+        timer_.start(10);
+    }
+
+    QStringList texts;
+
+private:
+    QTimer timer_;
+};
