@@ -5,10 +5,12 @@
 #include <QDir>
 #include <QFile>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QTabWidget>
 #include <QTest>
+#include <QTimer>
 
 /// The window in the test's own process; what a user sees of it is the system tests' business.
 class TestMainWindow : public QObject {
@@ -20,6 +22,7 @@ private Q_SLOTS:
 
     void first_tracker_is_selected_and_stored_data();
     void first_tracker_is_selected_and_stored();
+    void tracker_whose_library_is_absent_says_so_and_stays_chosen();
     void language_switches_at_once_in_both_directions();
     void changing_autorun_registers_the_program();
 };
@@ -75,6 +78,21 @@ void TestMainWindow::first_tracker_is_selected_and_stored() {
     QVERIFY(QDir(Settings::dataFolder()).exists());
     QCOMPARE(trackersOf(window).currentIndex(), 0);
     QVERIFY(storedText().contains(trackersOf(window).itemText(0)));
+}
+
+void TestMainWindow::tracker_whose_library_is_absent_says_so_and_stays_chosen() {
+    store("SelectedTracker", "aSee Pro");
+    QStringList box;
+    QTimer::singleShot(0, [&] {
+        auto *shown = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        QVERIFY(shown);
+        box << shown->windowTitle() << shown->text();
+        shown->accept();
+    });
+    MainWindow window;
+    QCOMPARE(box, QStringList({"others error!!!", "code: -1"}));
+    QCOMPARE(trackersOf(window).currentText(), QString("aSee Pro"));
+    QVERIFY(storedText().contains("aSee Pro"));
 }
 
 void TestMainWindow::language_switches_at_once_in_both_directions() {
