@@ -11,6 +11,10 @@
         <source>Нажмите Пробел для начала калибровки</source>
         <translation>Press Space to start the calibration</translation>
     </message>
+    <message>
+        <source>Calibration</source>
+        <translation>Calibration</translation>
+    </message>
 </context>
 <context>
     <name>EyetechCalibrationWidget</name>

@@ -11,6 +11,10 @@
         <source>Нажмите Пробел для начала калибровки</source>
         <translation>Нажмите Пробел для начала калибровки</translation>
     </message>
+    <message>
+        <source>Calibration</source>
+        <translation>Калибровка</translation>
+    </message>
 </context>
 <context>
     <name>EyetechCalibrationWidget</name>

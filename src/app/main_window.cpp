@@ -109,6 +109,7 @@ QWidget *MainWindow::buildMainPage() {
     trackerCombo_->setObjectName("trackers");
     viewStack_ = new QStackedWidget;
     viewStack_->setObjectName("views");
+    viewStack_->hide();
     for (const Tracker &entry : trackers_) {
         trackerCombo_->addItem(entry.tracker->name());
         viewStack_->addWidget(entry.view ? entry.view : new QLabel);
@@ -192,6 +193,8 @@ void MainWindow::showView(int index) {
     viewStack_->setVisible(hasView);
     mainGrid_->setRowStretch(2, hasView ? 1 : 0);
     mainGrid_->setRowStretch(3, hasView ? 0 : 1);
+    if (hasView)
+        resize(size().expandedTo(sizeHint()));
 }
 
 bool MainWindow::hidesIntoTray() const {

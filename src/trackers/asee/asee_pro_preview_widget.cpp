@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr QSize usualSize(400, 320);
+
 QImage blackImage() {
     QImage image(100, 80, QImage::Format_Indexed8);
     image.setColorTable({qRgb(0, 0, 0)});
@@ -28,6 +30,10 @@ aSeeProPreviewWidget::aSeeProPreviewWidget(aSeePro *tracker, QWidget *parent) : 
 
 aSeeProPreviewWidget::~aSeeProPreviewWidget() {
     setPreviewEnabled(false);
+}
+
+QSize aSeeProPreviewWidget::sizeHint() const {
+    return usualSize;
 }
 
 void aSeeProPreviewWidget::setPreviewEnabled(bool on) {

@@ -19,6 +19,8 @@ public:
     explicit aSeeProPreviewWidget(aSeePro *tracker, QWidget *parent = nullptr);
     ~aSeeProPreviewWidget() override;
 
+    [[nodiscard]] QSize sizeHint() const override;
+
 protected:
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;

@@ -37,6 +37,7 @@ CalibrationWidget::CalibrationWidget(QWidget *parent, CalibrationPace pace)
       worker_(new CalibWorker(gate_, pace)) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setCursor(Qt::BlankCursor);
+    setWindowTitle(tr("Calibration"));
     worker_->moveToThread(workerThread_);
     connectSignals();
     LiveObjects<CalibrationWidget>::add(this);
