@@ -1,7 +1,10 @@
-// The least that a Qt program needs to show a window: what Ocela's start is compared with.
+// The least that a Qt program needs to show a window: what Ocela's start is compared with. With an argument it has a
+// timer of so many milliseconds, too, which does nothing.
 
 #include <QApplication>
 #include <QMainWindow>
+#include <QTimer>
+#include <cstdlib>
 
 int main(int argc, char *argv[]) {
     const QApplication application(argc, argv);
@@ -9,5 +12,9 @@ int main(int argc, char *argv[]) {
     window.setWindowTitle("Baseline");
     window.resize(640, 480);
     window.show();
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, &window, [] {});
+    if (argc > 1)
+        timer.start(std::atoi(argv[1]));
     return QApplication::exec();
 }
