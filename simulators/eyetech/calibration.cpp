@@ -24,10 +24,12 @@ std::vector<QLTarget> corners() {
 
 std::vector<QLTarget> grid(int side) {
     std::vector<QLTarget> targets;
-    for (int i = 0; i < side * side; ++i) {
-        const float step = kExtent / static_cast<float>(side - 1);
-        targets.push_back(
-            {i + 1, kEdge + step * static_cast<float>(i % side), kEdge + step * static_cast<float>(i / side)});
+    const float step = kExtent / static_cast<float>(side - 1);
+    for (int row = 0; row < side; ++row) {
+        for (int column = 0; column < side; ++column) {
+            const int id = row * side + column + 1;
+            targets.push_back({id, kEdge + step * static_cast<float>(column), kEdge + step * static_cast<float>(row)});
+        }
     }
     return targets;
 }

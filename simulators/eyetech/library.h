@@ -49,6 +49,8 @@ private:
     int setValue(int settings, const char *name, const QVariant &value);
     template <typename T>
     int getValue(int settings, const char *name, T *value);
+    template <typename T>
+    int getBytes(int settings, const char *name, int size, void *value);
     int findValue(int settings, const char *name, QVariant *value);
     Settings *container(int settings);
     static int transfer(const Settings *from, Settings *to);

@@ -163,6 +163,11 @@ int Library::getValue(int settings, const char *name, T *value) {
     return Ok;
 }
 
+template <typename T>
+int Library::getBytes(int settings, const char *name, int size, void *value) {
+    return size < static_cast<int>(sizeof(T)) ? BufferTooSmall : getValue(settings, name, static_cast<T *>(value));
+}
+
 #define OCELA_ACCESSORS(type_name, type)                                                       \
     int Library::QLSettings_SetValue##type_name(int settings, const char *name, type value) {  \
         return setValue(settings, name, stored(value));                                        \
@@ -205,9 +210,9 @@ int Library::QLSettings_SetValue(int settings, const char *name, int type, const
     if (value == nullptr)
         return BadArgument;
     switch (type) {
-#define OCELA_CASE(type_name, type_) \
-    case type_name##Type:            \
-        return QLSettings_SetValue##type_name(settings, name, readAs<type_>(value));
+#define OCELA_CASE(type_name, type) \
+    case type_name##Type:           \
+        return QLSettings_SetValue##type_name(settings, name, readAs<type>(value));
         OCELA_SETTING_TYPES(OCELA_CASE)
 #undef OCELA_CASE
         case StringType:
@@ -219,11 +224,9 @@ int Library::QLSettings_SetValue(int settings, const char *name, int type, const
 
 int Library::QLSettings_GetValue(int settings, const char *name, int type, int size, void *value) {
     switch (type) {
-#define OCELA_CASE(type_name, type_)                  \
-    case type_name##Type:                             \
-        return size < static_cast<int>(sizeof(type_)) \
-                   ? BufferTooSmall                   \
-                   : QLSettings_GetValue##type_name(settings, name, static_cast<type_ *>(value));
+#define OCELA_CASE(type_name, type) \
+    case type_name##Type:           \
+        return getBytes<type>(settings, name, size, value);
         OCELA_SETTING_TYPES(OCELA_CASE)
 #undef OCELA_CASE
         case StringType:

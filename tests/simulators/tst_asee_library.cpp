@@ -113,8 +113,8 @@ private:
 void TestAseeLibrary::initTestCase() {
     const ScopedVariables frequentBlinks("OCELA_SIM_BLINK_INTERVAL=0.3");
     QLibrary library(OCELA_ASEE_LIBRARY);
-#define OCELA_RESOLVE(name, parameters, arguments)                      \
-    name = reinterpret_cast<int(*) parameters>(library.resolve(#name)); \
+#define OCELA_RESOLVE(name, parameters, arguments)                   \
+    name = reinterpret_cast<decltype(name)>(library.resolve(#name)); \
     QVERIFY2(name != nullptr, #name);
     OCELA_ASEE_FUNCTIONS(OCELA_RESOLVE)
     QCOMPARE(_7i_stop(), 0);  // the first call: the simulated person is born

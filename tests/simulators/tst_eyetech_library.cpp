@@ -71,10 +71,10 @@ void TestEyetechLibrary::initTestCase() {
     const ScopedVariables frequentBlinks("OCELA_SIM_BLINK_INTERVAL=0.5");
     QLibrary library(OCELA_EYETECH_LIBRARY), incomplete(OCELA_INCOMPLETE_EYETECH_LIBRARY);
     QStringList missing;
-#define OCELA_RESOLVE(name, parameters, arguments)                      \
-    name = reinterpret_cast<int(*) parameters>(library.resolve(#name)); \
-    QVERIFY2(name != nullptr, #name);                                   \
-    if (incomplete.resolve(#name) == nullptr)                           \
+#define OCELA_RESOLVE(name, parameters, arguments)                   \
+    name = reinterpret_cast<decltype(name)>(library.resolve(#name)); \
+    QVERIFY2(name != nullptr, #name);                                \
+    if (incomplete.resolve(#name) == nullptr)                        \
         missing << #name;
     OCELA_QUICKLINK2_FUNCTIONS(OCELA_RESOLVE)
     QCOMPARE(missing, QStringList("QLCalibration_AddBias"));
