@@ -19,9 +19,11 @@ bool write(const QString &path, const QByteArray &contents) {
 
 }  // namespace
 
-Home::Home() {
+Home::Home(const QString &tracker) {
     QVERIFY(write(folder_.filePath("config/user-dirs.dirs"), "XDG_DOCUMENTS_DIR=\"$HOME/Documents\"\n"));
     QVERIFY(QDir().mkpath(folder_.filePath("Documents")));
+    if (!tracker.isEmpty())
+        writeSettings({{"SelectedTracker", tracker}});
 }
 
 QProcessEnvironment Home::environment() const {

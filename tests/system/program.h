@@ -9,7 +9,8 @@
 /// The private home of a person who runs the program: folders for documents and settings of its own.
 class Home {
 public:
-    Home();
+    /// `tracker` is the person's choice; without one it is the program's, as on a first start.
+    explicit Home(const QString &tracker = "gazepoint");
 
     [[nodiscard]] QProcessEnvironment environment() const;
     [[nodiscard]] QString recordsFolder() const { return folder_.filePath("Documents/Ocela"); }
