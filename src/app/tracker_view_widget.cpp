@@ -34,6 +34,13 @@ QPoint desktopPosition(const EyeTrackingSample &sample, EyetrackerInterface::Pix
     return position / screen->devicePixelRatio();
 }
 
+/// On the thread that delivers the sample. The cursor belongs to the GUI thread: a sample from there moves it at once,
+/// any other a moment later.
+void followGaze(const EyeTrackingSample &sample, EyetrackerInterface::PixelUnit unit) {
+    if (sample.valid)
+        QMetaObject::invokeMethod(qApp, [sample, unit] { QCursor::setPos(desktopPosition(sample, unit)); });
+}
+
 }  // namespace
 
 TrackerViewWidget::TrackerViewWidget(QWidget *parent) : BaseEyetrackerWidget(parent) {
@@ -90,7 +97,7 @@ void TrackerViewWidget::buildCursorControl() {
     GlobalKeyboard::Install();
     connect(GlobalKeyboard::Instance(), &GlobalKeyboard::keyPressed, this, [this](Qt::Key key) {
         if (key == Qt::Key_F10)
-            setControlCursor(!controlCursor_);
+            setControlCursor(!*controlCursor_);
     });
 }
 
@@ -138,8 +145,9 @@ void TrackerViewWidget::eyetrackerChanged() {
                         Qt::DirectConnection)
                  << connect(
                         tracker, &EyetrackerInterface::newSample, tracker,
-                        [this, unit = tracker->pixelUnit()](const EyeTrackingSample &sample) {
-                            followGaze(sample, unit);
+                        [controlCursor = controlCursor_, unit = tracker->pixelUnit()](const EyeTrackingSample &sample) {
+                            if (*controlCursor)
+                                followGaze(sample, unit);
                         },
                         Qt::DirectConnection);
     showRecording(tracker->isRecording());
@@ -157,14 +165,7 @@ void TrackerViewWidget::showRecording(bool recording) {
 }
 
 void TrackerViewWidget::setControlCursor(bool on) {
-    controlCursor_ = on;
+    *controlCursor_ = on;
     const QSignalBlocker blocker(cursorCheckBox_);
     cursorCheckBox_->setChecked(on);
-}
-
-void TrackerViewWidget::followGaze(const EyeTrackingSample &sample, EyetrackerInterface::PixelUnit unit) {
-    if (!controlCursor_ || !sample.valid)
-        return;
-    // The cursor belongs to the GUI thread; a sample from there moves it at once, any other a moment later.
-    QMetaObject::invokeMethod(this, [sample, unit] { QCursor::setPos(desktopPosition(sample, unit)); });
 }

@@ -5,6 +5,7 @@
 
 #include <QSize>
 #include <atomic>
+#include <memory>
 #include <vector>
 
 class QCheckBox;
@@ -36,9 +37,9 @@ private:
 
     void showRecording(bool recording);
     void setControlCursor(bool on);
-    void followGaze(const EyeTrackingSample &sample, EyetrackerInterface::PixelUnit unit);
 
-    std::atomic<bool> controlCursor_{false};
+    /// Shared with the slot that takes the samples: a device's thread may be in it while this widget goes.
+    const std::shared_ptr<std::atomic<bool>> controlCursor_ = std::make_shared<std::atomic<bool>>(false);
     QPushButton *calibrateButton_ = nullptr;
     // Starting and stopping the tracker is the main window's business: these two are wired but never shown.
     QPushButton *startButton_ = nullptr;
