@@ -1,0 +1,252 @@
+#include "support/test_main.h"
+#include "system/desktop.h"
+#include "system/expected_row.h"
+#include "system/patience.h"
+#include "system/program.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QTest>
+
+namespace {
+
+constexpr QRgb green = 0xff33cc00;
+constexpr QRgb red = 0xffcc3300;
+constexpr QRgb gazeDot = 0xff00ff00;
+constexpr QRgb targetDot = 0xff00f400;
+constexpr QRgb eyeCircle = 0xffff8000;
+
+int count(QRgb colour, const QImage &picture) {
+    int pixels = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x)
+            pixels += picture.pixel(x, y) == colour ? 1 : 0;
+    }
+    return pixels;
+}
+
+/// Whether a camera image is to be seen, which nothing else in the window is as large and as grey as.
+bool showsCamera(const QImage &window) {
+    constexpr int leastPixels = 20000;
+    int pixels = 0;
+    for (int y = 0; y < window.height(); ++y) {
+        for (int x = 0; x < window.width(); ++x) {
+            const QColor colour = window.pixelColor(x, y);
+            pixels += colour.saturation() == 0 && colour.value() > 0x30 && colour.value() < 0xb0 ? 1 : 0;
+        }
+    }
+    return pixels >= leastPixels;
+}
+
+}  // namespace
+
+/// The program with the aSee Pro vendor's library, which a simulated one stands in for.
+class TestAseeProSession : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void calibrates_nine_points_and_records_the_gaze();
+    void lives_with_what_the_device_does_data();
+    void lives_with_what_the_device_does();
+    void calibration_that_waits_can_be_left_and_begun_again();
+    void program_can_be_closed_while_a_calibration_waits();
+
+private:
+    void set(const QString &variable, const QString &value);
+    void giveCoefficients();
+    void startCalibration();
+    void checkRecord();
+    [[nodiscard]] QString coefficientFile() const { return home_->dataFolder() + "/coefficient.dat"; }
+    [[nodiscard]] QByteArray screen() const { return program_->window("^Calibration$"); }
+    [[nodiscard]] bool calibrationShows(QRgb colour) const {
+        return count(colour, desktop::screenshot(screen().toUInt())) > 0;
+    }
+
+    std::unique_ptr<Home> home_;
+    std::unique_ptr<Program> program_;
+};
+
+void TestAseeProSession::init() {
+    home_ = std::make_unique<Home>();
+    program_ = std::make_unique<Program>(*home_);
+    home_->writeSettings({{"SelectedTracker", "aSee Pro"}, {"Language", "en_US"}});
+    set("LD_LIBRARY_PATH", OCELA_ASEE_LIBRARY_FOLDER);
+}
+
+void TestAseeProSession::cleanup() {
+    program_.reset();
+}
+
+void TestAseeProSession::set(const QString &variable, const QString &value) {
+    QProcessEnvironment environment = program_->process().processEnvironment();
+    environment.insert(variable, value);
+    program_->process().setProcessEnvironment(environment);
+}
+
+void TestAseeProSession::giveCoefficients() {
+    QVERIFY(QDir().mkpath(home_->dataFolder()));
+    QCOMPARE(QProcess::execute(OCELA_ASEE_COEFFICIENTS, {coefficientFile()}), 0);
+}
+
+void TestAseeProSession::startCalibration() {
+    QVERIFY(program_->startWindow());
+    QVERIFY(desktop::click("Calibrate"));
+    QTRY_VERIFY_WITH_TIMEOUT(!screen().isEmpty() && calibrationShows(eyeCircle), patienceMs);
+    desktop::press("space", screen());
+    QTRY_VERIFY_WITH_TIMEOUT(!calibrationShows(eyeCircle) && calibrationShows(targetDot), patienceMs);
+}
+
+void TestAseeProSession::checkRecord() {
+    const RecordFile record(home_->recordFile());
+    QVERIFY(record.rows.size() > 20);
+    int valid = 0;
+    for (const QStringList &row : record.rows) {
+        QCOMPARE(row.size(), 23);
+        QCOMPARE(row.mid(0, 2), QList<QString>({"0", "0"}));
+        if (row[2] != "1")
+            continue;
+        ++valid;
+        QCOMPARE(row[5].toInt(), static_cast<int>(1920 * row[3].toFloat() / 100));
+        QCOMPARE(row[6].toInt(), static_cast<int>(1080 * row[4].toFloat() / 100));
+        QVERIFY2(row[12].toFloat() + row[19].toFloat() > 1, qPrintable(row.join(',')));
+    }
+    QVERIFY(valid > record.rows.size() / 4);
+}
+
+void TestAseeProSession::calibrates_nine_points_and_records_the_gaze() {
+    home_->writeSettings({{"SelectedTracker", "gazepoint"}, {"Language", "en_US"}});
+    set("OCELA_SIM_ASEE_POINT_MS", "600");
+    QVERIFY(program_->startWindow());
+    QVERIFY(desktop::click("gazepoint"));
+    QVERIFY(desktop::click("aSee Pro"));
+    // Nobody has calibrated it yet, but its camera sees.
+    QTRY_VERIFY_WITH_TIMEOUT(showsCamera(program_->picture()), patienceMs);
+    QVERIFY(desktop::showsIndicator(red));
+
+    QVERIFY(desktop::click("Calibrate"));
+    QTRY_VERIFY_WITH_TIMEOUT(!screen().isEmpty() && calibrationShows(eyeCircle), patienceMs);
+    desktop::keep(desktop::screenshot(), "asee-calibration-intro");
+    desktop::press("space", screen());
+    QTRY_VERIFY_WITH_TIMEOUT(!calibrationShows(eyeCircle) && calibrationShows(targetDot), patienceMs);
+    desktop::keep(desktop::screenshot(), "asee-calibration-point");
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(coefficientFile()), patienceMs);
+    QImage gaze;
+    const auto showsGaze = [&] {
+        gaze = desktop::screenshot(screen().toUInt());
+        return count(gazeDot, gaze) > 0;
+    };
+    QVERIFY(QTest::qWaitFor(showsGaze, patienceMs));
+    desktop::keep(gaze, "asee-calibration-gaze");
+    desktop::press("Escape", screen());
+    QTRY_VERIFY_WITH_TIMEOUT(screen().isEmpty(), patienceMs);
+
+    // Chosen anew it is connected.
+    QVERIFY(desktop::click("aSee Pro"));
+    QVERIFY(desktop::click("gazepoint"));
+    QVERIFY(desktop::click("gazepoint"));
+    QVERIFY(desktop::click("aSee Pro"));
+    QTRY_VERIFY_WITH_TIMEOUT(desktop::showsIndicator(green) && showsCamera(program_->picture()), patienceMs);
+    desktop::keep(program_->picture(), "asee-window");
+    QVERIFY(desktop::click("Start record"));
+    QTest::qWait(1000);
+    QVERIFY(desktop::click("Stop record"));
+    QTRY_VERIFY_WITH_TIMEOUT(!home_->recordFile().isEmpty(), patienceMs);
+    checkRecord();
+
+    QCOMPARE(program_->close(), 0);
+    QCOMPARE(program_->complaints(), QStringList());
+    const QString log = program_->process().log();
+    QCOMPARE(log.count("_7i_start_calibration_point: 0 "), 9);
+    for (const char *line : {"_7i_compute_calibration: 0", "write coefficient file: 1024", "_7i_start_tracking: 0"})
+        QVERIFY2(log.contains(line), line);
+    QVERIFY(home_->readSettings().contains("aSee Pro"));
+}
+
+void TestAseeProSession::lives_with_what_the_device_does_data() {
+    QTest::addColumn<QString>("variable");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<bool>("connected");
+    QTest::addColumn<QString>("text");       // in the window
+    QTest::addColumn<QString>("complaint");  // in the log, once
+    const QString none;
+    QTest::newRow("cannot be reached") << "OCELA_SIM_ASEE_CONNECT_ERROR"
+                                       << "7" << false << "code: 7" << none;
+    QTest::newRow("does not start") << "OCELA_SIM_ASEE_START_ERROR"
+                                    << "3" << false << none << none;
+    QTest::newRow("refuses the coefficients") << "OCELA_SIM_ASEE_FAULT"
+                                              << "refuse-coefficients" << true << none << none;
+    QTest::newRow("sends nothing in place of images and records")
+        << "OCELA_SIM_ASEE_FAULT"
+        << "null-image,null-records" << true << "true" << none;
+    QTest::newRow("sends images that are too large") << "OCELA_SIM_ASEE_IMAGE"
+                                                     << "2000x1000" << true << "true"
+                                                     << "Camera images of 2000000 bytes are not shown";
+    QTest::newRow("lies about the size") << "OCELA_SIM_ASEE_TOLD_IMAGE"
+                                         << "2147483647x2147483647" << true << "true" << none;
+    QTest::newRow("says that an image has less than no bytes") << "OCELA_SIM_ASEE_TOLD_BYTES"
+                                                               << "-5" << true << "true" << none;
+    QTest::newRow("delivers 1000 times a second") << "OCELA_SIM_ASEE_RATE"
+                                                  << "1000" << true << "true" << none;
+    QTest::newRow("goes on when it is stopped") << "OCELA_SIM_ASEE_LATE_CALLBACKS_MS"
+                                                << "60000" << true << "true" << none;
+}
+
+void TestAseeProSession::lives_with_what_the_device_does() {
+    QFETCH(QString, text);
+    QFETCH(QString, complaint);
+    QFETCH(bool, connected);
+    QFETCH(QString, variable);
+    QFETCH(QString, value);
+    giveCoefficients();
+    set(variable, value);
+    program_->start();
+    if (!text.isEmpty())
+        QVERIFY(desktop::waitFor(text));
+    if (!connected && !text.isEmpty()) {
+        desktop::keep(desktop::screenshot(), "asee-connect-error");
+        desktop::press("Return", program_->window("^others error!!!$"));
+    }
+    QTRY_VERIFY_WITH_TIMEOUT(!program_->window().isEmpty(), patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(desktop::showsIndicator(connected ? green : red), patienceMs);
+    QTest::qWait(500);
+    QCOMPARE(program_->close(), 0);
+    const QStringList complaints = program_->complaints();
+    QCOMPARE(complaints.size(), complaint.isEmpty() ? 0 : 1);
+    QVERIFY(complaint.isEmpty() || complaints.first().contains(complaint));
+}
+
+void TestAseeProSession::calibration_that_waits_can_be_left_and_begun_again() {
+    set("OCELA_SIM_ASEE_FAULT", "endless-point");
+    startCalibration();
+    if (QTest::currentTestFailed())
+        return;
+    desktop::press("Escape", screen());
+    QTRY_VERIFY_WITH_TIMEOUT(screen().isEmpty(), patienceMs);
+    QVERIFY(desktop::click("Calibrate"));
+    QTRY_VERIFY_WITH_TIMEOUT(!screen().isEmpty() && calibrationShows(eyeCircle), patienceMs);
+    desktop::press("space", screen());
+    QTRY_VERIFY_WITH_TIMEOUT(!calibrationShows(eyeCircle) && calibrationShows(targetDot), patienceMs);
+    desktop::requestClose(screen().toUInt());
+    QTRY_VERIFY_WITH_TIMEOUT(screen().isEmpty(), patienceMs);
+    QVERIFY(!QFile::exists(coefficientFile()));
+    QCOMPARE(program_->close(), 0);
+    QCOMPARE(program_->complaints(), QStringList());
+    QCOMPARE(program_->process().log().count("_7i_cancel_calibration"), 2);
+}
+
+void TestAseeProSession::program_can_be_closed_while_a_calibration_waits() {
+    set("OCELA_SIM_ASEE_FAULT", "endless-point");
+    startCalibration();
+    if (QTest::currentTestFailed())
+        return;
+    QCOMPARE(program_->close(), 0);
+    QCOMPARE(program_->complaints(), QStringList());
+    QVERIFY(!QFile::exists(coefficientFile()));
+}
+
+OCELA_TEST(TestAseeProSession)
+#include "tst_asee_pro.moc"
