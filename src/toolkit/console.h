@@ -1,6 +1,6 @@
 #pragma once
 
-class QByteArray;
+#include <string_view>
 
 /// The standard streams of a program that has windows: nobody may be reading or writing at their other end.
 ///
@@ -12,7 +12,7 @@ namespace console {
 /// started the program has closed, or what is printed would go there.
 void prepare();
 
-void print(const QByteArray &text);
+void print(std::string_view text);
 
 /// Waits for one character of standard input, and drops what a person typed behind it. -1 at the end of the input,
 /// or where there is none.

@@ -1,6 +1,5 @@
 #include "toolkit/console.h"
 
-#include <QByteArray>
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -12,9 +11,8 @@
 
 namespace {
 
-/// The most that a pipe with room takes at once without waiting.
-constexpr int mostBytes = 512;
-static_assert(mostBytes <= PIPE_BUF);
+/// The most that a pipe with room takes at once without waiting, wherever.
+constexpr std::size_t mostBytes = _POSIX_PIPE_BUF;
 
 bool hasRoom(int stream) {
     pollfd state{stream, POLLOUT, 0};
@@ -33,13 +31,12 @@ void console::prepare() {
     std::signal(SIGPIPE, SIG_IGN);
 }
 
-void console::print(const QByteArray &text) {
-    for (int done = 0; done < text.size() && hasRoom(STDOUT_FILENO);) {
-        const auto written = write(STDOUT_FILENO, text.constData() + done,
-                                   static_cast<std::size_t>(std::min(text.size() - done, mostBytes)));
+void console::print(std::string_view text) {
+    while (!text.empty() && hasRoom(STDOUT_FILENO)) {
+        const ssize_t written = write(STDOUT_FILENO, text.data(), std::min(text.size(), mostBytes));
         if (written <= 0)
             return;
-        done += static_cast<int>(written);
+        text.remove_prefix(static_cast<std::size_t>(written));
     }
 }
 

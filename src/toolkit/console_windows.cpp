@@ -1,13 +1,12 @@
 #include "toolkit/console.h"
 
-#include <QByteArray>
 #include <cstdio>
 
 // A program with windows has no streams of its own there, and what is written to none is dropped.
 void console::prepare() {}
 
-void console::print(const QByteArray &text) {
-    std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stdout);
+void console::print(std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
     std::fflush(stdout);
 }
 

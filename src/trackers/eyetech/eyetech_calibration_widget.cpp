@@ -42,7 +42,7 @@ constexpr int left_eye = 0;
 constexpr int right_eye = 1;
 
 void print(const char *format, int value) {
-    console::print(QString::asprintf(format, value).toUtf8());
+    console::print(QString::asprintf(format, value).toStdString());
 }
 
 /// Handles what is pending, for so long at most. Returns at once when nothing is: that is intended, it makes the pace

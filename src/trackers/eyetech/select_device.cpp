@@ -4,8 +4,9 @@
 #include "trackers/eyetech/quicklink2_binding.h"
 
 #include <QByteArray>
-#include <QString>
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <vector>
 
 namespace {
@@ -22,7 +23,10 @@ Devices &unanswered() {
 
 template <typename... Values>
 void print(const char *format, Values... values) {
-    console::print(QString::asprintf(format, values...).toUtf8());
+    // Printed 100 times a second while there is no library: no QString on the way.
+    std::array<char, 256> text{};
+    std::snprintf(text.data(), text.size(), format, values...);
+    console::print(text.data());
 }
 
 /// Empty, and the console told why, when there are none.
