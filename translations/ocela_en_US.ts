@@ -26,6 +26,10 @@
         <source>Recalibrate</source>
         <translation>Recalibrate</translation>
     </message>
+    <message>
+        <source>Calibration</source>
+        <translation>Calibration</translation>
+    </message>
 </context>
 <context>
     <name>EyetrackerConnectedWidget</name>

@@ -26,6 +26,10 @@
         <source>Recalibrate</source>
         <translation>Повторить</translation>
     </message>
+    <message>
+        <source>Calibration</source>
+        <translation>Калибровка</translation>
+    </message>
 </context>
 <context>
     <name>EyetrackerConnectedWidget</name>

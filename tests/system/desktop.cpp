@@ -116,9 +116,12 @@ bool desktop::showsIndicator(QRgb colour) {
 bool desktop::click(const QString &text) {
     if (!waitFor(text))
         return false;
-    const QPoint position = find(text, screenshot()).center();
-    xdotool({"mousemove", QString::number(position.x()), QString::number(position.y()), "click", "1"});
+    click(find(text, screenshot()).center());
     return true;
+}
+
+void desktop::click(QPoint position) {
+    xdotool({"mousemove", QString::number(position.x()), QString::number(position.y()), "click", "1"});
 }
 
 void desktop::press(const QString &key, const QByteArray &window) {

@@ -27,6 +27,7 @@ void keep(const QImage &screen, const QString &name);
 
 /// Waits for the text and clicks on it; false when it does not appear.
 [[nodiscard]] bool click(const QString &text);
+void click(QPoint position);
 void press(const QString &key, const QByteArray &window = QByteArray());
 
 [[nodiscard]] QByteArray visibleWindow(qint64 process, const QString &titlePattern);

@@ -98,7 +98,7 @@ void TestHttpApi::calibrates_the_device() {
     QVERIFY(server.listen());
     QVERIFY(program_->startWindow());
     QTRY_COMPARE_WITH_TIMEOUT(server.received(), QByteArray(wire::enableData), patienceMs);
-    for (const char *path : {"/calibrate&screen=0", "/calibrate&screen=2", "/calibrate&screen=1", "/stopcalibration"})
+    for (const char *path : {"/calibrate&screen=0", "/calibrate&screen=3", "/calibrate&screen=1", "/stopcalibration"})
         QVERIFY(ask(path)["result"].toBool());
     QTRY_COMPARE_WITH_TIMEOUT(server.received(), wire::enableData + QByteArray(wire::calibrate), patienceMs);
     QCOMPARE(program_->close(), 0);

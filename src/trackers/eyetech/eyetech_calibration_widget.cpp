@@ -121,6 +121,7 @@ EyetechCalibrationWidget::EyetechCalibrationWidget(EyetechGrabber *grabber, QRec
 }
 
 void EyetechCalibrationWidget::buildWindow(QRect area) {
+    setWindowTitle(tr("Calibration"));
     setWindowFlags(Qt::FramelessWindowHint | Qt::ToolTip | Qt::WindowStaysOnTopHint);
     setAttribute(Qt::WA_NoSystemBackground);
     setAttribute(Qt::WA_TranslucentBackground);

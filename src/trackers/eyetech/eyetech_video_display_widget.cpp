@@ -11,6 +11,9 @@ namespace {
 /// Neither widgets nor images smaller than this are worth drawing.
 constexpr int leastPixels = 10;
 
+constexpr QSize leastSize(256, 135);
+constexpr QSize usualSize = leastSize * 2;
+
 const QBrush &brushFor(camera_picture::Distance distance) {
     static const auto brushes = [] {
         std::array<QBrush, camera_picture::distanceCount> all;
@@ -25,7 +28,7 @@ const QBrush &brushFor(camera_picture::Distance distance) {
 
 EyetechVideoDisplayWidget::EyetechVideoDisplayWidget(EyetechGrabber *grabber, QWidget *parent)
     : QWidget(parent), grabber_(grabber) {
-    setMinimumSize(256, 135);
+    setMinimumSize(leastSize);
     if (grabber_)
         connections_ << connect(grabber_, &EyetechGrabber::newFrame, this, &EyetechVideoDisplayWidget::showFrame,
                                 Qt::QueuedConnection);
@@ -33,6 +36,10 @@ EyetechVideoDisplayWidget::EyetechVideoDisplayWidget(EyetechGrabber *grabber, QW
 
 EyetechVideoDisplayWidget::~EyetechVideoDisplayWidget() {
     connections_.clear();
+}
+
+QSize EyetechVideoDisplayWidget::sizeHint() const {
+    return usualSize;
 }
 
 void EyetechVideoDisplayWidget::showFrame(const QLFrameData &frame) {

@@ -20,6 +20,8 @@ public:
     explicit EyetechVideoDisplayWidget(EyetechGrabber *grabber, QWidget *parent = nullptr);
     ~EyetechVideoDisplayWidget() override;
 
+    [[nodiscard]] QSize sizeHint() const override;
+
 public Q_SLOTS:
     void showFrame(const QLFrameData &frame);
 

@@ -54,7 +54,7 @@ private:
     int calibratedCount_ = 0;
     QList<int> statuses_;  ///< the targets', a call each; then 0
     QList<int> times_;     ///< that the device was told to look for
-    const QRect area_{0, 0, 500, 400};
+    const QRect area_{40, 30, 500, 400};
 };
 
 void TestEyetechCalibrationWidget::attachDevice() {
