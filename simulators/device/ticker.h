@@ -10,7 +10,7 @@ namespace sim {
 /// Ticker is destroyed.
 ///
 /// The destructor waits for work that is going on, but from within the work itself it only says that this was the last
-/// time. No lock is held while working. A thread that comes late leaves out what it missed.
+/// time. No lock is held while working. What was missed by a delay is made up for, unless the delay was long.
 class Ticker {
 public:
     Ticker(double hertz, std::function<bool()> work);
