@@ -14,8 +14,9 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr int width = 2048;
-constexpr int height = 1080;
+constexpr std::int32_t width = 2048;
+constexpr std::int32_t height = 1080;
+constexpr std::size_t imageBytes = 2048UL * 1080UL;
 constexpr std::size_t imageCount = 4;  // more than caches hold
 constexpr auto interval = std::chrono::microseconds(16667);
 
@@ -27,7 +28,7 @@ const unsigned char *image(std::int64_t number) {
     static const auto images = [] {
         std::array<std::vector<unsigned char>, imageCount> all;
         for (std::vector<unsigned char> &one : all)
-            one.assign(static_cast<std::size_t>(width * height), 100);
+            one.assign(imageBytes, 100);
         return all;
     }();
     return images[static_cast<std::size_t>(number) % imageCount].data();

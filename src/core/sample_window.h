@@ -32,7 +32,7 @@ public:
 private:
     struct Entry {
         EyeTrackingSample sample;
-        qint64 arrivalMs;
+        qint64 arrivalMs = 0;
 
         [[nodiscard]] qint64 ageBeside(const Entry &newest) const;
     };

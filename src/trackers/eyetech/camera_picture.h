@@ -23,7 +23,7 @@ constexpr int distanceCount = 5;
 struct Fit {
     QSize size;
     QPoint offset;
-    double scale;  ///< widget pixels a camera pixel
+    double scale = 0;  ///< widget pixels a camera pixel
 };
 [[nodiscard]] Fit fit(QSize widget);
 

@@ -21,7 +21,8 @@ namespace {
 
 namespace picture = calibration_picture;
 
-constexpr int markerSize = 50;
+constexpr int markerRadius = 25;
+constexpr int markerSize = 2 * markerRadius;
 constexpr QSize iconSize(24, 24);
 
 constexpr int mostTargets = 20;
@@ -72,8 +73,8 @@ QLScore scoreOf(int calibration, int target, int eye) {
 }
 
 QPixmap softDot() {
-    const QPointF centre(markerSize / 2, markerSize / 2);
-    QRadialGradient gradient(centre, markerSize / 2);
+    const QPointF centre(markerRadius, markerRadius);
+    QRadialGradient gradient(centre, markerRadius);
     gradient.setColorAt(0, Qt::white);
     gradient.setColorAt(1, Qt::transparent);
     QPixmap dot(markerSize, markerSize);
@@ -310,7 +311,7 @@ void EyetechCalibrationWidget::showSample(const EyeTrackingSample &sample) {
     const bool showsGaze = sample.valid && !busy_;
     gazeMarker_->setVisible(showsGaze);
     if (showsGaze)
-        gazeMarker_->move(grabber_->percentToPixels(sample.x, sample.y, true) - QPoint(markerSize / 2, markerSize / 2));
+        gazeMarker_->move(grabber_->percentToPixels(sample.x, sample.y, true) - QPoint(markerRadius, markerRadius));
 }
 
 void EyetechCalibrationWidget::paintEvent(QPaintEvent *) {

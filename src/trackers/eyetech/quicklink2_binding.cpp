@@ -6,7 +6,7 @@
 namespace {
 
 struct EntryPoint {
-    const char *name;
+    const char *name = nullptr;
     QFunctionPointer function = nullptr;
 };
 

@@ -94,7 +94,7 @@ void TestCameraPicture::paints_image_and_pupils() {
     EyetechVideoDisplayWidget view(&tracker);
     view.resize(612, 270);  // bands of 50 pixels at the sides
 
-    const std::vector<unsigned char> pixels(2048 * 1080, 100);
+    const std::vector<unsigned char> pixels(2048UL * 1080UL, 100);
     QLFrameData frame;
     putImage(frame.record, pixels.data(), camera.width(), camera.height());
     put(frame.record, 328, true);
