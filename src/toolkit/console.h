@@ -12,6 +12,7 @@ namespace console {
 /// started the program has closed, or what is printed would go there.
 void prepare();
 
+/// Any thread.
 void print(std::string_view text);
 
 /// Waits for one character of standard input, and drops what a person typed behind it. -1 at the end of the input,

@@ -5,6 +5,7 @@
 #include <climits>
 #include <csignal>
 #include <fcntl.h>
+#include <mutex>
 #include <poll.h>
 #include <termios.h>
 #include <unistd.h>
@@ -32,6 +33,9 @@ void console::prepare() {
 }
 
 void console::print(std::string_view text) {
+    // Of two threads that find room the second might find it taken.
+    static std::mutex mutex;
+    const std::lock_guard<std::mutex> lock(mutex);
     while (!text.empty() && hasRoom(STDOUT_FILENO)) {
         const ssize_t written = write(STDOUT_FILENO, text.data(), std::min(text.size(), mostBytes));
         if (written <= 0)

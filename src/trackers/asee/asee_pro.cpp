@@ -15,7 +15,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <array>
-#include <cstdio>
 
 namespace {
 
@@ -102,7 +101,7 @@ bool aSeePro::startTracking() {
     file.read(coefficients.data(), coefficients.size());
     file.close();
     const int result = asee::_7i_start_tracking(coefficients.data());
-    std::printf("_7i_start_tracking: %d\n", result);
+    asee::print("_7i_start_tracking: %d\n", result);
     qCDebug(lcAsee) << "ASEE tracking started" << (result == 0);
     // Whatever the result: that is intended.
     return true;

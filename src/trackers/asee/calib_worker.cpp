@@ -10,7 +10,6 @@
 #include <QDir>
 #include <QSaveFile>
 #include <QScopeGuard>
-#include <cstdio>
 #include <utility>
 
 namespace {
@@ -20,7 +19,7 @@ constexpr int firstPoint = 4;  // the centre
 
 /// Prints what a function of the library returned.
 int printed(const char *function, int result) {
-    std::printf("%s: %d\n", function, result);
+    asee::print("%s: %d\n", function, result);
     return result;
 }
 
@@ -29,12 +28,12 @@ int printed(const char *function, int result) {
 void onProgress(int first, int second, void *context) {
     LiveObjects<CalibrationWidget>::with(
         context, [second](CalibrationWidget &screen) { Q_EMIT screen.signal_calib_progress(second); });
-    std::printf("process: %d %d\n", first, second);
+    asee::print("process: %d %d\n", first, second);
 }
 
 void onFinish(int first, int second, void *context) {
     LiveObjects<CalibrationWidget>::with(context, [](CalibrationWidget &screen) { screen.finishPoint(); });
-    std::printf("finish: %d %d\n", first, second);
+    asee::print("finish: %d %d\n", first, second);
 }
 
 /// The number of bytes written; -1 when the file is as it was before.
@@ -108,7 +107,7 @@ bool CalibWorker::runPoint(int number, FractionPoint point) {
     const float xy[] = {point.x, point.y};
     gate_->expectPoint();
     lastPointResult_ = asee::_7i_start_calibration_point(number, xy, onProgress, screen_, onFinish, screen_);
-    std::printf("_7i_start_calibration_point: %d %d %0.2f %0.2f\n", lastPointResult_, number,
+    asee::print("_7i_start_calibration_point: %d %d %0.2f %0.2f\n", lastPointResult_, number,
                 static_cast<double>(point.x), static_cast<double>(point.y));
     return gate_->waitForPoint();
 }
@@ -137,7 +136,7 @@ void CalibWorker::compute() {
     float left = 0;
     float right = 0;
     asee::_7i_get_calibration_score(&left, &right);
-    std::printf("%0.2f %0.2f\n", static_cast<double>(left), static_cast<double>(right));
+    asee::print("%0.2f %0.2f\n", static_cast<double>(left), static_cast<double>(right));
     // The program may be ending when the screen is gone.
     if (show([](CalibrationWidget &ui) { ui.setFinished(); }) && result == 0)
         apply(coefficients);
@@ -147,5 +146,5 @@ void CalibWorker::apply(const Coefficients &coefficients) {
     if (printed("_7i_start_tracking", asee::_7i_start_tracking(coefficients.data())) == 0)
         show([](CalibrationWidget &ui) { ui.setShowGaze(true); });
     const qint64 written = save(dataFolder_ + "coefficient.dat", coefficients.data(), coefficients.size());
-    std::printf("write coefficient file: %lld\n", static_cast<long long>(written));
+    asee::print("write coefficient file: %lld\n", static_cast<long long>(written));
 }
