@@ -2,13 +2,12 @@
 
 #include "scripted_asee.h"
 
-#include <QApplication>
 #include <QFile>
-#include <QMessageBox>
 #include <QStringList>
-#include <QTimer>
 #include <array>
 #include <cstring>
+
+namespace at = asee::gaze_record;
 
 /// A gaze record of which a test sets the fields it is about.
 class TestRecord {
@@ -22,7 +21,7 @@ public:
     [[nodiscard]] const void *data() const { return bytes_.data(); }
 
 private:
-    std::array<char, asee::gaze_record::bytes> bytes_{};
+    std::array<char, at::bytes> bytes_{};
 };
 
 inline ScriptedAsee &library() {
@@ -46,22 +45,3 @@ inline void write(const QString &path, const QByteArray &content) {
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("cannot write %s", qPrintable(path));
 }
-
-/// Answers message boxes while it lives, and keeps what they said.
-class BoxReader {
-public:
-    BoxReader() {
-        QObject::connect(&timer_, &QTimer::timeout, [this] {
-            if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
-                texts << box->windowTitle() << box->text();
-                box->accept();
-            }
-        });
-        timer_.start(10);
-    }
-
-    QStringList texts;
-
-private:
-    QTimer timer_;
-};

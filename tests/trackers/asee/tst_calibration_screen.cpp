@@ -4,8 +4,6 @@
 
 #include <QTest>
 
-namespace at = asee::gaze_record;
-
 /// What is painted, by looking at the picture.
 class TestCalibrationScreen : public QObject {
     Q_OBJECT
@@ -14,20 +12,14 @@ private Q_SLOTS:
     void init();
 
     void intro_shows_nine_points_and_a_box_for_the_eyes();
-    void orange_circle_follows_the_eyes();
     void target_shrinks_with_the_progress_data();
     void target_shrinks_with_the_progress();
     void target_moves_to_the_next_point();
-    void gaze_dot_tells_the_fixation_data();
-    void gaze_dot_tells_the_fixation();
-    void places_far_outside_are_harmless();
+    void gaze_and_eyes_are_where_they_are_seen_data();
+    void gaze_and_eyes_are_where_they_are_seen();
 
 private:
-    [[nodiscard]] QColor at(int x, int y);
-    /// How far the colour reaches to the right of the place.
-    [[nodiscard]] int reach(const QColor &colour, int x, int y);
-    /// Has a calibration begun, as the worker does.
-    void calibrateAt(FractionPoint point, FractionPoint next);
+    [[nodiscard]] QColor colourAt(int x, int y) { return screen_->grab().toImage().pixelColor(x, y); }
 
     std::unique_ptr<CalibrationWidget> screen_;
 };
@@ -35,6 +27,7 @@ private:
 namespace {
 
 const QColor background(0x33, 0x33, 0x33);
+const QColor box(99, 99, 99);
 const QColor ring(0, 0, 0);
 const QColor dot(0, 244, 0);
 const QColor orange(255, 128, 0);
@@ -47,58 +40,24 @@ void TestCalibrationScreen::init() {
     screen_->show();
 }
 
-QColor TestCalibrationScreen::at(int x, int y) {
-    return screen_->grab().toImage().pixelColor(x, y);
-}
-
-int TestCalibrationScreen::reach(const QColor &colour, int x, int y) {
-    const QImage picture = screen_->grab().toImage();
-    int length = 0;
-    while (picture.pixelColor(x + length, y) == colour)
-        ++length;
-    return length;
-}
-
-void TestCalibrationScreen::calibrateAt(FractionPoint point, FractionPoint next) {
-    screen_->showCalibration();
-    screen_->showPoint(point, next);
-}
-
 void TestCalibrationScreen::intro_shows_nine_points_and_a_box_for_the_eyes() {
     const QImage picture = screen_->grab().toImage();
     for (const int x : {288, 960, 1632}) {
         for (const int y : {180, 600, 1020}) {
             const bool inBox = x == 960 && y == 600;
-            QCOMPARE(picture.pixelColor(x, y), inBox ? QColor(99, 99, 99) : dot);
-            QCOMPARE(picture.pixelColor(x + 3, y), inBox ? QColor(99, 99, 99) : dot);
-            QCOMPARE(picture.pixelColor(x + 33, y), inBox ? QColor(99, 99, 99) : ring);
-            QCOMPARE(picture.pixelColor(x, y - 33), inBox ? QColor(99, 99, 99) : ring);
-            QCOMPARE(picture.pixelColor(x + 36, y), inBox ? QColor(99, 99, 99) : background);
+            QCOMPARE(picture.pixelColor(x + 3, y), inBox ? box : dot);
+            QCOMPARE(picture.pixelColor(x + 6, y), inBox ? box : ring);
+            QCOMPARE(picture.pixelColor(x, y - 33), inBox ? box : ring);
+            QCOMPARE(picture.pixelColor(x + 36, y), inBox ? box : background);
         }
     }
-    for (const int side : {-120, 119})
-        QCOMPARE(picture.pixelColor(960 + side, 600 + side), QColor(99, 99, 99));
-    for (const int side : {-121, 120})
-        QCOMPARE(picture.pixelColor(960 + side, 600 + side), background);
-
+    for (const int inside : {-120, 119})
+        QCOMPARE(picture.pixelColor(960 + inside, 600 + inside), box);
+    for (const int outside : {-121, 120})
+        QCOMPARE(picture.pixelColor(960 + outside, 600 + outside), background);
     // The prompt stands below, in the middle of what is left from 240 on.
     const QImage text = picture.copy(600, 770, 720, 20);
-    QImage nothing(text.size(), text.format());
-    nothing.fill(background);
-    QVERIFY(text != nothing);
-}
-
-void TestCalibrationScreen::orange_circle_follows_the_eyes() {
-    TestRecord record;
-    record.set(at::leftEyeFlags, 1).setPoint(at::leftEye, 0.25F, 0.25F);
-    record.set(at::rightEyeFlags, 1).setPoint(at::rightEye, 0.75F, 0.25F);
-    screen_->takeGaze(GazeRecord(record.data()));
-    QCOMPARE(at(960, 344), orange);  // 88 above a picture of 1280 x 1024
-    QVERIFY(qAbs(reach(orange, 960, 344) - 100) <= 1);
-    record.set(at::rightEyeFlags, 0);
-    screen_->takeGaze(GazeRecord(record.data()));
-    QCOMPARE(at(640, 344), orange);
-    QVERIFY(at(960, 344) != orange);
+    QVERIFY(text != picture.copy(600, 740, 720, 20));
 }
 
 void TestCalibrationScreen::target_shrinks_with_the_progress_data() {
@@ -114,53 +73,52 @@ void TestCalibrationScreen::target_shrinks_with_the_progress_data() {
 void TestCalibrationScreen::target_shrinks_with_the_progress() {
     QFETCH(int, percent);
     QFETCH(int, radius);
-    calibrateAt({0.25F, 0.5F}, {0.75F, 0.5F});
+    screen_->showCalibration();
+    screen_->showPoint({0.25F, 0.5F}, {0.75F, 0.5F});
     screen_->on_calib_progress(percent);
-    QCOMPARE(at(480, 600), dot);
-    QVERIFY(reach(dot, 480, 600) >= 4);
-    QCOMPARE(at(480 + radius + 1, 600), background);
-    if (radius > 5)
-        QCOMPARE(at(480 + radius - 2, 600), ring);
-    QCOMPARE(at(960, 180), background);  // no other point, no box
+    QCOMPARE(colourAt(480, 600), dot);
+    QCOMPARE(colourAt(480 + radius - 2, 600), radius > 5 ? ring : dot);
+    QCOMPARE(colourAt(480 + radius + 1, 600), background);
+    QCOMPARE(colourAt(960, 180), background);  // no other point, no box
 }
 
 void TestCalibrationScreen::target_moves_to_the_next_point() {
-    calibrateAt({0.25F, 0.5F}, {0.75F, 0.25F});
+    screen_->showCalibration();
+    screen_->showPoint({0.25F, 0.5F}, {0.75F, 0.25F});
     screen_->on_calib_move_point(0.5F);
-    QCOMPARE(at(960, 450), dot);
+    QCOMPARE(colourAt(960, 450), dot);
     screen_->on_calib_move_point(0.5F);  // of what is left
-    QCOMPARE(at(1200, 375), dot);
+    QCOMPARE(colourAt(1200, 375), dot);
 }
 
-void TestCalibrationScreen::gaze_dot_tells_the_fixation_data() {
+void TestCalibrationScreen::gaze_and_eyes_are_where_they_are_seen_data() {
     QTest::addColumn<int>("state");
+    QTest::addColumn<float>("place");
     QTest::addColumn<QColor>("colour");
     QTest::addColumn<int>("radius");
-    QTest::newRow("1") << 1 << QColor(0, 255, 0) << 20;
-    QTest::newRow("3") << 3 << QColor(255, 0, 0) << 10;
-    QTest::newRow("any other, beside the eyes' circle") << 2 << orange << 10;
+    QTest::newRow("state 1") << 1 << 0.25F << QColor(0, 255, 0) << 20;
+    QTest::newRow("state 3") << 3 << 0.25F << QColor(255, 0, 0) << 10;
+    QTest::newRow("any other, after the eyes' circle") << 2 << 0.25F << orange << 10;
+    QTest::newRow("far outside") << 1 << -3e38F << background << 0;
 }
 
-void TestCalibrationScreen::gaze_dot_tells_the_fixation() {
+void TestCalibrationScreen::gaze_and_eyes_are_where_they_are_seen() {
     QFETCH(int, state);
+    QFETCH(float, place);
     QFETCH(QColor, colour);
     QFETCH(int, radius);
-    screen_->setShowGaze(true);
     TestRecord record;
-    record.set(at::leftGazeFlags, 1).setPoint(at::leftGaze, 0.25F, 0.25F).set(at::fixationState, state);
+    record.set(at::leftGazeFlags, 1).setPoint(at::leftGaze, place, place).set(at::fixationState, state);
+    record.set(at::leftEyeFlags, 1).setPoint(at::leftEye, 0.5F, place);
+    screen_->setShowGaze(true);
     screen_->takeGaze(GazeRecord(record.data()));
-    QCOMPARE(at(480, 300), colour);
-    QVERIFY(qAbs(reach(colour, 480, 300) - radius) <= 1);
-}
+    QCOMPARE(colourAt(480 + qMax(radius - 2, 0), 300), colour);
+    QCOMPARE(colourAt(480 + radius + 2, 300), background);
 
-void TestCalibrationScreen::places_far_outside_are_harmless() {
-    TestRecord record;
-    record.set(at::leftEyeFlags, 1).setPoint(at::leftEye, 1e30F, -1e30F);
-    record.set(at::leftGazeFlags, 1).setPoint(at::leftGaze, -3e38F, 3e38F);
-    screen_->takeGaze(GazeRecord(record.data()));
-    screen_->setShowGaze(true);
-    screen_->takeGaze(GazeRecord(record.data()));
-    QCOMPARE(at(5, 5), background);
+    // In a picture of 1280 x 1024, which begins at (320, 88).
+    const bool isSeen = radius > 0;
+    QCOMPARE(colourAt(960 + 98, 344), isSeen ? orange : background);
+    QCOMPARE(colourAt(960 + 102, 344), background);
 }
 
 OCELA_TEST(TestCalibrationScreen)

@@ -3,15 +3,17 @@
 #include "trackers/asee/asee_pro.h"
 #include "trackers/asee/calibration_widget.h"
 
+#include <QApplication>
 #include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
-#include <condition_variable>
+#include <future>
 #include <thread>
 
 Q_DECLARE_METATYPE(CalibrationPace)
+Q_DECLARE_METATYPE(std::string)
 
 /// A calibration from the first key to the coefficients, and every way out of it.
 class TestCalibrationWidget : public QObject {
@@ -28,12 +30,12 @@ private Q_SLOTS:
     void can_be_left_at_any_moment();
     void library_that_hangs_does_not_hold_the_screen();
     void late_callbacks_find_nobody();
-    void leaves_with_the_tracker();
+    void goes_with_the_tracker();
 
 private:
     void open(CalibrationPace pace);
     void press(Qt::Key key) { QTest::keyClick(widget_.get(), key); }
-    [[nodiscard]] bool calibrates();
+    [[nodiscard]] QStringList callsOfACalibration();
     [[nodiscard]] QByteArray coefficients() const { return contentOf(folder_->filePath("coefficient.dat")); }
 
     std::unique_ptr<QTemporaryDir> folder_;
@@ -45,32 +47,23 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr CalibrationPace quick{milliseconds(1), milliseconds(0)};
-constexpr CalibrationPace forEver{milliseconds(60000), milliseconds(60000)};
 
-const QStringList points{
-    "point 1 (0.50, 0.50)", "point 2 (0.85, 0.50)", "point 3 (0.15, 0.85)",
-    "point 4 (0.50, 0.85)", "point 5 (0.85, 0.85)", "point 6 (0.15, 0.15)",
-    "point 7 (0.50, 0.15)", "point 8 (0.85, 0.15)", "point 9 (0.15, 0.50)",
+const QStringList measuring{
+    "start_calibration 9",
+    "start_calibration_point 1 50 50",
+    "start_calibration_point 2 85 50",
+    "start_calibration_point 3 15 85",
+    "start_calibration_point 4 50 85",
+    "start_calibration_point 5 85 85",
+    "start_calibration_point 6 15 15",
+    "start_calibration_point 7 50 15",
+    "start_calibration_point 8 85 15",
+    "start_calibration_point 9 15 50",
+    "compute_calibration",
+    "complete_calibration",
+    "get_calibration_score",
 };
-
-/// A call into the library that takes until it is let go.
-class Hold {
-public:
-    void wait() {
-        std::unique_lock<std::mutex> lock(mutex_);
-        changed_.wait(lock, [this] { return released_; });
-    }
-    void release() {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        released_ = true;
-        changed_.notify_all();
-    }
-
-private:
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    bool released_ = false;
-};
+const char *const firstPoint = "start_calibration_point 1 50 50";
 
 }  // namespace
 
@@ -91,22 +84,18 @@ void TestCalibrationWidget::open(CalibrationPace pace) {
     widget_->showOn(QRect(0, 0, 640, 480));
 }
 
-bool TestCalibrationWidget::calibrates() {
+QStringList TestCalibrationWidget::callsOfACalibration() {
     (void)takeCalls();
     press(Qt::Key_Space);
-    return QTest::qWaitFor([&] { return library().wasCalled("score") && !CalibWorker::isBusy(); }, 60000) &&
-           takeCalls().filter("point ") == points && coefficients().startsWith("measured");
+    const auto ended = [] { return library().wasCalled("get_calibration_score") && !CalibWorker::isBusy(); };
+    return QTest::qWaitFor(ended, 60000) ? takeCalls() : QStringList();
 }
 
 void TestCalibrationWidget::visits_nine_points_centre_first_and_saves() {
     const QSignalSpy moves(widget_.get(), &CalibrationWidget::signal_calib_move_point);
     press(Qt::Key_A);
-    press(Qt::Key_Space);
-    press(Qt::Key_Space);
-    QTRY_VERIFY(library().wasCalled("score") && !CalibWorker::isBusy());
-    QCOMPARE(takeCalls(), QStringList("start calibration 9") + points +
-                              QStringList({"compute", "complete", "score", "start tracking measured"}));
-    QCOMPARE(coefficients().size(), 1024);
+    QCOMPARE(callsOfACalibration(), measuring + QStringList("start_tracking measured"));
+    QCOMPARE(coefficients(), QByteArray("measured").leftJustified(1024, '\0'));
     QTRY_COMPARE(moves.count(), 9 * 29);
     QCOMPARE(moves.first().first().toFloat(), 0.01F);
     QCOMPARE(moves.last().first().toFloat(), 0.29F);
@@ -115,52 +104,49 @@ void TestCalibrationWidget::visits_nine_points_centre_first_and_saves() {
     press(Qt::Key_Escape);
     QVERIFY(!widget_->isVisible());
     QCOMPARE(takeCalls(), QStringList());
-    widget_->show();
-    QVERIFY(calibrates());
 }
 
 void TestCalibrationWidget::what_the_library_refuses_data() {
-    QTest::addColumn<QString>("function");
-    QTest::addColumn<QStringList>("calls");  // behind the points
+    QTest::addColumn<std::string>("function");
+    QTest::addColumn<QStringList>("calls");
     QTest::addColumn<int>("bytes");
-    QTest::newRow("computing") << "compute" << QStringList{"compute", "complete", "score"} << 0;
+    QTest::newRow("computing") << std::string("_7i_compute_calibration") << measuring << 0;
     QTest::newRow("its own coefficients")
-        << "start tracking" << QStringList{"compute", "complete", "score", "start tracking measured"} << 1024;
+        << std::string("_7i_start_tracking") << measuring + QStringList("start_tracking measured") << 1024;
 }
 
 void TestCalibrationWidget::what_the_library_refuses() {
-    QFETCH(QString, function);
-    library().setResult(function.toStdString(), 108);
-    press(Qt::Key_Space);
-    QTRY_VERIFY(library().wasCalled("score") && !CalibWorker::isBusy());
-    QTEST(QStringList(takeCalls().mid(1 + points.size())), "calls");
+    QFETCH(std::string, function);
+    library().results[function] = 108;
+    QTEST(callsOfACalibration(), "calls");
     QTEST(coefficients().size(), "bytes");
 }
 
 void TestCalibrationWidget::can_be_left_at_any_moment_data() {
-    QTest::addColumn<QString>("moment");  // the call of the library that was made last
+    QTest::addColumn<QString>("lastCall");
     QTest::addColumn<CalibrationPace>("pace");
     QTest::addColumn<QString>("way");
-    const CalibrationPace stuckOnTheWay{milliseconds(1), milliseconds(60000)};
+    const CalibrationPace stuckBefore{milliseconds(60000), milliseconds(60000)};
+    const CalibrationPace stuckBehind{milliseconds(1), milliseconds(60000)};
     for (const char *way : {"Escape", "Escape twice", "close", "delete"}) {
         QTest::addRow("%s before the start", way) << QString() << quick << way;
-        QTest::addRow("%s at once after Space", way) << "Space" << quick << way;
-        QTest::addRow("%s before the first point is measured", way) << "start calibration 9" << forEver << way;
-        QTest::addRow("%s while a point is measured", way) << "point 1 (0.50, 0.50)" << quick << way;
-        QTest::addRow("%s on the way to the next point", way) << "point 1 (0.50, 0.50)" << stuckOnTheWay << way;
+        QTest::addRow("%s at once after Space", way) << "none yet" << quick << way;
+        QTest::addRow("%s before the first point is measured", way) << measuring.first() << stuckBefore << way;
+        QTest::addRow("%s while a point is measured", way) << firstPoint << quick << way;
+        QTest::addRow("%s on the way to the next point", way) << firstPoint << stuckBehind << way;
     }
 }
 
 void TestCalibrationWidget::can_be_left_at_any_moment() {
-    QFETCH(QString, moment);
+    QFETCH(QString, lastCall);
     QFETCH(CalibrationPace, pace);
     QFETCH(QString, way);
     open(pace);
     library().pointsFinish = pace.moveStep != quick.moveStep;
-    if (!moment.isEmpty())
+    if (!lastCall.isEmpty())
         press(Qt::Key_Space);
-    if (moment.contains(' '))
-        QTRY_VERIFY(library().wasCalled(moment.toStdString()));
+    if (measuring.contains(lastCall))
+        QTRY_VERIFY(library().wasCalled(lastCall.toStdString()));
 
     QElapsedTimer timer;
     timer.start();
@@ -176,21 +162,21 @@ void TestCalibrationWidget::can_be_left_at_any_moment() {
     QVERIFY(!CalibWorker::isBusy());
     const QStringList calls = takeCalls();
     if (!calls.isEmpty())
-        QCOMPARE(calls.mid(calls.size() - 2), QStringList({"cancel", "complete"}));
+        QCOMPARE(calls.mid(calls.size() - 2), QList<QString>({"cancel_calibration", "complete_calibration"}));
     QCOMPARE(coefficients(), QByteArray());
 
     library().pointsFinish = true;
     if (way == "delete" || pace.moveStep != quick.moveStep)
         open(quick);
     widget_->show();
-    QVERIFY(calibrates());
+    QCOMPARE(callsOfACalibration().mid(0, measuring.size()), QList<QString>(measuring));
 }
 
 void TestCalibrationWidget::library_that_hangs_does_not_hold_the_screen() {
-    Hold computing;
-    library().whileComputing = [&] { computing.wait(); };
+    std::promise<void> computed;
+    library().whileComputing = [&] { computed.get_future().wait(); };
     press(Qt::Key_Space);
-    QTRY_VERIFY(library().wasCalled("compute"));
+    QTRY_VERIFY(library().wasCalled("compute_calibration"));
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression("library holds the calibration up"));
     QElapsedTimer timer;
     timer.start();
@@ -201,58 +187,49 @@ void TestCalibrationWidget::library_that_hangs_does_not_hold_the_screen() {
     open(quick);
     (void)takeCalls();
     press(Qt::Key_Space);  // the library is still busy
-    QCoreApplication::processEvents();
-    computing.release();
+    computed.set_value();
     QTRY_VERIFY(!CalibWorker::isBusy());
-    QCOMPARE(takeCalls(), QStringList({"complete", "score"}));
+    QCOMPARE(takeCalls(), QStringList({"complete_calibration", "get_calibration_score"}));
     QCOMPARE(coefficients(), QByteArray());
     library().whileComputing = nullptr;
-    QVERIFY(calibrates());
+    QVERIFY(!callsOfACalibration().isEmpty());
 }
 
 void TestCalibrationWidget::late_callbacks_find_nobody() {
     library().pointsFinish = false;
     press(Qt::Key_Space);
-    QTRY_VERIFY(library().wasCalled("point 1 (0.50, 0.50)"));
+    QTRY_VERIFY(library().wasCalled(firstPoint));
     std::atomic<bool> running{true};
     std::thread device([&] {
-        while (running) {
-            library().sendProgress(50);
-            std::this_thread::yield();
-        }
+        while (running)
+            library().progress(1, 50, library().pointContext);
     });
     widget_.reset();
     running = false;
     device.join();
-    library().sendProgress(100);
-    library().sendFinish();
-    QCoreApplication::processEvents();
+    library().progress(1, 100, library().pointContext);
+    library().finish(1, 0, library().pointContext);
 }
 
-void TestCalibrationWidget::leaves_with_the_tracker() {
+void TestCalibrationWidget::goes_with_the_tracker() {
+    widget_.reset();
     library().pointsFinish = false;
     auto tracker = std::make_unique<aSeePro>(folder_->path(), nullptr);
-    tracker->calibrate(QRect(0, 0, 640, 480));
-    const auto screen = [&]() -> QWidget * {
-        for (QWidget *window : QApplication::topLevelWidgets()) {
-            if (window != widget_.get() && window->isVisible())
-                return window;
-        }
-        return nullptr;
-    };
-    QVERIFY(screen());
-    QTest::keyClick(screen(), Qt::Key_Space);
-    QTRY_VERIFY(library().wasCalled("start calibration 9"));
-    tracker->stopCalibration();
-    QVERIFY(!screen());
-    tracker->stopCalibration();
-
-    tracker->calibrate(QRect(0, 0, 640, 480));
-    QTest::keyClick(screen(), Qt::Key_Space);
-    QTRY_VERIFY(CalibWorker::isBusy());
-    tracker.reset();
-    QVERIFY(!screen());
-    QVERIFY(!CalibWorker::isBusy());
+    const auto isShown = [] { return !QApplication::topLevelWidgets().isEmpty(); };
+    for (const bool isAsked : {true, false}) {
+        tracker->calibrate(QRect(0, 0, 640, 480));
+        QVERIFY(isShown());
+        QTest::keyClick(QApplication::topLevelWidgets().first(), Qt::Key_Space);
+        QTRY_VERIFY(library().wasCalled(firstPoint));
+        if (isAsked)
+            tracker->stopCalibration();
+        else
+            tracker.reset();
+        QVERIFY(!CalibWorker::isBusy());
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!isShown());
+        (void)takeCalls();
+    }
 }
 
 OCELA_TEST(TestCalibrationWidget)
