@@ -102,15 +102,19 @@ bool desktop::waitFor(const QString &text, Look look) {
     return QTest::qWaitFor([&] { return shows(text, look); }, patienceMs);
 }
 
+int desktop::count(QRgb colour, const QImage &picture) {
+    const QImage pixels = picture.convertToFormat(QImage::Format_RGB32);
+    int found = 0;
+    for (int y = 0; y < pixels.height(); ++y) {
+        const auto *line = reinterpret_cast<const QRgb *>(pixels.constScanLine(y));
+        found += static_cast<int>(std::count(line, line + pixels.width(), colour));
+    }
+    return found;
+}
+
 bool desktop::showsIndicator(QRgb colour) {
     constexpr int leastPixels = 100;  // of a disc 16 pixels wide, whose edge is blended
-    const QImage screen = screenshot().convertToFormat(QImage::Format_RGB32);
-    int count = 0;
-    for (int y = 0; y < screen.height(); ++y) {
-        const auto *line = reinterpret_cast<const QRgb *>(screen.constScanLine(y));
-        count += static_cast<int>(std::count(line, line + screen.width(), colour));
-    }
-    return count >= leastPixels;
+    return count(colour, screenshot()) >= leastPixels;
 }
 
 bool desktop::click(const QString &text) {

@@ -22,6 +22,8 @@ void keep(const QImage &screen, const QString &name);
 [[nodiscard]] bool showsAll(const QStringList &texts, const QImage &screen);
 /// Waits for the text to be seen.
 [[nodiscard]] bool waitFor(const QString &text, Look look = Look::Program);
+/// How many pixels have just this colour.
+[[nodiscard]] int count(QRgb colour, const QImage &picture);
 /// Whether the connection indicator has this colour.
 [[nodiscard]] bool showsIndicator(QRgb colour);
 

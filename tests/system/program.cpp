@@ -66,6 +66,12 @@ Program::Program(const Home &home) {
     process_.setProgram(OCELA_PROGRAM);
 }
 
+void Program::setVariable(const QString &name, const QString &value) {
+    QProcessEnvironment environment = process_.processEnvironment();
+    environment.insert(name, value);
+    process_.setProcessEnvironment(environment);
+}
+
 void Program::start() {
     process_.start();
 }

@@ -32,6 +32,9 @@ class Program {
 public:
     explicit Program(const Home &home);
 
+    /// Before the start: an environment variable of the program.
+    void setVariable(const QString &name, const QString &value);
+
     void start();
     /// Starts it and waits for its main window.
     [[nodiscard]] bool startWindow();

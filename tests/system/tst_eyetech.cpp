@@ -22,15 +22,6 @@ constexpr QPoint targets[] = {{512, 384}, {102, 76}, {921, 76}, {921, 691}, {102
 constexpr QPoint saveButton(306, 382);
 constexpr QPoint recalibrateButton(714, 382);
 
-int count(QRgb colour, const QImage &picture) {
-    int pixels = 0;
-    for (int y = 0; y < picture.height(); ++y) {
-        for (int x = 0; x < picture.width(); ++x)
-            pixels += picture.pixel(x, y) == colour ? 1 : 0;
-    }
-    return pixels;
-}
-
 }  // namespace
 
 /// The program with the EyeTech vendor's library, which a simulated one stands in for.
@@ -52,13 +43,14 @@ private Q_SLOTS:
     void needs_no_standard_streams();
 
 private:
-    void set(const QString &variable, const QString &value);
     void startCalibration();
     void checkRecord();
     [[nodiscard]] QByteArray screen() const { return program_->window("^Calibration$"); }
     [[nodiscard]] QImage picture() const { return desktop::screenshot(screen().toUInt()); }
     [[nodiscard]] bool showsScores() const;
-    [[nodiscard]] bool showsTarget() const { return !screen().isEmpty() && count(movingTarget, picture()) > 0; }
+    [[nodiscard]] bool showsTarget() const {
+        return !screen().isEmpty() && desktop::count(movingTarget, picture()) > 0;
+    }
     [[nodiscard]] bool printed(const QString &text) const { return program_->process().log().contains(text); }
 
     std::unique_ptr<Home> home_;
@@ -68,8 +60,8 @@ private:
 void TestEyetechSession::init() {
     home_ = std::make_unique<Home>(QString());
     program_ = std::make_unique<Program>(*home_);
-    set("LD_LIBRARY_PATH", OCELA_EYETECH_LIBRARY_FOLDER);
-    set("OCELA_SIM_BLINK_INTERVAL", "0");
+    program_->setVariable("LD_LIBRARY_PATH", OCELA_EYETECH_LIBRARY_FOLDER);
+    program_->setVariable("OCELA_SIM_BLINK_INTERVAL", "0");
     QVERIFY(QDir().mkpath(home_->dataFolder()));
     QFile settings(home_->dataFolder() + "/EyeTechSettings.xml");
     QVERIFY(settings.open(QIODevice::WriteOnly));
@@ -78,12 +70,6 @@ void TestEyetechSession::init() {
 
 void TestEyetechSession::cleanup() {
     program_.reset();
-}
-
-void TestEyetechSession::set(const QString &variable, const QString &value) {
-    QProcessEnvironment environment = program_->process().processEnvironment();
-    environment.insert(variable, value);
-    program_->process().setProcessEnvironment(environment);
 }
 
 void TestEyetechSession::startCalibration() {
@@ -121,7 +107,7 @@ void TestEyetechSession::first_start_shows_calibrates_and_records() {
     QVERIFY(program_->startWindow());
     QVERIFY(desktop::waitFor("eyetech"));
     QTRY_VERIFY_WITH_TIMEOUT(desktop::showsIndicator(green), patienceMs);
-    QTRY_VERIFY_WITH_TIMEOUT(count(pupilAt62cm, program_->picture()) > 500, patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(desktop::count(pupilAt62cm, program_->picture()) > 500, patienceMs);
     desktop::keep(program_->picture(), "eyetech-window");
     QVERIFY(home_->readSettings().contains("eyetech"));
 
@@ -153,7 +139,7 @@ void TestEyetechSession::first_start_shows_calibrates_and_records() {
 void TestEyetechSession::unplugged_device_comes_back_into_the_record() {
     QTemporaryDir folder;
     QFile unplugged(folder.filePath("unplugged"));
-    set("OCELA_SIM_EYETECH_UNPLUGGED_FILE", unplugged.fileName());
+    program_->setVariable("OCELA_SIM_EYETECH_UNPLUGGED_FILE", unplugged.fileName());
     QVERIFY(program_->startWindow());
     QTRY_VERIFY_WITH_TIMEOUT(desktop::showsIndicator(green), patienceMs);
     QVERIFY(desktop::click("Start record"));
@@ -205,8 +191,8 @@ void TestEyetechSession::lives_with_what_the_device_does() {
     QFETCH(const QString, value);
     QFETCH(const bool, connected);
     QFETCH(const QString, text);
-    set("OCELA_SIM_EYETECH_UNPLUG_AFTER", variable.contains("REPLUG") ? "1" : "0");
-    set(variable, value);
+    program_->setVariable("OCELA_SIM_EYETECH_UNPLUG_AFTER", variable.contains("REPLUG") ? "1" : "0");
+    program_->setVariable(variable, value);
     QVERIFY(program_->startWindow());
     QTRY_VERIFY_WITH_TIMEOUT(desktop::showsIndicator(connected ? green : red), patienceMs);
     QTRY_VERIFY_WITH_TIMEOUT(printed(text), patienceMs);
@@ -232,7 +218,7 @@ void TestEyetechSession::calibration_that_cannot_end_can_be_left_data() {
 void TestEyetechSession::calibration_that_cannot_end_can_be_left() {
     QFETCH(const QString, fault);
     QFETCH(const QString, way);
-    set("OCELA_SIM_EYETECH_FAULT", fault);
+    program_->setVariable("OCELA_SIM_EYETECH_FAULT", fault);
     QVERIFY(program_->startWindow());
     QVERIFY(desktop::click("Screen #1 (1920x1080)"));
     QVERIFY(desktop::click("Screen #2 (1024x768)"));
@@ -265,7 +251,7 @@ void TestEyetechSession::asks_which_device() {
     QFETCH(const QByteArray, typed);
     QFETCH(const bool, connected);
     QFETCH(const QString, text);
-    set("OCELA_SIM_EYETECH_DEVICES", "2");
+    program_->setVariable("OCELA_SIM_EYETECH_DEVICES", "2");
     program_->start();
     program_->process().write(typed);
     if (typed.isEmpty())
@@ -278,7 +264,7 @@ void TestEyetechSession::asks_which_device() {
 }
 
 void TestEyetechSession::needs_no_standard_streams() {
-    set("LD_LIBRARY_PATH", QString());  // so that it prints all the time
+    program_->setVariable("LD_LIBRARY_PATH", QString());  // so that it prints all the time
     program_->process().setProgram("sh");
     program_->process().setArguments({"-c", "exec \"$0\" <&- >&-", OCELA_PROGRAM});
     QVERIFY(program_->startWindow());
