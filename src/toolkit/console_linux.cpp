@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <mutex>
 #include <poll.h>
+#include <string>
 #include <termios.h>
 #include <unistd.h>
 
@@ -14,6 +15,19 @@ namespace {
 
 /// The most that a pipe with room takes at once without waiting, wherever.
 constexpr std::size_t mostBytes = _POSIX_PIPE_BUF;
+
+/// A terminal that takes only a part of a text holds up its writer until it takes the rest. Opened anew it does not,
+/// and others who have it open notice nothing.
+void neverWaitForTerminal(int stream) {
+    if (isatty(stream) == 0)
+        return;
+    const auto path = "/proc/self/fd/" + std::to_string(stream);
+    const int terminal = open(path.c_str(), O_WRONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (terminal == -1)
+        return;
+    dup2(terminal, stream);
+    close(terminal);
+}
 
 bool hasRoom(int stream) {
     pollfd state{stream, POLLOUT, 0};
@@ -28,6 +42,9 @@ void console::prepare() {
         if (fcntl(stream, F_GETFD) == -1 && open("/dev/null", O_RDWR) == -1)
             return;
     }
+    // What goes to the log fills the same terminal.
+    neverWaitForTerminal(STDOUT_FILENO);
+    neverWaitForTerminal(STDERR_FILENO);
     // A reader may go away at any time.
     std::signal(SIGPIPE, SIG_IGN);
 }

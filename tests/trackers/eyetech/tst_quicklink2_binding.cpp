@@ -1,4 +1,5 @@
 #include "support/test_main.h"
+#include "toolkit/console.h"
 #include "trackers/eyetech/quicklink2_binding.h"
 #include "trackers/eyetech/script.h"
 #include "trackers/eyetech/select_device.h"
@@ -7,6 +8,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <fcntl.h>
+#include <pty.h>
 #include <unistd.h>
 
 namespace {
@@ -40,6 +42,7 @@ private Q_SLOTS:
     void chooses_a_device_data();
     void chooses_a_device();
     void asks_once_where_nobody_can_answer();
+    void nobody_reading_the_output_holds_nothing_up_data();
     void nobody_reading_the_output_holds_nothing_up();
 
 private:
@@ -145,12 +148,20 @@ void TestQuickLink2Binding::asks_once_where_nobody_can_answer() {
     QCOMPARE(select("1"), 2);
 }
 
+void TestQuickLink2Binding::nobody_reading_the_output_holds_nothing_up_data() {
+    QTest::addColumn<bool>("terminal");
+    QTest::newRow("a pipe") << false;
+    QTest::newRow("a terminal") << true;
+}
+
 void TestQuickLink2Binding::nobody_reading_the_output_holds_nothing_up() {
+    QFETCH(const bool, terminal);
     int ends[2];
-    QCOMPARE(pipe(ends), 0);
+    QCOMPARE(terminal ? openpty(&ends[0], &ends[1], nullptr, nullptr, nullptr) : pipe(ends), 0);
     attach(3, {});
     {
         const Redirected full(STDOUT_FILENO, ends[1]);
+        console::prepare();
         for (int i = 0; i < 10000; ++i)
             QCOMPARE(selectDevice(""), 0);
     }
