@@ -1,0 +1,17 @@
+/** A tracker of the slowest usual rate delivers many times in this. */
+export const stalledAfterMs = 1000;
+
+/**
+ * What there is to say about the service and the tracker, as a key of the dictionaries.
+ *
+ * @param answer what the service said last: undefined before its first answer, null when it does not answer
+ * @param changedMs,nowMs when the samples last changed, and now, in ms of the page's clock
+ */
+export function streamState(answer, changedMs, nowMs) {
+    if (answer === undefined) return 'connecting';
+    if (answer === null) return 'offline';
+    if (!answer.result) return 'noTracker';
+    if (answer.samples.length === 0) return 'noSamples';
+    if (nowMs - changedMs <= stalledAfterMs) return 'live';
+    return 'stalled';
+}

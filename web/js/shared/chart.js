@@ -1,0 +1,82 @@
+import { forEachPoint } from './polyline.js';
+import { ticks } from './ticks.js';
+
+const pad = { left: 40, right: 8, top: 8, bottom: 20 };
+
+/**
+ * Where a chart of this size has its plot, and how its numbers become places.
+ *
+ * @param t0,t1 the times at the left and the right edge, ms
+ * @param y0,y1 the values at the bottom and the top
+ */
+export function chartFrame(width, height, t0, t1, y0, y1) {
+    const [left, right, top, bottom] = [pad.left, width - pad.right, pad.top, height - pad.bottom];
+    return {
+        left, right, top, bottom, t0, t1, y0, y1,
+        toX: timeMs => left + ((timeMs - t0) * (right - left)) / (t1 - t0),
+        toY: value => bottom - ((value - y0) * (bottom - top)) / (y1 - y0),
+        toTime: x => t0 + ((x - left) * (t1 - t0)) / (right - left),
+    };
+}
+
+/** @param timeText,valueText texts of the numbers at the axes */
+export function drawAxes(context, frame, palette, timeText, valueText) {
+    context.font = palette.font;
+    context.lineWidth = 1;
+    context.strokeStyle = palette.line;
+    context.fillStyle = palette.muted;
+    drawValueAxis(context, frame, valueText);
+    drawTimeAxis(context, frame, timeText);
+}
+
+function drawValueAxis(context, frame, text) {
+    context.textAlign = 'right';
+    context.textBaseline = 'middle';
+    context.beginPath();
+    for (const value of ticks(frame.y0, frame.y1, frame.bottom - frame.top > 90 ? 4 : 2)) {
+        const y = Math.round(frame.toY(value)) + 0.5;
+        context.moveTo(frame.left, y);
+        context.lineTo(frame.right, y);
+        context.fillText(text(value), frame.left - 6, y);
+    }
+    context.stroke();
+}
+
+function drawTimeAxis(context, frame, text) {
+    context.textAlign = 'center';
+    context.textBaseline = 'top';
+    const most = Math.max(2, Math.floor((frame.right - frame.left) / 70));
+    for (const timeMs of ticks(frame.t0, frame.t1, most)) {
+        const x = Math.min(Math.max(frame.toX(timeMs), frame.left), frame.right - 8);
+        context.fillText(text(timeMs), x, frame.bottom + 5);
+    }
+}
+
+/** One series as a line with its gaps. Values beyond the chart stay within its edges. */
+export function drawSeries(context, frame, time, values, from, to, colour, lineWidth = 1.5) {
+    context.save();
+    context.beginPath();
+    context.rect(frame.left, 0, frame.right - frame.left, frame.bottom + pad.top);
+    context.clip();
+    context.strokeStyle = colour;
+    context.lineWidth = lineWidth;
+    context.lineJoin = 'round';
+    context.beginPath();
+    forEachPoint(time, values, from, to, frame.toX, (x, value, starts) => {
+        const y = frame.toY(Math.min(Math.max(value, frame.y0), frame.y1));
+        // A value by itself is a dot.
+        if (starts) context.moveTo(x - 0.5, y);
+        context.lineTo(x + 0.5, y);
+    });
+    context.stroke();
+    context.restore();
+}
+
+/** Says in the middle of an empty chart why it is empty. */
+export function drawNote(context, frame, palette, text) {
+    context.fillStyle = palette.muted;
+    context.font = palette.font;
+    context.textAlign = 'center';
+    context.textBaseline = 'middle';
+    context.fillText(text, (frame.left + frame.right) / 2, (frame.top + frame.bottom) / 2);
+}
