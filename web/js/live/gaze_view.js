@@ -22,7 +22,7 @@ export function canvasAspect(aspect) {
 
 /** Draws the screen and on it the gaze of the last two seconds before `nowMs` of the columns' time. */
 export function drawGaze(canvas, columns, nowMs, aspect, palette) {
-    const { context, width, height } = prepare(canvas);
+    const { context, width, height } = prepare(canvas, palette.surface);
     const screen = screenIn(width, height, aspect);
     drawScreen(context, screen, palette);
     const from = columns.indexAt(nowMs - trailMs);
@@ -79,9 +79,9 @@ function drawTrack(context, screen, columns, from, nowMs, track, colour) {
     drawHead(context, columns, nowMs, xs, ys, toX, toY, track, colour);
 }
 
-/** The newest point, unless it is lost; it fades when nothing follows. */
+/** Where the gaze is at `nowMs`, unless it is lost; it fades when nothing follows. */
 function drawHead(context, columns, nowMs, xs, ys, toX, toY, track, colour) {
-    const last = columns.length - 1;
+    const last = columns.indexAt(nowMs) - 1;
     if (last < 0 || Number.isNaN(xs[last])) return;
     const age = nowMs - columns.time[last];
     context.globalAlpha = Math.min(1, Math.max(0, 1.25 - age / trailMs));

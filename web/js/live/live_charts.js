@@ -8,7 +8,7 @@ import { spanMs } from './sample_stream.js';
 const gazeRange = [0, 100];
 
 /** The combined gaze runs between the two eyes: a broad band that does not hide them. */
-const lineWidths = { band: 7 };
+const lineWidths = { band: 6 };
 
 /** `range` or, in steps of `step`, that of the values. */
 const charts = [
@@ -30,7 +30,7 @@ function drawChart(chart, columns, nowMs, palette) {
     figure.hidden = !range && Boolean(chart.hidesEmpty);
     if (figure.hidden) return;
 
-    const { context, width, height } = prepare(figure.querySelector('canvas'));
+    const { context, width, height } = prepare(figure.querySelector('canvas'), palette.surface);
     const frame = chartFrame(width, height, -spanMs, 0, ...(range ?? [0, 1]));
     drawAxes(context, frame, palette, timeMs => text('seconds', { value: number(timeMs / 1000) }), value => number(value));
     if (!range) drawNote(context, frame, palette, text('notMeasured'));

@@ -10,10 +10,13 @@ import { Poller } from './poller.js';
 import { SampleStream } from './sample_stream.js';
 import { streamState } from './stream_state.js';
 
-/** The gaze moves smoothly at this; the charts, which cost more, are drawn as answers come. */
-const frameMs = 33;
-const chartMs = 100;
+/** A browser without a graphics processor draws on the one core that it has for the page: no more often than it needs. */
+const frameMs = 60;
+const chartMs = 240;
 const figuresMs = 500;
+
+/** Samples come in bursts, one an answer. Drawn this much later, they move evenly. */
+const gazeDelayMs = 200;
 
 const stream = new SampleStream();
 let palette = readPalette();
@@ -27,8 +30,14 @@ function take(newAnswer, tookMs) {
     return newAnswer !== null && newAnswer.result && stream.add(newAnswer.samples, performance.now()) > 0;
 }
 
+/** Written only when it changes: what touches the document costs, and is read aloud. */
+let shown = '';
+
 function showState(state) {
     const { byArrival } = stream.timeline;
+    const now = [state, byArrival, stream.crossed, document.documentElement.lang].join();
+    if (now === shown) return;
+    shown = now;
     const hint = state === 'stalled' && byArrival ? 'stalledByArrivalHint' : `${state}Hint`;
     byId('gaze-title').dataset.state = state;
     setText('state', text(state));
@@ -39,10 +48,14 @@ function showState(state) {
     byId('crossed').hidden = !stream.crossed;
 }
 
+function useAspect(shape) {
+    aspect = shape;
+    byId('gaze').style.aspectRatio = String(canvasAspect(aspect));
+}
+
 function showSlowThings(state, nowMs) {
     const shape = aspectOf(stream.newest);
-    if (shape !== usualAspect) aspect = shape;
-    byId('gaze').style.aspectRatio = String(canvasAspect(aspect));
+    if (shape !== usualAspect && Math.abs(shape - aspect) > 0.01) useAspect(shape);
     showFigures(stream.columns, nowMs, stream.timeline.byArrival, state === 'live', answerMs);
 }
 
@@ -56,7 +69,6 @@ function throttled(intervalMs, show) {
     };
 }
 
-const gazeIfDue = throttled(frameMs, nowMs => drawGaze(byId('gaze'), stream.columns, nowMs, aspect, palette));
 const chartsIfDue = throttled(chartMs, nowMs => drawCharts(stream.columns, nowMs, palette));
 const figuresIfDue = throttled(figuresMs, showSlowThings);
 
@@ -65,11 +77,12 @@ function frame(pageMs) {
     const state = streamState(answer, stream.changedMs, performance.now());
     showState(state);
     figuresIfDue(pageMs, state, nowMs);
-    gazeIfDue(pageMs, nowMs);
+    drawGaze(byId('gaze'), stream.columns, nowMs - gazeDelayMs, aspect, palette);
     chartsIfDue(pageMs, nowMs);
-    requestAnimationFrame(frame);
+    setTimeout(requestAnimationFrame, frameMs, frame);
 }
 
+useAspect(usualAspect);
 startLanguage();
 startControls();
 onPaletteChange(() => { palette = readPalette(); });

@@ -1,4 +1,4 @@
-const quickestMs = 100;
+const quickestMs = 160;
 const quietMs = 400;
 const slowestMs = 1000;
 const firstRetryMs = 250;

@@ -52,6 +52,9 @@ function drawTimeAxis(context, frame, text) {
     }
 }
 
+/** A column of so many pixels is drawn as one: half the work, and the eye sees no difference. */
+const columnPx = 2;
+
 /** One series as a line with its gaps. Values beyond the chart stay within its edges. */
 export function drawSeries(context, frame, time, values, from, to, colour, lineWidth = 1.5) {
     context.save();
@@ -60,13 +63,14 @@ export function drawSeries(context, frame, time, values, from, to, colour, lineW
     context.clip();
     context.strokeStyle = colour;
     context.lineWidth = lineWidth;
-    context.lineJoin = 'round';
+    context.lineJoin = 'bevel';
     context.beginPath();
-    forEachPoint(time, values, from, to, frame.toX, (x, value, starts) => {
+    forEachPoint(time, values, from, to, timeMs => frame.toX(timeMs) / columnPx, (column, value, starts) => {
+        const x = column * columnPx;
         const y = frame.toY(Math.min(Math.max(value, frame.y0), frame.y1));
         // A value by itself is a dot.
-        if (starts) context.moveTo(x - 0.5, y);
-        context.lineTo(x + 0.5, y);
+        if (starts) context.moveTo(x - 1, y);
+        context.lineTo(x, y);
     });
     context.stroke();
     context.restore();

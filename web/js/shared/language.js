@@ -17,9 +17,16 @@ export function quantity(key, value, digits = 0) {
 }
 
 export function number(value, digits = 0) {
-    const digit = { minimumFractionDigits: digits, maximumFractionDigits: digits };
     // Not "-0", and a minus as wide as a digit.
-    return (Number(value.toFixed(digits)) || 0).toLocaleString(current, digit).replace('-', '−');
+    return numberFormat(digits).format(Number(value.toFixed(digits)) || 0).replace('-', '−');
+}
+
+/** Kept, as they take long to make. */
+const numberFormats = {};
+
+function numberFormat(digits) {
+    const digit = { minimumFractionDigits: digits, maximumFractionDigits: digits };
+    return (numberFormats[current + digits] ??= new Intl.NumberFormat(current, digit));
 }
 
 export function timeOfDay(date) {

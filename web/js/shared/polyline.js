@@ -9,11 +9,11 @@ export function gapLimitMs(time, from, to) {
 }
 
 /**
- * What to draw of a time series, at most four points a pixel column however many samples there are: the first, lowest,
- * highest and last value in each. Calls `take(column, value, starts)`, where `starts` begins a new line: missing values
+ * What to draw of a time series, at most two points a column of pixels however many samples there are: the lowest and
+ * the highest value in each, in the order in which the series rises or falls. Calls `take(column, value, starts)`, where `starts` begins a new line: missing values
  * (NaN) and gaps interrupt it.
  *
- * @param toColumn maps a time to a pixel column, which need not be whole
+ * @param toColumn maps a time to a column, which need not be whole
  */
 export function forEachPoint(time, values, from, to, toColumn, take) {
     const limit = gapLimitMs(time, from, to);
@@ -29,7 +29,7 @@ export function forEachPoint(time, values, from, to, toColumn, take) {
     column.flush();
 }
 
-/** The values of one pixel column. */
+/** The values of one column. */
 class Column {
     #take;
     #starts = true;
@@ -62,10 +62,9 @@ class Column {
 
     flush() {
         if (Number.isNaN(this.#at)) return;
-        this.#take(this.#at, this.#first, this.#starts);
-        if (this.#low < this.#high) {
-            for (const value of [this.#low, this.#high, this.#last]) this.#take(this.#at, value, false);
-        }
+        const rises = this.#first <= this.#last;
+        this.#take(this.#at, rises ? this.#low : this.#high, this.#starts);
+        if (this.#low < this.#high) this.#take(this.#at, rises ? this.#high : this.#low, false);
         this.#starts = false;
         this.#at = NaN;
     }
