@@ -1,5 +1,5 @@
 import { forEachPoint } from './polyline.js';
-import { ticks } from './ticks.js';
+import { ticks, timeTicks } from './ticks.js';
 
 const pad = { left: 40, right: 8, top: 8, bottom: 20 };
 
@@ -33,7 +33,7 @@ function drawValueAxis(context, frame, text) {
     context.textAlign = 'right';
     context.textBaseline = 'middle';
     context.beginPath();
-    for (const value of ticks(frame.y0, frame.y1, frame.bottom - frame.top > 90 ? 4 : 2)) {
+    for (const value of ticks(frame.y0, frame.y1, frame.bottom - frame.top > 60 ? 4 : 2)) {
         const y = Math.round(frame.toY(value)) + 0.5;
         context.moveTo(frame.left, y);
         context.lineTo(frame.right, y);
@@ -46,7 +46,7 @@ function drawTimeAxis(context, frame, text) {
     context.textAlign = 'center';
     context.textBaseline = 'top';
     const most = Math.max(2, Math.floor((frame.right - frame.left) / 70));
-    for (const timeMs of ticks(frame.t0, frame.t1, most)) {
+    for (const timeMs of timeTicks(frame.t0, frame.t1, most)) {
         const x = Math.min(Math.max(frame.toX(timeMs), frame.left), frame.right - 8);
         context.fillText(text(timeMs), x, frame.bottom + 5);
     }
@@ -74,6 +74,14 @@ export function drawSeries(context, frame, time, values, from, to, colour, lineW
     });
     context.stroke();
     context.restore();
+}
+
+/** A stretch of time from the top to the bottom of the chart. */
+export function drawBand(context, frame, fromMs, toMs, colour) {
+    const left = Math.max(frame.toX(fromMs), frame.left);
+    const right = Math.min(frame.toX(toMs), frame.right);
+    context.fillStyle = colour;
+    if (right > left) context.fillRect(left, frame.top, right - left, frame.bottom - frame.top);
 }
 
 /** Says in the middle of an empty chart why it is empty. */

@@ -29,6 +29,14 @@ function numberFormat(digits) {
     return (numberFormats[current + digits] ??= new Intl.NumberFormat(current, digit));
 }
 
+/** A length of time as minutes or hours, like 12:05 or 1:00:00. */
+export function clock(ms) {
+    const seconds = Math.round(ms / 1000);
+    const parts = [Math.floor(seconds / 3600), Math.floor(seconds / 60) % 60, seconds % 60];
+    const shown = parts[0] > 0 ? parts : parts.slice(1);
+    return shown.map((part, i) => String(part).padStart(i > 0 ? 2 : 1, '0')).join(':');
+}
+
 export function timeOfDay(date) {
     return date.toLocaleTimeString(current);
 }

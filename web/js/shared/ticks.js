@@ -7,13 +7,30 @@ export function niceStep(span, most) {
     return power * steps.find(step => step * power >= raw * (1 - 1e-9));
 }
 
+/** Round lengths of time from a minute up, in ms. */
+const timeSteps = [1, 2, 5, 10, 20, 30, 60, 120, 300, 600].map(minutes => minutes * 60000);
+
+/** The step between round times, in ms: whole minutes and hours where they fit. */
+export function timeStepMs(spanMs, most) {
+    const raw = spanMs / most;
+    return raw > 30000 ? (timeSteps.find(step => step >= raw) ?? niceStep(spanMs, most)) : niceStep(spanMs, most);
+}
+
 /** Round numbers from `low` to `high`, at most `most` + 1 of them. */
 export function ticks(low, high, most) {
-    if (!(high > low)) return [];
-    const step = niceStep(high - low, most);
-    const list = [];
-    for (let i = Math.ceil(low / step - 1e-9); i * step <= high + step * 1e-9; ++i) list.push(i * step);
-    return list;
+    return high > low ? multiples(niceStep(high - low, most), low, high, most) : [];
+}
+
+/** The same of times in ms. */
+export function timeTicks(lowMs, highMs, most) {
+    return highMs > lowMs ? multiples(timeStepMs(highMs - lowMs, most), lowMs, highMs, most) : [];
+}
+
+function multiples(step, low, high, most) {
+    const first = Math.ceil(low / step - 1e-9);
+    // Counted beforehand: numbers may be so large that one more makes no difference.
+    const count = Math.floor(high / step + 1e-9) - first + 1;
+    return Array.from({ length: Math.min(count, most + 1) }, (_, i) => (first + i) * step);
 }
 
 /** The range of the values of several columns, widened to whole multiples of `step`; null if there are none. */
