@@ -30,7 +30,7 @@ export async function startSimulator(...args) {
     return child;
 }
 
-/** A profile of its own, with the GazePoint tracker selected; removed by remove(). */
+/** A profile of its own, in which the program drives a GazePoint tracker, as it does at first; removed by remove(). */
 export function createHome() {
     const folder = mkdtempSync(join(tmpdir(), 'ocela-home-'));
     mkdirSync(join(folder, 'Documents'));

@@ -20,7 +20,8 @@ export function parseDecimal(bytes, from, to) {
         else return parseText(bytes, from, to);
     }
     const decimals = to - 1 - pointAt;
-    if (start >= to || decimals > mostDecimals) return parseText(bytes, from, to);
+    const isEmpty = to - start - (bytes[pointAt] === point ? 1 : 0) <= 0;
+    if (isEmpty || decimals > mostDecimals) return parseText(bytes, from, to);
     return (first === minus ? -value : value) / 10 ** decimals;
 }
 

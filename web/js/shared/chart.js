@@ -1,7 +1,7 @@
 import { forEachPoint } from './polyline.js';
 import { ticks, timeTicks } from './ticks.js';
 
-const pad = { left: 40, right: 8, top: 8, bottom: 20 };
+const pad = { left: 40, right: 8, top: 8, bottom: 22 };
 
 /**
  * Where a chart of this size has its plot, and how its numbers become places.
@@ -48,7 +48,7 @@ function drawTimeAxis(context, frame, text) {
     const most = Math.max(2, Math.floor((frame.right - frame.left) / 70));
     for (const timeMs of timeTicks(frame.t0, frame.t1, most)) {
         const x = Math.min(Math.max(frame.toX(timeMs), frame.left), frame.right - 8);
-        context.fillText(text(timeMs), x, frame.bottom + 5);
+        context.fillText(text(timeMs), x, frame.bottom + 7);
     }
 }
 
