@@ -104,13 +104,14 @@ describe('a stream', () => {
 describe('the state', () => {
     const answer = { result: true, samples: [1] };
     for (const [expected, ...args] of [
-        ['connecting', undefined, NaN, 0],
-        ['offline', null, 100, 200],
-        ['noTracker', { result: false, samples: [] }, NaN, 0],
-        ['noSamples', { result: true, samples: [] }, NaN, 0],
-        ['live', answer, 100, 1100],
-        ['stalled', answer, 100, 1101],
-        ['stalled', answer, NaN, 0],
+        ['connecting', undefined, NaN, NaN, 0],
+        ['offline', null, 100, 100, 200],
+        ['noTracker', { result: false, samples: [] }, NaN, NaN, 0],
+        ['noSamples', { result: true, samples: [] }, NaN, NaN, 0],
+        ['connecting', answer, 100, NaN, 1100],
+        ['stalled', answer, 100, NaN, 1101],
+        ['live', answer, 0, 100, 1100],
+        ['stalled', answer, 0, 100, 1101],
     ])
         test(`${expected} of ${JSON.stringify(args)}`, () => assert.equal(streamState(...args), expected));
 });

@@ -12,6 +12,7 @@ export class Chromium {
     #profile = mkdtempSync(join(tmpdir(), 'ocela-chromium-'));
     #waiting = new Map();
     #lastId = 0;
+    #targetId;
     #received = '';
     listeners = new Set();
 
@@ -34,8 +35,11 @@ export class Chromium {
         return new Promise((resolve, reject) => this.#waiting.set(id, { resolve, reject, method }));
     }
 
+    /** A page at an address; the one that was open before is closed. */
     async open(url, options = {}) {
+        if (this.#targetId) await this.send('Target.closeTarget', { targetId: this.#targetId });
         const { targetId } = await this.send('Target.createTarget', { url: 'about:blank' });
+        this.#targetId = targetId;
         const { sessionId } = await this.send('Target.attachToTarget', { targetId, flatten: true });
         const page = new Page(this, sessionId);
         await page.start(url, options);

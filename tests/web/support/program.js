@@ -30,11 +30,13 @@ export async function startSimulator(...args) {
     return child;
 }
 
-/** A profile of its own, in which the program drives a GazePoint tracker, as it does at first; removed by remove(). */
+/** A profile of its own, with the GazePoint tracker selected; removed by remove(). */
 export function createHome() {
     const folder = mkdtempSync(join(tmpdir(), 'ocela-home-'));
     mkdirSync(join(folder, 'Documents'));
     write(join(folder, 'config/user-dirs.dirs'), 'XDG_DOCUMENTS_DIR="$HOME/Documents"\n');
+    write(join(folder, 'data/Velmora/OcelaSettings.xml'),
+        '<settings version="1"><property name="SelectedTracker">gazepoint</property></settings>');
     return { folder, remove: () => rmSync(folder, { recursive: true, force: true }) };
 }
 

@@ -32,7 +32,7 @@ function drawChart(chart, columns, nowMs, palette) {
 
     const { context, width, height } = prepare(figure.querySelector('canvas'), palette.surface);
     const frame = chartFrame(width, height, -spanMs, 0, ...(range ?? [0, 1]));
-    drawAxes(context, frame, palette, timeMs => text('seconds', { value: number(timeMs / 1000) }), value => number(value));
+    drawAxes(context, frame, palette, timeMs => text('seconds', { value: number(timeMs / 1000) }), number);
     if (!range) drawNote(context, frame, palette, text('notMeasured'));
     const moving = { ...frame, toX: timeMs => frame.toX(timeMs - nowMs) };
     for (const [name, colour] of Object.entries(chart.series))

@@ -75,7 +75,7 @@ const figuresIfDue = throttled(figuresMs, showSlowThings);
 
 function frame(pageMs) {
     const nowMs = stream.timeline.now(performance.now());
-    const state = streamState(answer, stream.changedMs, performance.now());
+    const state = streamState(answer, stream.startedMs, stream.changedMs, performance.now());
     showState(state);
     figuresIfDue(pageMs, state, nowMs);
     drawGaze(byId('gaze'), stream.columns, nowMs - gazeDelayMs, aspect, palette);

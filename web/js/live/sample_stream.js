@@ -20,6 +20,8 @@ const safeIntervalMs = 0.8 * windowMs;
 export class SampleStream {
     columns = new SampleColumns();
     timeline = new Timeline();
+    /** When the first answer came; NaN: not yet. */
+    startedMs = NaN;
     /** When an answer last differed from the one before; NaN: not yet. */
     changedMs = NaN;
     #samples = [];
@@ -41,8 +43,8 @@ export class SampleStream {
     add(samples, nowMs) {
         const known = overlap(this.#samples, samples);
         const count = samples.length - known;
-        if (!Number.isNaN(this.#arrivedMs) && (count > 0 || samples.length !== this.#samples.length))
-            this.changedMs = nowMs;
+        if (Number.isNaN(this.#arrivedMs)) this.startedMs = nowMs;
+        else if (count > 0 || samples.length !== this.#samples.length) this.changedMs = nowMs;
         if (known === 0 && nowMs - this.#arrivedMs > safeIntervalMs) this.columns.clear();
         this.#append(samples, count, nowMs);
         this.#samples = samples;

@@ -5,13 +5,15 @@ export const stalledAfterMs = 1000;
  * What there is to say about the service and the tracker, as a key of the dictionaries.
  *
  * @param answer what the service said last: undefined before its first answer, null when it does not answer
- * @param changedMs,nowMs when the samples last changed, and now, in ms of the page's clock
+ * @param startedMs,changedMs,nowMs when the first samples came, when they last changed (NaN: not yet), and now, in ms of
+ *     the page's clock
  */
-export function streamState(answer, changedMs, nowMs) {
+export function streamState(answer, startedMs, changedMs, nowMs) {
     if (answer === undefined) return 'connecting';
     if (answer === null) return 'offline';
     if (!answer.result) return 'noTracker';
     if (answer.samples.length === 0) return 'noSamples';
-    if (nowMs - changedMs <= stalledAfterMs) return 'live';
-    return 'stalled';
+    // The first samples may be old ones: only the next tell that the tracker delivers.
+    if (Number.isNaN(changedMs)) return nowMs - startedMs <= stalledAfterMs ? 'connecting' : 'stalled';
+    return nowMs - changedMs <= stalledAfterMs ? 'live' : 'stalled';
 }

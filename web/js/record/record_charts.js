@@ -1,7 +1,7 @@
 import { chartFrame, drawAxes, drawBand, drawNote, drawSeries } from '../shared/chart.js';
 import { clock, number, text } from '../shared/language.js';
 import { validShares } from './validity.js';
-import { niceStep, rangeOf } from '../shared/ticks.js';
+import { decimalsOf, niceStep, rangeOf } from '../shared/ticks.js';
 
 /** Longer ranges have their times in minutes. */
 const longestInSecondsMs = 120000;
@@ -12,8 +12,7 @@ const fewestPxPerFixation = 3;
 /** With as many digits as tell the ticks apart. */
 function timeText(frame) {
     if (frame.t1 - frame.t0 > longestInSecondsMs) return clock;
-    const step = niceStep((frame.t1 - frame.t0) / 1000, 8);
-    const digits = Math.min(3, Math.max(0, -Math.floor(Math.log10(step))));
+    const digits = decimalsOf(niceStep((frame.t1 - frame.t0) / 1000, 8));
     return timeMs => text('seconds', { value: number(timeMs / 1000, digits) });
 }
 
@@ -25,7 +24,7 @@ export function drawPupils(context, width, height, { columns, range, fixations }
     if (fixations.length * fewestPxPerFixation < width) {
         for (const { startMs, durationMs } of fixations) drawBand(context, frame, startMs, startMs + durationMs, palette.screen);
     }
-    drawAxes(context, frame, palette, timeText(frame), value => number(value, 1));
+    drawAxes(context, frame, palette, timeText(frame), number);
     if (!values) drawNote(context, frame, palette, text('notMeasured'));
     for (const [name, colour] of [['leftPupil', 'left'], ['rightPupil', 'right']])
         drawSeries(context, frame, columns.time, columns[name], Math.max(from - 1, 0), Math.min(to, columns.length), palette[colour]);
@@ -35,7 +34,7 @@ export function drawPupils(context, width, height, { columns, range, fixations }
 /** The share of valid samples over the time of a range. */
 export function drawValidity(context, width, height, { columns, range }, palette) {
     const frame = chartFrame(width, height, range.fromMs, range.toMs, 0, 100);
-    drawAxes(context, frame, palette, timeText(frame), value => number(value));
+    drawAxes(context, frame, palette, timeText(frame), number);
     drawShares(context, frame, columns, palette.accent);
     return frame;
 }

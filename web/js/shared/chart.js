@@ -1,5 +1,5 @@
 import { forEachPoint } from './polyline.js';
-import { ticks, timeTicks } from './ticks.js';
+import { decimalsOf, ticks, timeTicks } from './ticks.js';
 
 const pad = { left: 40, right: 8, top: 8, bottom: 22 };
 
@@ -19,7 +19,7 @@ export function chartFrame(width, height, t0, t1, y0, y1) {
     };
 }
 
-/** @param timeText,valueText texts of the numbers at the axes */
+/** @param timeText what a time is called, @param valueText what a value is with so many decimals */
 export function drawAxes(context, frame, palette, timeText, valueText) {
     context.font = palette.font;
     context.lineWidth = 1;
@@ -33,11 +33,12 @@ function drawValueAxis(context, frame, text) {
     context.textAlign = 'right';
     context.textBaseline = 'middle';
     context.beginPath();
-    for (const value of ticks(frame.y0, frame.y1, frame.bottom - frame.top > 60 ? 4 : 2)) {
+    const values = ticks(frame.y0, frame.y1, frame.bottom - frame.top > 60 ? 4 : 2);
+    for (const value of values) {
         const y = Math.round(frame.toY(value)) + 0.5;
         context.moveTo(frame.left, y);
         context.lineTo(frame.right, y);
-        context.fillText(text(value), frame.left - 6, y);
+        context.fillText(text(value, decimalsOf(values[1] - values[0])), frame.left - 6, y);
     }
     context.stroke();
 }

@@ -7,6 +7,11 @@ export function niceStep(span, most) {
     return power * steps.find(step => step * power >= raw * (1 - 1e-9));
 }
 
+/** How many digits behind the decimal sign tell apart what is `step` apart. */
+export function decimalsOf(step) {
+    return Math.min(3, Math.max(0, -Math.floor(Math.log10(step) + 1e-9)));
+}
+
 /** Round lengths of time from a minute up, in ms. */
 const timeSteps = [1, 2, 5, 10, 20, 30, 60, 120, 300, 600].map(minutes => minutes * 60000);
 

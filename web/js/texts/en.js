@@ -107,7 +107,7 @@ export default {
     chartValid: 'Valid samples, %',
     cutOff: 'Line {line} is incomplete: the file is cut off there. What comes before it is shown.',
     setBack: 'Line {line}: the time goes back; the clock was set while recording. What follows is shown after what was before.',
-    timeless: 'The tracker sent no times. Durations are only as right as the assumed rate.',
+    timeless: 'The tracker sent no times. Durations are only as right as the rate that is assumed with the fixation detection.',
 
     cannotShow: 'Cannot show “{name}”. {reason}',
     emptyFile: 'Line {line}: the file is empty.',
