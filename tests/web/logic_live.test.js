@@ -69,6 +69,13 @@ describe('a stream', () => {
         }
     });
 
+    test('loses nothing while answers come late but still overlap', () => {
+        const stream = new SampleStream();
+        stream.add(series(0, 150, clocked), 0);
+        stream.add(series(140, 290, clocked), 1900);
+        assert.equal(stream.columns.length, 290);
+    });
+
     test('begins anew when the clock is set back', () => {
         const stream = new SampleStream();
         stream.add(series(0, 10, clocked), 1000);

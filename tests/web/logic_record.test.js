@@ -109,6 +109,7 @@ describe('fixations', () => {
     for (const [name, parts, expected] of [
         ['one', [[20, 50, 50]], [[0, 190]]],
         ['two places', [[20, 50, 50], [15, 80, 20]], [[0, 190], [200, 140]]],
+        ['the next begins behind the one before', [[20, 50, 50], [20, 53, 50]], [[0, 200], [210, 180]]],
         ['too short to count', [[10, 50, 50]], []],
         ['just long enough', [[11, 50, 50]], [[0, 100]]],
         ['a slow drift is none', Array.from({ length: 50 }, (_, i) => [1, 2 * i, 50]), []],

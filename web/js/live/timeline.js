@@ -22,8 +22,7 @@ export class Timeline {
      * A change between the two axes makes earlier times meaningless: `byArrival` tells.
      */
     timesOf(samples, count, nowMs) {
-        const byArrival = stampedAlike(samples) || (samples.length < 2 && this.byArrival);
-        if (byArrival !== this.byArrival) this.#arrivedMs = NaN;
+        const byArrival = stampedAlike(samples);
         this.byArrival = byArrival;
         const fresh = samples.slice(samples.length - count);
         const times = byArrival ? this.#spread(count, nowMs) : fresh.map(sample => sample.timestamp);

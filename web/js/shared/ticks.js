@@ -23,19 +23,19 @@ export function timeStepMs(spanMs, most) {
 
 /** Round numbers from `low` to `high`, at most `most` + 1 of them. */
 export function ticks(low, high, most) {
-    return high > low ? multiples(niceStep(high - low, most), low, high, most) : [];
+    return high > low ? multiples(niceStep(high - low, most), low, high) : [];
 }
 
 /** The same of times in ms. */
 export function timeTicks(lowMs, highMs, most) {
-    return highMs > lowMs ? multiples(timeStepMs(highMs - lowMs, most), lowMs, highMs, most) : [];
+    return highMs > lowMs ? multiples(timeStepMs(highMs - lowMs, most), lowMs, highMs) : [];
 }
 
-function multiples(step, low, high, most) {
+function multiples(step, low, high) {
     const first = Math.ceil(low / step - 1e-9);
     // Counted beforehand: numbers may be so large that one more makes no difference.
     const count = Math.floor(high / step + 1e-9) - first + 1;
-    return Array.from({ length: Math.min(count, most + 1) }, (_, i) => (first + i) * step);
+    return Array.from({ length: count }, (_, i) => (first + i) * step);
 }
 
 /** The range of the values of several columns, widened to whole multiples of `step`; null if there are none. */
