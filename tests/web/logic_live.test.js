@@ -40,7 +40,9 @@ describe('overlap', () => {
 });
 
 describe('a stream', () => {
-    for (const [name, toSample] of [['with timestamps', clocked], ['without timestamps', unclocked], ['of a resting gaze', resting]]) {
+    for (const [name, toSample] of [
+        ['with timestamps', clocked], ['without timestamps', unclocked], ['of a resting gaze', resting],
+    ]) {
         test(`${name} has every sample once, in order`, () => {
             const stream = new SampleStream();
             for (let at = 0; at < 60; at += 3) stream.add(series(Math.max(0, at - 20), at, toSample), 30 * at);
@@ -101,7 +103,9 @@ describe('a stream', () => {
 
     test('of lost eyes without timestamps still shows that samples come', () => {
         const stream = new SampleStream();
-        for (const [count, nowMs, changedMs] of [[200, 0, NaN], [200, 100, NaN], [199, 200, 200], [201, 300, 300], [201, 400, 300]]) {
+        for (const [count, nowMs, changedMs] of [
+            [200, 0, NaN], [200, 100, NaN], [199, 200, 200], [201, 300, 300], [201, 400, 300],
+        ]) {
             stream.add(series(0, count, lost), nowMs);
             assert.equal(stream.changedMs, changedMs, `${nowMs} ms`);
         }

@@ -12,7 +12,8 @@ import { SampleColumns, columnNames } from '../../web/js/shared/sample_columns.j
 
 const bytesOf = text => new TextEncoder().encode(text);
 const header = `${headers.join()}\r\n`;
-const row = (timestamp, x = 50, y = 25) => `${timestamp},0,1,${x},${y},960,270,0,${x},${y},960,270,3.5,0,0,${y},${x},480,540,3.5,0,0,0\r\n`;
+const row = (timestamp, x = 50, y = 25) =>
+    `${timestamp},0,1,${x},${y},960,270,0,${x},${y},960,270,3.5,0,0,${y},${x},480,540,3.5,0,0,0\r\n`;
 
 /** What a file's text gives when it is read in pieces of `size` bytes: { record, cutOffLine } or { error }. */
 function read(text, size = 1 << 20) {

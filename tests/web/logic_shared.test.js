@@ -19,15 +19,17 @@ function columnsOf(times, xs) {
 }
 
 test('statistics', () => {
-    const none = { count: 1, rateHz: NaN, validShare: NaN, longestGapMs: NaN, longestLossMs: NaN, jitterMs: NaN };
+    const names = ['count', 'rateHz', 'validShare', 'longestGapMs', 'longestLossMs', 'jitterMs'];
     for (const [times, xs, expected] of [
-        [[5], [1], none],
-        [[0, 10, 20, 30], [1, 1, 1, 1], { count: 4, rateHz: 100, validShare: 1, longestGapMs: 10, longestLossMs: 0, jitterMs: 0 }],
-        [[0, 10, 20, 60], [1, NaN, NaN, 1], { count: 4, rateHz: 50, validShare: 0.5, longestGapMs: 40, longestLossMs: 60, jitterMs: Math.sqrt(200) }],
-        [[0, 10, 20], [NaN, NaN, NaN], { count: 3, rateHz: 100, validShare: 0, longestGapMs: 10, longestLossMs: 20, jitterMs: 0 }],
-        [[0, 0, 0], [1, 1, 1], { count: 3, rateHz: NaN, validShare: 1, longestGapMs: 0, longestLossMs: 0, jitterMs: 0 }],
-    ])
-        assert.deepEqual(statisticsOf(columnsOf(times, xs)), expected);
+        [[5], [1], [1, NaN, NaN, NaN, NaN, NaN]],
+        [[0, 10, 20, 30], [1, 1, 1, 1], [4, 100, 1, 10, 0, 0]],
+        [[0, 10, 20, 60], [1, NaN, NaN, 1], [4, 50, 0.5, 40, 60, Math.sqrt(200)]],
+        [[0, 10, 20], [NaN, NaN, NaN], [3, 100, 0, 10, 20, 0]],
+        [[0, 0, 0], [1, 1, 1], [3, NaN, 1, 0, 0, 0]],
+    ]) {
+        const statistics = statisticsOf(columnsOf(times, xs));
+        assert.deepEqual(names.map(name => statistics[name]), expected);
+    }
 });
 
 describe('what a sample measures', () => {
@@ -51,8 +53,9 @@ describe('what a sample measures', () => {
 });
 
 test('the shape of the screen', () => {
-    const at = (x, y, width, height) => ({ valid: true, x, y, x_px: Math.trunc((x * width) / 100), y_px: Math.trunc((y * height) / 100) });
-    const gaze = (width, height) => [at(20, 30, width, height), at(80.3, 60.7, width, height), at(99, 12, width, height)];
+    const px = (percent, length) => Math.trunc((percent * length) / 100);
+    const gaze = (width, height) => [[20, 30], [80.3, 60.7], [99, 12]].map(
+        ([x, y]) => ({ valid: true, x, y, x_px: px(x, width), y_px: px(y, height) }));
     for (const [samples, expected] of [
         [[], usualAspect],
         [gaze(1920, 1200), 1.6],
@@ -66,7 +69,8 @@ test('the shape of the screen', () => {
 describe('lines', () => {
     const drawn = (times, values, toColumn) => {
         const lines = [];
-        forEachPoint(times, values, 0, times.length, toColumn, (x, y, starts) => starts ? lines.push([[x, y]]) : lines.at(-1).push([x, y]));
+        forEachPoint(times, values, 0, times.length, toColumn,
+            (x, y, starts) => (starts ? lines.push([[x, y]]) : lines.at(-1).push([x, y])));
         return lines;
     };
     const tens = count => Array.from({ length: count }, (_, i) => 10 * i);
@@ -97,7 +101,8 @@ test('both languages have the same texts with the same values in them', () => {
 
 test('every text that the pages name exists, and none is left over', () => {
     const folder = new URL('../../web/', import.meta.url);
-    const files = readdirSync(folder, { recursive: true }).filter(name => /\.(html|js)$/.test(name) && !name.startsWith('js/texts'));
+    const files = readdirSync(folder, { recursive: true })
+        .filter(name => /\.(html|js)$/.test(name) && !name.startsWith('js/texts'));
     const sources = files.map(name => readFileSync(new URL(name, folder), 'utf8')).join('\n');
     const named = [...sources.matchAll(/data-i18n(?:-label)?="(\w+)"/g)].map(match => match[1]);
     assert.deepEqual(named.filter(key => !(key in en)), []);

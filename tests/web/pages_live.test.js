@@ -71,14 +71,19 @@ describe('with a service that says', () => {
         return { result: true, sampleCount: 200, samples };
     };
 
+    const outOfProportion = () => ({
+        result: true,
+        samples: [1, 2, 3].map(i => (
+            { ...sample(9e18, i * Math.random()), x: null, l_x: 1e38, l_y: -1e38, l_pupil_mm: 1e30, distance_cm: 1e38 * i })),
+    });
+
     for (const [name, answer, state] of [
         ['that no tracker is selected', { result: false }, 'noTracker'],
         ['nothing yet', { result: true, sampleCount: 0, samples: [] }, 'noSamples'],
         ['nothing that makes sense', [], 'noTracker'],
         ['the same samples for ever', { result: true, samples: [1, 2, 3].map(i => sample(i, i)) }, 'stalled'],
         ['that a tracker runs', running(i => 10 * i), 'live'],
-        ['numbers out of all proportion', () => ({ result: true, samples: [1, 2, 3].map(i => (
-            { ...sample(9e18, i * Math.random()), x: null, l_x: 1e38, l_y: -1e38, l_pupil_mm: 1e30, distance_cm: 1e38 * i })) }), 'live'],
+        ['numbers out of all proportion', outOfProportion, 'live'],
     ])
         test(name, async () => {
             standIn.answers = { '/lastsamples': answer };
@@ -104,7 +109,8 @@ describe('with a service that says', () => {
         standIn.answers = { '/lastsamples': running(i => 10 * i) };
         const page = await browser.open(standIn.address);
         await page.until(stateIs('live'));
-        const hide = hidden => page.evaluate(`Object.defineProperty(document, 'hidden', { value: ${hidden}, configurable: true });
+        const hide = hidden => page.evaluate(`
+            Object.defineProperty(document, 'hidden', { value: ${hidden}, configurable: true });
             document.dispatchEvent(new Event('visibilitychange'))`);
         await hide(true);
         await page.evaluate('new Promise(done => setTimeout(done, 500))');
@@ -117,7 +123,8 @@ describe('with a service that says', () => {
 
     test('errors, which are shown as text', async () => {
         const error = '<img src=x onerror="document.title = 1">';
-        standIn.answers = { '/lastsamples': { result: false }, '/startrecord': { result: false, error }, '/calibrate': { result: false } };
+        const no = { result: false };
+        standIn.answers = { '/lastsamples': no, '/startrecord': { ...no, error }, '/calibrate': no };
         const page = await browser.open(standIn.address);
         await page.click('#record .primary');
         await page.until(`${lastRequest}.includes(${JSON.stringify(`Refused: ${error}`)})`);
@@ -136,7 +143,10 @@ test('both pages fit a narrow screen, name their controls and keep the language'
     const standIn = await new StandIn({ '/lastsamples': { result: false } }).listen();
     try {
         // Russian as the browser is; the second page in the language that was chosen on the first.
-        for (const [path, title, other, otherTitle] of [['/', /взгляд/, 'en', /gaze/], ['/record.html', /record/, 'ru', /запис/]]) {
+        for (const [path, title, other, otherTitle] of [
+            ['/', /взгляд/, 'en', /gaze/],
+            ['/record.html', /record/, 'ru', /запис/],
+        ]) {
             const page = await browser.open(standIn.address + path, { width: 360, language: 'ru' });
             await page.until('document.documentElement.lang && document.querySelector("[aria-pressed=true]")');
             assert.match(await page.evaluate('document.title'), title);

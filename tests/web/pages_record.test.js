@@ -56,7 +56,9 @@ test('a record of the program is shown, zoomed and saved as a picture', async ()
     await page.until(`document.querySelector('#stage').toDataURL() !== ${JSON.stringify(scanPath)}`);
 
     const whole = await page.evaluate(duration);
-    const { x, y } = await page.evaluate("document.querySelector('#pupils').scrollIntoView(), (({ x, y }) => ({ x, y }))(document.querySelector('#pupils').getBoundingClientRect())");
+    const { x, y } = await page.evaluate(`
+        document.querySelector('#pupils').scrollIntoView();
+        document.querySelector('#pupils').getBoundingClientRect().toJSON()`);
     await page.send('Input.dispatchMouseEvent', { type: 'mouseWheel', x: x + 300, y: y + 40, deltaX: 0, deltaY: -500 });
     await page.until(`${duration} < ${whole}`);
     const zoomed = await page.evaluate(duration);
@@ -66,7 +68,9 @@ test('a record of the program is shown, zoomed and saved as a picture', async ()
     await page.click('#whole');
     await page.until(`${duration} === ${whole}`);
 
-    await page.evaluate("document.querySelector('#shortest').value = 2000, document.querySelector('#shortest').dispatchEvent(new Event('change'))");
+    await page.evaluate(`
+        document.querySelector('#shortest').value = 2000;
+        document.querySelector('#shortest').dispatchEvent(new Event('change'))`);
     await page.until("document.querySelector('#fixation-count').textContent === '0'");
 
     await browser.send('Browser.setDownloadBehavior', { behavior: 'allow', downloadPath: folder });

@@ -50,7 +50,17 @@ export class Chromium {
         const ended = new Promise(resolve => this.#process.once('exit', resolve));
         this.#process.kill('SIGTERM');
         await ended;
-        rmSync(this.#profile, { recursive: true, force: true, maxRetries: 20, retryDelay: 100 });
+        await waitFor(() => this.#removeProfile(), 'the end of all of Chromium');
+    }
+
+    /** Not while processes of it still write. */
+    #removeProfile() {
+        try {
+            rmSync(this.#profile, { recursive: true, force: true });
+            return true;
+        } catch {
+            return false;
+        }
     }
 
     #receive(text) {

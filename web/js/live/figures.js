@@ -13,7 +13,7 @@ export function showFigures(columns, nowMs, byArrival, isLive, answerMs) {
     const statistics = statisticsOf(columns);
     const waitingMs = nowMs - columns.time[columns.length - 1];
     const gapMs = isLive ? statistics.longestGapMs : Math.max(statistics.longestGapMs, waitingMs);
-    setText('rate', quantity('hz', statistics.rateHz, 1));
+    setText('rate', quantity('hz', isLive ? statistics.rateHz : NaN, 1));
     setText('valid', quantity('percent', 100 * statistics.validShare, 1));
     setText('loss', text('lossHint', { value: quantity('ms', statistics.longestLossMs) }));
     setText('gap', quantity('ms', byArrival ? NaN : gapMs));

@@ -18,6 +18,10 @@ const charts = [
     { id: 'chart-distance', series: { distance: 'accent' }, step: 10, hidesEmpty: true },
 ];
 
+function seconds(timeMs, digits) {
+    return text('seconds', { value: number(timeMs / 1000, digits) });
+}
+
 /** Draws the last ten seconds before `nowMs` of the columns' time. */
 export function drawCharts(columns, nowMs, palette) {
     for (const chart of charts) drawChart(chart, columns, nowMs, palette);
@@ -32,9 +36,10 @@ function drawChart(chart, columns, nowMs, palette) {
 
     const { context, width, height } = prepare(figure.querySelector('canvas'), palette.surface);
     const frame = chartFrame(width, height, -spanMs, 0, ...(range ?? [0, 1]));
-    drawAxes(context, frame, palette, timeMs => text('seconds', { value: number(timeMs / 1000) }), number);
+    drawAxes(context, frame, palette, seconds, number);
     if (!range) drawNote(context, frame, palette, text('notMeasured'));
     const moving = { ...frame, toX: timeMs => frame.toX(timeMs - nowMs) };
+    const { time, length } = columns;
     for (const [name, colour] of Object.entries(chart.series))
-        drawSeries(context, moving, columns.time, columns[name], 0, columns.length, palette[colour], lineWidths[colour]);
+        drawSeries(context, moving, time, columns[name], 0, length, palette[colour], lineWidths[colour]);
 }

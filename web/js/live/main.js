@@ -11,7 +11,7 @@ import { Poller } from './poller.js';
 import { SampleStream } from './sample_stream.js';
 import { streamState } from './stream_state.js';
 
-/** A browser without a graphics processor draws on the one core that it has for the page: no more often than it needs. */
+/** A browser without a graphics processor takes the time of a core for every picture: no more of them than it needs. */
 const frameMs = 60;
 const chartMs = 240;
 const figuresMs = 500;

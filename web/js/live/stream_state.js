@@ -5,8 +5,8 @@ export const stalledAfterMs = 1000;
  * What there is to say about the service and the tracker, as a key of the dictionaries.
  *
  * @param answer what the service said last: undefined before its first answer, null when it does not answer
- * @param startedMs,changedMs,nowMs when the first samples came, when they last changed (NaN: not yet), and now, in ms of
- *     the page's clock
+ * @param startedMs,changedMs,nowMs when the first samples came, when they last changed (NaN: not yet), and now, in ms
+ *     of the page's clock
  */
 export function streamState(answer, startedMs, changedMs, nowMs) {
     if (answer === undefined) return 'connecting';

@@ -41,10 +41,10 @@ function pictureOf(view, mode, palette) {
 function drawTitle(context, view, palette) {
     const { fromMs, toMs } = view.range;
     const seconds = ms => text('seconds', { value: number(ms / 1000, 1) });
-    const { rate, valid, 'fixation-count': count, 'mean-fixation': mean } = figuresOf(view, view.timeless);
+    const { rate, valid, 'fixation-count': count, 'mean-fixation': mean } = figuresOf(view);
     const figures = [
-        `${seconds(fromMs)} – ${seconds(toMs)}`, rate, `${text('validShare')}: ${valid}`, `${text('fixations')}: ${count}`,
-        `${text('meanFixation')}: ${mean}`,
+        `${seconds(fromMs)} – ${seconds(toMs)}`, rate, `${text('validShare')}: ${valid}`,
+        `${text('fixations')}: ${count}`, `${text('meanFixation')}: ${mean}`,
     ];
     write(context, view.fileName, edge, 30, palette.ink, palette.font.replace(/^\d+px/, '600 17px'));
     write(context, figures.join('  ·  '), edge, 52, palette.muted, palette.font.replace(/^\d+px/, '13px'));

@@ -1,8 +1,9 @@
 /** Cells across the screen; as many down as make them square. */
 const across = 160;
 
-/** Half the width of the average that is taken three times, in cells: about a degree of a usual seat. */
+/** Half the width of the moving average, in cells, and how often it is taken, so that its corners wear off. */
 const blurCells = 2;
+const passes = 5;
 
 /**
  * How often the gaze was where, smoothed, as shares of the most frequented cell.
@@ -12,7 +13,10 @@ const blurCells = 2;
 export function heatMapOf(columns, from, to, aspect) {
     const [width, height] = [across, Math.round(across / aspect)];
     let cells = countIn(columns, from, to, width, height);
-    for (let pass = 0; pass < 3; ++pass) cells = blurred(blurred(cells, width, height, 1, width), height, width, width, 1);
+    for (let pass = 0; pass < passes; ++pass) {
+        cells = blurred(cells, width, height, 1, width);
+        cells = blurred(cells, height, width, width, 1);
+    }
     const most = cells.reduce((a, b) => Math.max(a, b), 0);
     return { width, height, shares: most > 0 ? cells.map(count => count / most) : cells };
 }

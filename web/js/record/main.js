@@ -65,7 +65,8 @@ function drawSoon() {
 function draw() {
     const { columns, range } = view;
     view.summary = summaryOf(columns, view.fixations, range);
-    if (mode === 'heatMap') view.heatMap ??= heatMapOf(columns, columns.indexAt(range.fromMs), columns.indexAt(range.toMs), view.aspect);
+    const [from, to] = [columns.indexAt(range.fromMs), columns.indexAt(range.toMs)];
+    if (mode === 'heatMap') view.heatMap ??= heatMapOf(columns, from, to, view.aspect);
     const stage = prepare(byId('stage'), palette.surface);
     drawStage(stage.context, stage.width, stage.height, mode, view, palette);
     for (const [id, drawChart] of [['overview', drawOverview], ['pupils', drawPupils], ['validity', drawValidity]]) {

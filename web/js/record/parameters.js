@@ -4,8 +4,8 @@ import { usualParameters } from './fixations.js';
 const fields = { dispersion: 'dispersion', shortestMs: 'shortest', longestGapMs: 'longest-gap' };
 
 /**
- * The numbers that a user sets. Only what the fields allow is passed on: { detection(), rate(), range(fromMs, toMs) } are
- * called when it changes.
+ * The numbers that a user sets. Only what the fields allow is passed on: { detection(), rate(), range(fromMs, toMs) }
+ * are called when it changes.
  */
 export function startParameters(changed) {
     for (const [name, id] of Object.entries(fields)) {

@@ -17,8 +17,8 @@ const keys = {
 };
 
 /**
- * Lets a chart change the range: the wheel zooms, keys move and zoom, and a double click shows the whole. Dragging moves
- * what is under the pointer along (`drag` 'move'), or marks a new range ('mark').
+ * Lets a chart change the range: the wheel zooms, keys move and zoom, and a double click shows the whole. Dragging
+ * moves what is under the pointer along (`drag` 'move'), or marks a new range ('mark').
  *
  * @param view { range, wholeMs, frame(canvas), change(range) }: `frame` is what chartFrame() gave for the chart
  */

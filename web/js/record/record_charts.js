@@ -1,34 +1,36 @@
 import { chartFrame, drawAxes, drawBand, drawNote, drawSeries } from '../shared/chart.js';
 import { clock, number, text } from '../shared/language.js';
 import { validShares } from './validity.js';
-import { decimalsOf, niceStep, rangeOf } from '../shared/ticks.js';
+import { rangeOf } from '../shared/ticks.js';
 
 /** Longer ranges have their times in minutes. */
-const longestInSecondsMs = 120000;
+export const longestInSecondsMs = 120000;
 
 /** Fixations closer together than this are not told apart behind a chart. */
 const fewestPxPerFixation = 3;
 
-/** With as many digits as tell the ticks apart. */
 function timeText(frame) {
     if (frame.t1 - frame.t0 > longestInSecondsMs) return clock;
-    const digits = decimalsOf(niceStep((frame.t1 - frame.t0) / 1000, 8));
-    return timeMs => text('seconds', { value: number(timeMs / 1000, digits) });
+    return (timeMs, digits) => text('seconds', { value: number(timeMs / 1000, digits) });
 }
 
 /** The pupils in a range of the record, with the fixations behind them. */
 export function drawPupils(context, width, height, { columns, range, fixations }, palette) {
-    const [from, to] = [columns.indexAt(range.fromMs), columns.indexAt(range.toMs) + 1];
-    const values = rangeOf([columns.leftPupil, columns.rightPupil], from, Math.min(to, columns.length), 0.5);
+    // With a neighbour at each end, so that lines reach the edges.
+    const from = Math.max(columns.indexAt(range.fromMs) - 1, 0);
+    const to = Math.min(columns.indexAt(range.toMs) + 1, columns.length);
+    const values = rangeOf([columns.leftPupil, columns.rightPupil], from, to, 0.5);
     const frame = chartFrame(width, height, range.fromMs, range.toMs, ...(values ?? [0, 1]));
-    if (fixations.length * fewestPxPerFixation < width) {
-        for (const { startMs, durationMs } of fixations) drawBand(context, frame, startMs, startMs + durationMs, palette.screen);
-    }
+    if (fixations.length * fewestPxPerFixation < width) drawFixations(context, frame, fixations, palette.screen);
     drawAxes(context, frame, palette, timeText(frame), number);
     if (!values) drawNote(context, frame, palette, text('notMeasured'));
     for (const [name, colour] of [['leftPupil', 'left'], ['rightPupil', 'right']])
-        drawSeries(context, frame, columns.time, columns[name], Math.max(from - 1, 0), Math.min(to, columns.length), palette[colour]);
+        drawSeries(context, frame, columns.time, columns[name], from, to, palette[colour]);
     return frame;
+}
+
+function drawFixations(context, frame, fixations, colour) {
+    for (const { startMs, durationMs } of fixations) drawBand(context, frame, startMs, startMs + durationMs, colour);
 }
 
 /** The share of valid samples over the time of a range. */
@@ -61,7 +63,8 @@ function drawShares(context, frame, columns, colour) {
     context.fillStyle = colour;
     context.globalAlpha = 0.7;
     shares.forEach((share, i) => {
-        if (share > 0) context.fillRect(frame.left + i, frame.toY(100 * share), 1, frame.bottom - frame.toY(100 * share));
+        const top = frame.toY(100 * share);
+        if (share > 0) context.fillRect(frame.left + i, top, 1, frame.bottom - top);
     });
     context.globalAlpha = 1;
 }

@@ -75,19 +75,23 @@ export class RecordParser {
         let column = 0;
         for (let start = from; start <= to; ++column) {
             const end = endOfCell(bytes, start, to);
-            const value = parseDecimal(bytes, start, end);
-            if (value === undefined && column < headers.length) throw this.#noNumber(column, bytes.subarray(start, end));
-            this.#cells[column] = value;
+            if (column < headers.length) this.#cells[column] = this.#readCell(column, bytes, start, end);
             start = end + 1;
         }
-        if (column !== headers.length) throw new RecordError('wrongColumns', this.#line, { columns: column, expected: headers.length });
+        if (column !== headers.length) throw this.#wrongColumns(column);
         ++this.#rows;
         this.#take(this.#cells, this.#line);
     }
 
-    #noNumber(column, bytes) {
-        const values = { column: column + 1, name: headers[column], found: excerpt(bytes) };
-        return new RecordError('noNumber', this.#line, values);
+    #readCell(column, bytes, from, to) {
+        const value = parseDecimal(bytes, from, to);
+        if (value !== undefined) return value;
+        const values = { column: column + 1, name: headers[column], found: excerpt(bytes.subarray(from, to)) };
+        throw new RecordError('noNumber', this.#line, values);
+    }
+
+    #wrongColumns(columns) {
+        return new RecordError('wrongColumns', this.#line, { columns, expected: headers.length });
     }
 
     #notARecordOr(key, bytes) {

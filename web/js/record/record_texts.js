@@ -1,5 +1,6 @@
 import { byId, element, setText } from '../shared/dom.js';
 import { clock, number, onLanguage, quantity, text } from '../shared/language.js';
+import { longestInSecondsMs } from './record_charts.js';
 import { showsNumbers } from './scan_path_view.js';
 
 /** Shows that a file is being read, and how far. */
@@ -46,20 +47,20 @@ function remarksOf({ cutOffLine, setBackLine, timeless, crossed }) {
     ].filter(Boolean);
 }
 
-/** The figures of the range, as { label, value } in the order of the page. */
-export function figuresOf({ summary }, timeless) {
-    const value = (key, amount, digits) => quantity(key, amount, digits);
+/** The texts of the range's figures, by the ids of their places. */
+export function figuresOf({ summary, timeless }) {
+    const { durationMs } = summary;
     return {
-        duration: summary.durationMs > 120000 ? clock(summary.durationMs) : value('seconds', summary.durationMs / 1000, 1),
-        rate: timeless ? text('unknown') : value('hz', summary.rateHz, 1),
-        valid: value('percent', 100 * summary.validShare, 1),
+        duration: durationMs > longestInSecondsMs ? clock(durationMs) : quantity('seconds', durationMs / 1000, 1),
+        rate: timeless ? text('unknown') : quantity('hz', summary.rateHz, 1),
+        valid: quantity('percent', 100 * summary.validShare, 1),
         'fixation-count': number(summary.fixationCount),
-        'mean-fixation': value('ms', summary.meanFixationMs),
+        'mean-fixation': quantity('ms', summary.meanFixationMs),
     };
 }
 
 export function showSummary(view, mode) {
-    for (const [id, value] of Object.entries(figuresOf(view, view.timeless))) setText(id, value);
+    for (const [id, value] of Object.entries(figuresOf(view))) setText(id, value);
     const { clientWidth: width, clientHeight: height } = byId('stage');
     const all = mode !== 'scanPath' || showsNumbers(view.fixations.length, width, height, view.aspect);
     setText('stage-note', all ? '' : text('zoomForNumbers'));

@@ -1,11 +1,14 @@
 /**
- * The shares of valid samples in `count` equal parts of the time from `t0` to `t1`. A part in which no sample happens to
- * lie has the share of the sample before it, if that is near enough for it to be no gap; NaN otherwise.
+ * The shares of valid samples in `count` equal parts of the time from `t0` to `t1`. A part in which no sample happens
+ * to lie has the share of the sample before it, if that is near enough for it to be no gap; NaN otherwise.
  */
 export function validShares(columns, t0, t1, count) {
     const partMs = (t1 - t0) / count;
     const edges = Array.from({ length: count + 1 }, (_, i) => columns.indexAt(t0 + i * partMs));
-    return edges.slice(1).map((to, i) => (to > edges[i] ? shareIn(columns, edges[i], to) : shareBefore(columns, to, t0 + i * partMs)));
+    return edges.slice(1).map((to, i) => {
+        const from = edges[i];
+        return to > from ? shareIn(columns, from, to) : shareBefore(columns, to, t0 + i * partMs);
+    });
 }
 
 /** Samples further apart than this leave a gap, in ms. */

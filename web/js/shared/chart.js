@@ -19,7 +19,7 @@ export function chartFrame(width, height, t0, t1, y0, y1) {
     };
 }
 
-/** @param timeText what a time is called, @param valueText what a value is with so many decimals */
+/** @param timeText,valueText what a time in ms and a value are called, with so many decimals */
 export function drawAxes(context, frame, palette, timeText, valueText) {
     context.font = palette.font;
     context.lineWidth = 1;
@@ -47,9 +47,10 @@ function drawTimeAxis(context, frame, text) {
     context.textAlign = 'center';
     context.textBaseline = 'top';
     const most = Math.max(2, Math.floor((frame.right - frame.left) / 70));
-    for (const timeMs of timeTicks(frame.t0, frame.t1, most)) {
+    const times = timeTicks(frame.t0, frame.t1, most);
+    for (const timeMs of times) {
         const x = Math.min(Math.max(frame.toX(timeMs), frame.left), frame.right - 8);
-        context.fillText(text(timeMs), x, frame.bottom + 7);
+        context.fillText(text(timeMs, decimalsOf((times[1] - times[0]) / 1000)), x, frame.bottom + 7);
     }
 }
 

@@ -2,8 +2,8 @@ const fewest = 30;
 const clearly = 2;
 
 /**
- * Some trackers deliver the right eye's two axes exchanged. Nothing in the data says so, but the combined gaze shows it:
- * the exchanged eye is far from it, and close to it once its axes are put right.
+ * Some trackers deliver the right eye's two axes exchanged. Nothing in the data says so, but the combined gaze shows
+ * it: the exchanged eye is far from it, and close to it once its axes are put right.
  */
 export class CrossedEye {
     crossed = false;

@@ -10,8 +10,8 @@ export function gapLimitMs(time, from, to) {
 
 /**
  * What to draw of a time series, at most two points a column of pixels however many samples there are: the lowest and
- * the highest value in each, in the order in which the series rises or falls. Calls `take(column, value, starts)`, where `starts` begins a new line: missing values
- * (NaN) and gaps interrupt it.
+ * the highest value in each, in the order in which the series rises or falls. Calls `take(column, value, starts)`, where
+ * `starts` begins a new line: missing values (NaN) and gaps interrupt it.
  *
  * @param toColumn maps a time to a column, which need not be whole
  */

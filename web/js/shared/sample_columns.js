@@ -1,4 +1,4 @@
-/** What is kept of every sample beside its time. Gaze in percent of the calibrated area, pupils in mm, distance in cm. */
+/** What is kept of a sample beside its time. Gaze in percent of the calibrated area, pupils in mm, distance in cm. */
 export const columnNames = [
     'x', 'y', 'leftX', 'leftY', 'rightX', 'rightY', 'leftPupil', 'rightPupil', 'distance',
 ];

@@ -9,7 +9,8 @@ export function niceStep(span, most) {
 
 /** How many digits behind the decimal sign tell apart what is `step` apart. */
 export function decimalsOf(step) {
-    return Math.min(3, Math.max(0, -Math.floor(Math.log10(step) + 1e-9)));
+    // Of no step at all, too: a single tick has none.
+    return Math.min(3, Math.max(0, -Math.floor(Math.log10(step) + 1e-9))) || 0;
 }
 
 /** Round lengths of time from a minute up, in ms. */
