@@ -46,7 +46,7 @@ test('with the program, from the first sample to the server that comes back', as
         simulator = await startSimulator('--rate', '1000');
         program = await startProgram(home);
         await page.until(stateIs('live'));
-        await page.until("parseFloat(document.querySelector('#rate').textContent) > 300");
+        await page.until("parseFloat(document.querySelector('#rate').textContent) > 200");
         assert.deepEqual(page.complaints, []);
     } finally {
         await program.kill();
