@@ -34,6 +34,11 @@ bool hasRoom(int stream) {
     return poll(&state, 1, 0) == 1 && state.revents == POLLOUT;
 }
 
+/// Who reads from a terminal in the background is stopped by it.
+bool isInBackground() {
+    return isatty(STDIN_FILENO) == 1 && tcgetpgrp(STDIN_FILENO) != getpgrp();
+}
+
 }  // namespace
 
 void console::prepare() {
@@ -62,6 +67,8 @@ void console::print(std::string_view text) {
 }
 
 int console::readCharacter() {
+    if (isInBackground())
+        return -1;
     unsigned char character = 0;
     ssize_t count = 0;
     do {
