@@ -2,6 +2,7 @@
 #include "support/test_main.h"
 #include "trackers/asee/asee_pro.h"
 #include "trackers/asee/asee_pro_settings.h"
+#include "trackers/asee/live_objects.h"
 
 #include <QApplication>
 #include <QDir>
@@ -10,6 +11,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <future>
 #include <thread>
 
 Q_DECLARE_METATYPE(std::string)
@@ -28,6 +30,7 @@ private Q_SLOTS:
     void delivered_files_are_copied_but_never_overwritten();
     void remembers_the_calibrated_area();
     void callbacks_end_with_the_tracker();
+    void new_callbacks_do_not_hold_up_the_end();
 
 private:
     void create() { tracker_ = std::make_unique<aSeePro>(folder_->path(), nullptr); }
@@ -168,6 +171,26 @@ void TestAseePro::callbacks_end_with_the_tracker() {
     goOn();
     running = false;
     device.join();
+}
+
+void TestAseePro::new_callbacks_do_not_hold_up_the_end() {
+    int object = 0;
+    std::promise<void> entered, left;
+    LiveObjects<int>::add(&object);
+    const auto call = [&](auto use) { return LiveObjects<int>::with(&object, use); };
+    const auto wait = [&](int &) {
+        entered.set_value();
+        left.get_future().wait();
+    };
+    std::thread callback([&] { call(wait); });
+    entered.get_future().wait();
+    std::future<void> end = std::async(std::launch::async, [&] { LiveObjects<int>::remove(&object); });
+    const bool isRefused = QTest::qWaitFor([&] { return !call([](int &) {}); });
+    const bool hasWaited = end.wait_for(std::chrono::seconds(0)) == std::future_status::timeout;
+    left.set_value();
+    callback.join();
+    end.wait();
+    QVERIFY(isRefused && hasWaited);
 }
 
 OCELA_TEST(TestAseePro)
