@@ -172,8 +172,9 @@ void CalibrationWidget::endCalibration() {
 }
 
 void CalibrationWidget::showEvent(QShowEvent *event) {
-    introMode_ = true;
-    eyeBoxMode_ = true;
+    // A minimised calibration goes on, and must be seen when the window manager brings it back.
+    if (!event->spontaneous())
+        introMode_ = eyeBoxMode_ = true;
     QWidget::showEvent(event);
 }
 

@@ -89,6 +89,11 @@ void TestCalibrationScreen::target_moves_to_the_next_point() {
     QCOMPARE(colourAt(960, 450), dot);
     screen_->on_calib_move_point(0.5F);  // of what is left
     QCOMPARE(colourAt(1200, 375), dot);
+
+    QShowEvent restored;  // by the window manager
+    QSpontaneKeyEvent::setSpontaneous(&restored);
+    qApp->notify(screen_.get(), &restored);
+    QCOMPARE(colourAt(1200, 375), dot);
 }
 
 void TestCalibrationScreen::gaze_and_eyes_are_where_they_are_seen_data() {
