@@ -58,7 +58,8 @@ void aSeeProPreviewWidget::resizeEvent(QResizeEvent *) {
 }
 
 void aSeeProPreviewWidget::refresh() {
-    if (!imageLabel_ || width() < 1 || height() < 1)
+    // Hidden, it is refreshed when it is shown.
+    if (!imageLabel_ || !isVisible() || width() < 1 || height() < 1)
         return;
     QImage image = eyetracker_ ? eyetracker_->previewImage() : QImage();
     if (image.isNull())
