@@ -5,6 +5,7 @@
 #include "asee/results.h"
 #include "device/camera.h"
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -15,6 +16,7 @@ namespace sim::asee_pro {
 namespace {
 
 constexpr int kNullRecordEvery = 10;
+constexpr std::size_t kRoomForLies = 8 << 20;  // a program that believes the told bytes may read so many
 
 long long microseconds() {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
@@ -62,7 +64,7 @@ public:
         : tracker_(tracker),
           options_(tracker->options_),
           camera_(options_.image.width, options_.image.height, tracker->person_.setup()),
-          pixels_(camera_.bytes()) {}
+          pixels_(std::max(camera_.bytes(), kRoomForLies)) {}
 
     bool operator()() {
         const auto receiver = current();
@@ -71,7 +73,7 @@ public:
         camera_.paint(tracker_->person_.now(), pixels_.data());
         const environment::Size told = options_.toldImage.value_or(options_.image);
         receiver.callback(options_.has("null-image") ? nullptr : pixels_.data(),
-                          options_.toldBytes.value_or(static_cast<int>(pixels_.size())), told.width, told.height,
+                          options_.toldBytes.value_or(static_cast<int>(camera_.bytes())), told.width, told.height,
                           microseconds(), receiver.context);
         return true;
     }
