@@ -9,6 +9,8 @@ namespace {
 constexpr float goodScore = 10.0F;  // below
 constexpr int parts = 5;            // of the area's width and height, for the buttons
 constexpr QPointF textOffset(10, 10);
+/// Beyond every window, and still far from the limits of what painting calculates with.
+constexpr int farthestPixel = 1000000;
 
 }  // namespace
 
@@ -23,7 +25,9 @@ QColor calibration_picture::scoreColour(const Target &target) {
 }
 
 QPoint calibration_picture::gazePoint(QSize area, const Target &target, const QLScore &score) {
-    return {percentToPixel(target.x + score.x, area.width()), percentToPixel(target.y + score.y, area.height())};
+    const auto bounded = [](int pixel) { return std::clamp(pixel, -farthestPixel, farthestPixel); };
+    return {bounded(percentToPixel(target.x + score.x, area.width())),
+            bounded(percentToPixel(target.y + score.y, area.height()))};
 }
 
 QString calibration_picture::scoreText(const QString &eye, const QLScore &score) {

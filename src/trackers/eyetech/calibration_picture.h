@@ -31,7 +31,7 @@ struct Target {
 
 /// The colour of a target: green when both eyes hit it well, else red.
 [[nodiscard]] QColor scoreColour(const Target &target);
-/// Where the eye of that score was seen to look.
+/// Where the eye of that score was seen to look, far beyond the window at most.
 [[nodiscard]] QPoint gazePoint(QSize area, const Target &target, const QLScore &score);
 [[nodiscard]] QString scoreText(const QString &eye, const QLScore &score);
 /// Where the text of a gaze point begins.

@@ -24,13 +24,14 @@ void TestCalibrationPicture::points_are_cut_to_whole_pixels_data() {
     QTest::addColumn<QPoint>("centre");
     QTest::addColumn<QPoint>("gaze");
     constexpr float nan = std::numeric_limits<float>::quiet_NaN();
-    constexpr int most = std::numeric_limits<int>::max();
+    constexpr int most = 1000000;
     QTest::newRow("middle") << 50.0F << 50.0F << 0.0F << QPoint(960, 540) << QPoint(960, 540);
     QTest::newRow("cut, not rounded") << 33.33F << 66.66F << 0.05F << QPoint(639, 719) << QPoint(640, 720);
     QTest::newRow("gaze beyond the edges") << 5.0F << 5.0F << -10.0F << QPoint(96, 54) << QPoint(-96, -54);
     QTest::newRow("target beyond the edges") << -20.0F << 120.0F << 0.0F << QPoint(0, 1080) << QPoint(-384, 1296);
     QTest::newRow("no numbers") << nan << nan << nan << QPoint(0, 0) << QPoint(0, 0);
     QTest::newRow("beyond all pixels") << 3e38F << 3e38F << 0.0F << QPoint(1920, 1080) << QPoint(most, most);
+    QTest::newRow("before all pixels") << 50.0F << 50.0F << -3e38F << QPoint(960, 540) << QPoint(-most, -most);
 }
 
 void TestCalibrationPicture::points_are_cut_to_whole_pixels() {
