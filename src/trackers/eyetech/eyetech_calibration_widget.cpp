@@ -238,8 +238,9 @@ void EyetechCalibrationWidget::record(const QLTarget &target) {
 }
 
 void EyetechCalibrationWidget::moveTo(QPoint position) {
-    const int steps = picture::animationSteps(timings.animationMs);
     const QPoint way = position - targetPosition_;
+    // A device that fails at every pass must not have the same picture painted again and again.
+    const int steps = way.isNull() ? 0 : picture::animationSteps(timings.animationMs);
     for (int i = 0; i < steps && !cancelled_; ++i) {
         targetPosition_ += QPoint(way.x() / steps, way.y() / steps);
         repaint();
