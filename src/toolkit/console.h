@@ -9,7 +9,7 @@
 namespace console {
 
 /// Before any file or connection is opened: one of these must not end up in the place of a stream that whoever
-/// started the program has closed, or what is printed would go there.
+/// started the program has closed, or what is printed would go there. From then on the log waits for nobody, either.
 void prepare();
 
 /// Any thread.

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <poll.h>
 #include <string>
+#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -16,17 +17,23 @@ namespace {
 /// The most that a pipe with room takes at once without waiting, wherever.
 constexpr std::size_t mostBytes = _POSIX_PIPE_BUF;
 
+/// A file is not opened anew: it would be written from its beginning.
+bool canWait(int stream) {
+    struct stat state {};
+    return isatty(stream) != 0 || (fstat(stream, &state) == 0 && S_ISFIFO(state.st_mode));
+}
+
 /// A terminal that takes only a part of a text holds up its writer until it takes the rest. Opened anew it does not,
-/// and others who have it open notice nothing.
-void neverWaitForTerminal(int stream) {
-    if (isatty(stream) == 0)
+/// and others who have it open notice nothing. The same holds for pipes.
+void neverWaitFor(int stream) {
+    if (!canWait(stream))
         return;
     const auto path = "/proc/self/fd/" + std::to_string(stream);
-    const int terminal = open(path.c_str(), O_WRONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (terminal == -1)
+    const int anew = open(path.c_str(), O_WRONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (anew == -1)
         return;
-    dup2(terminal, stream);
-    close(terminal);
+    dup2(anew, stream);
+    close(anew);
 }
 
 bool hasRoom(int stream) {
@@ -47,9 +54,9 @@ void console::prepare() {
         if (fcntl(stream, F_GETFD) == -1 && open("/dev/null", O_RDWR) == -1)
             return;
     }
-    // What goes to the log fills the same terminal.
-    neverWaitForTerminal(STDOUT_FILENO);
-    neverWaitForTerminal(STDERR_FILENO);
+    // What is printed may fill what the log goes to.
+    neverWaitFor(STDOUT_FILENO);
+    neverWaitFor(STDERR_FILENO);
     // A reader may go away at any time.
     std::signal(SIGPIPE, SIG_IGN);
 }

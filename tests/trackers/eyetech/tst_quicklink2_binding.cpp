@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+#include <cstdio>
 #include <fcntl.h>
 #include <pty.h>
 #include <unistd.h>
@@ -161,9 +162,11 @@ void TestQuickLink2Binding::nobody_reading_the_output_holds_nothing_up() {
     attach(3, {});
     {
         const Redirected full(STDOUT_FILENO, ends[1]);
+        const Redirected log(STDERR_FILENO, ends[1]);
         console::prepare();
         for (int i = 0; i < 10000; ++i)
             QCOMPARE(selectDevice(""), 0);
+        std::fputs("the log\n", stderr);
     }
     ::close(ends[0]);
     ::close(ends[1]);
