@@ -41,9 +41,10 @@ bool hasRoom(int stream) {
     return poll(&state, 1, 0) == 1 && state.revents == POLLOUT;
 }
 
-/// Who reads from a terminal in the background is stopped by it.
+/// Who reads from a terminal in the background is stopped by it. A terminal that controls another session stops nobody.
 bool isInBackground() {
-    return isatty(STDIN_FILENO) == 1 && tcgetpgrp(STDIN_FILENO) != getpgrp();
+    const pid_t foreground = tcgetpgrp(STDIN_FILENO);
+    return foreground != -1 && foreground != getpgrp();
 }
 
 }  // namespace

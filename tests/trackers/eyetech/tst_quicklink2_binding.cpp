@@ -43,6 +43,7 @@ private Q_SLOTS:
     void chooses_a_device_data();
     void chooses_a_device();
     void asks_once_where_nobody_can_answer();
+    void asks_at_a_terminal_of_another_session();
     void nobody_reading_the_output_holds_nothing_up_data();
     void nobody_reading_the_output_holds_nothing_up();
 
@@ -147,6 +148,19 @@ void TestQuickLink2Binding::asks_once_where_nobody_can_answer() {
     QCOMPARE(printed_, QByteArray());
     attach(0, {1, 2});
     QCOMPARE(select("1"), 2);
+}
+
+void TestQuickLink2Binding::asks_at_a_terminal_of_another_session() {
+    int ends[2];
+    QCOMPARE(openpty(&ends[0], &ends[1], nullptr, nullptr, nullptr), 0);
+    attach(0, {5, 7});
+    {
+        const Redirected typed(STDIN_FILENO, ends[1]);
+        QCOMPARE(write(ends[0], "1\n", 2), ssize_t(2));
+        QCOMPARE(selectDevice(""), 7);
+    }
+    ::close(ends[0]);
+    ::close(ends[1]);
 }
 
 void TestQuickLink2Binding::nobody_reading_the_output_holds_nothing_up_data() {
