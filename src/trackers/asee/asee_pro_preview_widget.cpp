@@ -2,6 +2,7 @@
 
 #include "trackers/asee/asee_pro.h"
 
+#include <QCoreApplication>
 #include <QLabel>
 #include <QPixmap>
 
@@ -61,6 +62,9 @@ void aSeeProPreviewWidget::refresh() {
     // Hidden, it is refreshed when it is shown.
     if (!imageLabel_ || !isVisible() || width() < 1 || height() < 1)
         return;
+    // What was queued until now is about images that this one comes after. On a machine that is too slow for the camera
+    // it would pile up.
+    QCoreApplication::removePostedEvents(this, QEvent::MetaCall);
     QImage image = eyetracker_ ? eyetracker_->previewImage() : QImage();
     if (image.isNull())
         image = blackImage();

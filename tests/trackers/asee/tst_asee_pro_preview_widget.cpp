@@ -15,12 +15,19 @@ private Q_SLOTS:
 
     void shows_each_image_centred_and_black_before_the_first();
     void copies_nothing_while_hidden();
+    void refreshes_do_not_pile_up();
     void odd_images_are_harmless_data();
     void odd_images_are_harmless();
     void images_may_be_read_while_they_come();
     void is_harmless_without_a_tracker();
 
 private:
+    bool eventFilter(QObject *, QEvent *event) override {
+        refreshes_ += event->type() == QEvent::MetaCall ? 1 : 0;
+        return false;
+    }
+
+    int refreshes_ = 0;
     QTemporaryDir folder_;
     std::unique_ptr<aSeePro> tracker_;
 };
@@ -80,6 +87,16 @@ void TestAseeProPreviewWidget::copies_nothing_while_hidden() {
         send(8, 8, 9);
         QCOMPARE(shade(), round);
     }
+}
+
+void TestAseeProPreviewWidget::refreshes_do_not_pile_up() {
+    const std::unique_ptr<QWidget> view(tracker_->createViewWidget());
+    view->show();
+    view->installEventFilter(this);
+    for (int shade = 1; shade <= 20; ++shade)
+        send(8, 8, shade);
+    QTRY_COMPARE(view->grab().toImage().pixelColor(view->rect().center()), QColor(20, 20, 20));
+    QCOMPARE(refreshes_, 1);
 }
 
 void TestAseeProPreviewWidget::odd_images_are_harmless_data() {
