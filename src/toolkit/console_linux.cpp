@@ -17,6 +17,10 @@ namespace {
 /// The most that a pipe with room takes at once without waiting, wherever.
 constexpr std::size_t mostBytes = _POSIX_PIPE_BUF;
 
+/// What is printed at every tick for days must not fill the disk, say in the file that a desktop session keeps of the
+/// output of its programs.
+constexpr off_t fullFileBytes = 10 * 1024 * 1024;
+
 /// A file is not opened anew: it would be written from its beginning.
 bool canWait(int stream) {
     struct stat state {};
@@ -36,7 +40,14 @@ void neverWaitFor(int stream) {
     close(anew);
 }
 
+bool isFullFile(int stream) {
+    struct stat state {};
+    return fstat(stream, &state) == 0 && S_ISREG(state.st_mode) && state.st_size >= fullFileBytes;
+}
+
 bool hasRoom(int stream) {
+    if (isFullFile(stream))
+        return false;
     pollfd state{stream, POLLOUT, 0};
     return poll(&state, 1, 0) == 1 && state.revents == POLLOUT;
 }

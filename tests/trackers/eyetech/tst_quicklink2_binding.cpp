@@ -6,6 +6,7 @@
 
 #include <QFile>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QTest>
 #include <cstdio>
 #include <fcntl.h>
@@ -46,6 +47,7 @@ private Q_SLOTS:
     void asks_at_a_terminal_of_another_session();
     void nobody_reading_the_output_holds_nothing_up_data();
     void nobody_reading_the_output_holds_nothing_up();
+    void output_does_not_fill_the_disk();
 
 private:
     /// What selectDevice() returns, with `input` typed; what it prints is in `printed_`.
@@ -184,6 +186,20 @@ void TestQuickLink2Binding::nobody_reading_the_output_holds_nothing_up() {
     }
     ::close(ends[0]);
     ::close(ends[1]);
+}
+
+void TestQuickLink2Binding::output_does_not_fill_the_disk() {
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    attach(3, {});
+    {
+        const Redirected output(STDOUT_FILENO, file.handle());
+        QCOMPARE(selectDevice(""), 0);
+        QVERIFY(file.size() > 0);
+        QVERIFY(file.resize(10 * 1024 * 1024));
+        QCOMPARE(selectDevice(""), 0);
+    }
+    QCOMPARE(file.size(), 10 * 1024 * 1024);
 }
 
 OCELA_TEST(TestQuickLink2Binding)
