@@ -78,7 +78,7 @@ void runEventLoop(int length_s) {
 
 /// From before the library's callback until the GUI thread has the sample, in microseconds, sorted.
 std::vector<double> latencies(aSeePro &tracker) {
-    std::vector<Clock::time_point> sent(1000 * (seconds + 5));
+    std::vector<Clock::time_point> sent(std::size_t{1000} * (seconds + 5));
     std::atomic<std::size_t> count{0};
     std::vector<double> delays;
     QObject receiver;

@@ -145,6 +145,6 @@ void CalibWorker::compute() {
 void CalibWorker::apply(const Coefficients &coefficients) {
     if (printed("_7i_start_tracking", asee::_7i_start_tracking(coefficients.data())) == 0)
         show([](CalibrationWidget &ui) { ui.setShowGaze(true); });
-    const qint64 written = save(dataFolder_ + "coefficient.dat", coefficients.data(), coefficients.size());
+    const qint64 written = save(dataFolder_ + "coefficient.dat", coefficients.data(), asee::coefficientBytes);
     asee::print("write coefficient file: %lld\n", static_cast<long long>(written));
 }

@@ -31,11 +31,10 @@ QRect calibration_layout::eyeBox(QSize screen) {
 }
 
 QPoint calibration_layout::eyePixel(const gaze_reading::Eyes &eyes, QSize screen) {
-    const QSize margin = screen - cameraImage;
+    const QPoint corner((screen.width() - cameraImage.width()) / 2, (screen.height() - cameraImage.height()) / 2);
     const FractionPoint eye = eyes.centre();
-    return {
-        truncatedToPixel(eye.x * static_cast<float>(cameraImage.width()) + static_cast<float>(margin.width() / 2)),
-        truncatedToPixel(eye.y * static_cast<float>(cameraImage.height()) + static_cast<float>(margin.height() / 2))};
+    return {truncatedToPixel(eye.x * static_cast<float>(cameraImage.width()) + static_cast<float>(corner.x())),
+            truncatedToPixel(eye.y * static_cast<float>(cameraImage.height()) + static_cast<float>(corner.y()))};
 }
 
 QRect calibration_layout::textArea(QSize screen) {

@@ -1,6 +1,7 @@
 #include "scripted_asee.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <utility>
 
@@ -12,7 +13,7 @@ ScriptedAsee &library() {
 
 // What there is to an argument: its text, and what the library does with it.
 
-std::string take(int number) {
+std::string take(long number) {
     return ' ' + std::to_string(number);
 }
 std::string take(const char *text) {
@@ -22,7 +23,7 @@ std::string take(const void *coefficients) {
     return take(static_cast<const char *>(coefficients));
 }
 std::string take(const float *xy) {
-    return take(static_cast<int>(100 * xy[0] + 0.5F)) + take(static_cast<int>(100 * xy[1] + 0.5F));
+    return take(std::lround(100 * xy[0])) + take(std::lround(100 * xy[1]));
 }
 
 /// A call of the library's function of that name.
