@@ -19,7 +19,7 @@ constexpr std::size_t mostBytes = _POSIX_PIPE_BUF;
 
 /// What is printed at every tick for days must not fill the disk, say in the file that a desktop session keeps of the
 /// output of its programs.
-constexpr off_t fullFileBytes = 10 * 1024 * 1024;
+constexpr off_t fullFileBytes = 10 << 20;
 
 /// A file is not opened anew: it would be written from its beginning.
 bool canWait(int stream) {

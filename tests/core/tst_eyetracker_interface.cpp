@@ -94,7 +94,7 @@ void TestEyetrackerInterface::age_by_arrival_where_stamps_say_nothing() {
     QFETCH(QList<qint64>, stamps);
     SampleWindow window(2000);
     for (int i = 0; i < stamps.size(); ++i)
-        (void)window.add(sampleAt(stamps[i]), i * 1000);
+        (void)window.add(sampleAt(stamps[i]), qint64(1000) * i);
     QTEST(timestampsOf(window.samples()), "kept");
 }
 

@@ -189,6 +189,7 @@ void TestQuickLink2Binding::nobody_reading_the_output_holds_nothing_up() {
 }
 
 void TestQuickLink2Binding::output_does_not_fill_the_disk() {
+    constexpr qint64 most = 10 << 20;
     QTemporaryFile file;
     QVERIFY(file.open());
     attach(3, {});
@@ -196,10 +197,10 @@ void TestQuickLink2Binding::output_does_not_fill_the_disk() {
         const Redirected output(STDOUT_FILENO, file.handle());
         QCOMPARE(selectDevice(""), 0);
         QVERIFY(file.size() > 0);
-        QVERIFY(file.resize(10 * 1024 * 1024));
+        QVERIFY(file.resize(most));
         QCOMPARE(selectDevice(""), 0);
     }
-    QCOMPARE(file.size(), 10 * 1024 * 1024);
+    QCOMPARE(file.size(), most);
 }
 
 OCELA_TEST(TestQuickLink2Binding)
