@@ -41,8 +41,6 @@ private Q_SLOTS:
     void lives_with_what_the_device_does();
     void calibration_that_cannot_end_can_be_left_data();
     void calibration_that_cannot_end_can_be_left();
-    void asks_which_device_data();
-    void asks_which_device();
     void needs_no_standard_streams();
 
 private:
@@ -170,9 +168,10 @@ void TestEyetechSession::lives_with_what_the_device_does_data() {
     QTest::addColumn<bool>("connected");
     QTest::addColumn<QString>("text");  // in the output
     QTest::addColumn<int>("complaints");
+    QTest::addColumn<QByteArray>("typed");
     const auto row = [](const char *name, const char *variable, const QString &value, bool connected, const char *text,
-                        int complaints = 0) {
-        QTest::newRow(name) << QString(variable) << value << connected << QString(text) << complaints;
+                        int complaints = 0, const QByteArray &typed = QByteArray()) {
+        QTest::newRow(name) << QString(variable) << value << connected << QString(text) << complaints << typed;
     };
     row("lacks an entry point", "LD_LIBRARY_PATH", OCELA_EYETECH_LIBRARY_FOLDER "/incomplete", false,
         "QLDevice_Enumerate() failed with error code 10\nQLDevice_Enumerate() failed with error code 10\n");
@@ -184,6 +183,9 @@ void TestEyetechSession::lives_with_what_the_device_does_data() {
     row("is unplugged and back by itself", "OCELA_SIM_EYETECH_REPLUG_AFTER", "2", true, "");
     row("sends no images", "OCELA_SIM_EYETECH_FAULT", "null-image", true, "camera images", 1);
     row("sends images beyond all size", "OCELA_SIM_EYETECH_TOLD_IMAGE", "100000x100000", true, "camera images", 1);
+    row("is one of two, chosen at the console", "OCELA_SIM_EYETECH_DEVICES", "2", true,
+        "Which device would you like to use? ", 0, "1");
+    row("is one of two, and nobody chooses", "OCELA_SIM_EYETECH_DEVICES", "2", false, "Invalid device: -49.\n\n");
     row("blocks for 10 s", "OCELA_SIM_EYETECH_FRAME_BLOCKS_MS", "10000", true, "");
 }
 
@@ -192,9 +194,12 @@ void TestEyetechSession::lives_with_what_the_device_does() {
     QFETCH(const QString, value);
     QFETCH(const bool, connected);
     QFETCH(const QString, text);
+    QFETCH(const QByteArray, typed);
     program_->setVariable("OCELA_SIM_EYETECH_UNPLUG_AFTER", variable.contains("REPLUG") ? "1" : "0");
     program_->setVariable(variable, value);
-    QVERIFY(program_->startWindow());
+    program_->start();
+    program_->process().write(typed);
+    program_->process().closeWriteChannel();
     QTRY_VERIFY_WITH_TIMEOUT(desktop::showsIndicator(connected ? green : red), patienceMs);
     QTRY_VERIFY_WITH_TIMEOUT(printed(text), patienceMs);
     QTest::qWait(aWhileMs);
@@ -239,30 +244,6 @@ void TestEyetechSession::calibration_that_cannot_end_can_be_left() {
         QTRY_VERIFY_WITH_TIMEOUT(screen().isEmpty(), patienceMs);
     QCOMPARE(program_->close(), 0);
     QCOMPARE(program_->complaints(), QStringList());
-}
-
-void TestEyetechSession::asks_which_device_data() {
-    QTest::addColumn<QByteArray>("typed");
-    QTest::addColumn<bool>("connected");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("the second") << QByteArray("1") << true << "Which device would you like to use? ";
-    QTest::newRow("nobody there") << QByteArray() << false << "Invalid device: -49.\n\n";
-}
-
-void TestEyetechSession::asks_which_device() {
-    QFETCH(const QByteArray, typed);
-    QFETCH(const bool, connected);
-    QFETCH(const QString, text);
-    program_->setVariable("OCELA_SIM_EYETECH_DEVICES", "2");
-    program_->start();
-    program_->process().write(typed);
-    if (typed.isEmpty())
-        program_->process().closeWriteChannel();
-    QTRY_VERIFY_WITH_TIMEOUT(!program_->window().isEmpty(), patienceMs);
-    QTRY_VERIFY_WITH_TIMEOUT(desktop::showsIndicator(connected ? green : red), patienceMs);
-    QTest::qWait(aWhileMs);
-    QCOMPARE(program_->close(), 0);
-    QCOMPARE(program_->process().log().count(text), 1);
 }
 
 void TestEyetechSession::needs_no_standard_streams() {

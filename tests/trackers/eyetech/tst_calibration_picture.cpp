@@ -14,7 +14,6 @@ private Q_SLOTS:
     void points_are_cut_to_whole_pixels();
     void both_eyes_decide_the_colour_data();
     void both_eyes_decide_the_colour();
-    void buttons_stand_in_the_third_row_of_five();
 };
 
 void TestCalibrationPicture::points_are_cut_to_whole_pixels_data() {
@@ -67,12 +66,6 @@ void TestCalibrationPicture::both_eyes_decide_the_colour() {
     const picture::Target target{{}, 0, 0, {0, 0, left}, {0, 0, right}};
     QCOMPARE(picture::scoreColour(target), QColor(colour));
     QTEST(picture::scoreText("L:", target.leftScore), "text");
-}
-
-void TestCalibrationPicture::buttons_stand_in_the_third_row_of_five() {
-    const picture::Buttons buttons = picture::buttons(QSize(1923, 1084));
-    QCOMPARE(buttons.save, QRect(384, 444, 384, 192));
-    QCOMPARE(buttons.recalibrate, QRect(1152, 444, 384, 192));
 }
 
 OCELA_TEST(TestCalibrationPicture)
