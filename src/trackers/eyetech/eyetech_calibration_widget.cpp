@@ -229,7 +229,8 @@ bool EyetechCalibrationWidget::tryTarget(const QLTarget &target) {
     // Begun for a calibration that was cancelled meanwhile, too: that is intended.
     quicklink2::QLCalibration_Calibrate(calibrationId_, target.id,
                                         std::max(timings.calibrationMs, shortestCalibrationMs), false);
-    return !cancelled_ && awaitResult(target) && !cancelled_ && targetStatus(calibrationId_, target.id) == target_done;
+    awaitResult(target);
+    return !cancelled_ && targetStatus(calibrationId_, target.id) == target_done;
 }
 
 void EyetechCalibrationWidget::record(const QLTarget &target) {
@@ -250,13 +251,11 @@ void EyetechCalibrationWidget::moveTo(QPoint position) {
     repaint();
 }
 
-/// False when the program ends meanwhile.
-bool EyetechCalibrationWidget::awaitResult(const QLTarget &target) {
-    bool goesOn = true;
-    while (goesOn && !cancelled_ && targetStatus(calibrationId_, target.id) == target_running)
-        goesOn = waitWithEvents(resultPollMs);
-    cancelled_ = cancelled_ || !goesOn;
-    return goesOn;
+void EyetechCalibrationWidget::awaitResult(const QLTarget &target) const {
+    while (!cancelled_ && targetStatus(calibrationId_, target.id) == target_running) {
+        if (!waitWithEvents(resultPollMs))
+            return;
+    }
 }
 
 void EyetechCalibrationWidget::score(const std::vector<QLTarget> &fetched) {

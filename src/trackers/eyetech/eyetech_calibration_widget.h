@@ -64,7 +64,7 @@ private:
     [[nodiscard]] bool tryTarget(const QLTarget &target);
     void record(const QLTarget &target);
     void moveTo(QPoint position);
-    [[nodiscard]] bool awaitResult(const QLTarget &target);
+    void awaitResult(const QLTarget &target) const;
     void score(const std::vector<QLTarget> &fetched);
     void showResult();
     bool fail();
