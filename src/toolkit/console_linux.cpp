@@ -40,16 +40,16 @@ void neverWaitFor(int stream) {
     close(anew);
 }
 
-bool isFullFile(int stream) {
-    struct stat state {};
-    return fstat(stream, &state) == 0 && S_ISREG(state.st_mode) && state.st_size >= fullFileBytes;
-}
-
-bool hasRoom(int stream) {
-    if (isFullFile(stream))
-        return false;
+bool takesMore(int stream) {
     pollfd state{stream, POLLOUT, 0};
     return poll(&state, 1, 0) == 1 && state.revents == POLLOUT;
+}
+
+/// A file takes whatever it is given, so it is not asked.
+bool hasRoom(int stream) {
+    struct stat state {};
+    const bool isFile = fstat(stream, &state) == 0 && S_ISREG(state.st_mode);
+    return isFile ? state.st_size < fullFileBytes : takesMore(stream);
 }
 
 /// Who reads from a terminal in the background is stopped by it. A terminal that controls another session stops nobody.
