@@ -4,20 +4,23 @@ cd "$root" || exit 1
 
 say() { printf '%s\n' "$*" >&2; }
 
+# missing_packages LIST ...
 missing_packages() {
     local package
-    grep -v '^#' packaging/linux/debian-packages.txt | while read -r package; do
+    grep -hv '^#' "$@" | while read -r package; do
         dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null | grep -qx installed || echo "$package"
     done
 }
 
-# Installs what is missing of packaging/linux/debian-packages.txt.
+# ensure_packages [LIST ...]: installs what is missing of the lists; of the Linux program's unless some are named.
 ensure_packages() {
     local missing sudo=()
-    command -v apt-get >/dev/null || { say "No apt-get here: install the packages of packaging/linux/debian-packages.txt by hand."; return; }
-    missing=$(missing_packages)
+    [ $# -gt 0 ] || set -- packaging/linux/debian-packages.txt
+    command -v apt-get >/dev/null || { say "No apt-get here: install the packages of $* by hand."; return; }
+    missing=$(missing_packages "$@")
     [ -n "$missing" ] || return 0
     [ "$(id -u)" = 0 ] || sudo=(sudo)
+    # shellcheck disable=SC2086  # one word a package is wanted
     say "Installing:" $missing
     "${sudo[@]}" apt-get update -q >&2
     # shellcheck disable=SC2086  # one word a package is wanted
