@@ -1,39 +1,13 @@
+#include "support/redirected.h"
 #include "support/test_main.h"
-#include "toolkit/console.h"
 #include "trackers/eyetech/quicklink2_binding.h"
 #include "trackers/eyetech/script.h"
 #include "trackers/eyetech/select_device.h"
 
 #include <QFile>
 #include <QTemporaryDir>
-#include <QTemporaryFile>
 #include <QTest>
-#include <cstdio>
-#include <fcntl.h>
-#include <pty.h>
 #include <unistd.h>
-
-namespace {
-
-/// While it lives, a file descriptor of this process stands for another one.
-class Redirected {
-public:
-    Redirected(int descriptor, int target) : descriptor_(descriptor), kept_(dup(descriptor)) {
-        dup2(target, descriptor);
-    }
-    ~Redirected() {
-        dup2(kept_, descriptor_);
-        ::close(kept_);
-    }
-    Redirected(const Redirected &) = delete;
-    Redirected &operator=(const Redirected &) = delete;
-
-private:
-    int descriptor_;
-    int kept_;
-};
-
-}  // namespace
 
 class TestQuickLink2Binding : public QObject {
     Q_OBJECT
@@ -44,10 +18,6 @@ private Q_SLOTS:
     void chooses_a_device_data();
     void chooses_a_device();
     void asks_once_where_nobody_can_answer();
-    void asks_at_a_terminal_of_another_session();
-    void nobody_reading_the_output_holds_nothing_up_data();
-    void nobody_reading_the_output_holds_nothing_up();
-    void output_does_not_fill_the_disk();
 
 private:
     /// What selectDevice() returns, with `input` typed; what it prints is in `printed_`.
@@ -150,57 +120,6 @@ void TestQuickLink2Binding::asks_once_where_nobody_can_answer() {
     QCOMPARE(printed_, QByteArray());
     attach(0, {1, 2});
     QCOMPARE(select("1"), 2);
-}
-
-void TestQuickLink2Binding::asks_at_a_terminal_of_another_session() {
-    int ends[2];
-    QCOMPARE(openpty(&ends[0], &ends[1], nullptr, nullptr, nullptr), 0);
-    attach(0, {5, 7});
-    {
-        const Redirected typed(STDIN_FILENO, ends[1]);
-        QCOMPARE(write(ends[0], "1\n", 2), ssize_t(2));
-        QCOMPARE(selectDevice(""), 7);
-    }
-    ::close(ends[0]);
-    ::close(ends[1]);
-}
-
-void TestQuickLink2Binding::nobody_reading_the_output_holds_nothing_up_data() {
-    QTest::addColumn<bool>("terminal");
-    QTest::newRow("a pipe") << false;
-    QTest::newRow("a terminal") << true;
-}
-
-void TestQuickLink2Binding::nobody_reading_the_output_holds_nothing_up() {
-    QFETCH(const bool, terminal);
-    int ends[2];
-    QCOMPARE(terminal ? openpty(&ends[0], &ends[1], nullptr, nullptr, nullptr) : pipe(ends), 0);
-    attach(3, {});
-    {
-        const Redirected full(STDOUT_FILENO, ends[1]);
-        const Redirected log(STDERR_FILENO, ends[1]);
-        console::prepare();
-        for (int i = 0; i < 10000; ++i)
-            QCOMPARE(selectDevice(""), 0);
-        std::fputs("the log\n", stderr);
-    }
-    ::close(ends[0]);
-    ::close(ends[1]);
-}
-
-void TestQuickLink2Binding::output_does_not_fill_the_disk() {
-    constexpr qint64 most = 10 << 20;
-    QTemporaryFile file;
-    QVERIFY(file.open());
-    attach(3, {});
-    {
-        const Redirected output(STDOUT_FILENO, file.handle());
-        QCOMPARE(selectDevice(""), 0);
-        QVERIFY(file.size() > 0);
-        QVERIFY(file.resize(most));
-        QCOMPARE(selectDevice(""), 0);
-    }
-    QCOMPARE(file.size(), most);
 }
 
 OCELA_TEST(TestQuickLink2Binding)
