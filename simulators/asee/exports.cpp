@@ -2,7 +2,6 @@
 
 // The library's entry points: each one is the operation of the same name of the only tracker.
 #define OCELA_EXPORT(name, parameters, arguments)                 \
-    extern "C" Q_DECL_EXPORT int name parameters;                 \
     extern "C" int name parameters {                              \
         return sim::asee_pro::Tracker::instance().name arguments; \
     }

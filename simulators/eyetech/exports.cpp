@@ -2,7 +2,6 @@
 
 // The library's entry points: each one is the operation of the same name.
 #define OCELA_EXPORT(name, parameters, arguments)                \
-    extern "C" Q_DECL_EXPORT int name parameters;                \
     extern "C" int name parameters {                             \
         return sim::eyetech::Library::instance().name arguments; \
     }

@@ -58,6 +58,8 @@ bool test_support::registerTest(Factory factory) {
 }
 
 int main(int argc, char *argv[]) {
+    // On Windows the results would go to a debugger otherwise.
+    qputenv("QT_FORCE_STDERR_LOGGING", "1");
     const QTemporaryDir home;
     usePrivateFolders(home.path());
     QApplication application(argc, argv);
