@@ -1,4 +1,5 @@
 #include "support/test_main.h"
+#include "toolkit/log_file.h"
 #include "toolkit/numeric_table_csv.h"
 #include "toolkit/settings_file.h"
 
@@ -50,6 +51,7 @@ private Q_SLOTS:
     void table_tells_what_is_wrong_and_leaves_nothing_data();
     void table_tells_what_is_wrong_and_leaves_nothing();
     void settings_tell_what_is_wrong_and_keep_the_earlier_file();
+    void log_drops_whole_lines_and_goes_on();
 };
 
 void TestFullDisk::table_tells_what_is_wrong_and_leaves_nothing_data() {
@@ -76,6 +78,26 @@ void TestFullDisk::settings_tell_what_is_wrong_and_keep_the_earlier_file() {
 
     QCOMPARE(settings_file::write(path, {{"A", "later"}}), qt_error_string(EFBIG));
     QCOMPARE(settings_file::read(path).entries.value(0).text, QString("earlier"));
+}
+
+void TestFullDisk::log_drops_whole_lines_and_goes_on() {
+    const QTemporaryDir folder;
+    LogFile log(folder.filePath("A.log"));
+    const auto write = [&log](const QString &text) { log.write(QtInfoMsg, QMessageLogContext(), text); };
+    {
+        const FileSizeLimit limit(1000);
+        for (int i = 0; i < 50; ++i)
+            write("<full>");
+    }
+    write("<room again>");
+
+    QFile file(folder.filePath("A.log"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QStringList lines = QString::fromUtf8(file.readAll()).split('\n');
+    const int taken = lines.filter(QRegularExpression("default .*<full>$")).size();
+    QVERIFY2(taken > 0 && taken < 50, qPrintable(QString::number(taken)));
+    QCOMPARE(lines.size(), taken + 3);  // the first line, and what comes after the last
+    QVERIFY(lines.value(taken + 1).endsWith(" <room again>"));
 }
 
 OCELA_TEST(TestFullDisk)
