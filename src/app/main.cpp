@@ -26,6 +26,7 @@ int main(int argc, char *argv[]) {
     startup::setIdentity();
     if (startup::refuseSecondInstance())
         return -1;
+    startup::startLogFile();
 
     QSplashScreen splash(startup::splashImage());
     splash.show();

@@ -3,6 +3,7 @@
 #include "app/settings.h"
 #include "toolkit/app_helper.h"
 #include "toolkit/file_utilities.h"
+#include "toolkit/log_file.h"
 
 #include <QApplication>
 #include <QFontDatabase>
@@ -67,6 +68,10 @@ bool startup::refuseSecondInstance() {
     AppHelper::warningMessage(QCoreApplication::translate("Generic", "Ocela уже запущена"), QString(),
                               QMessageBox::Warning);
     return true;
+}
+
+void startup::startLogFile() {
+    LogFile::install(FileUtilities::FolderSlash(Settings::dataFolder()) + applicationName + ".log");
 }
 
 QPixmap startup::splashImage() {

@@ -17,6 +17,10 @@ void setIdentity();
 /// Whether another copy of the program runs already; then the user has been told.
 [[nodiscard]] bool refuseSecondInstance();
 
+/// From here on the log goes to a file in the data folder as well; not before, so that a second instance does not write
+/// into the log of the first.
+void startLogFile();
+
 [[nodiscard]] QPixmap splashImage();
 void loadIcon();
 void loadFonts();

@@ -17,6 +17,11 @@ bool write(const QString &path, const QByteArray &contents) {
            file.write(contents) == contents.size();
 }
 
+QString read(const QString &path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
 }  // namespace
 
 Home::Home(const QString &tracker) {
@@ -52,8 +57,11 @@ void Home::writeSettings(const QByteArray &contents) const {
 }
 
 QString Home::readSettings() const {
-    QFile file(settingsFile());
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    return read(settingsFile());
+}
+
+QString Home::readLogFile() const {
+    return read(dataFolder() + "/Ocela.log");
 }
 
 QString Home::recordFile() const {

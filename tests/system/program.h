@@ -20,6 +20,7 @@ public:
     void writeSettings(const QMap<QString, QString> &properties) const;
     void writeSettings(const QByteArray &contents) const;
     [[nodiscard]] QString readSettings() const;
+    [[nodiscard]] QString readLogFile() const;
     /// The only record file; empty while there is none, or more than one.
     [[nodiscard]] QString recordFile() const;
 

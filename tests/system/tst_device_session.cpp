@@ -92,6 +92,8 @@ void TestDeviceSession::talks_to_the_server_from_start_to_close() {
     QTRY_VERIFY_WITH_TIMEOUT(!server_->isConnected(), patienceMs);
     QCOMPARE(server_->received(), conversation_);
     QCOMPARE(program_->complaints(), QStringList());
+    QVERIFY2(home_->readLogFile().contains("Z debug ocela.gazepoint [1] GazePoint connected\n"),
+             qPrintable(home_->readLogFile()));
 }
 
 void TestDeviceSession::gaze_moves_the_cursor_between_two_presses_of_F10() {

@@ -54,6 +54,8 @@ void TestProgramLife::refuses_a_second_instance() {
     // What a shell sees of -1.
     QCOMPARE(second.process().waitForExitCode(), 255);
     QCOMPARE(second.complaints(), QStringList());
+    // The log file is the first one's alone.
+    QCOMPARE(home_->readLogFile().count(" Ocela 1."), 1);
 
     QVERIFY(!program_->window().isEmpty());
     QCOMPARE(program_->close(), 0);
