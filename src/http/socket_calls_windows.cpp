@@ -20,17 +20,21 @@ bool waitFor(tSocketDescriptor socket, SHORT event, int limitMs) {
     return ::WSAPoll(&request, 1, limitMs) != 0;
 }
 
-/// Calls until the result is no refusal to wait, or no `event` comes. Winsock's own time limits would leave the socket
-/// in an undefined state, so it does not block, and the waiting is done here.
-template <typename Call>
-qint64 repeat(tSocketDescriptor socket, SHORT event, const Call &call) {
-    qint64 result = call();
-    if (result < 0 && ::WSAGetLastError() == WSAEWOULDBLOCK && waitFor(socket, event, sliceMs))
-        result = call();
+/// The result of a call, with the reasons to call again told apart.
+qint64 checked(qint64 result) {
     if (result >= 0)
         return result;
     const int error = ::WSAGetLastError();
     return error == WSAEWOULDBLOCK || error == WSAEINTR ? tryAgain : -1;
+}
+
+/// Calls, and once more if that was refused until an `event` comes. Winsock's own time limits would leave the socket in
+/// an undefined state, so it does not block, and the waiting is done here.
+template <typename Call>
+qint64 repeat(tSocketDescriptor socket, SHORT event, const Call &call) {
+    // Asked for its error before the waiting, which has an error of its own.
+    const qint64 result = checked(call());
+    return result == tryAgain && waitFor(socket, event, sliceMs) ? checked(call()) : result;
 }
 
 }  // namespace
