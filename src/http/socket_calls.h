@@ -25,7 +25,8 @@ constexpr qint64 tryAgain = -2;
 void endSending(tSocketDescriptor socket);
 void close(tSocketDescriptor socket);
 [[nodiscard]] QHostAddress peerAddress(tSocketDescriptor socket);
-/// Lets more clients wait for being accepted than Qt's 50: beyond the limit they wait for a second, or are refused.
+/// Lets more clients wait for being accepted than Qt's 50, but on Windows: beyond the limit they wait for a second, or
+/// are refused.
 void lengthenBacklog(tSocketDescriptor listener);
 
 }  // namespace socket_calls

@@ -88,8 +88,7 @@ QHostAddress peerAddress(tSocketDescriptor socket) {
     return ::getpeername(handle(socket), generic, &size) == 0 ? QHostAddress(generic) : QHostAddress();
 }
 
-void lengthenBacklog(tSocketDescriptor listener) {
-    ::listen(handle(listener), SOMAXCONN);
-}
+// Winsock keeps the number that a listening socket was given first.
+void lengthenBacklog(tSocketDescriptor) {}
 
 }  // namespace socket_calls
