@@ -9,7 +9,8 @@
 QStringList AppHelper::getRunningApps() {
     const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
     if (snapshot == INVALID_HANDLE_VALUE) {
-        qCWarning(lcToolkit).noquote() << "Cannot list the running processes:" << qt_error_string();
+        const QString reason = qt_error_string();
+        qCWarning(lcToolkit).noquote() << "Cannot list the running processes:" << reason;
         return {};
     }
     QStringList names;

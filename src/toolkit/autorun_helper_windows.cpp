@@ -84,11 +84,11 @@ bool addShortcut(const QString &path, const QString &program) {
     // Written beside and renamed over, so that a half-written shortcut never stands in the Startup folder.
     const QString temporary = path + ".new";
     const HRESULT result = saveShortcut(temporary, program);
-    if (FAILED(result))
-        return fail("Cannot write", path, qt_error_string(static_cast<int>(result)));
-    if (MoveFileExW(wide(native(temporary)), wide(native(path)), MOVEFILE_REPLACE_EXISTING))
+    const bool saved = SUCCEEDED(result);
+    if (saved && MoveFileExW(wide(native(temporary)), wide(native(path)), MOVEFILE_REPLACE_EXISTING))
         return true;
-    const QString reason = qt_error_string();
+    const QString reason = saved ? qt_error_string() : qt_error_string(static_cast<int>(result));
+    // Windows would open it at each start of the session.
     QFile::remove(temporary);
     return fail("Cannot write", path, reason);
 }

@@ -45,7 +45,9 @@ WindowsKeyWatcher::WindowsKeyWatcher(const Report &report) : report_(report) {
 }
 
 WindowsKeyWatcher::~WindowsKeyWatcher() {
-    PostThreadMessageW(threadId_, WM_QUIT, 0, 0);
+    // Without a hook the thread has ended, and another one may have its number.
+    if (hook_)
+        PostThreadMessageW(threadId_, WM_QUIT, 0, 0);
     thread_->wait();
 }
 
@@ -56,8 +58,10 @@ void WindowsKeyWatcher::run() {
     current_ = this;
     threadId_ = GetCurrentThreadId();
     const HHOOK hook = SetWindowsHookExW(WH_KEYBOARD_LL, hookProcedure, GetModuleHandleW(nullptr), 0);
-    if (!hook)
-        qCWarning(lcToolkit).noquote() << "Cannot watch the keyboard:" << qt_error_string();
+    if (!hook) {
+        const QString reason = qt_error_string();
+        qCWarning(lcToolkit).noquote() << "Cannot watch the keyboard:" << reason;
+    }
     hook_ = hook;
     started_.release();
     if (!hook)
