@@ -23,14 +23,16 @@ QString execArgument(QString argument) {
 
 QByteArray desktopEntry(const QString &program) {
     const QFileInfo info(program);
-    const QString text = QString(
-                             "[Desktop Entry]\n"
-                             "Type=Application\n"
-                             "Version=1.5\n"
-                             "Name=%1\n"
-                             "Exec=%2\n"
-                             "Path=%3\n"
-                             "Terminal=false\n")
-                             .arg(escaped(info.fileName()), escaped(execArgument(program)), escaped(info.path()));
+    const QString text =
+        QString(
+            "[Desktop Entry]\n"
+            "Type=Application\n"
+            "Version=1.5\n"
+            "Name=%1\n"
+            "Exec=%2\n"
+            "TryExec=%3\n"
+            "Path=%4\n"
+            "Terminal=false\n")
+            .arg(escaped(info.fileName()), escaped(execArgument(program)), escaped(program), escaped(info.path()));
     return text.toUtf8();
 }

@@ -48,6 +48,7 @@ void TestAutorunHelper::quotes_the_program() {
     const QByteArray entry = desktopEntry("/100%f\nHidden=true/my $apps/Oce\\la");
     QVERIFY2(entry.startsWith("[Desktop Entry]\n"), entry);
     QVERIFY2(entry.contains(R"(Exec="/100%%f\nHidden=true/my \\$apps/Oce\\\\la")"), entry);
+    QVERIFY2(entry.contains(R"(TryExec=/100%f\nHidden=true/my $apps/Oce\\la)"), entry);
     QVERIFY2(entry.contains(R"(Path=/100%f\nHidden=true/my $apps)"), entry);
 }
 
