@@ -115,14 +115,15 @@ describe('a stream', () => {
 describe('the state', () => {
     const answer = { result: true, samples: [1] };
     for (const [expected, ...args] of [
-        ['connecting', undefined, NaN, NaN, 0],
-        ['offline', null, 100, 100, 200],
-        ['noTracker', { result: false, samples: [] }, NaN, NaN, 0],
-        ['noSamples', { result: true, samples: [] }, NaN, NaN, 0],
-        ['connecting', answer, 100, NaN, 1100],
-        ['stalled', answer, 100, NaN, 1101],
-        ['live', answer, 0, 100, 1100],
-        ['stalled', answer, 0, 100, 1101],
+        ['connecting', undefined, NaN, NaN, NaN, 0],
+        ['offline', null, 100, 100, 200, 200],
+        ['noTracker', { result: false, samples: [] }, NaN, NaN, 0, 0],
+        ['noSamples', { result: true, samples: [] }, NaN, NaN, 0, 0],
+        ['connecting', answer, 100, NaN, 1100, 1100],
+        ['stalled', answer, 100, NaN, 1101, 1101],
+        ['live', answer, 0, 100, 1100, 2600],
+        ['stalled', answer, 0, 100, 1101, 2601],
+        ['connecting', answer, 0, 100, 1101, 2602],
     ])
         test(`${expected} of ${JSON.stringify(args)}`, () => assert.equal(streamState(...args), expected));
 });

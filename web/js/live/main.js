@@ -23,12 +23,14 @@ const stream = new SampleStream();
 let palette = readPalette();
 let answer;
 let answerMs = NaN;
+let answeredMs = NaN;
 let aspect = usualAspect;
 
 function take(newAnswer, tookMs) {
     answer = newAnswer;
+    answeredMs = performance.now();
     answerMs = newAnswer ? tookMs : NaN;
-    return newAnswer !== null && newAnswer.result && stream.add(newAnswer.samples, performance.now()) > 0;
+    return newAnswer !== null && newAnswer.result && stream.add(newAnswer.samples, answeredMs) > 0;
 }
 
 /** Written only when it changes: what touches the document costs, and is read aloud. */
@@ -75,7 +77,7 @@ const figuresIfDue = throttled(figuresMs, showSlowThings);
 
 function frame(pageMs) {
     const nowMs = stream.timeline.now(performance.now());
-    const state = streamState(answer, stream.startedMs, stream.changedMs, performance.now());
+    const state = streamState(answer, stream.startedMs, stream.changedMs, answeredMs, performance.now());
     showState(state);
     figuresIfDue(pageMs, state, nowMs);
     drawGaze(byId('gaze'), stream.columns, nowMs - gazeDelayMs, aspect, palette);
