@@ -101,6 +101,10 @@ test('what is no record gets a reason with its line, and the next file is opened
         await page.until(`document.querySelector('#${part}').textContent.includes(${JSON.stringify(reason)})`);
         assert.equal(await page.evaluate("document.querySelectorAll('main b b, #problem b').length"), 0);
     }
+    await page.click('[data-language=ru]');
+    await page.until("document.querySelector('#problem').textContent.includes('«x» — не число.')");
+    assert.ok(await page.evaluate("document.querySelector('#view').hidden"));
+    await page.click('[data-language=en]');
     assert.deepEqual(page.complaints, []);
 });
 

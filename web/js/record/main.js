@@ -18,7 +18,7 @@ import { drawStage } from './stage.js';
 import { fixationsIn, summaryOf } from './summary.js';
 import { between } from './time_range.js';
 
-/** What is shown; null until a record is open. The range is in ms from the record's first sample. */
+/** What is shown; null until a record is open, and while another is being read. The range is in ms from the record's first sample. */
 let view = null;
 let palette = readPalette();
 let mode = 'scanPath';
@@ -59,10 +59,11 @@ let drawing = 0;
 
 function drawSoon() {
     cancelAnimationFrame(drawing);
-    if (view) drawing = requestAnimationFrame(draw);
+    drawing = requestAnimationFrame(draw);
 }
 
 function draw() {
+    if (!view) return;
     const { columns, range } = view;
     view.summary = summaryOf(columns, view.fixations, range);
     const [from, to] = [columns.indexAt(range.fromMs), columns.indexAt(range.toMs)];
@@ -94,11 +95,14 @@ const rangeView = {
 const parameters = startParameters({
     detection: detect,
     rate: layOutTimes,
-    range: (fromMs, toMs) => changeRange(between(fromMs, toMs, view.wholeMs)),
+    range: (fromMs, toMs) => view && changeRange(between(fromMs, toMs, view.wholeMs)),
 });
 startLanguage();
 startOpening({
-    progress: showProgress,
+    progress: share => {
+        view = null;
+        showProgress(share);
+    },
     record: open,
     error: showProblem,
 });
