@@ -1,11 +1,11 @@
 import { byId, element } from '../shared/dom.js';
 import { onLanguage, text, timeOfDay } from '../shared/language.js';
-import { ask, calibratePath, startRecordPath } from './api.js';
+import { Refusal, ask, calibratePath, startRecordPath } from './api.js';
 
 /** Older requests are forgotten. */
 const mostRequests = 6;
 
-/** Newest first: { date, title, outcome, refused }, the texts as functions, as the language may change. */
+/** Newest first: { item, date, title, outcome, refused }, the texts as functions, as the language may change. */
 const requests = [];
 
 /** Makes the buttons work, and shows what became of each request as far as the service tells. */
@@ -22,16 +22,18 @@ export function startControls() {
     });
     byId('stop-record').addEventListener('click', () => send('/stoprecord', () => text('stopRecord')));
     byId('stop-calibration').addEventListener('click', () => send('/stopcalibration', () => text('stopCalibration')));
-    onLanguage(showRequests);
+    onLanguage(() => requests.forEach(show));
 }
 
 async function send(path, title) {
-    const request = { date: new Date(), title, outcome: () => text('waiting'), refused: false };
+    const item = element('li', '');
+    const request = { item, date: new Date(), title, outcome: () => text('waiting'), refused: false };
     requests.unshift(request);
-    requests.splice(mostRequests);
-    showRequests();
+    show(request);
+    byId('requests').prepend(item);
+    for (const old of requests.splice(mostRequests)) old.item.remove();
     Object.assign(request, await outcomeOf(path));
-    showRequests();
+    show(request);
 }
 
 /** POST, as it changes something: nothing repeats it behind our back. */
@@ -42,16 +44,13 @@ async function outcomeOf(path) {
         const outcome = () => (answer.error ? text('refusedBecause', { error: answer.error }) : text('refused'));
         return { outcome, refused: true };
     } catch (error) {
-        return { outcome: () => text('unanswered', { error: error.message }), refused: true };
+        const key = error instanceof Refusal ? 'refusedBecause' : 'unanswered';
+        return { outcome: () => text(key, { error: error.message }), refused: true };
     }
 }
 
-function showRequests() {
-    byId('requests').replaceChildren(...requests.map(toItem));
-}
-
-function toItem(request) {
-    const item = element('li', `${timeOfDay(request.date)}  ${request.title()} `, request.refused ? 'refused' : '');
-    item.append(element('br', ''), element('b', request.outcome()));
-    return item;
+/** Touches this request's item alone: a screen reader reads out whatever changes in the list. */
+function show({ item, date, title, outcome, refused }) {
+    item.className = refused ? 'refused' : '';
+    item.replaceChildren(`${timeOfDay(date)}  ${title()} `, element('br', ''), element('b', outcome()));
 }
