@@ -1,4 +1,5 @@
 import { prepare } from '../shared/canvas.js';
+import { gapLimitMs } from '../shared/polyline.js';
 import { drawScreen, placesIn, screenIn } from '../shared/screen.js';
 
 /** How long the trail is, in ms. */
@@ -26,6 +27,8 @@ export function drawGaze(canvas, columns, nowMs, aspect, palette) {
 function drawTrack(context, screen, columns, from, nowMs, track, colour) {
     const [xs, ys] = [columns[track.x], columns[track.y]];
     const { toX, toY } = placesIn(screen);
+    const { time, length } = columns;
+    const limitMs = gapLimitMs(time, from, length);
     context.strokeStyle = colour;
     context.lineWidth = track.width;
     context.lineJoin = 'round';
@@ -36,6 +39,7 @@ function drawTrack(context, screen, columns, from, nowMs, track, colour) {
         context.beginPath();
         // From the end of the piece before, so that they join.
         for (let i = Math.max(from + 1, begin); i < end; ++i) {
+            if (time[i] - time[i - 1] > limitMs) continue;
             context.moveTo(toX(xs[i - 1]), toY(ys[i - 1]));
             context.lineTo(toX(xs[i]), toY(ys[i]));
         }
