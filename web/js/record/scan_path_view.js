@@ -47,8 +47,8 @@ function drawDots(context, places, palette) {
 
 function drawWay(context, places, palette) {
     context.strokeStyle = palette.accent;
-    // The more there are, the fainter.
-    context.globalAlpha = Math.min(0.55, 60 / places.length);
+    // The more there are, the fainter, as long as they can be seen.
+    context.globalAlpha = Math.min(0.55, Math.max(60 / places.length, 0.04));
     context.lineWidth = 1;
     context.beginPath();
     for (const { x, y } of places) context.lineTo(x, y);
