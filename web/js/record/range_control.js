@@ -30,9 +30,12 @@ export function controlRange(canvas, drag, view) {
         view.change(act(view.range, view.range.toMs - view.range.fromMs, view.wholeMs));
     });
     canvas.addEventListener('wheel', event => {
-        event.preventDefault();
         const atMs = view.frame(canvas).toTime(event.offsetX);
-        view.change(zoomed(view.range, wheelZoom ** event.deltaY, atMs, view.wholeMs));
+        const range = zoomed(view.range, wheelZoom ** event.deltaY, atMs, view.wholeMs);
+        // What cannot be zoomed any further leaves the wheel to the page.
+        if (range.fromMs === view.range.fromMs && range.toMs === view.range.toMs) return;
+        event.preventDefault();
+        view.change(range);
     }, { passive: false });
     canvas.addEventListener('dblclick', () => view.change(between(0, view.wholeMs, view.wholeMs)));
     canvas.addEventListener('pointerdown', event => beginDrag(canvas, event, drags[drag], view));
