@@ -8,7 +8,11 @@ import { drawStage } from './stage.js';
 const [width, scale, edge] = [1000, 2, 24];
 const [titleHeight, chartHeight, captionHeight] = [64, 150, 24];
 
-const charts = [['chartPupil', drawPupils], ['chartValid', drawValidity]];
+/** What draws each chart, and the colours of its lines by their names. */
+const charts = [
+    ['chartPupil', drawPupils, { leftEye: 'left', rightEye: 'right' }],
+    ['chartValid', drawValidity, {}],
+];
 
 /** Offers a picture of what is shown, with its figures, as a file beside the record's name. */
 export async function savePicture(view, mode, palette) {
@@ -50,14 +54,19 @@ function drawTitle(context, view, palette) {
     write(context, figures.join('  ·  '), edge, 52, palette.muted, palette.font.replace(/^\d+px/, '13px'));
 }
 
-function drawCaptioned(context, caption, drawChart, view, palette) {
-    write(context, text(caption), 0, captionHeight - 6, palette.ink, palette.font.replace(/^\d+px/, '600 13px'));
+function drawCaptioned(context, caption, drawChart, lines, view, palette) {
+    const font = palette.font.replace(/^\d+px/, '600 13px');
+    let end = 0;
+    for (const [key, colour] of [[caption, 'ink'], ...Object.entries(lines)])
+        end += write(context, text(key), end, captionHeight - 6, palette[colour], font) + edge;
     context.translate(0, captionHeight);
     drawChart(context, width - 2 * edge, chartHeight, view, palette);
     context.translate(0, chartHeight);
 }
 
+/** Returns how wide the text is. */
 function write(context, content, x, y, colour, font) {
     Object.assign(context, { font, fillStyle: colour, textAlign: 'left', textBaseline: 'alphabetic' });
     context.fillText(content, x, y, width - 2 * edge);
+    return context.measureText(content).width;
 }
