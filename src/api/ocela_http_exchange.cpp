@@ -6,6 +6,7 @@
 #include "http/http_log.h"
 
 #include <QCoreApplication>
+#include <QEvent>
 #include <QFileInfo>
 #include <QSettings>
 #include <QStringList>
@@ -19,9 +20,19 @@ constexpr int longestPath = 32767;
 
 std::atomic<OcelaHTTPExchange *> exchange{nullptr};
 
-/// In memory only. "host" stays unset, so that the listener binds every interface.
+/// In memory only: without a file name, which Qt would try to write to all the same.
+class MemorySettings : public QSettings {
+public:
+    explicit MemorySettings(QObject *parent) : QSettings(QString(), IniFormat, parent) {}
+    ~MemorySettings() override { clear(); }
+
+protected:
+    bool event(QEvent *event) override { return event->type() == QEvent::UpdateRequest || QSettings::event(event); }
+};
+
+/// "host" stays unset, so that the listener binds every interface.
 QSettings *createListenerSettings() {
-    auto *settings = new QSettings(QString(), QSettings::IniFormat, qApp);
+    auto *settings = new MemorySettings(qApp);
     (void)settings->value("host", "127.0.0.1");
     (void)settings->value("port", "3735");
     settings->setValue("port", 3735);
