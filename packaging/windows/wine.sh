@@ -5,6 +5,7 @@
 #
 # OCELA_QT_PREFIX=FOLDER  the Qt for MinGW-w64 whose DLLs the program finds
 # WINEPATH=FOLDER         one more folder that DLLs are found in
+# WINEPREFIX=FOLDER       the Windows that it runs in; build/windows/wine otherwise
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 
@@ -19,6 +20,9 @@ for folder in ${WINEPATH:+"$WINEPATH"} ${OCELA_QT_PREFIX:+"$OCELA_QT_PREFIX/bin"
 done
 
 export WINEPREFIX=${WINEPREFIX:-$here/../../build/windows/wine}
+# Else the user's folders would be those of whoever runs this.
+export HOME=$WINEPREFIX/home
+mkdir -p "$HOME"
 export WINEPATH=$search
 # Neither Wine's own messages nor its offers to install an interpreter or a browser.
 export WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES="mscoree,mshtml=${WINEDLLOVERRIDES:+;$WINEDLLOVERRIDES}"
