@@ -97,30 +97,34 @@ void LogFile::append(const QByteArray &line) {
     const std::lock_guard<std::mutex> lock(mutex_);
     if (!file_.isOpen() && !open(QIODevice::Append))
         return;
-    if (file_.size() + line.size() > fullFileBytes)
+    if (size_ + line.size() > fullFileBytes)
         startAnew();
     put(line);
 }
 
 bool LogFile::open(QIODevice::OpenMode mode) {
-    return file_.open(QIODevice::WriteOnly | QIODevice::Unbuffered | mode);
+    const bool opened = file_.open(QIODevice::WriteOnly | QIODevice::Unbuffered | mode);
+    size_ = opened ? file_.size() : 0;
+    return opened;
 }
 
 void LogFile::put(const QByteArray &line) {
     if (!file_.isOpen())
         return;
-    const qint64 before = file_.size();
-    // A part of a line would run into the next one.
-    if (file_.write(line) != line.size())
-        file_.resize(before);
+    if (file_.write(line) == line.size())
+        size_ += line.size();
+    else
+        file_.resize(size_);  // a part of a line would run into the next one
 }
 
 void LogFile::startAnew() {
     file_.close();
     QFile::remove(earlierPath_);
-    // On Windows a program that looks at a file may hold it where it is. Newer lines count more than older ones.
-    const bool moved = QFile::rename(file_.fileName(), earlierPath_);
-    if (open(moved ? QIODevice::Append : QIODevice::Truncate))
+    // A program that looks at the file holds it where it is on Windows. If it holds the earlier one, the newer lines
+    // count.
+    if (!QFile::rename(file_.fileName(), earlierPath_))
+        QFile::copy(file_.fileName(), earlierPath_);
+    if (open(QIODevice::Truncate))
         put(firstLine_);
 }
 

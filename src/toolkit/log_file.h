@@ -29,8 +29,9 @@ private:
     void append(const QByteArray &line);
     void startAnew();
 
-    std::mutex mutex_;  // guards the file
+    std::mutex mutex_;  // guards the file and its size
     QFile file_;
+    qint64 size_ = 0;  // counted, as Windows looks up the path to tell it
     const QString earlierPath_;
     const QByteArray firstLine_;
 };
