@@ -1,5 +1,7 @@
 #include "toolkit/text_helper.h"
 
+#include <array>
+
 namespace {
 
 constexpr qint64 msPerSecond = 1000;
@@ -7,12 +9,14 @@ constexpr qint64 msPerSecond = 1000;
 /// The text of this second. The HTTP API asks for the current one with every answer, and it takes microseconds to make.
 QString cachedSecondText(qint64 secondsSinceEpoch) {
     thread_local qint64 cachedSecond = -1;
-    thread_local QString text;
+    // Nothing with a destructor: MinGW frees the memory of a thread's objects before it calls their destructors.
+    thread_local std::array<char, 32> text{};
     if (secondsSinceEpoch != cachedSecond) {
-        text = QDateTime::fromMSecsSinceEpoch(secondsSinceEpoch * msPerSecond).toString("yyyy-MM-dd_HH-mm-ss");
+        const QDateTime second = QDateTime::fromMSecsSinceEpoch(secondsSinceEpoch * msPerSecond);
+        qstrncpy(text.data(), second.toString("yyyy-MM-dd_HH-mm-ss").toLatin1().constData(), text.size());
         cachedSecond = secondsSinceEpoch;
     }
-    return text;
+    return QString::fromLatin1(text.data());
 }
 
 void appendMilliseconds(QString &text, int milliseconds) {
