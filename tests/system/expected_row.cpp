@@ -1,6 +1,5 @@
 #include "system/expected_row.h"
 
-#include <QFile>
 #include <QMap>
 #include <QRegularExpression>
 #include <QVariant>
@@ -79,17 +78,4 @@ QStringList expected::windowTexts(const QByteArray &line, QSize screen) {
     for (const Gaze eye : {record.left(), record.right()})
         texts << oneDecimal(percent(eye.x)) + '%' << oneDecimal(percent(eye.y)) + '%';
     return texts;
-}
-
-RecordFile::RecordFile(const QString &path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return;
-    QList<QByteArray> lines = file.readAll().split('\n');
-    // The last line has an end too.
-    if (!lines.takeLast().isEmpty())
-        return;
-    header = lines.takeFirst().trimmed();
-    for (const QByteArray &line : lines)
-        rows << QString::fromUtf8(line.trimmed()).split(',');
 }

@@ -13,15 +13,3 @@ namespace expected {
 [[nodiscard]] QStringList windowTexts(const QByteArray &line, QSize screen);
 
 }  // namespace expected
-
-/// A record file as its columns stand there, read by nothing but splitting.
-struct RecordFile {
-    explicit RecordFile(const QString &path);
-
-    QByteArray header;
-    QList<QStringList> rows;
-
-    [[nodiscard]] qint64 timestamp(int row) const { return rows[row].first().toLongLong(); }
-    /// The cells behind the two times.
-    [[nodiscard]] QStringList values(int row) const { return rows[row].mid(2); }
-};

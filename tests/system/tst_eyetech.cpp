@@ -1,8 +1,8 @@
 #include "support/test_main.h"
 #include "system/desktop.h"
-#include "system/expected_row.h"
 #include "system/patience.h"
 #include "system/program.h"
+#include "system/record_file.h"
 
 #include <QDir>
 #include <QElapsedTimer>

@@ -1,26 +1,17 @@
 #include "support/gazepoint_wire.h"
 #include "support/test_main.h"
 #include "system/desktop.h"
-#include "system/expected_row.h"
+#include "system/http_client.h"
 #include "system/patience.h"
 #include "system/program.h"
+#include "system/record_file.h"
 #include "system/server.h"
 
 #include <QFile>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
 #include <QRegularExpression>
 #include <QTcpSocket>
 #include <QTest>
 #include <algorithm>
-
-namespace {
-
-constexpr quint16 apiPort = 3735;
-
-}  // namespace
 
 /// Other programs drive this one over HTTP.
 class TestHttpApi : public QObject {
@@ -38,15 +29,13 @@ private Q_SLOTS:
     void goes_on_without_its_port();
 
 private:
-    [[nodiscard]] QByteArray get(const QByteArray &path);
-    [[nodiscard]] QJsonObject ask(const QByteArray &path) { return QJsonDocument::fromJson(get(path)).object(); }
     [[nodiscard]] QString file(const QString &name) const { return folder_->filePath(name); }
 
     std::unique_ptr<Home> home_;
     std::unique_ptr<QTemporaryDir> folder_;  ///< where the program is started
     std::unique_ptr<Program> program_;
     std::unique_ptr<Simulator> simulator_;
-    QNetworkAccessManager network_;
+    HttpClient client_;
 };
 
 void TestHttpApi::init() {
@@ -60,28 +49,21 @@ void TestHttpApi::init() {
 void TestHttpApi::cleanup() {
     program_.reset();
     simulator_.reset();
-    network_.clearConnectionCache();
-}
-
-QByteArray TestHttpApi::get(const QByteArray &path) {
-    const QByteArray url = "http://127.0.0.1:" + QByteArray::number(apiPort) + path;
-    const std::unique_ptr<QNetworkReply> reply(network_.get(QNetworkRequest(QUrl::fromEncoded(url))));
-    const bool finished = QTest::qWaitFor([&] { return reply->isFinished(); }, patienceMs);
-    return finished ? reply->readAll() : QByteArray();
+    client_.forgetConnections();
 }
 
 void TestHttpApi::records_what_it_shows() {
     QVERIFY(simulator_->listen({"--rate", "60"}));
     QVERIFY(program_->startWindow());
-    QTRY_VERIFY_WITH_TIMEOUT(ask("/lastsample")["sample"].toObject()["timestamp"].toDouble() > 0, patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(client_.lastSample()["timestamp"].toDouble() > 0, patienceMs);
 
     const QString name = file(QString::fromUtf8("rec 1 & äö.csv"));
-    QVERIFY(ask("/startrecord&path=" + QUrl::toPercentEncoding(name))["result"].toBool());
+    QVERIFY(client_.ask("/startrecord&path=" + QUrl::toPercentEncoding(name))["result"].toBool());
     QVERIFY(desktop::waitFor("Stop record"));
-    const double startMs = ask("/lastsample")["sample"].toObject()["timestamp"].toDouble();
+    const double startMs = client_.lastSample()["timestamp"].toDouble();
     QJsonObject sample;
-    QTRY_VERIFY((sample = ask("/lastsample")["sample"].toObject())["timestamp"].toDouble() > startMs + 500);
-    QVERIFY(ask("/stoprecord")["result"].toBool());
+    QTRY_VERIFY((sample = client_.lastSample())["timestamp"].toDouble() > startMs + 500);
+    QVERIFY(client_.ask("/stoprecord")["result"].toBool());
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(name), patienceMs);
 
     const RecordFile record(name);
@@ -99,7 +81,7 @@ void TestHttpApi::calibrates_the_device() {
     QVERIFY(program_->startWindow());
     QTRY_COMPARE_WITH_TIMEOUT(server.received(), QByteArray(wire::enableData), patienceMs);
     for (const char *path : {"/calibrate&screen=0", "/calibrate&screen=3", "/calibrate&screen=1", "/stopcalibration"})
-        QVERIFY(ask(path)["result"].toBool());
+        QVERIFY(client_.ask(path)["result"].toBool());
     QTRY_COMPARE_WITH_TIMEOUT(server.received(), wire::enableData + QByteArray(wire::calibrate), patienceMs);
     QCOMPARE(program_->close(), 0);
 }
@@ -133,7 +115,7 @@ void TestHttpApi::runs_the_documented_examples() {
 
     QVERIFY(simulator_->listen({}));
     QVERIFY(program_->startWindow());
-    QTRY_VERIFY_WITH_TIMEOUT(ask("/lastsample")["sample"].toObject()["timestamp"].toDouble() > 0, patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(client_.lastSample()["timestamp"].toDouble() > 0, patienceMs);
     while (examples.hasNext()) {
         QProcess process;
         process.setWorkingDirectory(folder_->path());
@@ -150,7 +132,7 @@ void TestHttpApi::runs_the_documented_examples() {
 void TestHttpApi::ends_in_spite_of_clients() {
     QVERIFY(simulator_->listen({"--rate", "150"}));
     QVERIFY(program_->startWindow());
-    QTRY_VERIFY_WITH_TIMEOUT(ask("/lastsamples")["sampleCount"].toInt() > 100, patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(client_.ask("/lastsamples")["sampleCount"].toInt() > 100, patienceMs);
     std::vector<std::unique_ptr<QTcpSocket>> clients;
     for (int i = 0; i < 20; ++i) {
         clients.push_back(std::make_unique<QTcpSocket>());

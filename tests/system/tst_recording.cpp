@@ -3,6 +3,7 @@
 #include "system/expected_row.h"
 #include "system/patience.h"
 #include "system/program.h"
+#include "system/record_file.h"
 #include "system/server.h"
 
 #include <QDateTime>
