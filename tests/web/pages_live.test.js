@@ -135,7 +135,7 @@ describe('with a service that says', () => {
         assert.ok(standIn.asked.includes('/calibrate&screen=2'));
         standIn.answers = {};
         await page.click('#stop-calibration');
-        await page.until(`${lastRequest}.includes('No answer')`);
+        await page.until(`${lastRequest}.includes('Refused: 404')`);
     });
 });
 
