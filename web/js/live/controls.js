@@ -8,6 +8,9 @@ const mostRequests = 6;
 /** Newest first: { item, date, title, outcome, refused }, the texts as functions, as the language may change. */
 const requests = [];
 
+/** Settled with the newest request. They go one by one: on two connections a stop may overtake its start. */
+let done = Promise.resolve();
+
 /** Makes the buttons work, and shows what became of each request as far as the service tells. */
 export function startControls() {
     byId('record').addEventListener('submit', event => {
@@ -32,7 +35,8 @@ async function send(path, title) {
     show(request);
     byId('requests').prepend(item);
     for (const old of requests.splice(mostRequests)) old.item.remove();
-    Object.assign(request, await outcomeOf(path));
+    done = done.then(() => outcomeOf(path));
+    Object.assign(request, await done);
     show(request);
 }
 
