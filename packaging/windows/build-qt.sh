@@ -6,7 +6,7 @@
 # OCELA_QT_MINGW_ARCHIVE=FILE  a ready Qt, in a .tar.xz with one top folder, is unpacked instead of building one
 # OCELA_CACHE=FOLDER           where Qt is kept for the next time, instead of ~/.cache/ocela
 #
-# Without an archive Qt is cross-built from Debian's source packages, once; two cores need about 25 minutes.
+# Without an archive Qt is cross-built from Debian's source packages, once; two cores need up to half an hour.
 set -euo pipefail
 archive=${OCELA_QT_MINGW_ARCHIVE:+$(realpath -m "$OCELA_QT_MINGW_ARCHIVE")}
 cache=$(realpath -m "${OCELA_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/ocela}")
@@ -17,7 +17,7 @@ lists=(packaging/{linux,windows}/debian-packages.txt)
 options=(
     -opensource -confirm-license -release -shared
     -xplatform win32-g++ -device-option "CROSS_COMPILE=$compiler-"
-    # Qt finds its parts from where its libraries are; the name of the cache is in none of the files.
+    # Qt finds its parts from where its libraries are, so that no name of the cache gets into what users download.
     -prefix /qt
     -nomake examples -nomake tests -no-compile-examples
     # Nothing comes from the machine that builds: besides Qt, only Windows and the compiler's runtime are needed.
@@ -122,7 +122,7 @@ work=$prefix.part
 
 mkdir -p "$cache"
 exec {lock}>"$cache/qt.lock"
-flock "$lock"
+flock -n "$lock" || { say "Waiting for another run to provide Qt ..."; flock "$lock"; }
 if [ ! -d "$prefix" ]; then
     rm -rf "$work"
     mkdir "$work"
