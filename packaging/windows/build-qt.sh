@@ -1,13 +1,15 @@
 #!/usr/bin/env bash
 # Provides the Qt that the Windows program is built with, and prints its prefix as the only line on stdout.
 #
-# usage: packaging/windows/build-qt.sh
+# usage: packaging/windows/build-qt.sh [--quick]
 #
+# --quick                      ends with status 3 where Qt would have to be built
 # OCELA_QT_MINGW_ARCHIVE=FILE  a ready Qt, in a .tar.xz with one top folder, is unpacked instead of building one
 # OCELA_CACHE=FOLDER           where Qt is kept for the next time, instead of ~/.cache/ocela
 #
 # Without an archive Qt is cross-built from Debian's source packages, once; two cores need up to half an hour.
 set -euo pipefail
+quick=${1:-}
 archive=${OCELA_QT_MINGW_ARCHIVE:+$(realpath -m "$OCELA_QT_MINGW_ARCHIVE")}
 cache=$(realpath -m "${OCELA_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/ocela}")
 source "$(dirname "$0")/../../tools/common.sh"
@@ -113,12 +115,14 @@ if [ -n "$archive" ]; then
     key=$(checksum "$archive")
 else
     # Debian's next version of Qt asks for a build of its own, and so does a change of this file.
-    ensure_packages "${lists[@]}"
+    [ -n "$quick" ] || ensure_packages "${lists[@]}"
     provide=build_qt
     key=$(dpkg-query -W -f='${source:Version}\n' qtbase5-dev libqt5svg5-dev | checksum - packaging/windows/build-qt.sh)
 fi
 prefix=$cache/qt-mingw64-$key
 work=$prefix.part
+
+[ -z "$quick" ] || [ -n "$archive" ] || [ -d "$prefix" ] || exit 3
 
 mkdir -p "$cache"
 exec {lock}>"$cache/qt.lock"
