@@ -74,6 +74,7 @@ void WindowsKeyWatcher::run() {
 
 LRESULT CALLBACK WindowsKeyWatcher::hookProcedure(int code, WPARAM message, LPARAM data) {
     if (code == HC_ACTION)
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): so it is handed over
         current_->handle(message, *reinterpret_cast<const KBDLLHOOKSTRUCT *>(data));
     return CallNextHookEx(nullptr, code, message, data);
 }

@@ -57,7 +57,7 @@ const QString programFolder = QStringLiteral(OCELA_PROGRAM_FOLDER);
 }  // namespace
 
 /// The program as it is laid out for users, with the simulated devices' libraries beside it.
-class TestWindowsProgram : public QObject {
+class TestProgramOnWindows : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -86,11 +86,11 @@ private:
     std::unique_ptr<Child> simulator_;
 };
 
-void TestWindowsProgram::initTestCase() {
+void TestProgramOnWindows::initTestCase() {
     QVERIFY2(!QFile::exists(localData_ + "Settings.xml"), "these tests are not for somebody's own Windows");
 }
 
-void TestWindowsProgram::init() {
+void TestProgramOnWindows::init() {
     QDir(localData_).removeRecursively();
     QVERIFY(QDir().mkpath(localData_));
     program_ = std::make_unique<Child>();
@@ -102,43 +102,43 @@ void TestWindowsProgram::init() {
     simulator_->setVariable("PATH", qEnvironmentVariable("PATH"));
 }
 
-void TestWindowsProgram::cleanup() {
+void TestProgramOnWindows::cleanup() {
     program_.reset();
     simulator_.reset();
     client_.forgetConnections();
     QFile::remove(localData_ + "Settings.xml");
 }
 
-void TestWindowsProgram::choose(const QString &tracker) {
+void TestProgramOnWindows::choose(const QString &tracker) {
     QFile settings(localData_ + "Settings.xml");
     QVERIFY(settings.open(QIODevice::WriteOnly));
     settings.write("<settings version=\"1\"><property name=\"SelectedTracker\">" + tracker.toUtf8() +
                    "</property></settings>");
 }
 
-bool TestWindowsProgram::startSimulator() {
+bool TestProgramOnWindows::startSimulator() {
     simulator_->start(OCELA_SIMULATOR, {"--rate", "150"});
     return simulator_->waitForReadyRead(patienceMs);
 }
 
-void TestWindowsProgram::start() {
+void TestProgramOnWindows::start() {
     program_->startWithoutStreams();
     QVERIFY(program_->waitForStarted(patienceMs));
     QTRY_VERIFY_WITH_TIMEOUT(!client_.get("/").isEmpty(), patienceMs);
 }
 
-QStringList TestWindowsProgram::complaints() const {
+QStringList TestProgramOnWindows::complaints() const {
     static const QRegularExpression complaint("Z (warning|critical|fatal) ");
     return log().split('\n').filter(complaint);
 }
 
-void TestWindowsProgram::records_what_it_serves_data() {
+void TestProgramOnWindows::records_what_it_serves_data() {
     QTest::addColumn<QString>("tracker");
     for (const char *tracker : {"eyetech", "gazepoint", "aSee Pro"})
         QTest::newRow(tracker) << tracker;
 }
 
-void TestWindowsProgram::records_what_it_serves() {
+void TestProgramOnWindows::records_what_it_serves() {
     QFETCH(const QString, tracker);
     choose(tracker);
     QVERIFY(tracker != "gazepoint" || startSimulator());
@@ -172,7 +172,7 @@ void TestWindowsProgram::records_what_it_serves() {
     QVERIFY(contents(localData_ + "Settings.xml").contains(tracker.toUtf8()));
 }
 
-void TestWindowsProgram::asks_nobody_without_a_console() {
+void TestProgramOnWindows::asks_nobody_without_a_console() {
     choose("eyetech");
     program_->setVariable("OCELA_SIM_EYETECH_DEVICES", "2");
     start();
@@ -181,7 +181,7 @@ void TestWindowsProgram::asks_nobody_without_a_console() {
     QCOMPARE(program_->end(), 0);
 }
 
-void TestWindowsProgram::second_instance_is_refused() {
+void TestProgramOnWindows::second_instance_is_refused() {
     choose("gazepoint");
     start();
     Child second;
@@ -191,7 +191,7 @@ void TestWindowsProgram::second_instance_is_refused() {
     QCOMPARE(program_->end(), 0);
 }
 
-void TestWindowsProgram::names_records_itself() {
+void TestProgramOnWindows::names_records_itself() {
     const QDir folder(records_);
     const QStringList before = folder.entryList(QDir::Files);
     choose("eyetech");
@@ -203,5 +203,5 @@ void TestWindowsProgram::names_records_itself() {
     QCOMPARE(program_->end(), 0);
 }
 
-OCELA_TEST(TestWindowsProgram)
-#include "tst_windows_program.moc"
+OCELA_TEST(TestProgramOnWindows)
+#include "tst_program_windows.moc"
