@@ -30,23 +30,23 @@ public:
 
     bool removeFolder(const QString &folder) { return QDir().rmdir(folder) || fail(folder, qt_error_string()); }
 
+    /// On Windows a link to a folder goes with rmdir, everywhere else any link goes like a file.
+    bool removeLink(const QString &path) { return QDir().rmdir(path) || removeFile(path); }
+
+    QString failure() const { return failure_; }
+
+private:
     bool removeFile(const QString &path) {
         QFile file(path);
         return file.remove() || fail(path, file.errorString());
     }
 
-    QString failure() const { return failure_; }
-
-private:
     bool removeEntry(const QFileInfo &entry) {
         const QString path = entry.absoluteFilePath();
         if (isLink(entry))
             return removeLink(path);
         return entry.isDir() ? empty(path) && removeFolder(path) : removeFile(path);
     }
-
-    /// On Windows a link to a folder goes with rmdir, everywhere else any link goes like a file.
-    bool removeLink(const QString &path) { return QDir().rmdir(path) || removeFile(path); }
 
     bool fail(const QString &path, const QString &reason) {
         if (failure_.isEmpty())
@@ -91,7 +91,7 @@ bool FileUtilities::clearFolder(const QString &folder, bool removeFolderItself) 
     Remover remover;
     bool ok = remover.empty(info.absoluteFilePath());
     if (removeFolderItself)
-        ok = ok && (isLink(info) ? remover.removeFile(info.absoluteFilePath())
+        ok = ok && (isLink(info) ? remover.removeLink(info.absoluteFilePath())
                                  : remover.removeFolder(info.absoluteFilePath()));
     return ok || refuse("Cannot clear the folder", remover.failure());
 }
