@@ -9,6 +9,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSettings>
+#include <QTemporaryDir>
 
 /// Asks the request handler without a connection in between. The path is sent as it is: escape what needs it.
 class ApiClient {
@@ -41,7 +42,8 @@ public:
     }
 
 private:
-    QSettings group_{QString(), QSettings::IniFormat};
+    QTemporaryDir folder_;
+    QSettings group_{folder_.filePath("settings.ini"), QSettings::IniFormat};
     HttpSettings settings_{&group_};
     OcelaHTTPRequestHandler handler_;
 };

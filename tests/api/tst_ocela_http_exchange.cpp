@@ -23,6 +23,8 @@ class TestOcelaHttpExchange : public QObject {
 private Q_SLOTS:
     void init();
     void cleanup();
+    // Else Windows does not let the folder go.
+    void cleanupTestCase() { QVERIFY(QDir::setCurrent(QDir::tempPath())); }
 
     void endpoints_data();
     void endpoints();
@@ -211,6 +213,7 @@ void TestOcelaHttpExchange::a_handler_without_an_exchange_makes_one() {
     inThreads(4, [] { QCOMPARE(ApiClient().get("/hello").answer()["hello"].toString(), QString("there")); });
     exchange_.reset(&OcelaHTTPExchange::instance());
     QCOMPARE(exchange_->thread(), thread());
+    QCoreApplication::processEvents();  // the listener comes with the event loop
     QTcpSocket socket;
     socket.connectToHost("127.0.0.1", 3735);
     QTRY_COMPARE(socket.state(), QAbstractSocket::ConnectedState);
