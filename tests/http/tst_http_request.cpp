@@ -11,6 +11,7 @@
 #include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QScopeGuard>
+#include <QTemporaryFile>
 #include <QTest>
 
 /// What a request becomes, however the network cuts it.
@@ -217,9 +218,14 @@ void TestHttpRequest::tooManyParts() {
 void TestHttpRequest::noRoomForFiles() {
     const QByteArray body = part(" name=\"f\"; filename=\"n\"", "1") + "--xyz--";
     const RequestLimits limits(1000, 1000);
-    const QByteArray folder = qgetenv("TMPDIR");
-    const auto restore = qScopeGuard([&] { folder.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", folder); });
-    qputenv("TMPDIR", "/dev/null");
+    QTemporaryFile noFolder;
+    QVERIFY(noFolder.open());
+    const auto restore = qScopeGuard([unixes = qgetenv("TMPDIR"), windows = qgetenv("TMP")] {
+        qputenv("TMPDIR", unixes);
+        qputenv("TMP", windows);
+    });
+    for (const char *name : {"TMPDIR", "TMP"})
+        qputenv(name, noFolder.fileName().toLocal8Bit());
     QTest::ignoreMessage(QtCriticalMsg, "HttpRequest: Error writing temp file for multipart body");
     HttpRequest request(limits.settings());
     feed(request, byte_text::view(post("multipart/form-data; boundary=xyz", body)), [] { return std::size_t(50); });
