@@ -8,6 +8,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QStandardPaths>
 #include <QTabWidget>
 #include <QTest>
 #include <QTimer>
@@ -52,6 +53,7 @@ void store(const char *property, const QVariant &value) {
 
 void TestMainWindow::initTestCase() {
     Q_INIT_RESOURCE(ocela);
+    QStandardPaths::setTestModeEnabled(true);  // on Windows the folder would be the person's own
     QCoreApplication::setOrganizationName("Velmora");
     QCoreApplication::setApplicationName("Ocela");
     QVERIFY(Settings::defaultFilePath().endsWith("/Velmora/OcelaSettings.xml"));
