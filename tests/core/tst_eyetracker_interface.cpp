@@ -185,16 +185,20 @@ void TestEyetrackerInterface::empty_path_names_a_file_in_the_documents_folder() 
     FakeTracker tracker;
     QSignalSpy stopped(&tracker, &EyetrackerInterface::recordStopped);
 
-    tracker.startRecord();
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Cannot save .*Ocela.*: .+"));
-    QVERIFY(tracker.stopRecord());
-    QVERIFY2(!QFileInfo::exists(folder), "the tracker must not make the folder");
+    // On Windows it may be the person's own, with records in it.
+    if (!QFileInfo::exists(folder)) {
+        tracker.startRecord();
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Cannot save .*Ocela.*: .+"));
+        QVERIFY(tracker.stopRecord());
+        QVERIFY2(!QFileInfo::exists(folder), "the tracker must not make the folder");
+    }
 
     QVERIFY(QDir().mkpath(folder));
     tracker.startRecord();
     tracker.stopRecord();
     const QFileInfo file(QDir::fromNativeSeparators(stopped.last()[0].toString()));
-    QVERIFY(file.exists());
+    QVERIFY(QFile::remove(file.filePath()));
+    QDir().rmdir(folder);  // if there is nothing else in it
     QCOMPARE(file.path(), folder);
     QVERIFY(file.fileName().endsWith("_ocela.csv"));
 }
