@@ -12,6 +12,8 @@ class TestSettings : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    // Else a mode is read as a number until something has made one a QVariant.
+    void initTestCase() { qRegisterMetaType<SampleSettings::Mode>("SampleSettings::Mode"); }
     void init() { folder_ = std::make_unique<QTemporaryDir>(); }
     void setter_tells_of_a_change_once();
     void writes_a_file_that_a_person_can_read();
