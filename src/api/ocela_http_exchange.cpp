@@ -82,11 +82,13 @@ OcelaHTTPExchange::OcelaHTTPExchange(QObject *parent) : QObject(parent) {
 
 void OcelaHTTPExchange::listen() {
     requestHandler_ = std::make_unique<OcelaHTTPRequestHandler>();
-    listener_ = std::make_unique<HttpListener>(createListenerSettings(), requestHandler_.get());
+    settings_ = createListenerSettings();
+    listener_ = std::make_unique<HttpListener>(settings_, requestHandler_.get());
 }
 
 OcelaHTTPExchange::~OcelaHTTPExchange() {
     listener_.reset();
+    delete settings_;
     OcelaHTTPExchange *self = this;
     exchange.compare_exchange_strong(self, nullptr);
 }

@@ -5,6 +5,7 @@
 #include "toolkit/connection_helper.h"
 
 #include <QObject>
+#include <QPointer>
 #include <atomic>
 #include <memory>
 
@@ -12,6 +13,7 @@ class EyetrackerInterface;
 class HttpListener;
 class HttpRequest;
 class OcelaHTTPRequestHandler;
+class QSettings;
 
 /// The HTTP control API: lets other programs drive the selected tracker and read its samples, and serves files.
 ///
@@ -71,6 +73,7 @@ private:
     const std::shared_ptr<std::atomic<int>> pendingCalls_ = std::make_shared<std::atomic<int>>(0);
     SampleJsonCache sampleJson_;
 
+    QPointer<QSettings> settings_;  ///< the application's, unless this object ends before
     std::unique_ptr<OcelaHTTPRequestHandler> requestHandler_;
     std::unique_ptr<HttpListener> listener_;  ///< last, so that its threads end before anything they use
 };
