@@ -28,4 +28,7 @@ export WINEPATH=$search
 export WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES="mscoree,mshtml=${WINEDLLOVERRIDES:+;$WINEDLLOVERRIDES}"
 # Wine keeps variables of that kind for itself unless they are named so.
 for name in $(compgen -e QT_); do export "WINE$name=${!name}"; done
+# The services that come with the first program outlive the last one by seconds. They are not to hold the program's
+# output: whoever reads that waits for its end.
+wine cmd /c exit </dev/null &>/dev/null || true
 exec wine "$@"
