@@ -39,7 +39,7 @@ public:
 
     QString file() const { return file_; }
     void end() {
-        process_.kill();
+        process_.closeWriteChannel();
         process_.waitForFinished();
     }
 
