@@ -1,17 +1,17 @@
-// What answering a request costs, from the parsed request to the bytes on their way, without a network.
+// Measures the time to answer a request, from the parsed request to the bytes for the connection, without a network.
 
 #include "api/ocela_http_exchange.h"
 #include "api/ocela_http_request_handler.h"
 #include "api/sample_json.h"
 #include "core/eyetracker_interface.h"
-#include "http/http_output.h"
+#include "http/byte_stream.h"
 #include "http/http_request.h"
 #include "http/http_response.h"
 #include "http/http_settings.h"
 #include "support/bare_tracker.h"
 #include "support/rounds.h"
 #include "support/typical_samples.h"
-#include "toolkit/text_helper.h"
+#include "toolkit/base/text_helper.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -26,15 +26,16 @@ namespace {
 
 constexpr std::size_t windowSize = 500;
 constexpr std::size_t answersPerRound = 2000;
+constexpr std::size_t slowAnswersPerRound = 20;
 
-class FedTracker : public BareTracker {
+class FullWindowTracker : public BareTracker {
 public:
-    FedTracker() {
+    FullWindowTracker() {
         for (const EyeTrackingSample &sample : bench::typicalSamples(windowSize))
             addSample(sample);
     }
 
-    /// The window moves on by one sample.
+    /// Adds one sample, so that the window drops its oldest one.
     void deliver() {
         EyeTrackingSample sample = getLastSample();
         sample.timestamp += sampleWindowMs / static_cast<qint64>(windowSize);
@@ -42,8 +43,8 @@ public:
     }
 };
 
-/// Looks at what is sent and drops it.
-class Nowhere : public HttpOutput {
+/// Discards all output.
+class DiscardingOutput : public HttpOutput {
 public:
     bool write(const QVector<QByteArray> &pieces) override {
         bench::keep(pieces);
@@ -51,7 +52,7 @@ public:
     }
 };
 
-/// The handler as a connection calls it, with one request again and again.
+/// Calls the request handler as a connection does, always with the same request.
 class Client {
 public:
     explicit Client(const char *path) {
@@ -71,11 +72,11 @@ private:
     HttpSettings settings_{&group_};
     HttpRequest request_{settings_};
     OcelaHTTPRequestHandler handler_;
-    Nowhere output_;
+    DiscardingOutput output_;
 };
 
-/// The same answer with documents all the way.
-void answerWithDocuments(FedTracker &tracker) {
+/// Creates the response body of `/lastsamples` with QJsonDocument.
+void createLastSamples(FullWindowTracker &tracker) {
     QJsonArray samples;
     for (const EyeTrackingSample &sample : tracker.getSamples())
         samples.append(sample.toJson());
@@ -84,14 +85,14 @@ void answerWithDocuments(FedTracker &tracker) {
     bench::keep(QJsonDocument(answer).toJson(QJsonDocument::Compact));
 }
 
-void answerLastWithDocuments(FedTracker &tracker) {
+void createLastSample(FullWindowTracker &tracker) {
     const QString time = QDateTime::currentDateTime().toString("yyyy-MM-dd_HH-mm-ss-zzz");
     const QJsonObject answer{{"result", true}, {"sample", tracker.getLastSample().toJson()}, {"time", time}};
     bench::keep(QJsonDocument(answer).toJson(QJsonDocument::Compact));
 }
 
 template <typename Work>
-bench::Contender repeated(const char *name, std::size_t times, Work work) {
+bench::Candidate repeated(const char *name, std::size_t times, Work work) {
     const auto run = [times, work] {
         for (std::size_t i = 0; i < times; ++i)
             work();
@@ -99,14 +100,14 @@ bench::Contender repeated(const char *name, std::size_t times, Work work) {
     return {name, times, run, {}};
 }
 
-void measureLastSample(FedTracker &tracker, int rounds) {
+void measureLastSample(FullWindowTracker &tracker, int rounds) {
     Client client("/lastsample");
     Client hello("/hello");
     bench::print("/lastsample",
-                 bench::interleave({repeated("baseline: documents, without the response", answersPerRound,
-                                             [&] { answerLastWithDocuments(tracker); }),
-                                    repeated("the same sample again", answersPerRound, [&] { client.ask(); }),
-                                    repeated("a new sample each time, delivery included", answersPerRound,
+                 bench::interleave({repeated("baseline: QJsonDocument, without the HTTP response", answersPerRound,
+                                             [&] { createLastSample(tracker); }),
+                                    repeated("unchanged sample", answersPerRound, [&] { client.ask(); }),
+                                    repeated("new sample before each request, including its delivery", answersPerRound,
                                              [&] {
                                                  tracker.deliver();
                                                  client.ask();
@@ -115,19 +116,19 @@ void measureLastSample(FedTracker &tracker, int rounds) {
                                    rounds));
 }
 
-void measureLastSamples(FedTracker &tracker, int rounds) {
+void measureLastSamples(FullWindowTracker &tracker, int rounds) {
     Client client("/lastsamples");
-    constexpr std::size_t few = 20;
-    bench::print("/lastsamples, 500 of them",
-                 bench::interleave(
-                     {repeated("baseline: documents, without the response", few, [&] { answerWithDocuments(tracker); }),
-                      repeated("the same samples again", answersPerRound, [&] { client.ask(); }),
-                      repeated("one sample further each time, delivery included", few,
-                               [&] {
-                                   tracker.deliver();
-                                   client.ask();
-                               })},
-                     rounds));
+    bench::print(
+        "/lastsamples with 500 samples",
+        bench::interleave({repeated("baseline: QJsonDocument, without the HTTP response", slowAnswersPerRound,
+                                    [&] { createLastSamples(tracker); }),
+                           repeated("unchanged window", answersPerRound, [&] { client.ask(); }),
+                           repeated("new sample before each request, including its delivery", slowAnswersPerRound,
+                                    [&] {
+                                        tracker.deliver();
+                                        client.ask();
+                                    })},
+                          rounds));
 }
 
 void measureFile(int rounds) {
@@ -137,18 +138,19 @@ void measureFile(int rounds) {
     QFile file("http/file1m.bin");
     if (!file.open(QIODevice::WriteOnly) || file.write(QByteArray(1'000'000, 'x')) < 0 || !file.flush())
         return;
-    // Types of files that have just changed are not remembered.
+    // The service does not cache the content type of a file that has changed recently.
     file.setFileTime(QDateTime::currentDateTime().addDays(-1), QFileDevice::FileModificationTime);
     file.close();
     Client client("/file1m.bin");
-    bench::print("A file of 1 MB", bench::interleave({repeated("baseline: QFile::readAll", 20,
-                                                               [&] {
-                                                                   file.open(QIODevice::ReadOnly);
-                                                                   bench::keep(file.readAll());
-                                                                   file.close();
-                                                               }),
-                                                      repeated("/file1m.bin", 20, [&] { client.ask(); })},
-                                                     rounds));
+    bench::print("A file of 1 MB",
+                 bench::interleave({repeated("baseline: QFile::readAll", slowAnswersPerRound,
+                                             [&] {
+                                                 file.open(QIODevice::ReadOnly);
+                                                 bench::keep(file.readAll());
+                                                 file.close();
+                                             }),
+                                    repeated("/file1m.bin", slowAnswersPerRound, [&] { client.ask(); })},
+                                   rounds));
 }
 
 }  // namespace
@@ -156,7 +158,7 @@ void measureFile(int rounds) {
 int main(int argc, char *argv[]) {
     const QCoreApplication application(argc, argv);
     const int rounds = bench::roundsFrom(argc, argv, 51);
-    FedTracker tracker;
+    FullWindowTracker tracker;
     OcelaHTTPExchange exchange(nullptr);
     exchange.setTracker(&tracker);
     measureLastSample(tracker, rounds);

@@ -1,11 +1,11 @@
-// What an aSee Pro tracker costs from the vendor library's callback on: a sample's way to the GUI thread, the callbacks
-// themselves, and the camera view. The back-end is the program's own and so is its loader; the library only calls back.
+// Measures an aSee Pro tracker with a library that only calls the callbacks: the time of a callback, the time until a
+// sample reaches the GUI thread, and the CPU share of the camera view.
 
 #include "support/bare_asee.h"
 #include "support/bare_tracker.h"
 #include "support/rounds.h"
-#include "trackers/asee/asee_pro.h"
-#include "trackers/asee/gaze_reading.h"
+#include "trackers/asee/asee_record_reader.h"
+#include "trackers/asee/asee_tracker.h"
 
 #include <QApplication>
 #include <QFile>
@@ -23,16 +23,17 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::size_t callsPerRound = 2000;  // the samples that the window of 2 s has at 1000 Hz
+constexpr std::size_t callsPerRound = 2000;  // the number of samples in the window of 2 s at 1000 Hz
+constexpr std::size_t slowCallsPerRound = 100;
 constexpr QSize camera(1280, 1024);
-constexpr int seconds = 10;
+constexpr int measurementSeconds = 10;
 
-/// A record with numbers in the fields that are read.
-std::array<unsigned char, asee::gaze_record::bytes> typicalRecord() {
-    std::array<unsigned char, asee::gaze_record::bytes> record{};
+/// Returns a record with the gaze points at the centre of the screen.
+std::array<unsigned char, asee_sdk::gaze_record::sizeBytes> typicalRecord() {
+    std::array<unsigned char, asee_sdk::gaze_record::sizeBytes> record{};
     const std::array<float, 2> half{0.5F, 0.5F};
     for (const std::size_t offset :
-         {asee::gaze_record::gaze, asee::gaze_record::leftGaze, asee::gaze_record::rightGaze})
+         {asee_sdk::gaze_record::gaze, asee_sdk::gaze_record::leftGaze, asee_sdk::gaze_record::rightGaze})
         std::copy_n(reinterpret_cast<const unsigned char *>(half.data()), sizeof half, record.begin() + offset);
     return record;
 }
@@ -48,7 +49,7 @@ void sendImage() {
                             bench::bareAsee().imageContext);
 }
 
-/// Calls at a steady rate on a thread of its own while it lives.
+/// Calls a function at a constant rate in a separate thread, until it is destroyed.
 class Device {
 public:
     template <typename Call>
@@ -76,9 +77,10 @@ void runEventLoop(int length_s) {
     QCoreApplication::exec();
 }
 
-/// From before the library's callback until the GUI thread has the sample, in microseconds, sorted.
+/// Returns the times from just before the library's callback until the GUI thread receives the sample, in microseconds,
+/// sorted.
 std::vector<double> latencies(aSeePro &tracker) {
-    std::vector<Clock::time_point> sent(std::size_t{1000} * (seconds + 5));
+    std::vector<Clock::time_point> sent(std::size_t{1000} * (measurementSeconds + 5));
     std::atomic<std::size_t> count{0};
     std::vector<double> delays;
     QObject receiver;
@@ -93,7 +95,7 @@ std::vector<double> latencies(aSeePro &tracker) {
             sent[count++] = Clock::now();
         sendGaze();
     });
-    runEventLoop(seconds);
+    runEventLoop(measurementSeconds);
     std::sort(delays.begin(), delays.end());
     return delays;
 }
@@ -118,55 +120,53 @@ void printPreview(const char *title, aSeePro &tracker, QWidget &view) {
         &tracker, &aSeePro::previewImageReady, &receiver, [&] { ++images; }, Qt::QueuedConnection);
     const Device device(60, sendImage);
     const double before = processorSeconds();
-    runEventLoop(seconds);
-    const double share = 100 * (processorSeconds() - before) / seconds;
+    runEventLoop(measurementSeconds);
+    const double share = 100 * (processorSeconds() - before) / measurementSeconds;
     std::printf("%-58s %9d x %-5d %9d %9.1f %%\n", title, view.width(), view.height(), images, share);
 }
 
 void compareCallbacks(aSeePro &tracker, int rounds) {
     BareTracker bare;
     const auto record = typicalRecord();
-    const EyeTrackingSample sample = gaze_reading::sampleOf(GazeRecord(record.data()), QSize(1920, 1080));
-    const auto repeat = [](auto call) {
-        return [call] {
-            for (std::size_t i = 0; i < callsPerRound; ++i)
+    const EyeTrackingSample sample = asee::sampleOf(asee::GazeRecord(record.data()), QSize(1920, 1080));
+    const auto repeat = [](std::size_t count, auto call) {
+        return [count, call] {
+            for (std::size_t i = 0; i < count; ++i)
                 call();
         };
     };
-    bench::print("Callbacks on the library's thread, without receivers",
-                 bench::interleave({{"baseline: addSample", callsPerRound, repeat([&] { bare.addSample(sample); }), {}},
-                                    {"gaze", callsPerRound, repeat(sendGaze), {}},
-                                    {"image, preview hidden", callsPerRound, repeat(sendImage),
-                                     [&] { tracker.setPreviewEnabled(false); }},
-                                    {"image, preview shown", 100,
-                                     [] {
-                                         for (int i = 0; i < 100; ++i)
-                                             sendImage();
-                                     },
-                                     [&] { tracker.setPreviewEnabled(true); }}},
-                                   rounds));
+    bench::print(
+        "Callbacks on the library's thread, without receivers",
+        bench::interleave(
+            {{"baseline: addSample", callsPerRound, repeat(callsPerRound, [&] { bare.addSample(sample); }), {}},
+             {"gaze", callsPerRound, repeat(callsPerRound, sendGaze), {}},
+             {"image, preview hidden", callsPerRound, repeat(callsPerRound, sendImage),
+              [&] { tracker.setPreviewEnabled(false); }},
+             {"image, preview shown", slowCallsPerRound, repeat(slowCallsPerRound, sendImage),
+              [&] { tracker.setPreviewEnabled(true); }}},
+            rounds));
 }
 
 void measureLatencies(aSeePro &tracker, QWidget &view) {
     std::printf("\n%-58s %9s %9s %9s %9s\n", "Callback to GUI thread at 1000 Hz", "samples", "median us", "p99",
                 "slowest");
-    printLatencies("samples alone", tracker);
+    printLatencies("without camera images", tracker);
     view.show();
     const Device device(60, sendImage);
-    printLatencies("with 60 camera images a second", tracker);
+    printLatencies("with 60 camera images per second", tracker);
 }
 
 void measurePreview(aSeePro &tracker, QWidget &view) {
-    std::printf("\n%-58s %17s %9s %9s\n", "Camera view, 60 images of 1280 x 1024 a second", "size", "images",
+    std::printf("\n%-58s %17s %9s %9s\n", "Camera view, 60 images of 1280 x 1024 per second", "size", "images",
                 "of a core");
     printPreview("shown", tracker, view);
     view.resize(camera);
-    printPreview("shown at the camera's own size", tracker, view);
+    printPreview("shown at the size of the image", tracker, view);
     view.hide();
     printPreview("hidden", tracker, view);
 }
 
-/// Its coefficients may be anything here.
+/// The file is empty, because the library does not read the coefficients.
 bool writeCoefficients(const QTemporaryDir &folder) {
     QFile file(folder.filePath("coefficient.dat"));
     return file.open(QIODevice::WriteOnly);

@@ -1,4 +1,4 @@
-// What a tracker pays for delivering one sample.
+// Measures the time to deliver one sample.
 
 #include "core/eyetracker_interface.h"
 #include "support/bare_tracker.h"
@@ -14,8 +14,8 @@ namespace {
 
 constexpr std::size_t samplesPerRound = 20000;
 
-/// Delivers samples one millisecond apart, so that a window of two seconds stays full at 2001 samples.
-class Feed {
+/// Passes on samples that are 1 ms apart, so that a window of 2 s always has 2001 samples.
+class SampleSource {
 public:
     template <typename Take>
     void deliver(std::size_t count, Take take) {
@@ -31,7 +31,7 @@ private:
     qint64 now_ = 0;
 };
 
-/// The least that a thread-safe window can cost.
+/// A minimal thread-safe sample window.
 class BareWindow {
 public:
     void add(const EyeTrackingSample &sample) {
@@ -48,48 +48,48 @@ private:
 
 class Deliveries {
 public:
-    explicit Deliveries(QString recordPath) : recordPath_(std::move(recordPath)) {
+    explicit Deliveries(QString recordFilePath) : recordFilePath_(std::move(recordFilePath)) {
         QObject::connect(
-            &followed_, &EyetrackerInterface::newSample, &followed_,
-            [this](const EyeTrackingSample &sample) { xSeen_ += sample.x_px; }, Qt::DirectConnection);
-        for (EyetrackerInterface *tracker : {&alone_, &followed_})
-            feed_.deliver(3000, [&](const EyeTrackingSample &sample) { tracker->addSample(sample); });
+            &connected_, &EyetrackerInterface::newSample, &connected_,
+            [this](const EyeTrackingSample &sample) { xSum_ += sample.x_px; }, Qt::DirectConnection);
+        for (EyetrackerInterface *tracker : {&unconnected_, &connected_})
+            source_.deliver(3000, [&](const EyeTrackingSample &sample) { tracker->addSample(sample); });
     }
 
-    [[nodiscard]] std::vector<bench::Contender> contenders() {
+    [[nodiscard]] std::vector<bench::Candidate> candidates() {
         return {
-            {"baseline: std::deque push and pop under std::mutex", samplesPerRound, [this] { feedBareWindow(); }, {}},
-            delivery("addSample, not recording, no receiver", alone_, false),
-            delivery("addSample, not recording, one direct receiver", followed_, false),
-            delivery("addSample, recording, no receiver", alone_, true),
-            delivery("addSample, recording, one direct receiver", followed_, true),
+            {"baseline: std::deque push and pop under std::mutex", samplesPerRound, [this] { fillBareWindow(); }, {}},
+            delivery("addSample, not recording, no receiver", unconnected_, false),
+            delivery("addSample, not recording, one direct receiver", connected_, false),
+            delivery("addSample, recording, no receiver", unconnected_, true),
+            delivery("addSample, recording, one direct receiver", connected_, true),
         };
     }
 
 private:
-    void feedBareWindow() {
-        feed_.deliver(samplesPerRound, [this](const EyeTrackingSample &sample) { bareWindow_.add(sample); });
+    void fillBareWindow() {
+        source_.deliver(samplesPerRound, [this](const EyeTrackingSample &sample) { bareWindow_.add(sample); });
     }
 
-    /// Each round of recording begins with an empty record, so that the growth of its memory counts.
-    bench::Contender delivery(const char *name, EyetrackerInterface &tracker, bool recording) {
+    /// Each round starts a new recording, so that the growth of its memory is included.
+    bench::Candidate delivery(const char *name, EyetrackerInterface &tracker, bool recording) {
         const auto run = [this, &tracker] {
-            feed_.deliver(samplesPerRound, [&](const EyeTrackingSample &sample) { tracker.addSample(sample); });
+            source_.deliver(samplesPerRound, [&](const EyeTrackingSample &sample) { tracker.addSample(sample); });
         };
         const auto reset = [this, &tracker, recording] {
             tracker.stopRecord();
             if (recording)
-                tracker.startRecord(recordPath_);
+                tracker.startRecord(recordFilePath_);
         };
         return {name, samplesPerRound, run, reset};
     }
 
-    const QString recordPath_;
-    Feed feed_;
+    const QString recordFilePath_;
+    SampleSource source_;
     BareWindow bareWindow_;
-    BareTracker alone_;
-    BareTracker followed_;
-    qint64 xSeen_ = 0;
+    BareTracker unconnected_;
+    BareTracker connected_;
+    qint64 xSum_ = 0;
 };
 
 }  // namespace
@@ -99,5 +99,5 @@ int main(int argc, char *argv[]) {
     const QTemporaryDir folder;
     Deliveries deliveries(folder.filePath("record.csv"));
     bench::print("Delivering a sample at 1000 Hz with a full window of 2 s",
-                 bench::interleave(deliveries.contenders(), bench::roundsFrom(argc, argv, 51)));
+                 bench::interleave(deliveries.candidates(), bench::roundsFrom(argc, argv, 51)));
 }

@@ -1,6 +1,6 @@
-// From the end of the library's call for a frame to the delivery of its sample, at 60 frames a second.
+// Measures the time from the return of the library's frame call to `newSample`, at 60 frames per second.
 
-#include "trackers/eyetech/eyetech_grabber.h"
+#include "trackers/eyetech/eyetech_tracker.h"
 
 #include <QApplication>
 #include <QLibrary>
@@ -14,13 +14,13 @@
 
 namespace {
 
-constexpr int framesToForget = 30;
+constexpr int warmUpFrameCount = 30;
 
 std::int64_t nowNs() {
     return std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-/// What a test library of this benchmark tells beside the vendor's entry points.
+/// The additional entry points of the library of this benchmark.
 struct PacedLibrary {
     QLibrary library{QStringLiteral("QuickLink2")};
     std::int64_t (*frameDoneNs)() = nullptr;
@@ -35,7 +35,7 @@ struct PacedLibrary {
 };
 
 void print(const char *name, std::vector<std::int64_t> times) {
-    times.erase(times.begin(), times.begin() + framesToForget);
+    times.erase(times.begin(), times.begin() + warmUpFrameCount);
     std::sort(times.begin(), times.end());
     const auto us = [&](std::size_t percent) {
         return static_cast<double>(times[(times.size() - 1) * percent / 100]) / 1000;
@@ -44,7 +44,7 @@ void print(const char *name, std::vector<std::int64_t> times) {
                 us(99), us(100), times.size());
 }
 
-/// A call that is queued from another thread, as often: what waking up the GUI thread takes by itself.
+/// Returns the delays of calls that are queued from another thread at the rate of the frames.
 std::vector<std::int64_t> queuedCalls(std::size_t count) {
     std::vector<std::int64_t> times;
     std::thread sender([&] {
@@ -78,9 +78,9 @@ std::vector<std::int64_t> frames(const PacedLibrary &library, std::size_t count)
 int main(int argc, char *argv[]) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
-    const std::size_t count = framesToForget + (argc > 1 ? static_cast<std::size_t>(std::atoi(argv[1])) : 600);
+    const std::size_t count = warmUpFrameCount + (argc > 1 ? static_cast<std::size_t>(std::atoi(argv[1])) : 600);
     const PacedLibrary library;
-    std::printf("EyeTech: from the end of the call for a frame to newSample, 60 frames a second\n");
+    std::printf("EyeTech: from the return of the frame call to newSample, 60 frames per second\n");
     print("baseline: a queued call between two threads", queuedCalls(count));
     library.setImages(false);
     print("frames without an image", frames(library, count));

@@ -1,8 +1,8 @@
-// From the bytes of a GazePoint record to the finished sample, over records as real servers sent them.
+// Measures the time to parse a GazePoint record to a sample, with records captured from real servers.
 
 #include "support/rounds.h"
 #include "support/splitting_parser.h"
-#include "trackers/gazepoint/gaze_point_protocol.h"
+#include "trackers/gazepoint/gazepoint_record_reader.h"
 
 #include <QFile>
 #include <QVector>
@@ -12,19 +12,19 @@
 namespace {
 
 constexpr std::size_t recordsPerRound = 20000;
-constexpr int attributesOfFullRecord = 40;
+constexpr int fullRecordAttributeCount = 40;
 constexpr QSize screen(1920, 1080);
 
 using Records = QVector<QByteArray>;
 
-/// The captured record lines that have at least so many attributes, with their line ends put back.
-Records capturedRecords(int attributes) {
+/// Returns the captured records that have at least `minAttributeCount` attributes, with the line ends of the protocol.
+Records capturedRecords(int minAttributeCount) {
     QFile file(OCELA_BENCH_LINES);
     if (!file.open(QIODevice::ReadOnly))
         qFatal("Cannot read %s", qUtf8Printable(file.fileName()));
     Records records;
     for (const QByteArray &line : file.readAll().split('\n')) {
-        if (line.startsWith("<REC") && line.count('=') >= attributes)
+        if (line.startsWith("<REC") && line.count('=') >= minAttributeCount)
             records.append(line + "\r\n");
     }
     return records;
@@ -37,7 +37,7 @@ EyeTrackingSample parse(const QByteArray &record, qint64 now) {
     return gazepoint::parseRecord(message, screen, now);
 }
 
-EyeTrackingSample parseNaively(const QByteArray &record, qint64 now) {
+EyeTrackingSample parseWithSplit(const QByteArray &record, qint64 now) {
     return bench::parseBySplitting(record, screen, now);
 }
 
@@ -45,14 +45,15 @@ bool sameSample(const EyeTrackingSample &one, const EyeTrackingSample &other) {
     return one.toJson() == other.toJson() && one.l_valid == other.l_valid && one.r_valid == other.r_valid;
 }
 
-/// A baseline that does less than the parser would make no comparison.
+/// The comparison is valid only if both parsers return the same samples.
 bool parsersAgree(const Records &records) {
-    return std::all_of(records.begin(), records.end(),
-                       [](const QByteArray &record) { return sameSample(parse(record, 1), parseNaively(record, 1)); });
+    return std::all_of(records.begin(), records.end(), [](const QByteArray &record) {
+        return sameSample(parse(record, 1), parseWithSplit(record, 1));
+    });
 }
 
 template <typename Parse>
-bench::Contender contender(const char *name, const Records &records, Parse parser) {
+bench::Candidate candidate(const char *name, const Records &records, Parse parser) {
     const auto run = [records, parser] {
         for (std::size_t i = 0; i < recordsPerRound; ++i)
             bench::keep(parser(records[static_cast<int>(i) % records.size()], static_cast<qint64>(i)));
@@ -62,8 +63,8 @@ bench::Contender contender(const char *name, const Records &records, Parse parse
 
 void compare(const QString &title, const Records &records, int rounds) {
     bench::print(qUtf8Printable(title.arg(records.size())),
-                 bench::interleave({contender("baseline: the same rules with QString::split", records, parseNaively),
-                                    contender("gazepoint::kindOf and parseRecord", records, parse)},
+                 bench::interleave({candidate("baseline: the same rules with QString::split", records, parseWithSplit),
+                                    candidate("gazepoint::kindOf and parseRecord", records, parse)},
                                    rounds));
 }
 
@@ -72,11 +73,11 @@ void compare(const QString &title, const Records &records, int rounds) {
 int main(int argc, char *argv[]) {
     const int rounds = bench::roundsFrom(argc, argv, 31);
     const Records all = capturedRecords(0);
-    const Records full = capturedRecords(attributesOfFullRecord);
+    const Records full = capturedRecords(fullRecordAttributeCount);
     if (full.isEmpty() || !parsersAgree(all)) {
         std::fprintf(stderr, "no captured records, or the baseline reads them differently\n");
         return 1;
     }
-    compare("GazePoint records with 40 attributes and more (%1 captured)", full, rounds);
-    compare("GazePoint records of every captured kind (%1)", all, rounds);
+    compare("GazePoint records with at least 40 attributes (%1 captured)", full, rounds);
+    compare("All captured GazePoint records (%1)", all, rounds);
 }

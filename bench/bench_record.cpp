@@ -1,4 +1,4 @@
-// What a record costs: its memory while it runs, and the time to save it.
+// Measures the memory of a running recording, and the time to save it.
 
 #include "core/eye_tracking_csv.h"
 #include "support/bare_writer.h"
@@ -14,10 +14,11 @@
 
 namespace {
 
-constexpr std::size_t samplesInMemory = 1000000;
-constexpr std::size_t variantRowsInMemory = 100000;
-constexpr int memoryRounds = 3;
-constexpr std::size_t savedRows = 500000;
+constexpr std::size_t sampleCount = 1000000;
+constexpr std::size_t variantRowCount = 100000;
+constexpr int memoryRoundCount = 3;
+constexpr std::size_t savedRowCount = 500000;
+constexpr int defaultRoundCount = 11;
 
 struct BytesPerRow {
     std::vector<double> resident;
@@ -41,35 +42,36 @@ QVariantList variantRow(const EyeTrackingSample &s) {
             s.r_y,       s.r_x_px,    s.r_y_px,     s.r_pupil_mm, s.r_pupil_x,  s.r_pupil_y, s.focus};
 }
 
-void fillVariants(BytesPerRow &result, const std::vector<EyeTrackingSample> &samples) {
-    const bench::Memory before = bench::memoryInUse();
+/// Returns the memory in use while the rows exist.
+bench::Memory memoryWithVariants(const std::vector<EyeTrackingSample> &samples) {
     QList<QVariantList> rows;
-    for (std::size_t i = 0; i < variantRowsInMemory; ++i)
+    for (std::size_t i = 0; i < variantRowCount; ++i)
         rows.append(variantRow(samples[i]));
-    result.add(before, bench::memoryInUse(), variantRowsInMemory);
+    return bench::memoryInUse();
 }
 
-void fillRecord(BytesPerRow &result, const std::vector<EyeTrackingSample> &samples) {
-    const bench::Memory before = bench::memoryInUse();
-    EyeTrackingCSV record(QString(), false);
+bench::Memory memoryWithRecording(const std::vector<EyeTrackingSample> &samples) {
+    EyeTrackingCSV recording(QString(), false);
     for (const EyeTrackingSample &sample : samples)
-        record.addSample(sample);
-    result.add(before, bench::memoryInUse(), samples.size());
+        recording.addSample(sample);
+    return bench::memoryInUse();
 }
 
 void measureMemory() {
-    const std::vector<EyeTrackingSample> samples = bench::typicalSamples(samplesInMemory);
+    const std::vector<EyeTrackingSample> samples = bench::typicalSamples(sampleCount);
     BytesPerRow variants;
-    BytesPerRow record;
-    for (int round = 0; round < memoryRounds; ++round) {
-        fillVariants(variants, samples);
-        fillRecord(record, samples);
+    BytesPerRow recording;
+    for (int round = 0; round < memoryRoundCount; ++round) {
+        const bench::Memory empty = bench::memoryInUse();
+        variants.add(empty, memoryWithVariants(samples), variantRowCount);
+        const bench::Memory released = bench::memoryInUse();
+        recording.add(released, memoryWithRecording(samples), sampleCount);
     }
-    std::printf("Memory of a running record (%d rounds)\n%-58s %9s %9s\n", memoryRounds, "bytes per sample", "resident",
-                "malloc");
+    std::printf("Memory of a running recording (%d rounds)\n%-58s %9s %9s\n", memoryRoundCount, "bytes per sample",
+                "resident", "malloc");
     variants.print("baseline: QList<QVariantList>, 100,000 rows");
-    record.print("EyeTrackingCSV, 1,000,000 rows");
-    std::printf("x baseline %.2f\n", bench::medianRatio(record.resident, variants.resident));
+    recording.print("EyeTrackingCSV, 1,000,000 rows");
+    std::printf("x baseline %.2f\n", bench::medianRatio(recording.resident, variants.resident));
 }
 
 std::string contentOf(const QString &path) {
@@ -79,48 +81,48 @@ std::string contentOf(const QString &path) {
     return file.readAll().toStdString();
 }
 
-/// A record and two bare ways of writing its file, into one folder.
+/// Compares saving a recording with two bare writers of the same bytes.
 class Saving {
 public:
     explicit Saving(const QString &folder)
-        : recordPath_(folder + "/record.csv"),
+        : recordingPath_(folder + "/recording.csv"),
           barePath_((folder + "/bare.csv").toStdString()),
-          record_(recordPath_, false),
-          samples_(bench::typicalSamples(savedRows)) {
+          recording_(recordingPath_, false),
+          samples_(bench::typicalSamples(savedRowCount)) {
         for (const EyeTrackingSample &sample : samples_)
-            record_.addSample(sample);
-        record_.saveFile();
-        bytes_ = contentOf(recordPath_);
+            recording_.addSample(sample);
+        recording_.saveFile();
+        bytes_ = contentOf(recordingPath_);
         headerLine_ = bytes_.substr(0, bytes_.find('\n') + 1);
     }
 
-    /// Bare writers of other bytes would make no comparison.
+    /// The comparison is valid only if the writers write the same bytes.
     [[nodiscard]] bool sameBytes() const {
-        bench::writeFormatted(barePath_, headerLine_, samples_);
+        bench::formatAndWrite(barePath_, headerLine_, samples_);
         return contentOf(QString::fromStdString(barePath_)) == bytes_;
     }
 
-    [[nodiscard]] std::size_t bytesPerRow() const { return bytes_.size() / savedRows; }
+    [[nodiscard]] std::size_t bytesPerRow() const { return bytes_.size() / savedRowCount; }
 
-    [[nodiscard]] std::vector<bench::Contender> contenders() {
-        // The files of the round before would be kept, and replacing them takes time of its own.
+    [[nodiscard]] std::vector<bench::Candidate> candidates() {
+        // Without this, each round would also rename or replace the files of the previous round.
         const auto clear = [this] {
-            QFile::remove(recordPath_);
+            QFile::remove(recordingPath_);
             QFile::remove(QString::fromStdString(barePath_));
         };
         return {
-            {"baseline: to_chars into a buffer, write(), no sync", savedRows,
-             [this] { bench::writeFormatted(barePath_, headerLine_, samples_); }, clear},
-            {"baseline: the finished bytes, write(), fsync, rename", savedRows,
-             [this] { bench::writeReadyBytes(barePath_, bytes_); }, clear},
-            {"EyeTrackingCSV::saveFile", savedRows, [this] { record_.saveFile(); }, clear},
+            {"baseline: to_chars into a buffer, write(), no sync", savedRowCount,
+             [this] { bench::formatAndWrite(barePath_, headerLine_, samples_); }, clear},
+            {"baseline: formatted bytes, write(), fsync, rename", savedRowCount,
+             [this] { bench::writeFormattedBytes(barePath_, bytes_); }, clear},
+            {"EyeTrackingCSV::saveFile", savedRowCount, [this] { recording_.saveFile(); }, clear},
         };
     }
 
 private:
-    const QString recordPath_;
+    const QString recordingPath_;
     const std::string barePath_;
-    EyeTrackingCSV record_;
+    EyeTrackingCSV recording_;
     const std::vector<EyeTrackingSample> samples_;
     std::string bytes_;
     std::string headerLine_;
@@ -130,15 +132,15 @@ bool measureSaving(int rounds) {
     const QTemporaryDir folder;
     Saving saving(folder.path());
     if (!saving.sameBytes()) {
-        std::fprintf(stderr, "the bare writer writes other bytes than the record\n");
+        std::fprintf(stderr, "the bare writer and the recording write different bytes\n");
         return false;
     }
-    const std::vector<bench::Measurement> results = bench::interleave(saving.contenders(), rounds);
-    bench::print("Saving " + std::to_string(savedRows) + " rows of " + std::to_string(saving.bytesPerRow()) +
+    const std::vector<bench::Measurement> results = bench::interleave(saving.candidates(), rounds);
+    bench::print("Saving " + std::to_string(savedRowCount) + " rows of " + std::to_string(saving.bytesPerRow()) +
                      " bytes in " + folder.path().toStdString(),
                  results);
     const std::vector<double> &saved = results.back().nanoseconds;
-    std::printf("speed of saveFile: %.2f of the formatting writer, %.2f of the writer of finished bytes\n",
+    std::printf("speed of saveFile: %.2f of the writer that formats, %.2f of the writer of formatted bytes\n",
                 1 / bench::medianRatio(saved, results[0].nanoseconds),
                 1 / bench::medianRatio(saved, results[1].nanoseconds));
     return true;
@@ -148,7 +150,7 @@ bool measureSaving(int rounds) {
 
 int main(int argc, char *argv[]) {
     const QCoreApplication application(argc, argv);
-    const int rounds = bench::roundsFrom(argc, argv, 11);
+    const int rounds = bench::roundsFrom(argc, argv, defaultRoundCount);
     measureMemory();
     return measureSaving(rounds) ? 0 : 1;
 }

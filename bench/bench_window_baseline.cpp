@@ -1,5 +1,7 @@
-// The least that a Qt program needs to show a window: what Ocela's start is compared with. With an argument it has a
-// timer of so many milliseconds, too, which does nothing.
+// A minimal Qt program with a window. It is the baseline for the start of Ocela.
+//
+// usage: bench_window_baseline [INTERVAL]
+// With an interval in ms, it also has a timer that does nothing.
 
 #include <QApplication>
 #include <QMainWindow>

@@ -1,5 +1,4 @@
-# Makes what the program's resources need besides the files in resources/: bitmaps rendered from our SVG
-# drawings, the JetBrains Mono fonts of the Debian package, and the compiled translations.
+# Functions that generate resources: bitmaps from SVG files, copies of the JetBrains Mono fonts, and compiled translations.
 
 find_program(RSVG_CONVERT rsvg-convert REQUIRED)
 set(OCELA_FONT_DIR /usr/share/fonts/truetype/jetbrains-mono CACHE PATH "Folder of the JetBrains Mono fonts")
@@ -16,7 +15,7 @@ endfunction()
 # ocela_stage(<file> <copy>): copies a file at build time.
 function(ocela_stage file copy)
   if(NOT EXISTS ${file})
-    message(FATAL_ERROR "${file} is missing; see packaging/linux/debian-packages.txt")
+    message(FATAL_ERROR "${file} is missing; see tools/packages/build.txt")
   endif()
   get_filename_component(folder ${copy} DIRECTORY)
   file(MAKE_DIRECTORY ${folder})

@@ -1,11 +1,16 @@
-# Warnings, sanitizers and Qt defines that every target of this project shares.
+# Warnings, sanitizers and Qt defines of every target in this project, and the compiler cache.
+
+find_program(CCACHE ccache)
+if(CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
 
 set(OCELA_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undefined or thread")
 
 add_library(ocela_options INTERFACE)
 target_include_directories(ocela_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(ocela_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
-# Clang counts changes of sign to the conversions, and warns of Qt's variadic logging macros with one argument.
+# Clang's -Wconversion includes sign conversions, and its -Wpedantic rejects Qt's logging macros with one argument.
 target_compile_options(ocela_options INTERFACE
   $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion -Wno-gnu-zero-variadic-macro-arguments>)
 target_compile_definitions(ocela_options INTERFACE

@@ -1,30 +1,52 @@
-# What the commands in this folder share; sourced, never run.
+# shellcheck shell=bash
+# Functions that the scripts share. Sourced, never run.
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root" || exit 1
 
+apt_lock_timeout_s=300
+
 say() { printf '%s\n' "$*" >&2; }
 
-# missing_packages LIST ...
+# missing_packages FILE ...: prints the packages in the lists that are not installed.
 missing_packages() {
     local package
-    grep -hv '^#' "$@" | while read -r package; do
+    grep -hv '^#' "$@" | sort -u | while read -r package; do
         dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null | grep -qx installed || echo "$package"
     done
 }
 
-# ensure_packages [LIST ...]: installs what is missing of the lists; of the Linux program's unless some are named.
-ensure_packages() {
-    local missing sudo=()
-    [ $# -gt 0 ] || set -- packaging/linux/debian-packages.txt
-    command -v apt-get >/dev/null || { say "No apt-get here: install the packages of $* by hand."; return; }
-    missing=$(missing_packages "$@")
-    [ -n "$missing" ] || return 0
+apt_get() {
+    local sudo=()
     [ "$(id -u)" = 0 ] || sudo=(sudo)
-    # shellcheck disable=SC2086  # one word a package is wanted
-    say "Installing:" $missing
-    "${sudo[@]}" apt-get update -q >&2
-    # shellcheck disable=SC2086  # one word a package is wanted
-    "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends $missing >&2
+    "${sudo[@]}" env LC_ALL=C DEBIAN_FRONTEND=noninteractive \
+        apt-get -q -o DPkg::Lock::Timeout=$apt_lock_timeout_s "$@"
+}
+
+# Retries while another process holds the lock of the package lists. DPkg::Lock::Timeout does not cover that lock.
+update_package_lists() {
+    local output deadline=$((SECONDS + apt_lock_timeout_s))
+    until output=$(apt_get update 2>&1); do
+        if [[ $output != *"Could not get lock"* ]] || [ $SECONDS -ge $deadline ]; then
+            say "$output"
+            return 1
+        fi
+        sleep 1
+    done
+}
+
+# ensure_packages LIST ...: installs the missing packages of tools/packages/LIST.txt.
+ensure_packages() {
+    local lists=("${@/#/tools/packages/}") missing
+    lists=("${lists[@]/%/.txt}")
+    if ! command -v apt-get >/dev/null; then
+        say "apt-get is not available. Install the packages of ${lists[*]} by hand."
+        return
+    fi
+    mapfile -t missing < <(missing_packages "${lists[@]}")
+    [ ${#missing[@]} -gt 0 ] || return 0
+    say "Installing: ${missing[*]}"
+    update_package_lists
+    apt_get install -y --no-install-recommends "${missing[@]}" >&2
 }
 
 # build PRESET [TARGET ...]

@@ -1,15 +1,15 @@
-// The entry points that paced_library.cpp leaves out. They do nothing, and successfully; where both files define one,
-// the linker takes the other.
+// Weak definitions of all entry points. They do nothing and return success. The definitions in paced_library.cpp
+// replace them.
 
-#include "trackers/eyetech/quicklink2.h"
+#include "trackers/eyetech/sdk/quicklink2.h"
 
 template <typename... Arguments>
-static int nothing(Arguments... /*arguments*/) {
+static int success(Arguments... /*arguments*/) {
     return 0;
 }
 
 #define OCELA_EXPORT(name, parameters, arguments)          \
     extern "C" __attribute__((weak)) int name parameters { \
-        return nothing arguments;                          \
+        return success arguments;                          \
     }
 OCELA_QUICKLINK2_FUNCTIONS(OCELA_EXPORT)

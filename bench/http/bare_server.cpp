@@ -1,7 +1,7 @@
-// The floor under any HTTP server on this machine: blocking sockets, one thread a connection, answers that lie ready.
-// Of a request it reads the path, and whether the connection is to be closed, and nothing else.
+// The baseline for HTTP servers on this machine: blocking sockets, one thread per connection, prepared responses. Reads
+// only the path of a request and "Connection: close".
 //
-// usage: bare_server PORT PATH=FILE ...      FILE holds the whole answer, headers included
+// usage: bare_server PORT PATH=FILE ...      FILE contains the whole response, including the headers
 
 #include <arpa/inet.h>
 #include <array>
@@ -19,20 +19,20 @@
 
 namespace {
 
-using Answers = std::map<std::string, std::string, std::less<>>;
+using Responses = std::map<std::string, std::string, std::less<>>;
 
 constexpr int backlog = 1024;
-constexpr std::string_view endOfHead = "\r\n\r\n";
+constexpr std::string_view endOfHeader = "\r\n\r\n";
 
-Answers answersFrom(char **begin, char **end) {
-    Answers answers;
+Responses responsesFrom(char **begin, char **end) {
+    Responses responses;
     for (char **argument = begin; argument != end; ++argument) {
         const std::string text = *argument;
         const std::size_t equals = text.find('=');
         std::ifstream file(text.substr(equals + 1), std::ios::binary);
-        answers[text.substr(0, equals)] = {std::istreambuf_iterator<char>(file), {}};
+        responses[text.substr(0, equals)] = {std::istreambuf_iterator<char>(file), {}};
     }
-    return answers;
+    return responses;
 }
 
 bool sendAll(int socket, std::string_view bytes) {
@@ -45,15 +45,15 @@ bool sendAll(int socket, std::string_view bytes) {
     return true;
 }
 
-/// Whether another request may follow.
-bool answer(int socket, std::string_view request, const Answers &answers) {
+/// Returns whether the connection stays open.
+bool respond(int socket, std::string_view request, const Responses &responses) {
     const std::size_t path = request.find(' ') + 1;
-    const auto found = answers.find(request.substr(path, request.find(' ', path) - path));
-    return found != answers.end() && sendAll(socket, found->second) &&
+    const auto found = responses.find(request.substr(path, request.find(' ', path) - path));
+    return found != responses.end() && sendAll(socket, found->second) &&
            request.find("Connection: close") == std::string_view::npos;
 }
 
-void serve(int socket, const Answers &answers) {
+void serve(int socket, const Responses &responses) {
     std::array<char, 8192> buffer{};
     std::string received;
     bool open = true;
@@ -62,11 +62,11 @@ void serve(int socket, const Answers &answers) {
         if (size <= 0)
             break;
         received.append(buffer.data(), static_cast<std::size_t>(size));
-        const std::size_t end = received.find(endOfHead);
+        const std::size_t end = received.find(endOfHeader);
         if (end == std::string::npos)
             continue;
-        open = answer(socket, std::string_view(received).substr(0, end), answers);
-        received.erase(0, end + endOfHead.size());
+        open = respond(socket, std::string_view(received).substr(0, end), responses);
+        received.erase(0, end + endOfHeader.size());
     }
     close(socket);
 }
@@ -74,7 +74,7 @@ void serve(int socket, const Answers &answers) {
 int listenOn(int port) {
     const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0), on = 1;
     setsockopt(listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-    setsockopt(listener, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);  // what it accepts inherits it
+    setsockopt(listener, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);  // inherited by accepted sockets
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(static_cast<std::uint16_t>(port));
@@ -94,11 +94,11 @@ int main(int argc, char **argv) {
         std::fprintf(stderr, "usage: bare_server PORT PATH=FILE ...\n");
         return 2;
     }
-    const Answers answers = answersFrom(argv + 2, argv + argc);
+    const Responses responses = responsesFrom(argv + 2, argv + argc);
     const int listener = listenOn(std::atoi(argv[1]));
     while (true) {
         const int socket = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
         if (socket >= 0)
-            std::thread(serve, socket, std::cref(answers)).detach();
+            std::thread(serve, socket, std::cref(responses)).detach();
     }
 }

@@ -1,12 +1,14 @@
-// The control API without the rest of the program: what bench_http measures.
+// The control API without the rest of the program, for bench_http.
 //
-// usage: bench_http_server                the tracker is a made-up one of 250 Hz, its window always full
-//        bench_http_server --gazepoint    the real back-end; prints a line for each sample: the monotonic clock's
-//                                         nanoseconds, both pupils in mm and the left eye's point in percent
+// usage: bench_http_server [--gazepoint]
+// By default, it has a fake tracker of 250 Hz with a full sample window. With --gazepoint, it uses the GazePoint
+// back-end and prints a line for each sample: the monotonic clock in nanoseconds, both pupil diameters in mm, and the
+// gaze point of the left eye in percent.
 
 #include "api/ocela_http_exchange.h"
+#include "support/bare_tracker.h"
 #include "support/typical_samples.h"
-#include "trackers/gazepoint/gaze_point.h"
+#include "trackers/gazepoint/gazepoint_tracker.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -18,20 +20,17 @@
 namespace {
 
 constexpr qint64 periodMs = 4;
-constexpr qint64 windowSamples = EyetrackerInterface::sampleWindowMs / periodMs;
+constexpr qint64 windowSampleCount = EyetrackerInterface::sampleWindowMs / periodMs;
 
-/// Delivers typical samples at an even rate whatever the load: those that are late come together.
-class SteadyTracker : public EyetrackerInterface {
+/// Delivers typical samples at a constant average rate. Samples that are late because of the load are delivered
+/// together.
+class SteadyTracker : public BareTracker {
 public:
-    SteadyTracker() : EyetrackerInterface(QString(), nullptr), samples_(bench::typicalSamples(windowSamples)) {
+    SteadyTracker() {
         nextMs_ = QDateTime::currentMSecsSinceEpoch() - EyetrackerInterface::sampleWindowMs;
         timer_.setTimerType(Qt::PreciseTimer);
         connect(&timer_, &QTimer::timeout, this, &SteadyTracker::deliver);
     }
-
-    [[nodiscard]] QString name() const override { return QStringLiteral("steady"); }
-    [[nodiscard]] VTSettings *settings() override { return nullptr; }
-    [[nodiscard]] QWidget *createViewWidget() override { return nullptr; }
 
     bool start() override {
         deliver();
@@ -39,8 +38,6 @@ public:
         return true;
     }
     void stop() override { timer_.stop(); }
-    void calibrate(QRect /*area*/) override {}
-    void stopCalibration() override {}
 
 private:
     void deliver() {
@@ -51,7 +48,7 @@ private:
         }
     }
 
-    const std::vector<EyeTrackingSample> samples_;
+    const std::vector<EyeTrackingSample> samples_ = bench::typicalSamples(windowSampleCount);
     std::size_t count_ = 0;
     qint64 nextMs_ = 0;
     QTimer timer_;

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// One for all clients: none keeps the bytes of a body.
+/// Shared by all clients, because no client keeps the body.
 std::array<char, 1 << 18> buffer;
 
 }  // namespace
@@ -20,18 +20,18 @@ bench::Client::~Client() {
 }
 
 void bench::Client::start() {
-    asked_ = Clock::now();
+    requestTime_ = Clock::now();
     socket_ = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
     const int on = 1;
     setsockopt(socket_, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     connecting_ = true;
     epoll_event event{EPOLLOUT, {this}};
     epoll_ctl(load_.epoll, EPOLL_CTL_ADD, socket_, &event);
-    // A refusal shows as an event, as the end of a connection does.
+    // A failure is reported as an event.
     (void)connect(socket_, reinterpret_cast<const sockaddr *>(&load_.server), sizeof load_.server);
 }
 
-void bench::Client::startAgain() {
+void bench::Client::restart() {
     close(socket_);
     start();
 }
@@ -42,15 +42,15 @@ void bench::Client::onEvent() {
     connecting_ = false;
     epoll_event event{EPOLLIN, {this}};
     epoll_ctl(load_.epoll, EPOLL_CTL_MOD, socket_, &event);
-    ask();
+    sendRequest();
 }
 
-void bench::Client::ask() {
+void bench::Client::sendRequest() {
     if (load_.keepAlive)
-        asked_ = Clock::now();
-    answer_ = Answer();
-    state_ = Answer::State::Incomplete;
-    // So short a request finds room whenever the connection stands.
+        requestTime_ = Clock::now();
+    response_ = ResponseParser();
+    state_ = ResponseParser::State::Incomplete;
+    // A request this short always fits into the send buffer of an idle connection.
     if (send(socket_, load_.request.data(), load_.request.size(), MSG_NOSIGNAL) < 0)
         fail();
 }
@@ -61,19 +61,19 @@ void bench::Client::read() {
         return take({buffer.data(), static_cast<std::size_t>(size)});
     if (size < 0 && errno == EAGAIN)
         return;
-    if (size < 0 || load_.keepAlive || state_ != Answer::State::Complete)
+    if (size < 0 || load_.keepAlive || state_ != ResponseParser::State::Complete)
         return fail();
     finish();
-    startAgain();
+    restart();
 }
 
 void bench::Client::take(std::string_view bytes) {
-    state_ = state_ == Answer::State::Incomplete ? answer_.feed(bytes) : Answer::State::Broken;
-    if (state_ == Answer::State::Broken)
+    state_ = state_ == ResponseParser::State::Incomplete ? response_.feed(bytes) : ResponseParser::State::Broken;
+    if (state_ == ResponseParser::State::Broken)
         return fail();
-    if (state_ == Answer::State::Complete && load_.keepAlive) {
+    if (state_ == ResponseParser::State::Complete && load_.keepAlive) {
         finish();
-        ask();
+        sendRequest();
     }
 }
 
@@ -83,9 +83,9 @@ void bench::Client::finish() {
 
 void bench::Client::fail() {
     ++errors_;
-    startAgain();
+    restart();
 }
 
 float bench::Client::waitedMicroseconds() const {
-    return std::chrono::duration<float, std::micro>(Clock::now() - asked_).count();
+    return std::chrono::duration<float, std::micro>(Clock::now() - requestTime_).count();
 }

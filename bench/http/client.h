@@ -1,6 +1,6 @@
 #pragma once
 
-#include "http/answer.h"
+#include "http/response_parser.h"
 
 #include <chrono>
 #include <netinet/in.h>
@@ -11,7 +11,7 @@ namespace bench {
 
 using Clock = std::chrono::steady_clock;
 
-/// What all clients of a run do.
+/// The parameters of all clients of a run.
 struct Load {
     sockaddr_in server;
     std::string request;
@@ -19,12 +19,12 @@ struct Load {
     int epoll;
 };
 
-/// One client that asks, waits for the answer and asks again, until the program ends. It never blocks: the loop over
-/// `Load::epoll`, whose events carry the client's address, calls it. With a new connection for each request the answer
-/// counts when the server has closed.
+/// A client that sends a request, waits for the response, and repeats. It never blocks: events of `Load::epoll` carry
+/// the client's address, and the event loop calls onEvent(). With a new connection for each request, a response is
+/// complete when the server has closed the connection.
 class Client {
 public:
-    /// `load` outlives the client.
+    /// `load` must outlive the client.
     explicit Client(const Load &load) : load_(load) {}
     Client(const Client &) = delete;
     Client &operator=(const Client &) = delete;
@@ -35,12 +35,12 @@ public:
 
     [[nodiscard]] const std::vector<float> &microseconds() const { return microseconds_; }
     [[nodiscard]] int errors() const { return errors_; }
-    /// How long the present request has waited already.
+    /// Returns the time since the current request was sent.
     [[nodiscard]] float waitedMicroseconds() const;
 
 private:
-    void startAgain();
-    void ask();
+    void restart();
+    void sendRequest();
     void read();
     void take(std::string_view bytes);
     void finish();
@@ -49,9 +49,9 @@ private:
     const Load &load_;
     int socket_ = -1;
     bool connecting_ = false;
-    Answer answer_;
-    Answer::State state_ = Answer::State::Incomplete;
-    Clock::time_point asked_;
+    ResponseParser response_;
+    ResponseParser::State state_ = ResponseParser::State::Incomplete;
+    Clock::time_point requestTime_;
     std::vector<float> microseconds_;
     int errors_ = 0;
 };

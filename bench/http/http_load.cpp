@@ -1,5 +1,5 @@
-// Keeps an HTTP server on this machine busy with a number of clients at a time, and prints what they saw as one line
-// of JSON. One thread serves all clients, so that the server has the other core.
+// Sends requests to an HTTP server on this machine with several clients at a time, and prints their results as one line
+// of JSON. One thread runs all clients, so that the other cores are free for the server.
 //
 // usage: http_load PORT PATH CLIENTS SECONDS keep|new
 
@@ -19,7 +19,7 @@ using bench::Load;
 
 namespace {
 
-constexpr int pollMs = 20;  ///< how late the end is seen when nothing arrives
+constexpr int pollMs = 20;  ///< the maximum time between two checks for the end
 
 using Clients = std::vector<std::unique_ptr<Client>>;
 
@@ -35,7 +35,7 @@ Load loadFrom(char **argv) {
     return load;
 }
 
-/// Returns the seconds that it took.
+/// Runs the clients for `seconds`, and returns the elapsed seconds.
 double run(const Load &load, const Clients &clients, double seconds) {
     const auto begin = Clock::now();
     const auto elapsed = [begin] { return std::chrono::duration<double>(Clock::now() - begin).count(); };
@@ -56,24 +56,24 @@ float quantile(const std::vector<float> &sorted, double part) {
 
 void print(const Clients &clients, double seconds) {
     std::vector<float> times;
-    std::vector<std::size_t> answers;
+    std::vector<std::size_t> counts;
     float longest = 0;
     int errors = 0;
     for (const auto &client : clients) {
         times.insert(times.end(), client->microseconds().begin(), client->microseconds().end());
-        answers.push_back(client->microseconds().size());
-        longest = std::max(longest, client->waitedMicroseconds());  // who waits still has waited, too
+        counts.push_back(client->microseconds().size());
+        longest = std::max(longest, client->waitedMicroseconds());  // includes pending requests
         errors += client->errors();
     }
     std::sort(times.begin(), times.end());
-    const auto [fewest, most] = std::minmax_element(answers.begin(), answers.end());
-    const auto unserved = std::count(answers.begin(), answers.end(), 0U);
+    const auto [minCount, maxCount] = std::minmax_element(counts.begin(), counts.end());
+    const auto unserved = std::count(counts.begin(), counts.end(), 0U);
     std::printf(R"({"requests": %zu, "seconds": %.4f, "p50_us": %.1f, "p99_us": %.1f, "max_us": %.1f, )", times.size(),
                 seconds, static_cast<double>(quantile(times, 0.5)), static_cast<double>(quantile(times, 0.99)),
                 static_cast<double>(std::max(longest, quantile(times, 1))));
-    std::printf(R"("clients": %zu, "served": %zu, "fewest": %zu, "most": %zu, "errors": %d})"
+    std::printf(R"("served": %zu, "min_responses": %zu, "max_responses": %zu, "errors": %d})"
                 "\n",
-                clients.size(), clients.size() - static_cast<std::size_t>(unserved), *fewest, *most, errors);
+                clients.size() - static_cast<std::size_t>(unserved), *minCount, *maxCount, errors);
 }
 
 }  // namespace

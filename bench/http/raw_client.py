@@ -1,17 +1,17 @@
-"""A client of the HTTP service that can misbehave: sockets and bytes, nothing that repairs what a caller asks for."""
+"""An HTTP client that sends the given bytes unchanged, so that it can send invalid requests."""
 
 import socket
 import struct
 
 PORT = 3735
-PATIENCE = 20  # s
+TIMEOUT = 20  # s
 
 
 def connect(receive_buffer=None):
     connection = socket.socket()
     if receive_buffer:
         connection.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, receive_buffer)
-    connection.settimeout(PATIENCE)
+    connection.settimeout(TIMEOUT)
     connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
     connection.connect(("127.0.0.1", PORT))
     return connection
@@ -21,8 +21,8 @@ def head(path, *headers, method="GET"):
     return "\r\n".join([f"{method} {path} HTTP/1.1", "Host: localhost", *headers, "", ""]).encode()
 
 
-def asking(*arguments, receive_buffer=None, **more):
-    """A connection on which this request was sent."""
+def request(*arguments, receive_buffer=None, **more):
+    """Sends a request on a new connection, and returns the connection."""
     connection = connect(receive_buffer)
     connection.sendall(head(*arguments, **more))
     return connection
@@ -39,8 +39,8 @@ def read_to_end(connection):
     return received
 
 
-def read_answer(connection):
-    """Of a connection that stays open; the answer is known to be small."""
+def read_response(connection):
+    """Reads one response with a content length, and leaves the connection open."""
     received = b""
     while b"\r\n\r\n" not in received:
         received += receive(connection)
@@ -54,17 +54,17 @@ def read_answer(connection):
 def receive(connection):
     data = connection.recv(65536)
     if not data:
-        raise ConnectionError("the server has closed")
+        raise ConnectionError("the server has closed the connection")
     return data
 
 
 def get(path):
-    """The whole answer on a connection of its own."""
-    return read_to_end(asking(path, "Connection: close"))
+    """Sends a request on a new connection, and returns the whole response."""
+    return read_to_end(request(path, "Connection: close"))
 
 
-def send_as_far_as_taken(connection, data):
-    """For more than the server wants: it may end the connection on the way."""
+def send_until_closed(connection, data):
+    """Sends data. The server may close the connection before it has read all of it."""
     try:
         connection.sendall(data)
     except (BrokenPipeError, ConnectionResetError):
@@ -72,6 +72,6 @@ def send_as_far_as_taken(connection, data):
 
 
 def reset(connection):
-    """Ends without a goodbye, as a client that crashes on another machine."""
+    """Closes the connection with a TCP reset."""
     connection.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
     connection.close()

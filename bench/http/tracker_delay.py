@@ -1,9 +1,9 @@
-"""How long a sample takes from the tracker's measurement to `newSample`, while the server is kept busy.
+"""Measures the delay from the tracker's measurement to `newSample` while the server is busy.
 
-The samples do not tell when they were measured, but the simulator tells every client that asks: TIME_TICK is this
-machine's monotonic clock. A bare client beside the back-end asks for it, and its records are matched with the samples
-by their values. The delay includes the simulator's own lateness; how long the same record took to the bare client
-stands beside it as the baseline.
+Samples do not contain the time of their measurement. The simulator sends it as TIME_TICK, in the time of this machine's
+monotonic clock. A minimal client receives the same records as the back-end, and matches them with the samples by their
+values. The delay includes the lateness of the simulator. The delay of the same records to the minimal client is the
+baseline.
 """
 
 import re
@@ -18,12 +18,12 @@ RECORD = re.compile(rb'<REC TIME_TICK="(\d+)" LPOGX="([^"]+)" LPOGY="([^"]+)".* 
 
 
 def key(left_mm, right_mm, x, y):
-    """As bench_http_server prints a sample: the wire has fractions where samples have percent."""
+    """Returns the values as bench_http_server prints them: in percent, while records have fractions."""
     return f"{float(left_mm):.5f} {float(right_mm):.5f} {100 * float(x):.3f} {100 * float(y):.3f}"
 
 
-class BareClient(threading.Thread):
-    """Notes of every record when it was measured and when it arrived here, in nanoseconds of the monotonic clock."""
+class MinimalClient(threading.Thread):
+    """Stores the times of measurement and arrival of each record, in nanoseconds of the monotonic clock."""
 
     def __init__(self):
         super().__init__(daemon=True)
@@ -42,20 +42,20 @@ class BareClient(threading.Thread):
 
 
 def delays_ms(records, samples):
-    """Of the samples, and of the same records to the bare client. Values that occur twice, as in a blink, tell nothing
-    and are left out."""
+    """Returns the delays of the samples, and of the same records to the minimal client. Omits records whose values are
+    not unique, for example during a blink."""
     times = {}
     for name, measured, arrived in records:
         times[name] = None if name in times else (measured, arrived)
-    own, bare = [], []
+    own, baseline = [], []
     for arrived, name in samples:
         if times.get(name):
             own.append((arrived - times[name][0]) / 1e6)
-            bare.append((times[name][1] - times[name][0]) / 1e6)
-    return own, bare
+            baseline.append((times[name][1] - times[name][0]) / 1e6)
+    return own, baseline
 
 
 def samples_of(output):
-    """(arrived, key) of each finished line of the server's output."""
+    """Returns (arrived, key) for each complete line of the server's output."""
     lines = output.read_text().split("\n")[:-1]
     return [(int(arrived), name) for arrived, _, name in (line.partition(" ") for line in lines)]

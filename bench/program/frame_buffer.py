@@ -1,11 +1,11 @@
-"""The virtual screen's pixels, read from the file that Xvfb keeps them in."""
+"""Reads the pixels of the virtual screen from the frame buffer file of Xvfb."""
 
 import mmap
 import pathlib
 import struct
 
 # The header of the XWD file format: big-endian 32-bit words.
-HEADER_SIZE, WIDTH, HEIGHT, BYTES_PER_LINE, COLOURS = 0, 4, 5, 12, 19
+HEADER_SIZE, HEIGHT, BYTES_PER_LINE, COLOURS = 0, 5, 12, 19
 COLOUR_BYTES = 12
 
 
@@ -19,7 +19,7 @@ class FrameBuffer:
         self._height = words[HEIGHT]
 
     def lines(self, first, last, begin=0, end=None):
-        """The screen's lines from `first` to before `last`, each cut to its bytes from `begin` to `end`."""
+        """Returns the lines from `first` to before `last`, each with its bytes from `begin` to before `end`."""
         starts = [self._pixels + line * self._line for line in range(first, last)]
         return [self._bytes[start + begin:start + (self._line if end is None else end)] for start in starts]
 
@@ -28,7 +28,7 @@ class FrameBuffer:
 
 
 class Region:
-    """The smallest rectangle that holds every difference of two pictures of the whole screen."""
+    """The bounding rectangle of the differences between two pictures of the screen."""
 
     def __init__(self, buffer, one, other):
         self._buffer = buffer

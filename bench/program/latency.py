@@ -1,8 +1,7 @@
-"""How long a sample takes from the server's send() to the pixels of the virtual screen.
+"""Measures the time from the server's send() until the pixels of the virtual screen change.
 
-A small server sends records whose values change every time, at the full rate, so that the program has its
-usual work. One flag among them stays as it is until the measurement turns it over; the time runs until the
-screen shows the flag's new text.
+A small server sends records at the full rate. Their values change every time, so that the program has its normal load.
+Only one flag is constant. A measurement toggles it, and ends when the pixels of its text change.
 """
 
 import multiprocessing
@@ -13,8 +12,8 @@ import time
 from frame_buffer import Region
 
 PORT = 4242
-SETTLE = 1  # s
-LIMIT = 5     # s
+SETTLE_S = 1
+TIMEOUT_S = 5
 
 
 def record(valid, still):
@@ -26,13 +25,13 @@ def record(valid, still):
 
 
 class Server:
-    """Runs in a process of its own, for one client."""
+    """A server for one client, in a separate process."""
 
-    def __init__(self, rate):
+    def __init__(self, rate_hz):
         self.valid = multiprocessing.Value("i", 0)
         self.still = multiprocessing.Value("i", 1)
-        self.sent = multiprocessing.Value("d", 0)  # when the flag's present state was first sent
-        self._rate = rate
+        self.sent = multiprocessing.Value("d", 0)  # when the current state of the flag was first sent
+        self._rate_hz = rate_hz
         self._listener = socket.create_server(("127.0.0.1", PORT))
         self._process = multiprocessing.Process(target=self._serve, daemon=True)
 
@@ -45,7 +44,7 @@ class Server:
         self._process.join()
         self._listener.close()
 
-    def turn_over(self):
+    def toggle_flag(self):
         self.valid.value = 1 - self.valid.value
 
     def _serve(self):
@@ -59,7 +58,7 @@ class Server:
             if valid != shown:
                 shown, self.sent.value = valid, time.monotonic()
             client.sendall(record(valid, self.still.value))
-            due += 1 / self._rate
+            due += 1 / self._rate_hz
             time.sleep(max(0, due - time.monotonic()))
 
     @staticmethod
@@ -67,27 +66,27 @@ class Server:
         try:
             if b"SCREEN_SIZE" in client.recv(65536, socket.MSG_DONTWAIT):
                 client.sendall(b'<ACK ID="SCREEN_SIZE" X="0" Y="0" WIDTH="1920" HEIGHT="1080" />\r\n')
-                time.sleep(0.05)  # what follows at once would be read with it
+                time.sleep(0.05)  # otherwise the client reads the first record together with the answer
         except BlockingIOError:
             pass
 
 
-def region_of_the_flag(server, buffer):
-    time.sleep(SETTLE)
+def flag_region(server, buffer):
+    time.sleep(SETTLE_S)
     before = buffer.whole()
-    server.turn_over()
-    time.sleep(SETTLE)
+    server.toggle_flag()
+    time.sleep(SETTLE_S)
     return Region(buffer, before, buffer.whole())
 
 
 def seconds_to_screen(server, region):
     before = region.picture()
     earlier = server.sent.value
-    server.turn_over()
-    deadline = time.monotonic() + LIMIT
+    server.toggle_flag()
+    deadline = time.monotonic() + TIMEOUT_S
     while region.picture() == before:
         if time.monotonic() > deadline:
-            raise SystemExit(f"a change did not reach the screen within {LIMIT} s")
+            raise SystemExit(f"a change did not reach the screen within {TIMEOUT_S} s")
     seen = time.monotonic()
     while server.sent.value == earlier:
         pass
@@ -95,10 +94,10 @@ def seconds_to_screen(server, region):
 
 
 def latencies(server, buffer, count):
-    """Of `count` samples, spread evenly over the time between two records and two frames."""
-    region = region_of_the_flag(server, buffer)
+    """Returns the latencies of `count` samples at random times relative to records and frames."""
+    region = flag_region(server, buffer)
     server.still.value = 0
-    time.sleep(SETTLE)
+    time.sleep(SETTLE_S)
     results = []
     for _ in range(count):
         time.sleep(random.uniform(0.05, 0.15))

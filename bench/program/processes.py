@@ -1,4 +1,4 @@
-"""Starting the programs that are measured, and reading what they used."""
+"""Starts the measured programs and reads their resource usage."""
 
 import contextlib
 import os
@@ -8,33 +8,28 @@ import subprocess
 import sys
 import time
 
+ROOT = pathlib.Path(__file__).resolve().parents[2]
 TICKS_PER_SECOND = os.sysconf("SC_CLK_TCK")
 PAGE_BYTES = os.sysconf("SC_PAGE_SIZE")
 SLICE_SECONDS = 0.05
 
 
 def inside_own_namespaces(script, arguments):
-    """Runs `script` again where it has the tracker's fixed port, the list of processes and the displays to
-    itself: a second Ocela on this machine, or a second simulator, would end or falsify the run."""
-    prepare = "mkdir -p /tmp/.X11-unix && mount -t tmpfs tmpfs /tmp/.X11-unix && ip link set lo up"
-    return subprocess.call(
-        ["unshare", "--map-root-user", "--net", "--pid", "--fork", "--kill-child", "--mount", "--mount-proc",
-         "sh", "-c", prepare + ' && exec "$@"', "sh", sys.executable, script, *arguments],
-        env=dict(os.environ, OCELA_BENCH_ISOLATED="1"))
+    """Runs `script` again in isolation, because another Ocela or simulator on this machine would stop or distort the
+    run."""
+    return subprocess.call([ROOT / "tools/isolated", sys.executable, script, *arguments],
+                           env=dict(os.environ, OCELA_BENCH_ISOLATED="1"))
 
 
 def private_profile(folder):
-    """An environment without the person's own settings and records."""
+    """Returns an environment without the settings and record files of the user."""
     environment = {key: os.environ[key] for key in ("PATH", "LD_LIBRARY_PATH") if key in os.environ}
-    environment.update(HOME=folder, LANG="C.UTF-8", QT_QPA_PLATFORM="xcb")
-    for name in ("CONFIG", "DATA", "CACHE"):
-        environment[f"XDG_{name}_HOME"] = f"{folder}/{name.lower()}"
-    environment["XDG_RUNTIME_DIR"] = folder
+    environment.update(HOME=folder, XDG_RUNTIME_DIR=folder, LANG="C.UTF-8", QT_QPA_PLATFORM="xcb")
     return environment
 
 
 class Program:
-    """A started process; ends with the `with` block."""
+    """A process that is terminated at the end of the `with` block."""
 
     def __init__(self, command, environment, pass_fds=(), output=subprocess.DEVNULL):
         self.begin = time.monotonic()
@@ -53,28 +48,28 @@ class Program:
             self._process.send_signal(signal.SIGTERM)
         self._process.wait()
 
-    def exit_code(self, limit):
-        """Waits for its end; None if it has not ended within `limit` seconds."""
+    def exit_code(self, timeout_s):
+        """Waits until the process exits. Returns None after `timeout_s`."""
         try:
-            return self._process.wait(limit)
+            return self._process.wait(timeout_s)
         except subprocess.TimeoutExpired:
             return None
 
     def require_running(self):
         if self._process.poll() is not None:
-            raise SystemExit(f"{self._process.args[0]} ended with {self._process.returncode}")
+            raise SystemExit(f"{self._process.args[0]} exited with {self._process.returncode}")
 
     def cpu_seconds(self):
         fields = (self._proc / "stat").read_text().rpartition(")")[2].split()
         return (int(fields[11]) + int(fields[12])) / TICKS_PER_SECOND
 
     def main_thread_cpu_seconds(self):
-        """Of the GUI thread alone, to the nanosecond where cpu_seconds() knows ticks."""
+        """Returns the CPU time of the main thread. Its resolution is 1 ns, unlike the clock ticks of cpu_seconds()."""
         return int((self._proc / "schedstat").read_text().split()[0]) / 1e9
 
     def seconds_until_idle(self):
-        """How much longer the GUI thread stays busy: until the first slice in which it works for less than a
-        tenth of it."""
+        """Waits for the first slice in which the main thread works for less than a tenth of the time. Returns the
+        seconds until that slice."""
         begin = time.monotonic()
         cpu = self.main_thread_cpu_seconds()
         while True:
@@ -91,7 +86,7 @@ class Program:
         return len(os.listdir(self._proc / "task"))
 
     def open_files(self):
-        """What its descriptors stand for; those that are closed meanwhile are left out."""
+        """Returns the targets of the open file descriptors. Skips descriptors that are closed during the call."""
         names = []
         for link in (self._proc / "fd").iterdir():
             with contextlib.suppress(FileNotFoundError):
@@ -99,13 +94,13 @@ class Program:
         return names
 
     def bytes_read(self):
-        """By read(): the tracker's socket, but not the X server's."""
+        """Returns the bytes read by read(). They include the tracker's socket, but not the connection to the X
+        server."""
         return int((self._proc / "io").read_text().split()[1])
 
 
 class VirtualScreen(Program):
-    """An X server without a screen, on the first display that is free; `name` tells which. The pixels are in a
-    file in `folder`."""
+    """Xvfb on the first free display, which is `name`. The frame buffer is a file in `folder`."""
 
     def __init__(self, folder):
         read, write = os.pipe()

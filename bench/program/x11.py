@@ -1,4 +1,4 @@
-"""The little of Xlib that the benchmarks need: when which window came onto the screen, and asking it to close."""
+"""The parts of Xlib that the benchmarks need: waiting for a window to be mapped, and closing it."""
 
 import ctypes
 import select
@@ -44,8 +44,8 @@ def library():
 
 
 class Screen:
-    """Hears of every top-level window that is mapped; nothing is polled. There is no window manager, so the
-    programs' windows are children of the root window."""
+    """Receives an event for each top-level window that is mapped. There is no window manager, so the windows of the
+    programs are children of the root window."""
 
     def __init__(self):
         self._xlib = library()
@@ -57,13 +57,13 @@ class Screen:
         self.forget()
 
     def forget(self):
-        """Drops what has happened so far."""
+        """Discards all events so far."""
         self._xlib.XSync(self._display, True)
 
-    def wait_for_window(self, title, limit):
-        """Seconds of the monotonic clock at which a window was mapped that bears, now or shortly after, a title
-        that begins with `title`."""
-        deadline = time.monotonic() + limit
+    def wait_for_window(self, title, timeout_s):
+        """Waits for a window whose title starts with `title`. The title may be set after mapping. Returns the time when
+        the window was mapped, in seconds of the monotonic clock."""
+        deadline = time.monotonic() + timeout_s
         mapped = {}
         while time.monotonic() < deadline:
             select.select([self._xlib.XConnectionNumber(self._display)], [], [], 0.02)
@@ -76,10 +76,10 @@ class Screen:
                 if self._title(window).startswith(title):
                     self._window = window
                     return moment
-        raise SystemExit(f"no window {title!r} within {limit} s")
+        raise SystemExit(f"no window {title!r} within {timeout_s} s")
 
     def request_close(self):
-        """Asks the window that was waited for to close, as the close button of its frame does."""
+        """Asks the window that wait_for_window() found to close, like the close button of its frame."""
         event = Event()
         event.client = ClientMessage(type=CLIENT_MESSAGE, window=self._window, message=self._atom(b"WM_PROTOCOLS"),
                                      format=32)

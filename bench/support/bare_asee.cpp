@@ -2,18 +2,18 @@
 
 namespace {
 
-void keep(asee::ImageCallback callback, void *context) {
+void store(asee_sdk::ImageCallback callback, void *context) {
     bench::bareAsee().image = callback;
     bench::bareAsee().imageContext = context;
 }
 
-void keep(asee::GazeCallback callback, void *context) {
+void store(asee_sdk::GazeCallback callback, void *context) {
     bench::bareAsee().gaze = callback;
     bench::bareAsee().gazeContext = context;
 }
 
 template <typename... Arguments>
-void keep(Arguments...) {}
+void store(Arguments...) {}
 
 }  // namespace
 
@@ -25,7 +25,7 @@ bench::BareAsee &bench::bareAsee() {
 #define OCELA_EXPORT(name, parameters, arguments) \
     extern "C" int name parameters;               \
     extern "C" int name parameters {              \
-        keep arguments;                           \
+        store arguments;                          \
         return 0;                                 \
     }
 OCELA_ASEE_FUNCTIONS(OCELA_EXPORT)

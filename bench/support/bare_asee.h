@@ -1,14 +1,14 @@
 #pragma once
 
-#include "trackers/asee/asee_sdk.h"
+#include "trackers/asee/sdk/asee_sdk.h"
 
-/// A vendor's library that does nothing but keep the callbacks, for a benchmark to call.
+/// An aSee library that only stores the callbacks. The benchmark calls them.
 namespace bench {
 
 struct BareAsee {
-    asee::ImageCallback image = nullptr;
+    asee_sdk::ImageCallback image = nullptr;
     void *imageContext = nullptr;
-    asee::GazeCallback gaze = nullptr;
+    asee_sdk::GazeCallback gaze = nullptr;
     void *gazeContext = nullptr;
 };
 

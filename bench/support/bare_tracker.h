@@ -2,7 +2,7 @@
 
 #include "core/eyetracker_interface.h"
 
-/// A tracker without a device, for what the base class does with samples.
+/// A tracker without a device. The benchmarks add the samples.
 class BareTracker : public EyetrackerInterface {
 public:
     BareTracker() : EyetrackerInterface(QString(), nullptr) {}

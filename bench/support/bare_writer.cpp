@@ -10,7 +10,7 @@
 namespace {
 
 constexpr std::size_t pieceBytes = 1 << 18;
-constexpr std::size_t longestRow = 1024;
+constexpr std::size_t maxRowBytes = 1024;
 
 void require(bool ok, const char *what) {
     if (ok)
@@ -38,7 +38,7 @@ private:
     const int descriptor_;
 };
 
-/// Puts a row's numbers one after the other into memory that is large enough.
+/// Writes the fields of a row to memory at `position`, which must have space for maxRowBytes.
 class RowWriter {
 public:
     explicit RowWriter(char *position) : position_(position) {}
@@ -53,7 +53,7 @@ public:
         *position_++ = ',';
         return *this;
     }
-    /// Ends the line in place of the last comma.
+    /// Replaces the last comma by the line end, and returns the position after it.
     char *end() {
         position_[-1] = '\r';
         *position_++ = '\n';
@@ -78,11 +78,11 @@ char *putRow(char *position, const EyeTrackingSample &s, qint64 firstTimestamp) 
 
 }  // namespace
 
-void bench::writeFormatted(const std::string &path, const std::string &headerLine,
+void bench::formatAndWrite(const std::string &path, const std::string &headerLine,
                            const std::vector<EyeTrackingSample> &samples) {
     const OutputFile file(path);
     file.write(headerLine.data(), headerLine.size());
-    std::vector<char> buffer(pieceBytes + longestRow);
+    std::vector<char> buffer(pieceBytes + maxRowBytes);
     char *position = buffer.data();
     for (const EyeTrackingSample &sample : samples) {
         position = putRow(position, sample, samples.front().timestamp);
@@ -94,7 +94,7 @@ void bench::writeFormatted(const std::string &path, const std::string &headerLin
     file.write(buffer.data(), static_cast<std::size_t>(position - buffer.data()));
 }
 
-void bench::writeReadyBytes(const std::string &path, const std::string &bytes) {
+void bench::writeFormattedBytes(const std::string &path, const std::string &bytes) {
     const std::string temporary = path + ".tmp";
     {
         const OutputFile file(temporary);

@@ -5,16 +5,15 @@
 #include <string>
 #include <vector>
 
-/// Writers of record files with nothing around the writing; they abort on any error.
+/// Minimal writers of record files, as baselines. They abort the process on any error.
 namespace bench {
 
-/// Formats the rows of a record with std::to_chars and hands them to write() in large pieces. The file is
-/// neither synced nor renamed.
-void writeFormatted(const std::string &path, const std::string &headerLine,
+/// Formats rows with std::to_chars and writes them in pieces of 256 KiB. The file is neither synced nor renamed.
+void formatAndWrite(const std::string &path, const std::string &headerLine,
                     const std::vector<EyeTrackingSample> &samples);
 
-/// Writes finished bytes to a temporary file in pieces of 256 KiB, syncs it and renames it to `path`: the same
-/// dealings with the disk as a saved record has.
-void writeReadyBytes(const std::string &path, const std::string &bytes);
+/// Writes formatted bytes to a temporary file in pieces of 256 KiB, syncs it and renames it to `path`, as
+/// EyeTrackingCSV::saveFile() does.
+void writeFormattedBytes(const std::string &path, const std::string &bytes);
 
 }  // namespace bench

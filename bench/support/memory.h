@@ -5,11 +5,11 @@
 namespace bench {
 
 struct Memory {
-    std::size_t resident;   ///< bytes of this process that are in memory, whatever they are for
-    std::size_t allocated;  ///< bytes that are handed out by malloc
+    std::size_t resident;   ///< bytes of the resident set
+    std::size_t allocated;  ///< bytes allocated by malloc
 };
 
-/// What this process uses now, after what it has freed went back to the system.
+/// Returns freed memory to the system, and then the memory that this process uses.
 [[nodiscard]] Memory memoryInUse();
 
 }  // namespace bench

@@ -13,10 +13,10 @@ double nanosecondsOf(const std::function<void()> &run) {
     return std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - begin).count();
 }
 
-double measure(const bench::Contender &contender) {
-    if (contender.reset)
-        contender.reset();
-    return nanosecondsOf(contender.run) / static_cast<double>(contender.operations);
+double measure(const bench::Candidate &candidate) {
+    if (candidate.reset)
+        candidate.reset();
+    return nanosecondsOf(candidate.run) / static_cast<double>(candidate.operationCount);
 }
 
 }  // namespace
@@ -34,9 +34,9 @@ double bench::medianRatio(const std::vector<double> &values, const std::vector<d
     return median(ratios);
 }
 
-int bench::roundsFrom(int argc, char **argv, int otherwise) {
+int bench::roundsFrom(int argc, char **argv, int defaultCount) {
     if (argc < 2)
-        return otherwise;
+        return defaultCount;
     const int rounds = std::atoi(argv[1]);
     if (argc == 2 && rounds > 0)
         return rounds;
@@ -44,15 +44,15 @@ int bench::roundsFrom(int argc, char **argv, int otherwise) {
     std::exit(2);
 }
 
-std::vector<bench::Measurement> bench::interleave(const std::vector<Contender> &contenders, int rounds) {
+std::vector<bench::Measurement> bench::interleave(const std::vector<Candidate> &candidates, int rounds) {
     std::vector<Measurement> measurements;
-    for (const Contender &contender : contenders) {
-        measure(contender);  // warms up
-        measurements.push_back({contender.name, {}});
+    for (const Candidate &candidate : candidates) {
+        measure(candidate);  // warms up
+        measurements.push_back({candidate.name, {}});
     }
     for (int round = 0; round < rounds; ++round) {
-        for (std::size_t i = 0; i < contenders.size(); ++i)
-            measurements[i].nanoseconds.push_back(measure(contenders[i]));
+        for (std::size_t i = 0; i < candidates.size(); ++i)
+            measurements[i].nanoseconds.push_back(measure(candidates[i]));
     }
     return measurements;
 }

@@ -5,24 +5,24 @@
 #include <string>
 #include <vector>
 
-/// The measuring side of the benchmarks: contenders take turns, round by round, so that whatever else the
-/// machine does meets all of them alike. Single-threaded.
+/// Measures candidates in interleaved rounds, so that other load on the machine affects all of them equally.
+/// Single-threaded.
 namespace bench {
 
-/// One way of doing the work. The first of a list is the baseline that the others are compared with.
-struct Contender {
+/// An implementation to be measured. The first candidate of a list is the baseline of the others.
+struct Candidate {
     std::string name;
-    std::size_t operations;       ///< that one call of `run` performs
-    std::function<void()> run;    ///< the measured part
-    std::function<void()> reset;  ///< before each `run`, not measured; may be empty
+    std::size_t operationCount;   ///< operations per call of `run`
+    std::function<void()> run;    ///< the measured function
+    std::function<void()> reset;  ///< called before each `run`, and not measured; may be empty
 };
 
 struct Measurement {
     std::string name;
-    std::vector<double> nanoseconds;  ///< per operation, one a round
+    std::vector<double> nanoseconds;  ///< time per operation, one value per round
 };
 
-/// Keeps the compiler from dropping the work that made `value`.
+/// Prevents the compiler from removing the calculation of `value`.
 template <typename T>
 void keep(const T &value) {
     asm volatile("" : : "g"(&value) : "memory");
@@ -30,16 +30,17 @@ void keep(const T &value) {
 
 [[nodiscard]] double median(std::vector<double> values);
 
-/// The median over the rounds of a round's own ratio: what slows a whole round leaves it as it is.
+/// Returns the median of the ratios of the single rounds. Load that slows down a whole round does not change its ratio.
 [[nodiscard]] double medianRatio(const std::vector<double> &values, const std::vector<double> &baseline);
 
-/// The number of rounds that the command line asks for as its only argument, else `otherwise`.
-[[nodiscard]] int roundsFrom(int argc, char **argv, int otherwise);
+/// Returns the number of rounds in the only command line argument, or `defaultCount` without an argument. Exits with a
+/// usage message if the arguments are invalid.
+[[nodiscard]] int roundsFrom(int argc, char **argv, int defaultCount);
 
-/// Lets the contenders take turns for `rounds` rounds, after one round that is not counted.
-[[nodiscard]] std::vector<Measurement> interleave(const std::vector<Contender> &contenders, int rounds);
+/// Measures each candidate once per round, after a warm-up round.
+[[nodiscard]] std::vector<Measurement> interleave(const std::vector<Candidate> &candidates, int rounds);
 
-/// Prints median, fastest and slowest round, rate and the ratio to the first line's time.
+/// Prints the median, the fastest and the slowest round, the rate, and the time relative to the first candidate.
 void print(const std::string &title, const std::vector<Measurement> &measurements);
 
 }  // namespace bench

@@ -7,8 +7,7 @@
 
 namespace bench {
 
-/// The sample of a GazePoint record by the obvious way of QString::split(): what the back-end's parser is
-/// compared with.
+/// Parses a GazePoint record with QString::split(). It is the baseline for the back-end's parser.
 [[nodiscard]] EyeTrackingSample parseBySplitting(const QByteArray &record, QSize screen, qint64 timestampMs);
 
 }  // namespace bench

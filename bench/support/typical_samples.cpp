@@ -6,7 +6,7 @@ namespace {
 
 constexpr qint64 firstTimestampMs = 1700000000000;
 
-class Gaze {
+class SampleGenerator {
 public:
     EyeTrackingSample next() {
         EyeTrackingSample sample;
@@ -31,7 +31,7 @@ public:
     }
 
 private:
-    /// Five decimals of the screen's width, as trackers send.
+    /// Returns a random percentage. As a fraction it has five decimals, like the values that trackers send.
     float percent() { return static_cast<float>(random_() % 100000 + 1) / 100000.0F * 100.0F; }
 
     std::mt19937 random_{1};
@@ -41,10 +41,10 @@ private:
 }  // namespace
 
 std::vector<EyeTrackingSample> bench::typicalSamples(std::size_t count) {
-    Gaze gaze;
+    SampleGenerator generator;
     std::vector<EyeTrackingSample> samples;
     samples.reserve(count);
     while (samples.size() < count)
-        samples.push_back(gaze.next());
+        samples.push_back(generator.next());
     return samples;
 }

@@ -7,8 +7,8 @@
 
 namespace bench {
 
-/// `count` samples of a gaze that wanders over a 1920x1080 screen, one a millisecond, with as many digits as
-/// a tracker's have. The same at every call.
+/// Returns `count` samples, 1 ms apart, with independent random gaze points on a 1920x1080 screen and as many digits as
+/// real samples. Every call returns the same samples.
 [[nodiscard]] std::vector<EyeTrackingSample> typicalSamples(std::size_t count);
 
 }  // namespace bench

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and makes the package for Debian 12. Prints the package's path.
+# Installs missing packages, builds the program, and makes the package for Debian 12. Prints the path of the package.
 #
 # usage: packaging/linux/build.sh
 set -euo pipefail
 source "$(dirname "$0")/../../tools/common.sh"
 
-ensure_packages
-build release Ocela ocela_web
+ensure_packages build linux-package
+build program Ocela ocela_web
 desktop-file-validate packaging/linux/ocela.desktop
 rm -f build/packages/ocela_*.deb
-cpack --config build/release/CPackConfig.cmake >&2
+cpack --config build/program/CPackConfig.cmake >&2
 echo "$root"/build/packages/ocela_*.deb

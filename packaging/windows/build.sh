@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds the program for Windows, and makes what users download; see package.sh.
+# Installs missing packages, builds the program for Windows, and makes the archive and the installer; see package.sh.
 #
 # usage: packaging/windows/build.sh
 #
-# Qt comes from build-qt.sh, which has its own options. The results are in build/packages; prints their paths.
+# Qt comes from build-qt.sh, which has options of its own. Prints the paths of the results in build/packages.
 set -euo pipefail
 source "$(dirname "$0")/../../tools/common.sh"
 
-ensure_packages packaging/linux/debian-packages.txt packaging/windows/debian-packages.txt
+ensure_packages build test windows
 qt=$(packaging/windows/build-qt.sh)
 cmake --preset windows -DOCELA_QT_PREFIX="$qt" >&2
 cmake --build --preset windows >&2

@@ -1,11 +1,11 @@
-; The installer: for one user, without administrator's rights.
-; package.sh says what FOLDER, LIST, OUTPUT, VERSION and ICON are.
+; The installer. It installs for one user, without administrator rights.
+; package.sh defines FOLDER, LIST, OUTPUT, VERSION and ICON.
 Unicode true
 Target amd64-unicode
 SetCompressor /SOLID lzma
 RequestExecutionLevel user
 ManifestDPIAware true
-; A file that cannot be written ends the installation, also a silent one.
+; A file that cannot be written aborts the installation.
 AllowSkipFiles off
 !include MUI2.nsh
 !include LogicLib.nsh
@@ -38,7 +38,7 @@ VIAddVersionKey "LegalCopyright" "Velmora"
 !insertmacro MUI_LANGUAGE "English"
 !insertmacro MUI_LANGUAGE "Russian"
 
-LangString running ${LANG_ENGLISH} "Ocela is running. End it, then try again."
+LangString running ${LANG_ENGLISH} "Ocela is running. Close it, then try again."
 LangString running ${LANG_RUSSIAN} "Ocela запущена. Завершите её и повторите."
 
 LangString foreign ${LANG_ENGLISH} "This folder holds another program. Choose another folder."
@@ -61,8 +61,8 @@ LangString foreign ${LANG_RUSSIAN} "В этой папке находится д
   ${Loop}
 !macroend
 
-; What its installer put into the folder, as the list there says, folders after what they hold. All is removed by name and
-; no folder with its contents: vendors' libraries, records and other files may lie beside.
+; Removes the files and empty folders in installed-files.txt. Vendor libraries, record files and other files that a user
+; has put into the folder stay.
 !macro removeProgram
   FileOpen $0 "$INSTDIR\installed-files.txt" r
   ${Do}
@@ -71,7 +71,7 @@ LangString foreign ${LANG_RUSSIAN} "В этой папке находится д
     ${If} ${Errors}
       ${Break}
     ${EndIf}
-    ; Without the end of the line.
+    ; Remove the line end.
     StrCpy $1 $1 -1
     Delete "$INSTDIR\$1"
     RMDir "$INSTDIR\$1"
@@ -80,7 +80,7 @@ LangString foreign ${LANG_RUSSIAN} "В этой папке находится д
   Delete "$INSTDIR\installed-files.txt"
 !macroend
 
-; What would be overwritten there, and removed one day, would not be ours.
+; Refuses a folder with another program, whose files would be overwritten, and later removed by the uninstaller.
 Function refuseForeignFolder
   ${If} ${FileExists} "$INSTDIR\installed-files.txt"
   ${OrIf} ${FileExists} "$INSTDIR\Ocela.exe"
@@ -96,7 +96,7 @@ Function refuseForeignFolder
   ${EndIf}
 FunctionEnd
 
-; From its own folder, where the pages are that it serves.
+; The program serves the web pages from its working folder.
 Function startProgram
   SetOutPath "$INSTDIR"
   Exec '"$INSTDIR\Ocela.exe"'
@@ -110,7 +110,7 @@ Section "Ocela" program
   File "/oname=installed-files.txt" "${LIST}"
   File /r "${FOLDER}/*"
   WriteUninstaller "$INSTDIR\uninstall.exe"
-  ; Started in the output folder.
+  ; The shortcut's working folder is the output folder.
   CreateShortcut "$SMPROGRAMS\Ocela.lnk" "$INSTDIR\Ocela.exe"
   WriteRegStr HKCU "${UNINSTALL_KEY}" "DisplayName" "Ocela"
   WriteRegStr HKCU "${UNINSTALL_KEY}" "DisplayVersion" "${VERSION}"
@@ -125,7 +125,7 @@ Section "Ocela" program
   WriteRegDWORD HKCU "${UNINSTALL_KEY}" "NoRepair" 1
 SectionEnd
 
-; Settings, logs and records stay.
+; Settings, logs and record files stay.
 Section Uninstall
   !insertmacro refuseWhileRunning
   !insertmacro removeProgram
@@ -133,7 +133,7 @@ Section Uninstall
   SetOutPath "$TEMP"
   RMDir "$INSTDIR"
   Delete "$SMPROGRAMS\Ocela.lnk"
-  ; The program itself makes this one, when it is to start with the system.
+  ; The program creates this shortcut when "start with the system" is switched on.
   Delete "$SMSTARTUP\Ocela.lnk"
   DeleteRegKey HKCU "${UNINSTALL_KEY}"
 SectionEnd

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes what users download of the program that build.sh built: an archive and an installer. Prints their paths.
+# Makes the archive and the installer from the program that build.sh has built. Prints their paths.
 #
 # usage: packaging/windows/package.sh
 set -euo pipefail
@@ -11,8 +11,8 @@ folder=$tree/package/Ocela-$version
 list=$tree/package/installed-files.txt
 name=$packages/Ocela-$version-windows-x64
 
-# What lies in the folder, as Windows writes it and folders after what they hold.
-list_files() { find "$folder" -depth -mindepth 1 -printf '%P\n' | tr / '\\'; }
+# Lists the contents of the folder with backslashes. A folder comes after its contents.
+list_files() { find "$folder" -depth -mindepth 1 -printf '%P\n' | sed 's:/:\\:g'; }
 
 make_archive() {
     rm -f "$name.zip"

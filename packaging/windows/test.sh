@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Builds the Windows program as build.sh does, checks the sources that are for Windows alone, and runs the tests under Wine.
+# Builds the Windows program with build.sh, runs clang-tidy over the sources for Windows, and runs the tests under Wine.
 #
-# usage: packaging/windows/test.sh [CTEST ARGUMENTS ...]
+# usage: packaging/windows/test.sh [CTEST ARGUMENT ...]
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 
 packaging/windows/build.sh
-tools/lint --windows
+tools/tidy --windows
 ctest --preset windows "$@"

@@ -1,15 +1,15 @@
 #!/usr/bin/env bash
-# Runs a Windows program of this tree under Wine; the tests are run so.
+# Runs a Windows program, such as a test, under Wine.
 #
-# usage: packaging/windows/wine.sh PROGRAM.EXE [ARGUMENTS ...]
+# usage: packaging/windows/wine.sh PROGRAM.EXE [ARGUMENT ...]
 #
-# OCELA_QT_PREFIX=FOLDER  the Qt for MinGW-w64 whose DLLs the program finds
-# WINEPATH=FOLDER         one more folder that DLLs are found in
-# WINEPREFIX=FOLDER       the Windows that it runs in; build/windows/wine otherwise
+# OCELA_QT_PREFIX=FOLDER  the Qt for MinGW-w64 that the program uses
+# WINEPATH=FOLDER         an additional folder for DLLs
+# WINEPREFIX=FOLDER       the Wine prefix; build/windows/wine by default
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 
-# Every folder of this machine lies on the drive Z.
+# Wine shows the root folder of this machine as the drive Z.
 windows_path() { printf 'Z:%s' "${1//\//\\}"; }
 
 compiler_folder=$(dirname "$(x86_64-w64-mingw32-g++-posix -print-file-name=libstdc++-6.dll)")
@@ -20,15 +20,15 @@ for folder in ${WINEPATH:+"$WINEPATH"} ${OCELA_QT_PREFIX:+"$OCELA_QT_PREFIX/bin"
 done
 
 export WINEPREFIX=${WINEPREFIX:-$here/../../build/windows/wine}
-# Else the user's folders would be those of whoever runs this.
+# Otherwise, the folders of the Windows user would link to the home folder of the current user.
 export HOME=$WINEPREFIX/home
 mkdir -p "$HOME"
 export WINEPATH=$search
-# Neither Wine's own messages nor its offers to install an interpreter or a browser.
+# Disables Wine's debug messages and its offers to install Mono and Gecko.
 export WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES="mscoree,mshtml=${WINEDLLOVERRIDES:+;$WINEDLLOVERRIDES}"
-# Wine keeps variables of that kind for itself unless they are named so.
+# Wine passes QT_ variables to the program only with this prefix.
 for name in $(compgen -e QT_); do export "WINE$name=${!name}"; done
-# The services that come with the first program outlive the last one by seconds. They are not to hold the program's
-# output: whoever reads that waits for its end.
+# Wine's services outlive the last program by some seconds. Start them without the output of the program: its reader
+# would wait until they have closed it, too.
 wine cmd /c exit </dev/null &>/dev/null || true
 exec wine "$@"

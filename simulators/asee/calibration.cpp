@@ -9,7 +9,7 @@ namespace {
 class Mean {
 public:
     void add(const TargetMeasurement::Result &result) {
-        if (result.samples == 0)
+        if (result.sampleCount == 0)
             return;
         sum_ += result.error;
         ++count_;
@@ -36,7 +36,8 @@ bool Calibration::complete() const {
 }
 
 Calibration::Score Calibration::score() const {
-    Mean left, right;
+    Mean left;
+    Mean right;
     for (const auto &point : measured_) {
         if (point) {
             left.add(point->left());

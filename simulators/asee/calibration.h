@@ -7,15 +7,15 @@
 
 namespace sim::asee_pro {
 
-/// The points of one calibration and what was measured at them. Not thread-safe: the tracker guards it.
+/// The points of one calibration and their measurements. Not thread-safe: the tracker guards it.
 class Calibration {
 public:
-    static constexpr int kMostPoints = 9;
+    static constexpr int maxPointCount = 9;
 
-    explicit Calibration(int points) : measured_(static_cast<std::size_t>(points)) {}
+    explicit Calibration(int pointCount) : measured_(static_cast<std::size_t>(pointCount)) {}
 
     [[nodiscard]] bool hasPoint(int number) const;
-    /// Points are numbered from 1; measuring one again replaces what was.
+    /// Stores the measurement of a point. Points are numbered from 1.
     void setMeasured(int number, const TargetMeasurement &measurement);
     [[nodiscard]] bool complete() const;
 
@@ -23,7 +23,7 @@ public:
         float left = 0;
         float right = 0;
     };
-    /// The mean error of each eye in percent of the screen, over the points at which it was seen.
+    /// Returns the mean error of each eye in percent of the screen, over the points at which the eye was visible.
     [[nodiscard]] Score score() const;
 
 private:

@@ -2,14 +2,14 @@
 
 namespace sim::asee_pro {
 
-/// The opaque block that a calibration yields: here our mark and the scores of the two eyes.
+/// The opaque result of a calibration: a mark of this simulator and the scores of both eyes.
 struct Coefficients {
     float leftScore = 0;
     float rightScore = 0;
 
-    /// `bytes`: asee::coefficientBytes of them, all of which are written.
+    /// Fills `bytes`, an array of asee_sdk::coefficientBytes.
     void write(void *bytes) const;
-    /// False when the block is none of ours.
+    /// Returns true if `bytes` starts with the mark. A null pointer is allowed.
     [[nodiscard]] static bool areIn(const void *bytes);
 };
 

@@ -1,6 +1,6 @@
 #include "asee/tracker.h"
 
-// The library's entry points: each one is the operation of the same name of the only tracker.
+// Each entry point calls the function of the same name of the tracker.
 #define OCELA_EXPORT(name, parameters, arguments)                 \
     extern "C" int name parameters {                              \
         return sim::asee_pro::Tracker::instance().name arguments; \

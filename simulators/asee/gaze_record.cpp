@@ -6,49 +6,58 @@ namespace sim::asee_pro {
 
 namespace {
 
-namespace at = asee::gaze_record;
+namespace at = asee_sdk::gaze_record;
 
-constexpr int kTracked = 0;
-constexpr int kNotTracked = 2;
-constexpr int kEyeLost = 3;
+constexpr int eyeTracked = 0;
+constexpr int eyeNotTracked = 2;
+constexpr int eyeLost = 3;
 
-constexpr int kFixation = 1;
-constexpr int kSaccade = 3;
+constexpr int fixation = 1;
+constexpr int saccade = 3;
 
-constexpr double kSettling = 0.2;  // what a new gaze point adds to the mean
-constexpr double kFixationSize_deg = 1.5;
+constexpr double meanWeight = 0.2;  // of a new gaze point
+constexpr double fixationRadius_deg = 1.5;
 
-template <typename T>
-void put(GazeRecorder::Record *record, std::size_t offset, T value) {
-    std::memcpy(record->data() + offset, &value, sizeof value);
-}
-
-void putPoint(GazeRecorder::Record *record, std::size_t offset, Point point) {
-    put(record, offset, static_cast<float>(point.x));
-    put(record, offset + sizeof(float), static_cast<float>(point.y));
-}
-
-/// Where the fields of one eye stand.
+/// The offsets of the fields of one eye.
 struct EyeFields {
     std::size_t gazeFlags, gaze, eyeFlags, eye, pupil_mm, status;
 };
-constexpr EyeFields kLeft{at::leftGazeFlags, at::leftGaze,     at::leftEyeFlags,
-                          at::leftEye,       at::leftPupil_mm, at::leftStatus};
-constexpr EyeFields kRight{at::rightGazeFlags, at::rightGaze,     at::rightEyeFlags,
-                           at::rightEye,       at::rightPupil_mm, at::rightStatus};
+constexpr EyeFields leftFields{at::leftGazeFlags, at::leftGaze,     at::leftEyeFlags,
+                               at::leftEye,       at::leftPupil_mm, at::leftStatus};
+constexpr EyeFields rightFields{at::rightGazeFlags, at::rightGaze,     at::rightEyeFlags,
+                                at::rightEye,       at::rightPupil_mm, at::rightStatus};
 
-void putEye(GazeRecorder::Record *record, const EyeFields &fields, const Eye &eye, bool tracking) {
-    put(record, fields.status, !eye.visible ? kEyeLost : tracking ? kTracked : kNotTracked);
-    if (!eye.visible)
-        return;
-    put(record, fields.eyeFlags, 1);
-    putPoint(record, fields.eye, eye.pupilCentre);
-    put(record, fields.pupil_mm, static_cast<float>(eye.pupil_mm));
-    if (tracking) {
-        put(record, fields.gazeFlags, 1);
-        putPoint(record, fields.gaze, eye.gaze);
+/// Writes the fields of a record.
+class Writer {
+public:
+    template <typename T>
+    void put(std::size_t offset, T value) {
+        std::memcpy(record_.data() + offset, &value, sizeof value);
     }
-}
+
+    void putPoint(std::size_t offset, Point point) {
+        put(offset, static_cast<float>(point.x));
+        put(offset + sizeof(float), static_cast<float>(point.y));
+    }
+
+    void putEye(const EyeFields &fields, const Eye &eye, bool tracking) {
+        put(fields.status, !eye.visible ? eyeLost : tracking ? eyeTracked : eyeNotTracked);
+        if (!eye.visible)
+            return;
+        put(fields.eyeFlags, 1);
+        putPoint(fields.eye, eye.pupilCentre);
+        put(fields.pupil_mm, static_cast<float>(eye.pupil_mm));
+        if (tracking) {
+            put(fields.gazeFlags, 1);
+            putPoint(fields.gaze, eye.gaze);
+        }
+    }
+
+    [[nodiscard]] const GazeRecorder::Record &record() const { return record_; }
+
+private:
+    GazeRecorder::Record record_{};
+};
 
 Point combined(const EyeState &eyes) {
     if (eyes.left.visible && eyes.right.visible)
@@ -59,20 +68,20 @@ Point combined(const EyeState &eyes) {
 }  // namespace
 
 GazeRecorder::Record GazeRecorder::record(const EyeState &eyes, bool tracking) {
-    Record record{};
-    putEye(&record, kLeft, eyes.left, tracking);
-    putEye(&record, kRight, eyes.right, tracking);
+    Writer writer;
+    writer.putEye(leftFields, eyes.left, tracking);
+    writer.putEye(rightFields, eyes.right, tracking);
     if (tracking && (eyes.left.visible || eyes.right.visible)) {
-        putPoint(&record, at::gaze, combined(eyes));
-        put(&record, at::fixationState, fixationState(combined(eyes)));
+        writer.putPoint(at::gaze, combined(eyes));
+        writer.put(at::fixationState, fixationState(combined(eyes)));
     }
-    return record;
+    return writer.record();
 }
 
 int GazeRecorder::fixationState(Point gaze) {
-    const bool resting = setup_.degreesBetween(gaze, settled_) < kFixationSize_deg;
-    settled_ = settled_ + (gaze - settled_) * kSettling;
-    return resting ? kFixation : kSaccade;
+    const bool resting = setup_.degreesBetween(gaze, meanGaze_) < fixationRadius_deg;
+    meanGaze_ = meanGaze_ + (gaze - meanGaze_) * meanWeight;
+    return resting ? fixation : saccade;
 }
 
 }  // namespace sim::asee_pro

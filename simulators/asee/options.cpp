@@ -2,21 +2,14 @@
 
 namespace sim::asee_pro {
 
-namespace {
-
-constexpr int kSmallestImage = 16;
-constexpr int kLargestImage = 8192;
-
-}  // namespace
-
 Options Options::fromEnvironment() {
     Options options;
-    options.rate = environment::number("OCELA_SIM_ASEE_RATE", options.rate, 1, 5000);
-    options.imageRate = environment::number("OCELA_SIM_ASEE_IMAGE_RATE", options.imageRate, 0, 1000);
-    options.image = environment::size("OCELA_SIM_ASEE_IMAGE", options.image, kSmallestImage, kLargestImage);
-    options.toldImage = environment::size("OCELA_SIM_ASEE_TOLD_IMAGE");
+    options.rateHz = environment::number("OCELA_SIM_ASEE_RATE", options.rateHz, 1, 5000);
+    options.imageRateHz = environment::number("OCELA_SIM_ASEE_IMAGE_RATE", options.imageRateHz, 0, 1000);
+    options.image = environment::imageSize("OCELA_SIM_ASEE_IMAGE", options.image);
+    options.reportedImage = environment::size("OCELA_SIM_ASEE_TOLD_IMAGE");
     if (!environment::text("OCELA_SIM_ASEE_TOLD_BYTES").isEmpty())
-        options.toldBytes = environment::anyInteger("OCELA_SIM_ASEE_TOLD_BYTES");
+        options.reportedSizeBytes = environment::anyInteger("OCELA_SIM_ASEE_TOLD_BYTES");
     options.point_s = environment::number("OCELA_SIM_ASEE_POINT_MS", options.point_s * 1000, 10, 60000) / 1000;
     options.connectError = environment::anyInteger("OCELA_SIM_ASEE_CONNECT_ERROR");
     options.startError = environment::anyInteger("OCELA_SIM_ASEE_START_ERROR");

@@ -6,15 +6,15 @@
 
 namespace sim::asee_pro {
 
-/// What the environment variables OCELA_SIM_ASEE_* ask of the tracker; docs/devices.md tells what each one does.
+/// The options in the environment variables OCELA_SIM_ASEE_*, which docs/simulators.md describes.
 struct Options {
     static Options fromEnvironment();
 
-    double rate = 120;
-    double imageRate = 60;  ///< 0: no images
+    double rateHz = 120;
+    double imageRateHz = 60;  ///< 0: no images
     environment::Size image{1280, 1024};
-    std::optional<environment::Size> toldImage;
-    std::optional<int> toldBytes;
+    std::optional<environment::Size> reportedImage;  ///< instead of the real size
+    std::optional<int> reportedSizeBytes;            ///< instead of the real size
     double point_s = 1.5;
     int connectError = 0;
     int startError = 0;

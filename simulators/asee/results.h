@@ -2,7 +2,7 @@
 
 namespace sim::asee_pro {
 
-/// What the entry points return; 0 is success.
+/// The results of the entry points.
 enum Result : int {
     Ok = 0,
     NotConnected = 101,

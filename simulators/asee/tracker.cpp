@@ -15,15 +15,17 @@ namespace sim::asee_pro {
 
 namespace {
 
-constexpr int kNullRecordEvery = 10;
-constexpr std::size_t kRoomForLies = 8 << 20;  // a program that believes the told bytes may read so many
+constexpr int nullRecordInterval = 10;
+// A program that trusts a wrong OCELA_SIM_ASEE_TOLD_BYTES up to this size does not read beyond the buffer. A larger
+// value is allowed, for tests of programs that must reject it.
+constexpr std::size_t minBufferBytes = 8 << 20;
 
 long long microseconds() {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
     return std::chrono::duration_cast<std::chrono::microseconds>(now).count();
 }
 
-/// As the vendor's library does: what it unpacks stays behind until somebody clears the folder.
+/// Creates a file in the folder, like the vendor's library when it unpacks its models.
 void unpackInto(const std::filesystem::path &configFolder) {
     std::error_code error;
     std::filesystem::create_directory(configFolder / "armeabi", error);
@@ -34,25 +36,25 @@ void unpackInto(const std::filesystem::path &configFolder) {
 
 class Tracker::GazeStream {
 public:
-    explicit GazeStream(Tracker *tracker)
-        : tracker_(tracker), recorder_(tracker->person_.setup()), nullRecords_(tracker->options_.has("null-records")) {}
+    explicit GazeStream(Tracker &tracker)
+        : tracker_(tracker), recorder_(tracker.person_.setup()), nullRecords_(tracker.options_.has("null-records")) {}
 
     bool operator()() {
         const auto [receiver, tracking] = current();
-        const GazeRecorder::Record record = recorder_.record(tracker_->person_.now(), tracking);
-        const bool null = nullRecords_ && ++count_ % kNullRecordEvery == 0;
+        const GazeRecorder::Record record = recorder_.record(tracker_.person_.now(), tracking);
+        const bool null = nullRecords_ && ++count_ % nullRecordInterval == 0;
         if (receiver.callback != nullptr)
             receiver.callback(null ? nullptr : record.data(), receiver.context);
         return true;
     }
 
 private:
-    std::pair<Receiver<asee::GazeCallback>, bool> current() {
-        const std::lock_guard lock(tracker_->mutex_);
-        return {tracker_->gazeReceiver_, tracker_->tracking_};
+    std::pair<Receiver<asee_sdk::GazeCallback>, bool> current() {
+        const std::lock_guard lock(tracker_.mutex_);
+        return {tracker_.gazeReceiver_, tracker_.tracking_};
     }
 
-    Tracker *tracker_;
+    Tracker &tracker_;
     GazeRecorder recorder_;
     bool nullRecords_;
     int count_ = 0;
@@ -60,31 +62,31 @@ private:
 
 class Tracker::ImageStream {
 public:
-    explicit ImageStream(Tracker *tracker)
+    explicit ImageStream(Tracker &tracker)
         : tracker_(tracker),
-          options_(tracker->options_),
-          camera_(options_.image.width, options_.image.height, tracker->person_.setup()),
-          pixels_(std::max(camera_.bytes(), kRoomForLies)) {}
+          options_(tracker.options_),
+          camera_(options_.image.width, options_.image.height, tracker.person_.setup()),
+          pixels_(std::max(camera_.sizeBytes(), minBufferBytes)) {}
 
     bool operator()() {
         const auto receiver = current();
         if (receiver.callback == nullptr)
             return true;
-        camera_.paint(tracker_->person_.now(), pixels_.data());
-        const environment::Size told = options_.toldImage.value_or(options_.image);
+        camera_.paint(tracker_.person_.now(), pixels_.data());
+        const environment::Size size = options_.reportedImage.value_or(options_.image);
         receiver.callback(options_.has("null-image") ? nullptr : pixels_.data(),
-                          options_.toldBytes.value_or(static_cast<int>(camera_.bytes())), told.width, told.height,
-                          microseconds(), receiver.context);
+                          options_.reportedSizeBytes.value_or(static_cast<int>(camera_.sizeBytes())), size.width,
+                          size.height, microseconds(), receiver.context);
         return true;
     }
 
 private:
-    Receiver<asee::ImageCallback> current() {
-        const std::lock_guard lock(tracker_->mutex_);
-        return tracker_->imageReceiver_;
+    Receiver<asee_sdk::ImageCallback> current() {
+        const std::lock_guard lock(tracker_.mutex_);
+        return tracker_.imageReceiver_;
     }
 
-    Tracker *tracker_;
+    Tracker &tracker_;
     Options options_;
     Camera camera_;
     std::vector<unsigned char> pixels_;
@@ -102,13 +104,13 @@ int Tracker::_7i_device_connect() {
     return options_.connectError;
 }
 
-int Tracker::_7i_set_image_callback(asee::ImageCallback callback, void *context) {
+int Tracker::_7i_set_image_callback(asee_sdk::ImageCallback callback, void *context) {
     const std::lock_guard lock(mutex_);
     imageReceiver_ = {callback, context};
     return Ok;
 }
 
-int Tracker::_7i_set_gaze_callback(asee::GazeCallback callback, void *context) {
+int Tracker::_7i_set_gaze_callback(asee_sdk::GazeCallback callback, void *context) {
     const std::lock_guard lock(mutex_);
     gazeReceiver_ = {callback, context};
     return Ok;
@@ -131,9 +133,9 @@ int Tracker::_7i_start(const char *configFolder) {
 
 Tracker::Streams Tracker::startStreams() {
     Streams streams;
-    streams.gaze = std::make_unique<Ticker>(options_.rate, GazeStream(this));
-    if (options_.imageRate > 0)
-        streams.images = std::make_unique<Ticker>(options_.imageRate, ImageStream(this));
+    streams.gaze = std::make_unique<Ticker>(options_.rateHz, GazeStream(*this));
+    if (options_.imageRateHz > 0)
+        streams.images = std::make_unique<Ticker>(options_.imageRateHz, ImageStream(*this));
     return streams;
 }
 
@@ -147,20 +149,20 @@ int Tracker::_7i_start_tracking(const void *coefficients) {
     return Ok;
 }
 
-// What is taken out under the lock ends, and is waited for, after it: a callback may be inside an operation.
+// The threads are moved out under the lock and joined after it is released, because a callback may be waiting for it.
 int Tracker::_7i_stop() {
-    std::optional<Streams> ending;
-    std::unique_ptr<Ticker> endingPoint;
+    std::optional<Streams> streams;
+    std::unique_ptr<Ticker> point;
     std::chrono::milliseconds late;
     {
         const std::lock_guard lock(mutex_);
-        ending.swap(streams_);
-        endingPoint = endCalibration();
+        streams.swap(streams_);
+        point = endCalibration();
         connected_ = tracking_ = false;
         late = std::chrono::milliseconds(options_.lateCallbacksMs);
     }
-    if (ending && late.count() > 0)
-        std::thread([late, streams = std::move(ending)] { std::this_thread::sleep_for(late); }).detach();
+    if (streams && late.count() > 0)
+        std::thread([late, streams = std::move(streams)] { std::this_thread::sleep_for(late); }).detach();
     return Ok;
 }
 

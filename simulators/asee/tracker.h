@@ -4,7 +4,7 @@
 #include "asee/options.h"
 #include "device/person.h"
 #include "device/ticker.h"
-#include "trackers/asee/asee_sdk.h"
+#include "trackers/asee/sdk/asee_sdk.h"
 
 #include <memory>
 #include <mutex>
@@ -12,13 +12,13 @@
 
 namespace sim::asee_pro {
 
-/// The aSee Pro tracker behind the library's entry points, each of which has its operation here under its name.
+/// The simulated aSee Pro tracker. Each entry point of the library calls the function of the same name.
 ///
-/// All operations may be called from any thread, the callbacks' too. Gaze, images and the progress of a calibration
-/// point come on a thread each, and no lock is held while calling back. From _7i_start on records tell where the eyes
-/// are in the image, which placing them for a calibration needs; gaze comes with _7i_start_tracking.
+/// Any thread may call the functions, also from within a callback. Gaze, images and the progress of a calibration point
+/// are reported on separate threads. No lock is held during a callback. After _7i_start, records contain the positions
+/// of the eyes in the image. After _7i_start_tracking, they also contain the gaze.
 ///
-/// There is one, and it is never destroyed, because its threads may live as long as the process.
+/// The only instance is never destroyed, because its threads may run until the process ends.
 class Tracker {
 public:
     static Tracker &instance();
@@ -33,7 +33,7 @@ private:
         Callback callback = nullptr;
         void *context = nullptr;
     };
-    /// What runs between _7i_start and _7i_stop.
+    /// The threads that run between _7i_start and _7i_stop.
     struct Streams {
         std::unique_ptr<Ticker> gaze;
         std::unique_ptr<Ticker> images;
@@ -45,16 +45,17 @@ private:
     Tracker() = default;
 
     [[nodiscard]] Streams startStreams();
+    /// Returns the thread of the running point. The caller destroys it after releasing the lock.
     [[nodiscard]] std::unique_ptr<Ticker> endCalibration();
-    void pointDone(int number, const TargetMeasurement &measurement);
+    void finishPoint(int number, const TargetMeasurement &measurement);
 
     Person person_;
-    std::mutex mutex_;  // guards what follows
+    std::mutex mutex_;  // guards the members below
     Options options_;
     bool connected_ = false;
     bool tracking_ = false;
-    Receiver<asee::GazeCallback> gazeReceiver_;
-    Receiver<asee::ImageCallback> imageReceiver_;
+    Receiver<asee_sdk::GazeCallback> gazeReceiver_;
+    Receiver<asee_sdk::ImageCallback> imageReceiver_;
     std::optional<Streams> streams_;
     std::optional<Calibration> calibration_;
     std::unique_ptr<Ticker> point_;

@@ -8,54 +8,54 @@ namespace sim::asee_pro {
 
 namespace {
 
-constexpr int kPercentStep = 5;
-constexpr int kStepsOfPoint = 100 / kPercentStep;
-constexpr int kSettledAtPercent = 40;  // by then the person looks at the point
-constexpr int kStuckAtPercent = 50;
+constexpr int percentPerStep = 5;
+constexpr int stepsPerPoint = 100 / percentPerStep;
+constexpr int measuredFromPercent = 40;  // before that, the person moves the gaze to the point
+constexpr int stuckAtPercent = 50;
 
 }  // namespace
 
-/// One calibration point while the person looks at it, a step at a time.
+/// Measures one calibration point. Each call is one step.
 class Tracker::PointRun {
 public:
     struct Reports {
-        Receiver<asee::PointCallback> progress;
-        Receiver<asee::PointCallback> finish;
+        Receiver<asee_sdk::PointCallback> progress;
+        Receiver<asee_sdk::PointCallback> finish;
     };
 
-    PointRun(Tracker *tracker, int number, Point target, Reports reports)
+    PointRun(Tracker &tracker, int number, Point target, Reports reports)
         : tracker_(tracker),
           number_(number),
           measurement_(target),
           reports_(reports),
-          endless_(tracker->options_.has("endless-point")) {}
+          endless_(tracker.options_.has("endless-point")) {}
 
     bool operator()() {
         if (stuck_)
             return true;
-        if (percent_ >= kSettledAtPercent)
-            measurement_.add(tracker_->person_.now());
+        if (percent_ >= measuredFromPercent)
+            measurement_.add(tracker_.person_.now());
         report(reports_.progress, percent_);
         if (percent_ == 100)
             return finish();
-        stuck_ = endless_ && percent_ == kStuckAtPercent;
-        percent_ += kPercentStep;
+        stuck_ = endless_ && percent_ == stuckAtPercent;
+        percent_ += percentPerStep;
         return true;
     }
 
 private:
     bool finish() {
-        tracker_->pointDone(number_, measurement_);
+        tracker_.finishPoint(number_, measurement_);
         report(reports_.finish, Ok);
         return false;
     }
 
-    void report(const Receiver<asee::PointCallback> &receiver, int value) const {
+    void report(const Receiver<asee_sdk::PointCallback> &receiver, int value) const {
         if (receiver.callback != nullptr)
             receiver.callback(number_, value, receiver.context);
     }
 
-    Tracker *tracker_;
+    Tracker &tracker_;
     int number_;
     TargetMeasurement measurement_;
     Reports reports_;
@@ -72,7 +72,7 @@ int Tracker::_7i_start_calibration(int points) {
     const std::lock_guard lock(mutex_);
     if (!streams_)
         return NotStarted;
-    if (points < 1 || points > Calibration::kMostPoints)
+    if (points < 1 || points > Calibration::maxPointCount)
         return BadArgument;
     if (pointRunning_)
         return PointRunning;
@@ -80,9 +80,9 @@ int Tracker::_7i_start_calibration(int points) {
     return Ok;
 }
 
-int Tracker::_7i_start_calibration_point(int number, const float *xy, asee::PointCallback progress,
-                                         void *progressContext, asee::PointCallback finish, void *finishContext) {
-    std::unique_ptr<Ticker> previous;  // ends after the lock, see _7i_stop
+int Tracker::_7i_start_calibration_point(int number, const float *xy, asee_sdk::PointCallback progress,
+                                         void *progressContext, asee_sdk::PointCallback finish, void *finishContext) {
+    std::unique_ptr<Ticker> previous;  // destroyed after the lock is released, see _7i_stop
     std::unique_lock lock(mutex_);
     if (!calibration_)
         return NotCalibrating;
@@ -94,9 +94,9 @@ int Tracker::_7i_start_calibration_point(int number, const float *xy, asee::Poin
     person_.lookAt(target);
     previous = std::move(point_);
     pointRunning_ = true;
-    PointRun run(this, number, target, {{progress, progressContext}, {finish, finishContext}});
+    PointRun run(*this, number, target, {{progress, progressContext}, {finish, finishContext}});
     if (!options_.has("instant-point")) {
-        point_ = std::make_unique<Ticker>(kStepsOfPoint / options_.point_s, run);
+        point_ = std::make_unique<Ticker>(stepsPerPoint / options_.point_s, run);
         return Ok;
     }
     lock.unlock();
@@ -107,7 +107,7 @@ int Tracker::_7i_start_calibration_point(int number, const float *xy, asee::Poin
     return Ok;
 }
 
-void Tracker::pointDone(int number, const TargetMeasurement &measurement) {
+void Tracker::finishPoint(int number, const TargetMeasurement &measurement) {
     const std::lock_guard lock(mutex_);
     pointRunning_ = false;
     if (calibration_)
@@ -122,9 +122,9 @@ std::unique_ptr<Ticker> Tracker::endCalibration() {
 }
 
 int Tracker::_7i_cancel_calibration() {
-    std::unique_ptr<Ticker> ending;  // see _7i_stop
+    std::unique_ptr<Ticker> point;  // destroyed after the lock is released, see _7i_stop
     const std::lock_guard lock(mutex_);
-    ending = endCalibration();
+    point = endCalibration();
     return streams_ ? Ok : NotStarted;
 }
 

@@ -10,23 +10,23 @@ namespace sim {
 
 namespace {
 
-constexpr double kEyeHalfWidth_mm = 15;
-constexpr double kLidHalfOpening_mm = 5.5;
-constexpr double kIrisRadius_mm = 5.9;
-constexpr double kStampHalfWidth_mm = 16;
-constexpr double kStampHalfHeight_mm = 7;
-constexpr int kPupilGrey = 16;
-constexpr double kGlintRadius_mm = 0.45;
-constexpr Point kGlintFromPupil_mm{1.4, -1.6};
-constexpr int kGlintGrey = 250;
-constexpr int kFull = 256;  // all of it, in the fixed-point numbers of a stamp
+constexpr double eyeHalfWidth_mm = 15;
+constexpr double lidHalfOpening_mm = 5.5;
+constexpr double irisRadius_mm = 5.9;
+constexpr double stampHalfWidth_mm = 16;
+constexpr double stampHalfHeight_mm = 7;
+constexpr int pupilGrey = 16;
+constexpr double glintRadius_mm = 0.45;
+constexpr Point glintFromPupil_mm{1.4, -1.6};
+constexpr int glintGrey = 250;
+constexpr int fixedPointOne = 256;  // in the fixed-point numbers of a stamp
 
-/// Falls from 1 at the middle to next to nothing at three times `width` beside it.
-std::vector<double> bell(int count, double middle, double width) {
+/// A Gaussian curve with the standard deviation `width`, sampled `count` times over 0..1.
+std::vector<double> gaussian(int count, double middle, double width) {
     std::vector<double> values;
     for (int i = 0; i < count; ++i) {
-        const double away = ((i + 0.5) / count - middle) / width;
-        values.push_back(std::exp(-away * away / 2));
+        const double deviations = ((i + 0.5) / count - middle) / width;
+        values.push_back(std::exp(-deviations * deviations / 2));
     }
     return values;
 }
@@ -35,9 +35,9 @@ std::size_t asSize(int value) {
     return static_cast<std::size_t>(value);
 }
 
-/// The half opening of the lids at `x_mm` from the middle of the eye, as a part of the largest.
+/// The opening of the lids at `x_mm` from the middle of the eye, as a fraction of the maximum.
 double lidCurve(double x_mm) {
-    const double across = x_mm / kEyeHalfWidth_mm;
+    const double across = x_mm / eyeHalfWidth_mm;
     return std::max(0.0, 1 - across * across);
 }
 
@@ -60,9 +60,9 @@ void Camera::paint(const EyeState &eyes, unsigned char *pixels) const {
 }
 
 void Camera::drawBackground() {
-    const std::vector<double> faceAcross = bell(width_, 0.465, 0.25);
-    const std::vector<double> faceDown = bell(height_, 0.5, 0.42);
-    const std::vector<double> nose = bell(width_, 0.465, 0.035);
+    const std::vector<double> faceAcross = gaussian(width_, 0.465, 0.25);
+    const std::vector<double> faceDown = gaussian(height_, 0.5, 0.42);
+    const std::vector<double> nose = gaussian(width_, 0.465, 0.035);
     std::uint32_t grain = 1;
     auto pixel = background_.begin();
     for (const double down : faceDown) {
@@ -74,12 +74,12 @@ void Camera::drawBackground() {
 }
 
 Camera::Shade Camera::openEye(double x_mm, double y_mm) {
-    const double insideLid_mm = kLidHalfOpening_mm * lidCurve(x_mm) - std::abs(y_mm);
+    const double insideLid_mm = lidHalfOpening_mm * lidCurve(x_mm) - std::abs(y_mm);
     const double radius_mm = std::hypot(x_mm, y_mm);
     double grey = 168 - 3 * radius_mm;
-    if (radius_mm < kIrisRadius_mm)
-        grey = 88 + 8 * std::cos(22 * std::atan2(y_mm, x_mm)) - 25 * std::pow(radius_mm / kIrisRadius_mm, 6);
-    if (y_mm < 0 && insideLid_mm < 1)  // the upper lid's shadow
+    if (radius_mm < irisRadius_mm)
+        grey = 88 + 8 * std::cos(22 * std::atan2(y_mm, x_mm)) - 25 * std::pow(radius_mm / irisRadius_mm, 6);
+    if (y_mm < 0 && insideLid_mm < 1)  // the shadow of the upper lid
         grey *= 0.6;
     return {grey, std::clamp(insideLid_mm / 0.6, 0.0, 1.0)};
 }
@@ -92,14 +92,14 @@ Camera::Shade Camera::closedEye(double x_mm, double y_mm) {
 
 Camera::Stamp Camera::makeStamp(Shade (*shade)(double, double)) const {
     Stamp stamp;
-    stamp.halfWidth = static_cast<int>(kStampHalfWidth_mm * pixelsPerMm_);
-    stamp.halfHeight = static_cast<int>(kStampHalfHeight_mm * pixelsPerMm_);
+    stamp.halfWidth = static_cast<int>(stampHalfWidth_mm * pixelsPerMm_);
+    stamp.halfHeight = static_cast<int>(stampHalfHeight_mm * pixelsPerMm_);
     for (int y = -stamp.halfHeight; y < stamp.halfHeight; ++y) {
         for (int x = -stamp.halfWidth; x < stamp.halfWidth; ++x) {
             const Shade at = shade((x + 0.5) / pixelsPerMm_, (y + 0.5) / pixelsPerMm_);
-            const auto cover = static_cast<std::uint16_t>(at.cover * kFull);
-            stamp.keep.push_back(static_cast<std::uint16_t>(kFull - cover));
-            stamp.light.push_back(static_cast<std::uint16_t>(at.grey * cover));
+            const auto opacity = static_cast<std::uint16_t>(at.opacity * fixedPointOne);
+            stamp.keep.push_back(static_cast<std::uint16_t>(fixedPointOne - opacity));
+            stamp.light.push_back(static_cast<std::uint16_t>(at.grey * opacity));
         }
     }
     return stamp;
@@ -110,8 +110,8 @@ void Camera::drawEye(const Eye &eye, unsigned char *pixels) const {
     put(eye.visible ? open_ : closed_, centre, pixels);
     if (!eye.visible)
         return;
-    drawDisc(centre, eye.pupil_mm / 2 * pixelsPerMm_, kPupilGrey, pixels);
-    drawDisc(centre + kGlintFromPupil_mm * pixelsPerMm_, kGlintRadius_mm * pixelsPerMm_, kGlintGrey, pixels);
+    drawDisc(centre, eye.pupil_mm / 2 * pixelsPerMm_, pupilGrey, pixels);
+    drawDisc(centre + glintFromPupil_mm * pixelsPerMm_, glintRadius_mm * pixelsPerMm_, glintGrey, pixels);
 }
 
 void Camera::put(const Stamp &stamp, Point centre, unsigned char *pixels) const {

@@ -9,35 +9,34 @@
 
 namespace sim {
 
-/// The picture that an eye tracker's infrared camera takes of the person: 8-bit grey, a face out of focus, grain, and
-/// two eyes with dark pupils and a glint, or closed lids.
+/// Paints the image of an eye tracker's infrared camera: 8-bit grey, with a blurred face, noise, and two eyes. An eye
+/// has a dark pupil and a glint, or a closed lid.
 ///
-/// The face and the eyes are drawn once, at construction; a frame is a copy with the eyes put in place, about half a
-/// millisecond at 2048 x 1080. The pupils lie where EyeState tells, to a fraction of a pixel.
+/// The constructor draws the face and the eyes once. A frame is a copy of the face with the eyes at their positions,
+/// and takes about half a millisecond at 2048 x 1080. The pupils lie within a pixel of the positions in EyeState.
 class Camera {
 public:
     Camera(int width, int height, const PhysicalSetup &setup);
 
     [[nodiscard]] int width() const { return width_; }
     [[nodiscard]] int height() const { return height_; }
-    [[nodiscard]] std::size_t bytes() const { return background_.size(); }
+    [[nodiscard]] std::size_t sizeBytes() const { return background_.size(); }
 
-    /// `pixels` has room for bytes().
+    /// Fills `pixels`, an array of sizeBytes() bytes.
     void paint(const EyeState &eyes, unsigned char *pixels) const;
 
 private:
-    /// What one thing of the picture looks like at a place: how bright, and how much of the background it hides.
     struct Shade {
         double grey = 0;
-        double cover = 0;
+        double opacity = 0;
     };
 
-    /// A small picture that is laid over the background around a place.
+    /// A small image that is blended over the background.
     struct Stamp {
         int halfWidth = 0;
         int halfHeight = 0;
-        std::vector<std::uint16_t> keep;   // of the background, of 256
-        std::vector<std::uint16_t> light;  // what is added, of 256
+        std::vector<std::uint16_t> keep;   // weight of the background, in 1/256
+        std::vector<std::uint16_t> light;  // grey that is added, in 1/256
     };
 
     static Shade openEye(double x_mm, double y_mm);

@@ -10,32 +10,35 @@ namespace sim::environment {
 
 namespace {
 
-/// Once for each value, as the variables are read again and again.
-void complain(const char *name, const QString &value) {
+constexpr int minImageSide = 16;
+constexpr int maxImageSide = 8192;
+
+/// Logs each value once, because the variables are read repeatedly.
+void warnOnce(const char *name, const QString &value) {
     static std::mutex mutex;
-    static auto *const said = new std::set<QString>;
+    static auto *const logged = new std::set<QString>;
     const std::lock_guard lock(mutex);
-    if (said->insert(name + value).second)
-        qWarning("%s: \"%s\" makes no sense and is passed over", name, qPrintable(value));
+    if (logged->insert(name + value).second)
+        qWarning("%s: \"%s\" is invalid and ignored", name, qPrintable(value));
 }
 
 }  // namespace
 
-double number(const char *name, double fallback, double low, double high) {
+double number(const char *name, double fallback, double min, double max) {
     const QString value = text(name);
     if (value.isEmpty())
         return fallback;
     bool ok = false;
     const double result = value.toDouble(&ok);
     if (!ok || !std::isfinite(result)) {
-        complain(name, value);
+        warnOnce(name, value);
         return fallback;
     }
-    return std::clamp(result, low, high);
+    return std::clamp(result, min, max);
 }
 
-int integer(const char *name, int fallback, int low, int high) {
-    return static_cast<int>(number(name, fallback, low, high));
+int integer(const char *name, int fallback, int min, int max) {
+    return static_cast<int>(number(name, fallback, min, max));
 }
 
 int anyInteger(const char *name) {
@@ -52,7 +55,7 @@ std::set<std::string> words(const char *name, std::initializer_list<std::string_
         if (std::find(known.begin(), known.end(), word.toStdString()) != known.end())
             result.insert(word.toStdString());
         else
-            complain(name, word);
+            warnOnce(name, word);
     }
     return result;
 }
@@ -66,13 +69,13 @@ std::optional<Size> size(const char *name) {
     if (widthOk && heightOk && sides.size() == 2)
         return size;
     if (!value.isEmpty())
-        complain(name, value);
+        warnOnce(name, value);
     return std::nullopt;
 }
 
-Size size(const char *name, Size fallback, int low, int high) {
-    const Size size = environment::size(name).value_or(fallback);
-    return {std::clamp(size.width, low, high), std::clamp(size.height, low, high)};
+Size imageSize(const char *name, Size fallback) {
+    const Size image = size(name).value_or(fallback);
+    return {std::clamp(image.width, minImageSide, maxImageSide), std::clamp(image.height, minImageSide, maxImageSide)};
 }
 
 }  // namespace sim::environment

@@ -7,29 +7,29 @@
 #include <string>
 #include <string_view>
 
-/// How a simulated vendor library is told what to do: nobody passes it a command line, so by the environment.
+/// Reads the options of a simulated vendor library from environment variables, because a library has no command line.
 ///
-/// A value that makes no sense is reported in the log and counts as absent.
+/// An invalid value is logged, once for each value, and treated as not set. Any thread may call these functions.
 namespace sim::environment {
 
-/// A whole or decimal number, brought into `low`..`high`.
-double number(const char *name, double fallback, double low, double high);
-int integer(const char *name, int fallback, int low, int high);
-/// Of any size; 0 when absent.
+/// Returns the number, clamped to `min`..`max`, or `fallback` if it is not set.
+double number(const char *name, double fallback, double min, double max);
+int integer(const char *name, int fallback, int min, int max);
+/// Returns any integer; 0 if it is not set.
 int anyInteger(const char *name);
 
 QString text(const char *name);
 
-/// Words joined by commas, each one of `known`.
+/// Returns the words of a comma-separated list. Words that are not in `known` are invalid.
 std::set<std::string> words(const char *name, std::initializer_list<std::string_view> known);
 
 struct Size {
     int width = 0;
     int height = 0;
 };
-/// "WxH", of any sign and size.
+/// Parses "WxH", where both numbers may be negative or 0.
 std::optional<Size> size(const char *name);
-/// The same with each side brought into `low`..`high`.
-Size size(const char *name, Size fallback, int low, int high);
+/// Returns the size of a camera image with each side clamped to 16..8192, or `fallback` if it is not set.
+Size imageSize(const char *name, Size fallback);
 
 }  // namespace sim::environment

@@ -9,7 +9,7 @@ namespace {
 SubjectOptions optionsFromEnvironment() {
     SubjectOptions options;
     options.seed = static_cast<std::uint64_t>(environment::number("OCELA_SIM_SEED", 1, 0, 0x1p53));
-    options.blinkInterval = environment::number("OCELA_SIM_BLINK_INTERVAL", options.blinkInterval, 0, 3600);
+    options.blinkInterval_s = environment::number("OCELA_SIM_BLINK_INTERVAL", options.blinkInterval_s, 0, 3600);
     options.setup.distance_cm = environment::number("OCELA_SIM_DISTANCE", options.setup.distance_cm, 20, 150);
     return options;
 }

@@ -7,9 +7,9 @@
 
 namespace sim {
 
-/// The simulated person as a device in real time sees them, from any of its threads.
+/// The simulated person in real time, for a device with several threads. Thread-safe.
 ///
-/// Who it is, OCELA_SIM_SEED, OCELA_SIM_BLINK_INTERVAL and OCELA_SIM_DISTANCE tell at construction.
+/// The constructor reads OCELA_SIM_SEED, OCELA_SIM_BLINK_INTERVAL and OCELA_SIM_DISTANCE.
 class Person {
 public:
     Person();

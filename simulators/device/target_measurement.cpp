@@ -12,15 +12,15 @@ void TargetMeasurement::add(const EyeState &eyes) {
 }
 
 void TargetMeasurement::Sums::add(Point difference) {
-    ++samples;
+    ++sampleCount;
     offset = offset + difference;
     squares += difference.x * difference.x + difference.y * difference.y;
 }
 
 TargetMeasurement::Result TargetMeasurement::Sums::result() const {
-    if (samples == 0)
+    if (sampleCount == 0)
         return {};
-    return {samples, offset * (1.0 / samples), std::sqrt(squares / samples)};
+    return {sampleCount, offset * (1.0 / sampleCount), std::sqrt(squares / sampleCount)};
 }
 
 }  // namespace sim

@@ -4,7 +4,7 @@
 
 namespace sim {
 
-/// What was seen of the two eyes while the person was to look at one target.
+/// Measures the gaze of both eyes while the person looks at one target.
 class TargetMeasurement {
 public:
     explicit TargetMeasurement(Point target) : target_(target) {}
@@ -12,16 +12,16 @@ public:
     void add(const EyeState &eyes);
 
     struct Result {
-        int samples = 0;   ///< those with the eye open; without any the rest is 0
-        Point offset;      ///< of the mean gaze from the target, in fractions of the screen
-        double error = 0;  ///< root mean square distance from the target, likewise
+        int sampleCount = 0;  ///< samples with a visible eye; if 0, the other fields are 0, too
+        Point offset;         ///< of the mean gaze from the target, in fractions of the screen
+        double error = 0;     ///< root mean square distance from the target, in fractions of the screen
     };
     [[nodiscard]] Result left() const { return left_.result(); }
     [[nodiscard]] Result right() const { return right_.result(); }
 
 private:
     struct Sums {
-        int samples = 0;
+        int sampleCount = 0;
         Point offset;
         double squares = 0;
 

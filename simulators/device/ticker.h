@@ -6,14 +6,14 @@
 
 namespace sim {
 
-/// A thread of a device's own that does its work at an even rate, from at once until the work returns false or the
-/// Ticker is destroyed.
+/// A thread that calls a function at a constant rate. It starts immediately and stops when the function returns false
+/// or the Ticker is destroyed.
 ///
-/// The destructor waits for work that is going on, but from within the work itself it only says that this was the last
-/// time. No lock is held while working. What was missed by a delay is made up for, unless the delay was long.
+/// The destructor waits for a running call, except when the call itself destroys the Ticker. No lock is held during a
+/// call. After a delay, the calls missed in the last 20 ms are made up for.
 class Ticker {
 public:
-    Ticker(double hertz, std::function<bool()> work);
+    Ticker(double rateHz, std::function<bool()> work);
     ~Ticker();
 
     Ticker(const Ticker &) = delete;
@@ -22,7 +22,7 @@ public:
 private:
     struct Stop;
 
-    std::shared_ptr<Stop> stop_;  // the thread's, too: it may outlive a Ticker that is destroyed from within
+    std::shared_ptr<Stop> stop_;  // shared with the thread, which may outlive the Ticker
     std::thread thread_;
 };
 

@@ -8,14 +8,14 @@
 
 namespace sim::eyetech {
 
-/// Whether the devices are plugged in, which depends on the clock and on a file that a test makes and removes.
-/// Callable from any thread.
+/// The connection of the devices. They are unplugged after a time, or while a file exists that a test creates and
+/// removes. Thread-safe.
 class Cable {
 public:
     void setOptions(const Options &options);
-    /// The first start of a device; the time until it is unplugged counts from then.
+    /// Starts the time until the devices are unplugged. Only the first call has an effect.
     void deviceStarted();
-    bool pluggedIn();
+    [[nodiscard]] bool pluggedIn();
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -23,7 +23,7 @@ private:
     [[nodiscard]] bool unpluggedByTime() const;
 
     const Clock::time_point loaded_ = Clock::now();
-    std::mutex mutex_;  // guards what follows
+    std::mutex mutex_;  // guards the members below
     Options options_;
     std::optional<Clock::time_point> started_;
 };

@@ -2,7 +2,8 @@
 
 #include "device/target_measurement.h"
 #include "eyetech/options.h"
-#include "trackers/eyetech/quicklink2.h"
+#include "eyetech/results.h"
+#include "trackers/eyetech/sdk/quicklink2.h"
 
 #include <array>
 #include <chrono>
@@ -12,29 +13,29 @@
 
 namespace sim::eyetech {
 
-/// A calibration: its targets, the one that is being measured, and how well each one was hit.
+/// A calibration: its targets, the running measurement, and the scores.
 ///
-/// Callable from any thread: the program asks, the device's thread brings what it sees.
+/// Thread-safe: the program calls it, and the thread of the device calls observe().
 class Calibration {
 public:
     using Clock = std::chrono::steady_clock;
-    using Eyes = std::array<Point, 2>;  ///< of the left and the right eye
+    using Eyes = std::array<Point, 2>;  ///< left, right
 
-    /// Begins anew for `device` with the targets of `type`; false for a type that there is not.
-    bool initialize(int device, int type, const Options &options);
+    /// Resets the calibration for `device`, with the targets of `type`. Returns false for an unknown type.
+    [[nodiscard]] bool initialize(int device, int type, const Options &options);
     [[nodiscard]] int device() const;
-    [[nodiscard]] std::vector<QLTarget> targets() const;
+    [[nodiscard]] std::vector<quicklink2::QLTarget> targets() const;
 
-    /// Measures a target from now on for `duration`; where it is on the screen goes to `place`.
-    int begin(int target, Clock::duration duration, Point *place);
+    /// Starts measuring a target for `duration`. Returns its position on the screen.
+    [[nodiscard]] Answer<Point> start(int target, Clock::duration duration);
     void observe(const EyeState &eyes);
     void cancel();
 
-    /// A TargetStatus; nothing for an unknown target.
-    std::optional<int> status(int target);
-    int score(int target, int eye, QLScore *score);
-    /// All targets are done.
-    bool complete();
+    /// Returns a TargetStatus, or nothing for an unknown target.
+    [[nodiscard]] std::optional<int> status(int target);
+    [[nodiscard]] Answer<quicklink2::QLScore> score(int target, int eye);
+    /// Returns true if all targets are done.
+    [[nodiscard]] bool complete();
 
     void addBias(int eye, Point percent);
     [[nodiscard]] Eyes bias() const;
@@ -43,16 +44,16 @@ public:
     Calibration(const Calibration &other);
     Calibration &operator=(const Calibration &) = delete;
 
-    /// A text file: a title, then a line for each target.
+    /// The file is text: a title, and a line for each target.
     [[nodiscard]] bool save(const QString &path) const;
-    bool load(const QString &path);
+    [[nodiscard]] bool load(const QString &path);
 
 private:
     struct Target {
-        QLTarget place{};
+        quicklink2::QLTarget place{};
         int status = 0;
-        int attempts = 0;
-        std::array<QLScore, 2> scores{};
+        int attemptCount = 0;
+        std::array<quicklink2::QLScore, 2> scores{};
     };
     struct Run {
         int target = 0;
@@ -69,8 +70,8 @@ private:
     };
 
     [[nodiscard]] State state() const;
-    void endRunWhenDue();
-    [[nodiscard]] bool spoilt(const Target &target) const;
+    void finishDueRun();
+    [[nodiscard]] bool fails(const Target &target) const;
     std::vector<Target>::iterator find(int target);
 
     mutable std::mutex mutex_;

@@ -1,5 +1,4 @@
 #include "eyetech/calibration.h"
-#include "eyetech/results.h"
 
 #include <QFile>
 #include <QSaveFile>
@@ -9,14 +8,14 @@ namespace sim::eyetech {
 
 namespace {
 
-constexpr char kTitle[] = "simulated calibration 1";
-constexpr std::size_t kMostTargets = 20;
+constexpr char title[] = "simulated calibration 1";
+constexpr std::size_t maxTargetCount = 20;
 
-QTextStream &operator<<(QTextStream &stream, const QLScore &score) {
+QTextStream &operator<<(QTextStream &stream, const quicklink2::QLScore &score) {
     return stream << ' ' << score.x << ' ' << score.y << ' ' << score.score;
 }
 
-QTextStream &operator>>(QTextStream &stream, QLScore &score) {
+QTextStream &operator>>(QTextStream &stream, quicklink2::QLScore &score) {
     return stream >> score.x >> score.y >> score.score;
 }
 
@@ -27,7 +26,7 @@ bool Calibration::save(const QString &path) const {
     if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
         return false;
     QTextStream stream(&file);
-    stream << kTitle << '\n';
+    stream << title << '\n';
     for (const Target &target : state().targets) {
         stream << target.place.id << ' ' << target.place.x << ' ' << target.place.y << ' ' << target.status
                << target.scores[0] << target.scores[1] << '\n';
@@ -41,10 +40,10 @@ bool Calibration::load(const QString &path) {
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
         return false;
     QTextStream stream(&file);
-    if (stream.readLine(sizeof kTitle) != kTitle)
+    if (stream.readLine(sizeof title) != title)
         return false;
     State state;
-    while (state.targets.size() < kMostTargets) {
+    while (state.targets.size() < maxTargetCount) {
         Target target;
         stream >> target.place.id >> target.place.x >> target.place.y >> target.status >> target.scores[0] >>
             target.scores[1];

@@ -6,65 +6,64 @@
 #include "eyetech/cable.h"
 #include "eyetech/calibration.h"
 #include "eyetech/options.h"
-#include "eyetech/settings.h"
-#include "trackers/eyetech/quicklink2.h"
+#include "eyetech/results.h"
+#include "trackers/eyetech/sdk/quicklink2.h"
 
 #include <condition_variable>
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <mutex>
 
 namespace sim::eyetech {
 
-/// One tracker. Looks at the person on a thread of its own while it runs; a picture is painted only for a frame that
-/// somebody takes, by the one who takes it. Callable from any thread.
+/// One tracker. While it runs, a separate thread observes the person. frame() paints the image in the caller's thread,
+/// so frames that no program takes need little CPU time. Thread-safe.
 class Device {
 public:
-    /// The two outlive the device.
-    Device(Person *person, Cable *cable);
+    /// `person` and `cable` must outlive the device.
+    Device(Person &person, Cable &cable);
 
-    int start(const Options &options);
-    int stop();
-    /// As QLDevice_GetStatus tells it.
-    int status();
+    [[nodiscard]] int start(const Options &options);
+    void stop();
+    /// Returns a status of QLDevice_GetStatus.
+    [[nodiscard]] int status();
 
-    /// Waits for a frame that nobody has taken. Its image is gone with the next frame.
-    int frame(int waitMs, QLFrameRecord *record);
+    /// Waits up to `waitMs` for a new frame. The next call frees the image of the frame.
+    [[nodiscard]] Answer<quicklink2::QLFrameRecord> frame(int waitMs);
 
-    /// Shows what it sees to `calibration` from now on.
+    /// Passes all further samples to `calibration`.
     void calibrate(const std::shared_ptr<Calibration> &calibration);
     void applyBias(const Calibration::Eyes &bias);
     [[nodiscard]] bool running();
 
 private:
-    struct Shot {
+    struct Sample {
         EyeState eyes;
         Options options;
     };
 
     bool tick();
-    bool lookAtCable();
-    int awaitShot(int waitMs, Shot *shot);
-    QLFrameRecord takePicture(const Shot &shot);
+    bool checkCable();
+    [[nodiscard]] Answer<Sample> nextSample(int waitMs);
+    [[nodiscard]] quicklink2::QLFrameRecord makeFrame(const Sample &sample);
 
-    Person *person_;
-    Cable *cable_;
+    Person &person_;
+    Cable &cable_;
 
-    std::mutex mutex_;  // guards what follows
+    std::mutex mutex_;  // guards the members up to bias_
     std::condition_variable changed_;
     Options options_;
     bool running_ = false;
     std::unique_ptr<Ticker> ticker_;
     EyeState eyes_;
-    std::int64_t seen_ = 0;   // frames since the start
-    std::int64_t taken_ = 0;  // the latest one that was taken
+    std::int64_t lastFrame_ = 0;       // frames since the start
+    std::int64_t lastTakenFrame_ = 0;  // number of the last frame that a program took
     std::shared_ptr<Calibration> calibration_;
     Calibration::Eyes bias_;
 
-    std::mutex pictureMutex_;  // guards what follows
+    std::mutex imageMutex_;  // guards the members below
     std::unique_ptr<Camera> camera_;
-    std::unique_ptr<unsigned char[]> picture_;
+    std::unique_ptr<unsigned char[]> image_;
 };
 
 }  // namespace sim::eyetech

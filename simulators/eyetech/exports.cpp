@@ -1,6 +1,6 @@
 #include "eyetech/library.h"
 
-// The library's entry points: each one is the operation of the same name.
+// Each entry point calls the function of the same name.
 #define OCELA_EXPORT(name, parameters, arguments)                \
     extern "C" int name parameters {                             \
         return sim::eyetech::Library::instance().name arguments; \

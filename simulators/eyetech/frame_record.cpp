@@ -6,54 +6,63 @@ namespace sim::eyetech {
 
 namespace {
 
-constexpr float kFocus = 0.8F;
+namespace at = quicklink2::frame_record;
 
-template <typename T>
-void put(QLFrameRecord *record, int offset, T value) {
-    std::memcpy(record->bytes + offset, &value, sizeof value);
-}
+constexpr float focus = 0.8F;
 
-void putPoint(QLFrameRecord *record, int offset, Point point, double xUnit, double yUnit) {
-    put(record, offset, static_cast<float>(point.x * xUnit));
-    put(record, offset + 4, static_cast<float>(point.y * yUnit));
-}
+/// Writes the fields of a record.
+class Writer {
+public:
+    template <typename T>
+    void put(int offset, T value) {
+        std::memcpy(record_.bytes + offset, &value, sizeof value);
+    }
 
-void putPercent(QLFrameRecord *record, int offset, Point point) {
-    putPoint(record, offset, point, 100, 100);
-}
+    void putPoint(int offset, Point point, double width, double height) {
+        put(offset, static_cast<float>(point.x * width));
+        put(offset + 4, static_cast<float>(point.y * height));
+    }
 
-void putEye(QLFrameRecord *record, int block, const Eye &eye, int cameraWidth, int cameraHeight) {
-    if (!eye.visible)
-        return;
-    put(record, block + frame_record::eyeFound, true);
-    put(record, block + frame_record::eyePupil_mm, static_cast<float>(eye.pupil_mm));
-    putPoint(record, block + frame_record::eyePupilCentre, eye.pupilCentre, cameraWidth, cameraHeight);
-    putPercent(record, block + frame_record::eyeGaze, eye.gaze);
-}
+    void putPercent(int offset, Point point) { putPoint(offset, point, 100, 100); }
 
-/// The gaze of both eyes weighted alike, or that of the one that is seen.
-void putCombined(QLFrameRecord *record, const EyeState &eyes) {
-    const double left = eyes.left.visible ? 1 : 0;
-    const double right = eyes.right.visible ? 1 : 0;
-    if (left + right == 0)
-        return;
-    put(record, frame_record::gazeValid, true);
-    putPercent(record, frame_record::gaze, (eyes.left.gaze * left + eyes.right.gaze * right) * (1 / (left + right)));
-    put(record, frame_record::focus, kFocus);
-    put(record, frame_record::distance_cm, static_cast<float>(eyes.distance_cm));
-}
+    void putEye(int block, const Eye &eye, environment::Size cameraSize) {
+        if (!eye.visible)
+            return;
+        put(block + at::eyeFound, true);
+        put(block + at::eyePupil_mm, static_cast<float>(eye.pupil_mm));
+        putPoint(block + at::eyePupilCentre, eye.pupilCentre, cameraSize.width, cameraSize.height);
+        putPercent(block + at::eyeGaze, eye.gaze);
+    }
+
+    /// Writes the mean gaze of the visible eyes.
+    void putCombined(const EyeState &eyes) {
+        const double left = eyes.left.visible ? 1 : 0;
+        const double right = eyes.right.visible ? 1 : 0;
+        if (left + right == 0)
+            return;
+        put(at::gazeValid, true);
+        putPercent(at::gaze, (eyes.left.gaze * left + eyes.right.gaze * right) * (1 / (left + right)));
+        put(at::focus, focus);
+        put(at::distance_cm, static_cast<float>(eyes.distance_cm));
+    }
+
+    [[nodiscard]] const quicklink2::QLFrameRecord &record() const { return record_; }
+
+private:
+    quicklink2::QLFrameRecord record_{};
+};
 
 }  // namespace
 
-QLFrameRecord makeFrameRecord(const EyeState &eyes, const FrameImage &image, int cameraWidth, int cameraHeight) {
-    QLFrameRecord record{};
-    put(&record, frame_record::imagePixels, image.pixels);
-    put(&record, frame_record::imageWidth, image.width);
-    put(&record, frame_record::imageHeight, image.height);
-    putEye(&record, frame_record::leftEye, eyes.left, cameraWidth, cameraHeight);
-    putEye(&record, frame_record::rightEye, eyes.right, cameraWidth, cameraHeight);
-    putCombined(&record, eyes);
-    return record;
+quicklink2::QLFrameRecord makeFrameRecord(const EyeState &eyes, const FrameImage &image, environment::Size cameraSize) {
+    Writer writer;
+    writer.put(at::imagePixels, image.pixels);
+    writer.put(at::imageWidth, image.width);
+    writer.put(at::imageHeight, image.height);
+    writer.putEye(at::leftEye, eyes.left, cameraSize);
+    writer.putEye(at::rightEye, eyes.right, cameraSize);
+    writer.putCombined(eyes);
+    return writer.record();
 }
 
 }  // namespace sim::eyetech

@@ -8,7 +8,7 @@ namespace sim::eyetech {
 
 namespace {
 
-constexpr char kVersion[] = "simulated 1";
+constexpr char version[] = "simulated 1";
 
 }  // namespace
 
@@ -20,9 +20,9 @@ Library &Library::instance() {
 int Library::QLAPI_GetVersion(int size, char *buffer) {
     if (buffer == nullptr)
         return BadArgument;
-    if (size < static_cast<int>(sizeof kVersion))
+    if (size < static_cast<int>(sizeof version))
         return BufferTooSmall;
-    std::memcpy(buffer, kVersion, sizeof kVersion);
+    std::memcpy(buffer, version, sizeof version);
     return Ok;
 }
 

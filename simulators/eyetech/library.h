@@ -5,8 +5,9 @@
 #include "eyetech/calibration.h"
 #include "eyetech/device.h"
 #include "eyetech/options.h"
+#include "eyetech/results.h"
 #include "eyetech/settings.h"
-#include "trackers/eyetech/quicklink2.h"
+#include "trackers/eyetech/sdk/quicklink2.h"
 
 #include <array>
 #include <map>
@@ -16,10 +17,10 @@
 
 namespace sim::eyetech {
 
-/// The library behind its entry points, each of which has its operation here under its name: what there is of
-/// devices, groups, settings and calibrations, by their ids. Callable from any thread.
+/// The simulated library: its devices, groups, settings and calibrations by their ids. Each entry point calls the
+/// function of the same name. Thread-safe.
 ///
-/// There is one, and it is never destroyed, because its threads may live as long as the process.
+/// The only instance is never destroyed, because its threads may run until the process ends.
 class Library {
 public:
     static Library &instance();
@@ -29,9 +30,9 @@ public:
 #undef OCELA_DECLARE
 
 private:
-    /// A device with what programs leave with it.
+    /// A device with its settings and indicators.
     struct Unit {
-        Unit(Person *person, Cable *cable);
+        Unit(Person &person, Cable &cable);
 
         Device device;
         Settings settings;
@@ -41,25 +42,29 @@ private:
     Library() = default;
 
     [[nodiscard]] Options options();
+    /// Returns null if there is no such device.
     Unit *unit(int device);
+    /// Returns null if there is no such calibration.
     std::shared_ptr<Calibration> calibration(int id);
     static int listDevices(const std::set<int> &ids, int *count, int *devices);
-    int addCalibration(const std::shared_ptr<Calibration> &calibration, int *id);
+    /// Returns the id of the calibration.
+    int addCalibration(const std::shared_ptr<Calibration> &calibration);
 
     int setValue(int settings, const char *name, const QVariant &value);
     template <typename T>
     int getValue(int settings, const char *name, T *value);
     template <typename T>
     int getBytes(int settings, const char *name, int size, void *value);
-    int findValue(int settings, const char *name, QVariant *value);
+    [[nodiscard]] Answer<QVariant> findValue(int settings, const char *name);
+    /// Returns null if there is no such container.
     Settings *container(int settings);
     static int transfer(const Settings *from, Settings *to);
 
     Person person_;
     Cable cable_;
-    std::array<Unit, 2> units_{Unit(&person_, &cable_), Unit(&person_, &cable_)};
+    std::array<Unit, 2> units_{Unit(person_, cable_), Unit(person_, cable_)};
 
-    std::mutex mutex_;  // guards what follows, and the units' settings and indicators
+    std::mutex mutex_;  // guards the members below, and the settings and indicators of the units
     Options options_ = Options::fromEnvironment();
     int lastId_ = 0;
     std::map<int, std::set<int>> groups_;  // of devices

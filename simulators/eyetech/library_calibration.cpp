@@ -10,10 +10,10 @@ namespace sim::eyetech {
 
 namespace {
 
-constexpr int kDistractedTarget = 2;
-constexpr Point kDistraction{-0.15, 0.1};
-constexpr int kAbsurdTargetCount = 30;
-constexpr auto kBlockingPoll = std::chrono::milliseconds(10);
+constexpr int distractedTarget = 2;
+constexpr Point distraction{-0.15, 0.1};
+constexpr int excessiveTargetCount = 30;
+constexpr auto blockingPollInterval = std::chrono::milliseconds(10);
 
 }  // namespace
 
@@ -23,18 +23,20 @@ std::shared_ptr<Calibration> Library::calibration(int id) {
     return found != calibrations_.end() ? found->second : nullptr;
 }
 
-int Library::addCalibration(const std::shared_ptr<Calibration> &calibration, int *id) {
+int Library::addCalibration(const std::shared_ptr<Calibration> &calibration) {
     const std::lock_guard lock(mutex_);
-    *id = ++lastId_;
-    calibrations_[*id] = calibration;
-    return Ok;
+    calibrations_[++lastId_] = calibration;
+    return lastId_;
 }
 
 int Library::QLCalibration_Load(const char *path, int *calibration) {
     if (path == nullptr || calibration == nullptr)
         return BadArgument;
     const auto loaded = std::make_shared<Calibration>();
-    return loaded->load(QString::fromLocal8Bit(path)) ? addCalibration(loaded, calibration) : FileError;
+    if (!loaded->load(QString::fromLocal8Bit(path)))
+        return FileError;
+    *calibration = addCalibration(loaded);
+    return Ok;
 }
 
 int Library::QLCalibration_Save(const char *path, int calibration) {
@@ -46,14 +48,15 @@ int Library::QLCalibration_Save(const char *path, int calibration) {
     return saved->save(QString::fromLocal8Bit(path)) ? Ok : FileError;
 }
 
-/// A new one, or a copy of `source` if that is not 0.
+/// Creates an empty calibration, or a copy of `source` if that is not 0.
 int Library::QLCalibration_Create(int source, int *calibration) {
     if (calibration == nullptr)
         return BadArgument;
-    if (source == 0)
-        return addCalibration(std::make_shared<Calibration>(), calibration);
-    const auto original = this->calibration(source);
-    return original ? addCalibration(std::make_shared<Calibration>(*original), calibration) : UnknownCalibration;
+    const auto original = source == 0 ? std::make_shared<Calibration>() : this->calibration(source);
+    if (!original)
+        return UnknownCalibration;
+    *calibration = addCalibration(std::make_shared<Calibration>(*original));
+    return Ok;
 }
 
 int Library::QLCalibration_Initialize(int device, int calibration, int type) {
@@ -63,14 +66,14 @@ int Library::QLCalibration_Initialize(int device, int calibration, int type) {
     return unit(device) != nullptr && found->initialize(device, type, options()) ? Ok : BadArgument;
 }
 
-int Library::QLCalibration_GetTargets(int calibration, int *count, QLTarget *targets) {
+int Library::QLCalibration_GetTargets(int calibration, int *count, quicklink2::QLTarget *targets) {
     const auto found = this->calibration(calibration);
     if (!found)
         return UnknownCalibration;
     if (count == nullptr || targets == nullptr)
         return BadArgument;
-    const std::vector<QLTarget> places = found->targets();
-    const int needed = options().has("small-target-buffer") ? kAbsurdTargetCount : static_cast<int>(places.size());
+    const std::vector<quicklink2::QLTarget> places = found->targets();
+    const int needed = options().has("small-target-buffer") ? excessiveTargetCount : static_cast<int>(places.size());
     if (std::exchange(*count, needed) < needed)
         return BufferTooSmall;
     std::copy(places.begin(), places.end(), targets);
@@ -87,32 +90,37 @@ int Library::QLCalibration_Calibrate(int calibration, int target, int millisecon
         return BadArgument;
     if (!measuring->device.running())
         return NotRunning;
-    Point place;
-    if (const int result = found->begin(target, std::chrono::milliseconds(milliseconds), &place); result != Ok)
-        return result;
-    const bool distracted = target == kDistractedTarget && options().has("distracted");
-    person_.lookAt(place + (distracted ? kDistraction : Point()));
+    const Answer<Point> place = found->start(target, std::chrono::milliseconds(milliseconds));
+    if (place.result != Ok)
+        return place.result;
+    const bool distracted = target == distractedTarget && options().has("distracted");
+    person_.lookAt(place.value + (distracted ? distraction : Point()));
     measuring->device.calibrate(found);
     while (block && found->status(target) == TargetStatus::Running)
-        std::this_thread::sleep_for(kBlockingPoll);
+        std::this_thread::sleep_for(blockingPollInterval);
     return Ok;
 }
 
-int Library::QLCalibration_GetScoring(int calibration, int target, int eye, QLScore *score) {
+int Library::QLCalibration_GetScoring(int calibration, int target, int eye, quicklink2::QLScore *score) {
     const auto found = this->calibration(calibration);
     if (!found)
         return UnknownCalibration;
-    return score != nullptr ? found->score(target, eye, score) : BadArgument;
+    if (score == nullptr)
+        return BadArgument;
+    const Answer<quicklink2::QLScore> answer = found->score(target, eye);
+    if (answer.result == Ok)
+        *score = answer.value;
+    return answer.result;
 }
 
 int Library::QLCalibration_GetStatus(int calibration, int target, int *status) {
     const auto found = this->calibration(calibration);
     if (!found)
         return UnknownCalibration;
-    const auto told = found->status(target);
-    if (!told || status == nullptr)
+    const auto targetStatus = found->status(target);
+    if (!targetStatus || status == nullptr)
         return BadArgument;
-    *status = *told;
+    *status = *targetStatus;
     return Ok;
 }
 

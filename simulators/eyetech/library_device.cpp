@@ -7,19 +7,19 @@ namespace sim::eyetech {
 
 namespace {
 
-constexpr int kFirstDevice = 101;
-constexpr float kEyeRadius_cm = 1.2F;
+constexpr int firstDevice = 101;
+constexpr float eyeRadius_cm = 1.2F;
 
 }  // namespace
 
-Library::Unit::Unit(Person *person, Cable *cable) : device(person, cable) {
+Library::Unit::Unit(Person &person, Cable &cable) : device(person, cable) {
     for (const char *name : {"FrameRate", "ImageHeight", "ImageWidth"})
         settings.add(name);
 }
 
 Library::Unit *Library::unit(int device) {
-    const int index = device - kFirstDevice;
-    return index >= 0 && index < options().devices ? &units_[static_cast<std::size_t>(index)] : nullptr;
+    const int index = device - firstDevice;
+    return index >= 0 && index < options().deviceCount ? &units_[static_cast<std::size_t>(index)] : nullptr;
 }
 
 int Library::QLDevice_Enumerate(int *count, int *devices) {
@@ -32,16 +32,16 @@ int Library::QLDevice_Enumerate(int *count, int *devices) {
     if (options.enumerateError != Ok)
         return options.enumerateError;
     std::set<int> ids;
-    for (int i = 0; i < options.devices && cable_.pluggedIn(); ++i)
-        ids.insert(kFirstDevice + i);
+    for (int i = 0; i < options.deviceCount && cable_.pluggedIn(); ++i)
+        ids.insert(firstDevice + i);
     return listDevices(ids, count, devices);
 }
 
 int Library::listDevices(const std::set<int> &ids, int *count, int *devices) {
     if (count == nullptr)
         return BadArgument;
-    const int room = std::exchange(*count, static_cast<int>(ids.size()));
-    if (room < *count)
+    const int capacity = std::exchange(*count, static_cast<int>(ids.size()));
+    if (capacity < *count)
         return BufferTooSmall;
     if (!ids.empty() && devices == nullptr)
         return BadArgument;
@@ -49,7 +49,7 @@ int Library::listDevices(const std::set<int> &ids, int *count, int *devices) {
     return Ok;
 }
 
-int Library::QLDevice_GetInfo(int device, QLDeviceInfo *info) {
+int Library::QLDevice_GetInfo(int device, quicklink2::QLDeviceInfo *info) {
     if (unit(device) == nullptr || info == nullptr)
         return BadArgument;
     qstrncpy(info->modelName, "Simulated tracker", sizeof info->modelName);
@@ -97,7 +97,8 @@ int Library::QLDevice_Stop(int device) {
     if (found == nullptr)
         return BadArgument;
     person_.release();
-    return found->device.stop();
+    found->device.stop();
+    return Ok;
 }
 
 int Library::QLDevice_Stop_All() {
@@ -125,9 +126,14 @@ int Library::QLDevice_GetIndicator(int device, int type, int *mode) {
     return Ok;
 }
 
-int Library::QLDevice_GetFrame(int device, int waitMs, QLFrameRecord *frame) {
+int Library::QLDevice_GetFrame(int device, int waitMs, quicklink2::QLFrameRecord *frame) {
     Unit *const found = unit(device);
-    return found != nullptr && frame != nullptr ? found->device.frame(waitMs, frame) : BadArgument;
+    if (found == nullptr || frame == nullptr)
+        return BadArgument;
+    const Answer<quicklink2::QLFrameRecord> answer = found->device.frame(waitMs);
+    if (answer.result == Ok)
+        *frame = answer.value;
+    return answer.result;
 }
 
 int Library::QLDevice_ApplyCalibration(int device, int calibration) {
@@ -149,7 +155,7 @@ int Library::QLDevice_CalibrateEyeRadius(int device, float distance, float *left
         return BadArgument;
     if (!found->device.running())
         return NotRunning;
-    *left = *right = kEyeRadius_cm;
+    *left = *right = eyeRadius_cm;
     return Ok;
 }
 

@@ -36,8 +36,8 @@ int Library::QLDeviceGroup_Enumerate(int group, int *count, int *devices) {
     return found != groups_.end() ? listDevices(found->second, count, devices) : BadArgument;
 }
 
-/// One frame of each device of the group, in the order of their ids.
-int Library::QLDeviceGroup_GetFrame(int group, int waitMs, int *count, QLFrameRecord *frames) {
+/// Waits for one frame of each device of the group, in the order of their ids.
+int Library::QLDeviceGroup_GetFrame(int group, int waitMs, int *count, quicklink2::QLFrameRecord *frames) {
     std::array<int, 2> devices{};
     int members = static_cast<int>(devices.size());
     if (const int result = QLDeviceGroup_Enumerate(group, &members, devices.data()); result != Ok)

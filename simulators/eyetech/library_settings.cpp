@@ -3,13 +3,14 @@
 
 #include <QString>
 #include <cstring>
+#include <optional>
 #include <type_traits>
 
 namespace sim::eyetech {
 
 namespace {
 
-/// The type numbers of QLSettings_SetValue and QLSettings_GetValue, in the order of the functions for one type each.
+/// The types of QLSettings_SetValue and QLSettings_GetValue, in the order of their numbers.
 #define OCELA_SETTING_TYPES(X) \
     X(Int, int)                \
     X(Int8, std::int8_t)       \
@@ -45,22 +46,22 @@ QVariant stored(T value) {
         return static_cast<qulonglong>(value);
 }
 
-/// False when `value` is no T, or is one that does not fit.
+/// Returns nothing if `value` does not convert to T, or is out of its range.
 template <typename T>
-bool convert(const QVariant &value, T *result) {
+std::optional<T> convert(const QVariant &value) {
     if constexpr (std::is_pointer_v<T> || std::is_same_v<T, bool>) {
-        *result = value.value<T>();
-        return value.canConvert<T>();
+        return value.canConvert<T>() ? std::make_optional(value.value<T>()) : std::nullopt;
     } else {
         bool ok = false;
+        T result{};
         if constexpr (std::is_floating_point_v<T>)
-            *result = static_cast<T>(value.toDouble(&ok));
+            result = static_cast<T>(value.toDouble(&ok));
         else if constexpr (std::is_signed_v<T>)
-            *result = static_cast<T>(value.toLongLong(&ok));
+            result = static_cast<T>(value.toLongLong(&ok));
         else
-            *result = static_cast<T>(value.toULongLong(&ok));
-        const bool same = std::is_floating_point_v<T> || stored(*result).toString() == value.toString();
-        return ok && same;
+            result = static_cast<T>(value.toULongLong(&ok));
+        const bool inRange = std::is_floating_point_v<T> || stored(result).toString() == value.toString();
+        return ok && inRange ? std::make_optional(result) : std::nullopt;
     }
 }
 
@@ -85,7 +86,7 @@ int Library::transfer(const Settings *from, Settings *to) {
     return Ok;
 }
 
-/// Into the container that `settings` tells, or a new one; a file that cannot be read leaves it as it is.
+/// Loads into the container `settings`, or into a new one if there is no such container.
 int Library::QLSettings_Load(const char *path, int *settings) {
     if (path == nullptr || settings == nullptr)
         return BadArgument;
@@ -102,7 +103,7 @@ int Library::QLSettings_Save(const char *path, int settings) {
     return path != nullptr && container(settings)->save(QString::fromLocal8Bit(path)) ? Ok : FileError;
 }
 
-/// An empty one, or a copy of `source` if that is not 0.
+/// Creates an empty container, or a copy of `source` if that is not 0.
 int Library::QLSettings_Create(int source, int *settings) {
     if (settings == nullptr)
         return BadArgument;
@@ -140,26 +141,26 @@ int Library::setValue(int settings, const char *name, const QVariant &value) {
     return Ok;
 }
 
-int Library::findValue(int settings, const char *name, QVariant *value) {
+Answer<QVariant> Library::findValue(int settings, const char *name) {
     const std::lock_guard lock(mutex_);
     const Settings *const found = container(settings);
     if (found == nullptr)
-        return UnknownSettings;
-    *value = name != nullptr ? found->value(name) : QVariant();
-    return value->isValid() ? Ok : NotFound;
+        return {UnknownSettings};
+    const QVariant value = name != nullptr ? found->value(name) : QVariant();
+    return {value.isValid() ? Ok : NotFound, value};
 }
 
 template <typename T>
 int Library::getValue(int settings, const char *name, T *value) {
-    QVariant found;
     if (value == nullptr)
         return BadArgument;
-    if (const int result = findValue(settings, name, &found); result != Ok)
-        return result;
-    T converted{};
-    if (!convert(found, &converted))
+    const Answer<QVariant> found = findValue(settings, name);
+    if (found.result != Ok)
+        return found.result;
+    const auto converted = convert<T>(found.value);
+    if (!converted)
         return WrongType;
-    *value = converted;
+    *value = *converted;
     return Ok;
 }
 
@@ -183,26 +184,26 @@ int Library::QLSettings_SetValueString(int settings, const char *name, const cha
 }
 
 int Library::QLSettings_GetValueString(int settings, const char *name, int size, char *value) {
-    QVariant found;
-    if (const int result = findValue(settings, name, &found); result != Ok)
-        return result;
+    const Answer<QVariant> found = findValue(settings, name);
+    if (found.result != Ok)
+        return found.result;
     if (value == nullptr)
         return BadArgument;
-    const QByteArray text = found.toString().toUtf8();
+    const QByteArray text = found.value.toString().toUtf8();
     if (size <= text.size())
         return BufferTooSmall;
     std::memcpy(value, text.constData(), static_cast<std::size_t>(text.size()) + 1);
     return Ok;
 }
 
-/// With the zero at the end.
+/// The size includes the terminating NUL.
 int Library::QLSettings_GetValueStringSize(int settings, const char *name, int *size) {
-    QVariant found;
-    if (const int result = findValue(settings, name, &found); result != Ok)
-        return result;
+    const Answer<QVariant> found = findValue(settings, name);
+    if (found.result != Ok)
+        return found.result;
     if (size == nullptr)
         return BadArgument;
-    *size = found.toString().toUtf8().size() + 1;
+    *size = found.value.toString().toUtf8().size() + 1;
     return Ok;
 }
 

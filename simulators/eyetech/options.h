@@ -6,11 +6,11 @@
 
 namespace sim::eyetech {
 
-/// What the environment variables OCELA_SIM_EYETECH_* ask of the library; docs/devices.md tells what each one does.
+/// The options in the environment variables OCELA_SIM_EYETECH_*, which docs/simulators.md describes.
 struct Options {
     static Options fromEnvironment();
 
-    int devices = 1;
+    int deviceCount = 1;
     double appearAfter_s = 0;
     double unplugAfter_s = 0;  ///< 0: never
     double replugAfter_s = 0;  ///< 0: never
@@ -19,9 +19,9 @@ struct Options {
     int statusError = 0;
     int startError = 0;
     int frameBlocksMs = 0;
-    double rate = 60;
+    double rateHz = 60;
     environment::Size image{2048, 1080};
-    std::optional<environment::Size> toldImage;
+    std::optional<environment::Size> reportedImage;  ///< instead of the real size
     std::set<std::string> faults;
 
     [[nodiscard]] bool has(const char *fault) const { return faults.count(fault) > 0; }

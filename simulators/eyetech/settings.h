@@ -6,8 +6,8 @@
 
 namespace sim::eyetech {
 
-/// A container of settings: values by name. Numbers are kept in the widest type of their kind; a name that was added
-/// without a value has an invalid one.
+/// A container of settings: values by name. Numbers are stored in the widest type of their kind. A setting that was
+/// added without a value has an invalid QVariant.
 class Settings {
 public:
     void add(const QString &name);
@@ -16,12 +16,12 @@ public:
     [[nodiscard]] bool contains(const QString &name) const { return values_.contains(name); }
     [[nodiscard]] QVariant value(const QString &name) const { return values_.value(name); }
 
-    /// Takes over all that `other` holds.
+    /// Adds the settings of `other`, and replaces those of the same name.
     void merge(const Settings &other);
 
-    /// A text file, "name = value" on each line; all that is loaded is text at first. Lines of another form are passed
-    /// over, pointers are not saved.
-    bool load(const QString &path);
+    /// The file is text, with "name = value" on each line. Loaded values are text, and other lines are ignored.
+    /// Pointers are not saved.
+    [[nodiscard]] bool load(const QString &path);
     [[nodiscard]] bool save(const QString &path) const;
 
 private:

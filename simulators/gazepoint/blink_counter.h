@@ -6,17 +6,17 @@
 
 namespace sim::gazepoint {
 
-/// Counts blinks: short times in which neither eye is seen.
+/// Counts blinks: short losses of both eyes.
 class BlinkCounter {
 public:
-    /// `seconds` on a clock that never starts again.
+    /// Takes one sample. `seconds` must not decrease from call to call, not even after a calibration.
     Blink add(double seconds, bool anyEyeSeen);
 
 private:
     bool closed_ = false;
-    double closedSince_ = 0;
+    double closedSince_s_ = 0;
     int lastId_ = 0;
-    std::deque<double> recent_;  // ends of the blinks within the last minute
+    std::deque<double> recentEnds_s_;  // of the blinks in the last minute
 };
 
 }  // namespace sim::gazepoint

@@ -8,38 +8,38 @@ namespace sim::gazepoint {
 
 namespace {
 
-const std::vector<Point> kDefaultPoints{{0.5, 0.5}, {0.85, 0.15}, {0.85, 0.85}, {0.15, 0.85}, {0.15, 0.15}};
-constexpr double kDefaultDelay = 0.5;
-constexpr double kDefaultTimeout = 1.25;
-// What the server itself takes for a point: with the defaults a result follows its start by 2 seconds.
-constexpr double kComputing = 0.25;
-constexpr int kPointDecimals = 4;
-constexpr int kResultDecimals = 5;
+const std::vector<Point> defaultPoints{{0.5, 0.5}, {0.85, 0.15}, {0.85, 0.85}, {0.15, 0.85}, {0.15, 0.15}};
+constexpr double defaultDelay_s = 0.5;
+constexpr double defaultTimeout_s = 1.25;
+// The time that the server needs to calculate the result of a point. With the defaults, a point takes 2 s in total.
+constexpr double computing_s = 0.25;
+constexpr int pointDecimals = 4;
+constexpr int resultDecimals = 5;
 
 QVector<Attribute> gazeAttributes(char eye, const QByteArray &number, const Gaze &gaze) {
-    return {{eye + ("X" + number), decimals(gaze.point.x, kResultDecimals)},
-            {eye + ("Y" + number), decimals(gaze.point.y, kResultDecimals)},
+    return {{eye + ("X" + number), decimals(gaze.point.x, resultDecimals)},
+            {eye + ("Y" + number), decimals(gaze.point.y, resultDecimals)},
             {eye + ("V" + number), gaze.valid ? "1" : "0"}};
 }
 
 }  // namespace
 
 void Calibration::EyeMean::add(const Eye &eye) {
-    ++samples;
+    ++sampleCount;
     if (!eye.visible)
         return;
-    ++seen;
+    ++seenCount;
     sum = sum + eye.gaze;
 }
 
-/// An eye that was away for more than half of the time gives no result.
+/// Returns an invalid gaze if the eye was lost for more than half of the time.
 Gaze Calibration::EyeMean::gaze() const {
-    if (seen == 0 || seen * 2 < samples)
+    if (seenCount == 0 || seenCount * 2 < sampleCount)
         return {};
-    return {sum * (1.0 / seen), true};
+    return {sum * (1.0 / seenCount), true};
 }
 
-Calibration::Calibration() : points_(kDefaultPoints), delay_(kDefaultDelay), timeout_(kDefaultTimeout) {}
+Calibration::Calibration() : points_(defaultPoints), delay_s_(defaultDelay_s), timeout_s_(defaultTimeout_s) {}
 
 void Calibration::clearPoints() {
     points_.clear();
@@ -47,12 +47,12 @@ void Calibration::clearPoints() {
 }
 
 void Calibration::resetPoints() {
-    points_ = kDefaultPoints;
+    points_ = defaultPoints;
     stop();
 }
 
 void Calibration::addPoint(Point point) {
-    if (points_.size() < kMostPoints)
+    if (points_.size() < maxPointCount)
         points_.push_back(point);
 }
 
@@ -66,23 +66,23 @@ void Calibration::stop() {
     running_ = false;
 }
 
-std::vector<QByteArray> Calibration::advance(double now, const EyeState &eyes) {
+std::vector<QByteArray> Calibration::advance(double now_s, const EyeState &eyes) {
     std::vector<QByteArray> messages;
     if (!running_)
         return messages;
-    if (pointShown_ && now >= pointEnd()) {
+    if (pointShown_ && now_s >= pointEnd_s()) {
         messages.push_back(pointMessage("CALIB_RESULT_PT"));
         pointShown_ = false;
         if (measured_.size() >= points_.size()) {
-            finish(&messages);
+            messages.push_back(finish());
             return messages;
         }
     }
     if (!pointShown_) {
-        showPoint(now);
+        showPoint(now_s);
         messages.push_back(pointMessage("CALIB_START_PT"));
     }
-    measure(now, eyes);
+    measure(now_s, eyes);
     return messages;
 }
 
@@ -100,43 +100,43 @@ Calibration::Summary Calibration::summary(double width_px, double height_px) con
             continue;
         const Point error = (left.point + right.point) * 0.5 - point.target;
         summary.averageError_px += std::hypot(error.x * width_px, error.y * height_px);
-        ++summary.validPoints;
+        ++summary.validPointCount;
     }
-    if (summary.validPoints > 0)
-        summary.averageError_px /= summary.validPoints;
+    if (summary.validPointCount > 0)
+        summary.averageError_px /= summary.validPointCount;
     return summary;
 }
 
-void Calibration::showPoint(double now) {
+void Calibration::showPoint(double now_s) {
     pointShown_ = true;
-    pointStart_ = now;
+    pointStart_s_ = now_s;
     measured_.push_back({points_[measured_.size()], {}, {}});
 }
 
-void Calibration::measure(double now, const EyeState &eyes) {
-    const double since = now - pointStart_;
-    if (since < delay_ || since > delay_ + timeout_)
+void Calibration::measure(double now_s, const EyeState &eyes) {
+    const double shown_s = now_s - pointStart_s_;
+    if (shown_s < delay_s_ || shown_s > delay_s_ + timeout_s_)
         return;
     measured_.back().left.add(eyes.left);
     measured_.back().right.add(eyes.right);
 }
 
-void Calibration::finish(std::vector<QByteArray> *messages) {
+QByteArray Calibration::finish() {
     running_ = false;
     result_ = measured_;
-    messages->push_back(resultMessage());
+    return resultMessage();
 }
 
-double Calibration::pointEnd() const {
-    return pointStart_ + delay_ + timeout_ + kComputing;
+double Calibration::pointEnd_s() const {
+    return pointStart_s_ + delay_s_ + timeout_s_ + computing_s;
 }
 
 QByteArray Calibration::pointMessage(const char *id) const {
     const Point target = measured_.back().target;
     return message("CAL", id,
                    {{"PT", QByteArray::number(static_cast<qulonglong>(measured_.size()))},
-                    {"CALX", decimals(target.x, kPointDecimals)},
-                    {"CALY", decimals(target.y, kPointDecimals)}});
+                    {"CALX", decimals(target.x, pointDecimals)},
+                    {"CALY", decimals(target.y, pointDecimals)}});
 }
 
 QByteArray Calibration::resultMessage() const {
@@ -144,8 +144,8 @@ QByteArray Calibration::resultMessage() const {
     int number = 0;
     for (const Measurement &point : result_) {
         const QByteArray suffix = QByteArray::number(++number);
-        attributes << Attribute{"CALX" + suffix, decimals(point.target.x, kResultDecimals)}
-                   << Attribute{"CALY" + suffix, decimals(point.target.y, kResultDecimals)}
+        attributes << Attribute{"CALX" + suffix, decimals(point.target.x, resultDecimals)}
+                   << Attribute{"CALY" + suffix, decimals(point.target.y, resultDecimals)}
                    << gazeAttributes('L', suffix, point.left.gaze()) << gazeAttributes('R', suffix, point.right.gaze());
     }
     return message("CAL", "CALIB_RESULT", attributes);

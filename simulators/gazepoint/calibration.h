@@ -9,50 +9,51 @@
 
 namespace sim::gazepoint {
 
-/// The server's calibration: its list of points, the sequence in time, and the result.
+/// The calibration of the server: the list of points, the sequence of messages and the result.
 ///
-/// Free of clocks and timers: the owner calls advance() with every sample, and what that brings about are the
-/// messages to send. Times are seconds of the owner's monotonic clock.
+/// Has no clock or timer. The owner calls advance() with every sample and sends the messages that it returns. Times are
+/// seconds of the owner's monotonic clock.
 class Calibration {
 public:
-    static constexpr int kMostPoints = 100;
+    static constexpr int maxPointCount = 100;
 
     Calibration();
 
     [[nodiscard]] const std::vector<Point> &points() const { return points_; }
     void clearPoints();
     void resetPoints();
-    /// A point beyond kMostPoints is not taken.
+    /// Ignores points beyond maxPointCount.
     void addPoint(Point point);
 
-    /// Seconds that a point is shown before it is measured, and seconds of measuring.
-    void setDelay(double seconds) { delay_ = seconds; }
-    void setTimeout(double seconds) { timeout_ = seconds; }
+    /// Sets the time that a point is shown before it is measured.
+    void setDelay(double seconds) { delay_s_ = seconds; }
+    /// Sets the time that a point is measured.
+    void setTimeout(double seconds) { timeout_s_ = seconds; }
 
-    /// Starts at the first point, also when it runs already. Nothing happens without points.
+    /// Starts or restarts at the first point. Does nothing without points.
     void start();
     void stop();
     [[nodiscard]] bool running() const { return running_; }
 
-    /// Takes one sample and gives the messages that are due, in their order.
-    std::vector<QByteArray> advance(double now, const EyeState &eyes);
+    /// Takes one sample and returns the messages that are due, in order.
+    [[nodiscard]] std::vector<QByteArray> advance(double now_s, const EyeState &eyes);
 
-    /// The point that is being shown.
+    /// Returns the point that is shown.
     [[nodiscard]] std::optional<Point> target() const;
 
     struct Summary {
         double averageError_px = 0;
-        int validPoints = 0;
+        int validPointCount = 0;
     };
-    /// Of the last calibration that was completed, for a screen of the given size.
+    /// Returns the result of the last completed calibration for a screen of the given size.
     [[nodiscard]] Summary summary(double width_px, double height_px) const;
 
 private:
-    /// The mean of what one eye did while a point was measured.
+    /// The mean gaze of one eye while a point was measured.
     struct EyeMean {
         Point sum;
-        int seen = 0;
-        int samples = 0;
+        int seenCount = 0;
+        int sampleCount = 0;
 
         void add(const Eye &eye);
         [[nodiscard]] Gaze gaze() const;
@@ -63,21 +64,21 @@ private:
         EyeMean right;
     };
 
-    void showPoint(double now);
-    void measure(double now, const EyeState &eyes);
-    void finish(std::vector<QByteArray> *messages);
-    [[nodiscard]] double pointEnd() const;
+    void showPoint(double now_s);
+    void measure(double now_s, const EyeState &eyes);
+    [[nodiscard]] QByteArray finish();
+    [[nodiscard]] double pointEnd_s() const;
     [[nodiscard]] QByteArray pointMessage(const char *id) const;
     [[nodiscard]] QByteArray resultMessage() const;
 
     std::vector<Point> points_;
-    double delay_;
-    double timeout_;
+    double delay_s_;
+    double timeout_s_;
 
     bool running_ = false;
     bool pointShown_ = false;
-    double pointStart_ = 0;
-    std::vector<Measurement> measured_;  // of the running sequence; the last one is the current point's
+    double pointStart_s_ = 0;
+    std::vector<Measurement> measured_;  // of the running sequence; the last one belongs to the current point
     std::vector<Measurement> result_;    // of the last completed sequence
 };
 

@@ -11,18 +11,18 @@ namespace sim::gazepoint {
 
 namespace {
 
-const QByteArray kLineEnd = QByteArrayLiteral("\r\n");
-constexpr qint64 kReadBuffer = 64LL * 1024;
-constexpr int kHeldBackMs = 4;  // long enough for a client to have read the first half
+const QByteArray lineEnd = QByteArrayLiteral("\r\n");
+constexpr qint64 readBufferBytes = 64LL * 1024;
+constexpr int heldBackMs = 4;  // long enough for a client to read the first half of a split record
 
 }  // namespace
 
-Client::Client(QTcpSocket *socket, Device *device, const FaultOptions &faults, const LinePlayer &player,
+Client::Client(QTcpSocket *socket, Device &device, const FaultOptions &faults, const LinePlayer &player,
                QObject *parent)
     : QObject(parent), socket_(socket), device_(device), faults_(faults, 1), player_(player) {
     socket_->setParent(this);
-    socket_->setReadBufferSize(kReadBuffer);
-    // One record, one segment: without this the system joins small writes.
+    socket_->setReadBufferSize(readBufferBytes);
+    // Sends each record as a separate segment. By default, the system joins small writes.
     socket_->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     heldBackTimer_.setSingleShot(true);
     heldBackTimer_.setTimerType(Qt::PreciseTimer);
@@ -34,25 +34,26 @@ Client::Client(QTcpSocket *socket, Device *device, const FaultOptions &faults, c
 void Client::answerCommands() {
     parser_.feed(socket_->readAll());
     while (const auto command = parser_.next()) {
-        const QByteArray answer = device_->execute(*command, &switches_);
+        const Device::Answer answer = device_.execute(*command, switches_);
+        switches_ = answer.switches;
         if (!switches_.data)
-            enabledAt_.reset();
-        write(answer + kLineEnd);
+            enabledAt_s_.reset();
+        write(answer.message + lineEnd);
     }
 }
 
 void Client::deliver(const Device::Step &step, double seconds) {
-    now_ = seconds;
+    now_s_ = seconds;
     for (const QByteArray &message : step.calibrationMessages)
-        write(message + kLineEnd);
+        write(message + lineEnd);
     if (!switches_.data)
         return;
-    if (!enabledAt_)
-        enabledAt_ = seconds;
+    if (!enabledAt_s_)
+        enabledAt_s_ = seconds;
     const auto line = dataLine(step.record);
     if (!line)
         return;
-    const Delivery delivery = faults_.deliver(*line + kLineEnd, sinceEnabled());
+    const Delivery delivery = faults_.deliver(*line + lineEnd, secondsSinceEnabled());
     for (const Delivery::Segment &segment : delivery.segments)
         sendSegment(segment);
     if (delivery.drop)
@@ -63,15 +64,15 @@ std::optional<QByteArray> Client::dataLine(const Record &record) {
     return player_.isActive() ? player_.next() : formatRecord(record, switches_);
 }
 
-double Client::sinceEnabled() const {
-    return enabledAt_ ? now_ - *enabledAt_ : -1;
+double Client::secondsSinceEnabled() const {
+    return enabledAt_s_ ? now_s_ - *enabledAt_s_ : -1;
 }
 
 void Client::sendSegment(const Delivery::Segment &segment) {
     if (!segment.later)
         return write(segment.bytes);
     heldBack_ += segment.bytes;
-    heldBackTimer_.start(kHeldBackMs);
+    heldBackTimer_.start(heldBackMs);
 }
 
 void Client::sendHeldBack() {
@@ -81,14 +82,15 @@ void Client::sendHeldBack() {
     write(bytes);
 }
 
-/// Keeps the order: what was held back goes first.
+/// Sends held back bytes first, to keep the order.
 void Client::write(const QByteArray &bytes) {
     if (!heldBack_.isEmpty())
         sendHeldBack();
-    if (bytes.isEmpty() || socket_->state() != QAbstractSocket::ConnectedState || faults_.isSilent(sinceEnabled()))
+    if (bytes.isEmpty() || socket_->state() != QAbstractSocket::ConnectedState ||
+        faults_.isSilent(secondsSinceEnabled()))
         return;
-    if (socket_->bytesToWrite() > kMostUnread) {
-        qCWarning(lcGazepointSimulator) << "a client does not read what it asked for; it is disconnected";
+    if (socket_->bytesToWrite() > maxUnreadBytes) {
+        qCWarning(lcGazepointSimulator) << "a client does not read its data and is disconnected";
         socket_->abort();
         return;
     }

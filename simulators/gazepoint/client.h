@@ -15,23 +15,23 @@ class QTcpSocket;
 
 namespace sim::gazepoint {
 
-/// One connection to the server: answers its commands and sends it what it switched on.
+/// One connection to the server: answers commands, and sends the records that the client has enabled.
 ///
-/// Owned by the server, lives on the server's thread, and owns the socket. A client that does not read is
-/// disconnected once kMostUnread bytes wait for it, so that it cannot make the server's memory grow.
+/// Owned by the server, and lives in the server's thread. Owns the socket. A client that does not read is disconnected
+/// when more than maxUnreadBytes are queued for it. This limits the memory of the server.
 class Client : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr qint64 kMostUnread = 4LL * 1024 * 1024;
+    static constexpr qint64 maxUnreadBytes = 4LL * 1024 * 1024;
 
-    Client(QTcpSocket *socket, Device *device, const FaultOptions &faults, const LinePlayer &player, QObject *parent);
+    Client(QTcpSocket *socket, Device &device, const FaultOptions &faults, const LinePlayer &player, QObject *parent);
 
-    /// Sends what one sample brought, taken at `seconds` of the server's clock.
+    /// Sends the messages for one sample, which was taken at `seconds` of the server's clock.
     void deliver(const Device::Step &step, double seconds);
 
 Q_SIGNALS:
-    /// The connection is over; delete this object from the event loop.
+    /// The connection is closed. The receiver must delete this object from the event loop.
     void finished();
 
 private:
@@ -40,16 +40,16 @@ private:
     void sendSegment(const Delivery::Segment &segment);
     void sendHeldBack();
     void write(const QByteArray &bytes);
-    [[nodiscard]] double sinceEnabled() const;
+    [[nodiscard]] double secondsSinceEnabled() const;
 
     QTcpSocket *socket_;
-    Device *device_;
+    Device &device_;
     CommandParser parser_;
     Switches switches_;
     FaultInjector faults_;
     LinePlayer player_;
-    std::optional<double> enabledAt_;  // when the data stream was switched on
-    double now_ = 0;
+    std::optional<double> enabledAt_s_;  // the time of the first record after the data was enabled
+    double now_s_ = 0;
     QByteArray heldBack_;  // the second half of a split record
     QTimer heldBackTimer_;
 };

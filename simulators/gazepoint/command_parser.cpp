@@ -6,8 +6,7 @@ namespace sim::gazepoint {
 
 namespace {
 
-/// `NAME="VALUE"` or `NAME='VALUE'`, with or without spaces around; the space between two of them may be
-/// missing.
+/// Matches `NAME="VALUE"` or `NAME='VALUE'`. Spaces around the equals sign and between attributes are optional.
 const QRegularExpression &attributePattern() {
     static const QRegularExpression pattern(R"re(([A-Za-z_][\w.-]*)\s*=\s*("([^"]*)"|'([^']*)'))re");
     return pattern;
@@ -24,7 +23,7 @@ QByteArray leadingWord(const QByteArray &text) {
     return text.left(length);
 }
 
-/// Latin-1 keeps every byte of a value as it came, whatever encoding the client uses.
+/// Latin-1 preserves every byte of a value in any encoding of the client.
 Command interpret(const QByteArray &tag) {
     Command command;
     command.verb = leadingWord(tag.trimmed());
@@ -67,13 +66,13 @@ std::optional<Command> CommandParser::next() {
 
 std::optional<Command> CommandParser::consume(char c) {
     if (c == '<' && state_ != State::InQuotes) {
-        restart();
+        reset();
         state_ = State::InTag;
-    } else if (c == '\r' || c == '\n' || tag_.size() >= kLongestCommand) {
-        restart();
+    } else if (c == '\r' || c == '\n' || tag_.size() >= maxCommandBytes) {
+        reset();
     } else if (c == '>' && state_ == State::InTag) {
         const Command command = interpret(tag_);
-        restart();
+        reset();
         return command;
     } else if (state_ != State::Outside) {
         if (c == '"')
@@ -83,7 +82,7 @@ std::optional<Command> CommandParser::consume(char c) {
     return std::nullopt;
 }
 
-void CommandParser::restart() {
+void CommandParser::reset() {
     tag_.clear();
     state_ = State::Outside;
 }

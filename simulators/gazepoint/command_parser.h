@@ -11,23 +11,23 @@ struct Attribute {
     QByteArray value;
 };
 
-/// One command of a client, such as `<SET ID="ENABLE_SEND_DATA" STATE="1" />`.
+/// One command of a client, for instance `<SET ID="ENABLE_SEND_DATA" STATE="1" />`.
 struct Command {
-    QByteArray verb;                ///< "SET", "GET", or whatever the client wrote there
-    QByteArray id;                  ///< the attribute ID; empty when there is none
-    QVector<Attribute> attributes;  ///< all but ID, as they came; entities are not decoded
+    QByteArray verb;                ///< "SET", "GET" or any other word
+    QByteArray id;                  ///< value of the attribute ID; empty if it is missing
+    QVector<Attribute> attributes;  ///< all others, unchanged; entities are not decoded
 
     [[nodiscard]] std::optional<QByteArray> value(const char *name) const;
 };
 
-/// Finds the commands in the bytes of one client.
+/// Finds commands in the bytes of one client.
 ///
-/// A command reaches from `<` to the next `>` outside quotes, so it matters neither how it was cut into
-/// segments nor whether spaces or line ends follow. What is no command is skipped: bytes between commands, a
-/// command with a line end in it, and one longer than kLongestCommand. No more than that is ever kept.
+/// A command reaches from `<` to the next `>` outside double quotes. Single quotes do not protect a `>`. A command may
+/// arrive in any number of segments, and spaces and line ends between commands are optional. Everything else is
+/// skipped: bytes between commands, a command that contains a line end, and a command longer than maxCommandBytes.
 class CommandParser {
 public:
-    static constexpr int kLongestCommand = 4096;
+    static constexpr int maxCommandBytes = 4096;
 
     void feed(const QByteArray &bytes);
     std::optional<Command> next();
@@ -36,11 +36,11 @@ private:
     enum class State { Outside, InTag, InQuotes };
 
     std::optional<Command> consume(char c);
-    void restart();
+    void reset();
 
     QByteArray input_;
     int position_ = 0;
-    QByteArray tag_;  // what stands between `<` and here
+    QByteArray tag_;  // bytes since the last `<`
     State state_ = State::Outside;
 };
 

@@ -8,9 +8,9 @@ namespace sim::gazepoint {
 
 namespace {
 
-constexpr double kLongestCalibrationTime = 60;  // seconds of delay or timeout that are taken
-constexpr int kListDecimals = 5;
-constexpr int kErrorDecimals = 2;
+constexpr double maxCalibrationTime_s = 60;  // of the delay and of the timeout
+constexpr int listDecimals = 5;
+constexpr int errorDecimals = 2;
 
 bool isSet(const Command &command) {
     return command.verb == "SET";
@@ -20,7 +20,7 @@ QByteArray stateText(bool on) {
     return on ? "1" : "0";
 }
 
-/// The state that the command asks for; the current one when it asks for none or for nonsense.
+/// Returns the state that a SET requests, or the current state if there is no valid request.
 bool requestedState(const Command &command, bool current) {
     bool ok = false;
     const int state = command.value("STATE").value_or(QByteArray()).toInt(&ok);
@@ -44,8 +44,8 @@ QVector<Attribute> screenAttributes(const Screen &screen, bool olderServer) {
 
 }  // namespace
 
-Device::Device(const DeviceOptions &options, Subject *subject)
-    : subject_(subject), builder_(subject->setup(), options.ticksAtZero) {
+Device::Device(const DeviceOptions &options, Subject &subject)
+    : subject_(subject), builder_(subject.setup(), options.ticksAtZero) {
     variables_ = {
         {"SCREEN_SIZE", {screenAttributes(options.screen, options.olderServer), true}},
         {"CALIBRATE_SHOW", {{{"STATE", "0"}}, true}},
@@ -57,22 +57,28 @@ Device::Device(const DeviceOptions &options, Subject *subject)
         {"AAC_FILTER", {{{"VALUE", "15"}}, true}},
         {"TTL_WRITE", {{{"CHANNEL", "0"}, {"VALUE", "0"}}, true}},
         {"CAMERA_SIZE", {{{"WIDTH", "752"}, {"HEIGHT", "480"}}}},
-        {"PRODUCT_ID", {{{"VALUE", "GP3"}, {"BUS", "USB2"}, {"RATE", QByteArray::number(options.rate)}}}},
+        {"PRODUCT_ID", {{{"VALUE", "GP3"}, {"BUS", "USB2"}, {"RATE", QByteArray::number(options.rateHz)}}}},
         {"SERIAL_ID", {{{"VALUE", "123456789"}}}},
         {"COMPANY_ID", {{{"VALUE", "GAZEPOINT"}}}},
         {"API_ID", {{{"VALUE", "2.4"}}}},
-        {"TIME_TICK_FREQUENCY", {{{"FREQ", QByteArray::number(qlonglong(RecordBuilder::kTicksPerSecond))}}}},
+        {"TIME_TICK_FREQUENCY", {{{"FREQ", QByteArray::number(qlonglong(RecordBuilder::ticksPerSecond))}}}},
     };
 }
 
-QByteArray Device::execute(const Command &command, Switches *switches) {
-    const bool knownVerb = command.verb == "SET" || command.verb == "GET";
-    const auto values = knownVerb ? valuesAfter(command, switches) : std::nullopt;
-    return values ? message("ACK", command.id, *values) : message("NACK", command.id);
+Device::Answer Device::execute(const Command &command, Switches switches) {
+    if (!isSet(command) && command.verb != "GET")
+        return {message("NACK", command.id), switches};
+    if (const auto state = switches.state(command.id)) {
+        const bool on = requestedState(command, *state);
+        switches.set(command.id, on);
+        return {message("ACK", command.id, {{"STATE", stateText(on)}}), switches};
+    }
+    const auto values = valuesAfter(command);
+    return {values ? message("ACK", command.id, *values) : message("NACK", command.id), switches};
 }
 
 Device::Step Device::advance(double seconds) {
-    const EyeState eyes = subject_->at(seconds);
+    const EyeState eyes = subject_.at(seconds);
     Step step;
     step.record = builder_.build(seconds, eyes);
     step.record.cursor = cursor_;
@@ -86,44 +92,35 @@ Device::Step Device::advance(double seconds) {
     return step;
 }
 
-void Device::guideSubject(bool newTarget) {
+void Device::guideSubject(bool targetChanged) {
     const auto target = calibration_.target();
-    if (target && newTarget)
-        subject_->lookAt(*target);
+    if (target && targetChanged)
+        subject_.lookAt(*target);
     else if (!calibration_.running() && guided_)
-        subject_->release();
+        subject_.release();
     guided_ = calibration_.running();
 }
 
-std::optional<Device::Attributes> Device::valuesAfter(const Command &command, Switches *switches) {
-    if (command.id == "ENABLE_SEND_DATA") {
-        switches->data = requestedState(command, switches->data);
-        return Attributes{{"STATE", stateText(switches->data)}};
-    }
-    if (const auto group = fieldGroupOfSwitch(command.id)) {
-        const bool on = requestedState(command, switches->has(*group));
-        switches->groups.set(static_cast<std::size_t>(*group), on);
-        return Attributes{{"STATE", stateText(on)}};
-    }
+std::optional<Device::Attributes> Device::valuesAfter(const Command &command) {
     if (const auto handler = calibrationCommands().value(command.id))
         return (this->*handler)(command);
     const auto variable = variables_.find(command.id);
     if (variable == variables_.end())
         return std::nullopt;
-    return assign(command, &variable.value());
+    return assign(command, variable.value());
 }
 
-/// Takes over the attributes that the variable has; what else the command carries is passed over.
-Device::Attributes Device::assign(const Command &command, Variable *variable) {
-    if (!isSet(command) || !variable->writable)
-        return variable->values;
-    for (Attribute &attribute : variable->values) {
+/// Assigns the attributes that the variable has, and ignores the other attributes of the command.
+Device::Attributes Device::assign(const Command &command, Variable &variable) {
+    if (!isSet(command) || !variable.writable)
+        return variable.values;
+    for (Attribute &attribute : variable.values) {
         if (attribute.name == "STATE")
             attribute.value = stateText(requestedState(command, attribute.value == "1"));
         else
             attribute.value = command.value(attribute.name.constData()).value_or(attribute.value);
     }
-    return variable->values;
+    return variable.values;
 }
 
 const QMap<QByteArray, Device::CalibrationCommand> &Device::calibrationCommands() {
@@ -168,8 +165,8 @@ Device::Attributes Device::calibrateAddPoint(const Command &command) {
     int index = 0;
     for (const Point point : calibration_.points()) {
         const QByteArray suffix = QByteArray::number(++index);
-        list << Attribute{"X" + suffix, decimals(point.x, kListDecimals)}
-             << Attribute{"Y" + suffix, decimals(point.y, kListDecimals)};
+        list << Attribute{"X" + suffix, decimals(point.x, listDecimals)}
+             << Attribute{"Y" + suffix, decimals(point.y, listDecimals)};
     }
     return list;
 }
@@ -184,17 +181,17 @@ Device::Attributes Device::calibrateTimeout(const Command &command) {
 
 Device::Attributes Device::calibrationTime(const Command &command, void (Calibration::*set)(double seconds)) {
     Variable &variable = variables_[command.id];
-    const auto seconds = number(command, "VALUE", 0, kLongestCalibrationTime);
+    const auto seconds = number(command, "VALUE", 0, maxCalibrationTime_s);
     if (!seconds)
         return variable.values;
     (calibration_.*set)(*seconds);
-    return assign(command, &variable);
+    return assign(command, variable);
 }
 
 Device::Attributes Device::calibrateResultSummary(const Command & /*command*/) {
     const auto summary = calibration_.summary(screenValue("WIDTH"), screenValue("HEIGHT"));
-    return {{"AVE_ERROR", decimals(summary.averageError_px, kErrorDecimals)},
-            {"VALID_POINTS", QByteArray::number(summary.validPoints)}};
+    return {{"AVE_ERROR", decimals(summary.averageError_px, errorDecimals)},
+            {"VALID_POINTS", QByteArray::number(summary.validPointCount)}};
 }
 
 Attribute Device::pointCount() const {

@@ -13,8 +13,8 @@
 
 namespace sim::gazepoint {
 
-/// The screen as SCREEN_SIZE tells it. Texts, so that sizes which make no sense reach the clients as they
-/// were given.
+/// The screen that SCREEN_SIZE reports. The values are text, so that clients can be tested with values that do not fit
+/// an integer.
 struct Screen {
     QByteArray x = "0";
     QByteArray y = "0";
@@ -24,28 +24,31 @@ struct Screen {
 
 struct DeviceOptions {
     Screen screen;
-    bool olderServer = false;  ///< SCREEN_SIZE is told without X and Y
-    int rate = 60;             ///< as PRODUCT_ID tells it
-    std::int64_t ticksAtZero = 0;
+    bool olderServer = false;      ///< SCREEN_SIZE has no X and Y
+    int rateHz = 60;               ///< reported by PRODUCT_ID
+    std::int64_t ticksAtZero = 0;  ///< TIME_TICK at time 0
 };
 
-/// The tracker and its server without the network: answers commands and turns time into records.
+/// The tracker and its server without the network: answers commands and takes samples.
 ///
-/// Shared by all clients; what is a client's own (its switches) is handed in with each command. The subject
-/// is owned by the caller and outlives the device.
+/// All clients share the device. Each client has switches of its own. The caller owns the subject, which must outlive
+/// the device.
 class Device {
 public:
-    Device(const DeviceOptions &options, Subject *subject);
+    Device(const DeviceOptions &options, Subject &subject);
 
-    /// Does what the command says and returns the answer, an ACK with the values that are now in force or a
-    /// NACK.
-    QByteArray execute(const Command &command, Switches *switches);
+    struct Answer {
+        QByteArray message;  ///< an ACK with the current values, or a NACK
+        Switches switches;   ///< of the client, after the command
+    };
+    /// Executes a command of a client that has these switches.
+    [[nodiscard]] Answer execute(const Command &command, Switches switches);
 
     struct Step {
         Record record;
         std::vector<QByteArray> calibrationMessages;  ///< for all clients
     };
-    /// The next sample, taken at `seconds` of the monotonic clock.
+    /// Takes the next sample at `seconds` of the monotonic clock.
     Step advance(double seconds);
 
     void setCursor(Point position) { cursor_ = position; }
@@ -59,9 +62,9 @@ private:
     };
 
     static const QMap<QByteArray, CalibrationCommand> &calibrationCommands();
-    std::optional<Attributes> valuesAfter(const Command &command, Switches *switches);
-    Attributes assign(const Command &command, Variable *variable);
-    void guideSubject(bool newTarget);
+    std::optional<Attributes> valuesAfter(const Command &command);
+    static Attributes assign(const Command &command, Variable &variable);
+    void guideSubject(bool targetChanged);
 
     Attributes calibrateStart(const Command &command);
     Attributes calibrateClear(const Command &command);
@@ -74,12 +77,12 @@ private:
     [[nodiscard]] Attribute pointCount() const;
     [[nodiscard]] double screenValue(const char *name) const;
 
-    Subject *subject_;
+    Subject &subject_;
     RecordBuilder builder_;
     Calibration calibration_;
-    QMap<QByteArray, Variable> variables_;  // what is only kept and told
+    QMap<QByteArray, Variable> variables_;  // the values that SET and GET access, by id
     Point cursor_;
-    bool guided_ = false;  // the calibration tells the subject where to look
+    bool guided_ = false;  // the subject looks at the targets of a calibration
 };
 
 }  // namespace sim::gazepoint

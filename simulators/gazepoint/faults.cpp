@@ -2,36 +2,43 @@
 
 #include <QRegularExpression>
 #include <algorithm>
+#include <utility>
 
 namespace sim::gazepoint {
 
 namespace {
 
-constexpr int kEndlessSize = 10 * 1000 * 1000;
-constexpr int kEndlessPart = 256 * 1024;  // as much at a time as a reading client takes easily
-constexpr int kZeros = 512;
-constexpr int kMostGarbage = 200;
-constexpr int kMostJoined = 4;
+constexpr int endlessBytes = 10 * 1000 * 1000;
+constexpr int endlessPartBytes = 256 * 1024;  // small enough for the buffers of a client that reads
+constexpr int zeroCount = 512;
+constexpr int maxGarbageBytes = 200;
+constexpr int maxJoinedRecordCount = 4;
 
-/// What takes the place of a value.
+/// Invalid values of attributes.
 const QVector<QByteArray> &oddValues() {
     static const QVector<QByteArray> values{"NaN", "nan", "inf", "-inf", "1e999", "-1e999", "", "abc", "0x1F", "1,5"};
     return values;
+}
+
+/// Splits the bytes into two TCP segments.
+QVector<Delivery::Segment> halves(const QByteArray &bytes) {
+    const int middle = bytes.size() / 2;
+    return {{bytes.left(middle), false}, {bytes.mid(middle), true}};
 }
 
 }  // namespace
 
 const QVector<FaultDescription> &faultDescriptions() {
     static const QVector<FaultDescription> descriptions{
-        {Fault::Split, "split", "each record comes in two segments"},
-        {Fault::Join, "join", "two to four records come in one segment"},
-        {Fault::Silent, "silent", "nothing more is sent, not even answers; the connection stays open"},
+        {Fault::Split, "split", "each record arrives in two segments"},
+        {Fault::Join, "join", "two to four records arrive in one segment"},
+        {Fault::Silent, "silent", "nothing more is sent, not even answers, and the connection stays open"},
         {Fault::Drop, "drop", "the connection is closed in the middle of a record"},
-        {Fault::Garbage, "garbage", "random bytes and meaningless text between the records"},
-        {Fault::Endless, "endless", "a line of 10 MB without an end, then nothing more"},
+        {Fault::Garbage, "garbage", "random bytes and invalid text between the records"},
+        {Fault::Endless, "endless", "a line of 10 MB without a line end, then no more data"},
         {Fault::Zeros, "zeros", "512 binary zeros between the records"},
-        {Fault::Nan, "nan", "NaN, inf, 1e999, empty, missing, doubled and unknown attributes"},
-        {Fault::DelayStart, "delay-start", "no data for the time of --fault-after, then good data"},
+        {Fault::Nan, "nan", "attributes that are NaN, inf, 1e999, empty, missing, duplicated or unknown"},
+        {Fault::DelayStart, "delay-start", "no data until --fault-after, then good data"},
     };
     return descriptions;
 }
@@ -46,36 +53,37 @@ std::optional<Fault> faultOfName(const QString &name) {
 
 FaultInjector::FaultInjector(const FaultOptions &options, std::uint64_t seed) : options_(options), random_(seed) {}
 
-bool FaultInjector::isSilent(double since) const {
-    return options_.has(Fault::Silent) && since >= options_.after;
+bool FaultInjector::isSilent(double seconds) const {
+    return options_.has(Fault::Silent) && seconds >= options_.after_s;
 }
 
-Delivery FaultInjector::deliver(const QByteArray &line, double since) {
-    if (since < options_.after)
+Delivery FaultInjector::deliver(const QByteArray &line, double seconds) {
+    if (seconds < options_.after_s)
         return options_.has(Fault::DelayStart) ? Delivery() : Delivery{{{line}}};
-    if (isSilent(since))
+    if (isSilent(seconds))
         return {};
     if (options_.has(Fault::Drop))
         return {{{line.left(line.size() / 2)}}, true};
     if (options_.has(Fault::Endless))
         return {{{endlessPart()}}};
 
-    Delivery delivery{{{options_.has(Fault::Nan) ? withOddValues(line) : line}}};
+    QByteArray bytes = options_.has(Fault::Nan) ? withOddValue(line) : line;
     if (options_.has(Fault::Join))
-        join(&delivery);
-    if (options_.has(Fault::Split))
-        split(&delivery);
+        bytes = joined(bytes);
+    Delivery delivery;
+    if (!bytes.isEmpty())
+        delivery.segments = options_.has(Fault::Split) ? halves(bytes) : QVector<Delivery::Segment>{{bytes}};
     if (options_.has(Fault::Zeros))
-        delivery.segments << Delivery::Segment{QByteArray(kZeros, '\0'), false};
+        delivery.segments << Delivery::Segment{QByteArray(zeroCount, '\0')};
     if (options_.has(Fault::Garbage))
-        delivery.segments << Delivery::Segment{garbage(), false};
+        delivery.segments << Delivery::Segment{garbage()};
     return delivery;
 }
 
 QByteArray FaultInjector::endlessPart() {
-    QByteArray part = sentEndless_ == 0 ? "<REC CNT=\"" : "";
-    part.append(QByteArray(std::min(kEndlessPart, kEndlessSize - sentEndless_) - part.size(), '7'));
-    sentEndless_ += part.size();
+    QByteArray part = endlessBytesSent_ == 0 ? "<REC CNT=\"" : "";
+    part.append(QByteArray(std::min(endlessPartBytes, endlessBytes - endlessBytesSent_) - part.size(), '7'));
+    endlessBytesSent_ += part.size();
     return part;
 }
 
@@ -89,14 +97,14 @@ QByteArray FaultInjector::garbage() {
     if (random_.uniform(0, 1) < 0.5)
         return texts[static_cast<int>(random_.uniform(0, texts.size()))];
     QByteArray bytes;
-    for (int left = static_cast<int>(random_.uniform(1, kMostGarbage)); left > 0; --left)
+    for (int left = static_cast<int>(random_.uniform(1, maxGarbageBytes)); left > 0; --left)
         bytes.append(static_cast<char>(random_.uniform(0, 256)));
     return bytes;
 }
 
-/// Each record has one of its attributes spoilt, in turn by an odd value, by leaving it out and by doubling
-/// it.
-QByteArray FaultInjector::withOddValues(const QByteArray &line) {
+/// Changes one random attribute of the record. Successive calls set its value to each of oddValues(), and then remove
+/// the attribute, add an unknown attribute after it, and duplicate it.
+QByteArray FaultInjector::withOddValue(const QByteArray &line) {
     static const QRegularExpression attribute(R"re( \w+="[^"]*")re");
     QVector<QRegularExpressionMatch> found;
     const QString text = QString::fromLatin1(line);
@@ -108,36 +116,25 @@ QByteArray FaultInjector::withOddValues(const QByteArray &line) {
     const auto &chosen = found[static_cast<int>(random_.uniform(0, found.size()))];
     const QByteArray original = chosen.captured().toLatin1();
     const QByteArray name = original.left(original.indexOf('='));
-    const int kind = oddRecords_++ % (oddValues().size() + 3);
-    QByteArray spoilt = original + original;
+    const int kind = oddRecordCount_++ % (oddValues().size() + 3);
+    QByteArray changed = original + original;
     if (kind < oddValues().size())
-        spoilt = name + "=\"" + oddValues()[kind] + "\"";
+        changed = name + "=\"" + oddValues()[kind] + "\"";
     else if (kind == oddValues().size())
-        spoilt = "";
+        changed = "";
     else if (kind == oddValues().size() + 1)
-        spoilt = original + " XYZZY=\"1\"";
-    return QByteArray(line).replace(chosen.capturedStart(), original.size(), spoilt);
+        changed = original + " XYZZY=\"1\"";
+    return QByteArray(line).replace(chosen.capturedStart(), original.size(), changed);
 }
 
-void FaultInjector::join(Delivery *delivery) {
-    held_ += delivery->segments.first().bytes;
-    ++heldRecords_;
-    const bool enough = heldRecords_ >= kMostJoined || (heldRecords_ >= 2 && random_.uniform(0, 1) < 0.5);
-    delivery->segments.clear();
-    if (!enough)
-        return;
-    delivery->segments << Delivery::Segment{held_, false};
-    held_.clear();
-    heldRecords_ = 0;
-}
-
-void FaultInjector::split(Delivery *delivery) {
-    QVector<Delivery::Segment> halves;
-    for (const Delivery::Segment &segment : delivery->segments) {
-        const int middle = segment.bytes.size() / 2;
-        halves << Delivery::Segment{segment.bytes.left(middle)} << Delivery::Segment{segment.bytes.mid(middle), true};
-    }
-    delivery->segments = halves;
+/// Holds back records and returns two to four at a time. Returns an empty array otherwise.
+QByteArray FaultInjector::joined(const QByteArray &record) {
+    held_ += record;
+    ++heldRecordCount_;
+    if (heldRecordCount_ < 2 || (heldRecordCount_ < maxJoinedRecordCount && random_.uniform(0, 1) >= 0.5))
+        return {};
+    heldRecordCount_ = 0;
+    return std::exchange(held_, QByteArray());
 }
 
 }  // namespace sim::gazepoint

@@ -17,52 +17,51 @@ struct FaultDescription {
     const char *help;
 };
 
-/// All faults with their names on the command line, for the parser and the help.
+/// Returns all faults with their names on the command line.
 const QVector<FaultDescription> &faultDescriptions();
 std::optional<Fault> faultOfName(const QString &name);
 
 struct FaultOptions {
     QVector<Fault> faults;
-    double after = 2;  ///< seconds of good data before the faults begin
+    double after_s = 2;  ///< duration of good data before the faults start
 
     [[nodiscard]] bool has(Fault fault) const { return faults.contains(fault); }
 };
 
-/// What is to be written in place of one record.
+/// The bytes to write instead of one record.
 struct Delivery {
     struct Segment {
         QByteArray bytes;
-        bool later = false;  ///< not in one TCP segment with what stands before it
+        bool later = false;  ///< in another TCP segment than the bytes before it
     };
     QVector<Segment> segments;
-    bool drop = false;  ///< close the connection after that
+    bool drop = false;  ///< close the connection after writing the segments
 };
 
-/// Spoils the data stream of one connection. Owned by the connection; times are seconds since its data was
+/// Adds faults to the data stream of one connection. Owned by the connection. Times are seconds since its data was
 /// enabled.
 class FaultInjector {
 public:
     FaultInjector(const FaultOptions &options, std::uint64_t seed);
 
-    /// `line`: the record with its line end.
-    Delivery deliver(const QByteArray &line, double since);
+    /// Returns the bytes to write instead of `line`, a record with its line end.
+    [[nodiscard]] Delivery deliver(const QByteArray &line, double seconds);
 
-    /// Nothing at all may be sent any more, not even answers.
-    [[nodiscard]] bool isSilent(double since) const;
+    /// Returns true if nothing may be sent any more, not even answers.
+    [[nodiscard]] bool isSilent(double seconds) const;
 
 private:
     [[nodiscard]] QByteArray endlessPart();
     [[nodiscard]] QByteArray garbage();
-    [[nodiscard]] QByteArray withOddValues(const QByteArray &line);
-    void join(Delivery *delivery);
-    static void split(Delivery *delivery);
+    [[nodiscard]] QByteArray withOddValue(const QByteArray &line);
+    [[nodiscard]] QByteArray joined(const QByteArray &record);
 
     FaultOptions options_;
     Random random_;
     QByteArray held_;  // records that wait to be joined with the next one
-    int heldRecords_ = 0;
-    int sentEndless_ = 0;
-    int oddRecords_ = 0;
+    int heldRecordCount_ = 0;
+    int endlessBytesSent_ = 0;
+    int oddRecordCount_ = 0;
 };
 
 }  // namespace sim::gazepoint

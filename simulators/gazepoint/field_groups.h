@@ -6,7 +6,7 @@
 
 namespace sim::gazepoint {
 
-/// The groups of fields of a record, in the order in which a record holds them.
+/// The groups of fields, in their order in a record.
 enum class FieldGroup {
     Counter,
     Time,
@@ -33,17 +33,19 @@ enum class FieldGroup {
     Ttl,
     UserData,
 };
-constexpr int kFieldGroupCount = static_cast<int>(FieldGroup::UserData) + 1;
+constexpr int fieldGroupCount = static_cast<int>(FieldGroup::UserData) + 1;
 
-/// What one client has switched on.
+/// The switches of one client.
 struct Switches {
-    std::bitset<kFieldGroupCount> groups;
-    bool data = false;
+    std::bitset<fieldGroupCount> groups;  ///< the fields that its records contain
+    bool data = false;                    ///< the client receives records
 
     [[nodiscard]] bool has(FieldGroup group) const { return groups.test(static_cast<std::size_t>(group)); }
-};
 
-/// The group that `ENABLE_SEND_<name>` switches; nothing when there is none of that name.
-std::optional<FieldGroup> fieldGroupOfSwitch(const QByteArray &id);
+    /// Returns the state of the switch with the id `ENABLE_SEND_<name>`, or nothing if there is no such switch.
+    [[nodiscard]] std::optional<bool> state(const QByteArray &id) const;
+    /// Changes a switch. Ignores an unknown id.
+    void set(const QByteArray &id, bool on);
+};
 
 }  // namespace sim::gazepoint

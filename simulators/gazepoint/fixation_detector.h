@@ -7,36 +7,35 @@
 
 namespace sim::gazepoint {
 
-/// Finds fixations in the stream of gaze points by their dispersion, as the server's own filter does.
+/// Detects fixations by the dispersion of the gaze points, like the server.
 ///
-/// A fixation is reported once the gaze has stayed together for about 50 ms and is then dated back to where
-/// it began. It ends with the first sample that leaves it or has no gaze; until the next one its values stay
-/// as they were.
+/// A fixation is reported about 50 ms after it started, with its real start time. It ends with the first sample that is
+/// invalid or too far away. Between fixations, the values of the last one are kept.
 class FixationDetector {
 public:
     explicit FixationDetector(const PhysicalSetup &setup);
 
-    const Fixation &add(double time, const Gaze &gaze);
+    const Fixation &add(double time_s, const Gaze &gaze);
 
-    /// The clock starts again at zero: the fixation before that no longer has a meaningful time.
+    /// Call this when the clock restarts at 0. Drops the last fixation, whose time is then meaningless.
     void restart();
 
 private:
     struct Sample {
-        double time = 0;
+        double time_s = 0;
         Point point;
     };
 
-    void extend(double time, Point point);
-    void search(double time, Point point);
-    void begin();
+    void extend(double time_s, Point point);
+    void search(double time_s, Point point);
+    void start();
     [[nodiscard]] bool together(Point a, Point b) const;
 
     PhysicalSetup setup_;
     Fixation fixation_;
-    std::deque<Sample> candidates_;  // the latest samples that lie together; empty during a fixation
+    std::deque<Sample> candidates_;  // the latest samples that are close together; empty during a fixation
     Point sum_;
-    int samples_ = 0;
+    int sampleCount_ = 0;
 };
 
 }  // namespace sim::gazepoint

@@ -15,22 +15,18 @@ std::optional<QByteArray> LinePlayer::next() {
     return lines_[index_++];
 }
 
-std::optional<QVector<QByteArray>> LinePlayer::load(const QString &path, QString *error) {
+std::variant<QVector<QByteArray>, QString> LinePlayer::load(const QString &path) {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        *error = QString("cannot read %1: %2").arg(path, file.errorString());
-        return std::nullopt;
-    }
+    if (!file.open(QIODevice::ReadOnly))
+        return QString("cannot read %1: %2").arg(path, file.errorString());
     QVector<QByteArray> lines;
     while (!file.atEnd()) {
         const QByteArray line = file.readLine().trimmed();
         if (line.startsWith("<REC"))
             lines.append(line);
     }
-    if (lines.isEmpty()) {
-        *error = QString("%1 holds no line that begins with <REC").arg(path);
-        return std::nullopt;
-    }
+    if (lines.isEmpty())
+        return QString("%1 has no line that starts with <REC").arg(path);
     return lines;
 }
 

@@ -4,21 +4,21 @@
 #include <QString>
 #include <QVector>
 #include <optional>
+#include <variant>
 
 namespace sim::gazepoint {
 
-/// Sends recorded records in place of measured ones; each connection has its own place in them.
+/// Replaces the simulated records of one connection with the lines of a file.
 class LinePlayer {
 public:
-    /// `once`: nothing more comes after the last line, else it starts again.
+    /// With `once` there are no more records after the last line. Otherwise the player starts again.
     LinePlayer(const QVector<QByteArray> &lines, bool once);
 
     [[nodiscard]] bool isActive() const { return !lines_.isEmpty(); }
     std::optional<QByteArray> next();
 
-    /// The lines of a file that begin with `<REC`; comments (#), blank lines and other messages are passed
-    /// over. Nothing, and the reason in `error`, when the file cannot be read or has no such line.
-    static std::optional<QVector<QByteArray>> load(const QString &path, QString *error);
+    /// Returns the lines of a file that start with `<REC`, or an error message that names the file.
+    [[nodiscard]] static std::variant<QVector<QByteArray>, QString> load(const QString &path);
 
 private:
     QVector<QByteArray> lines_;

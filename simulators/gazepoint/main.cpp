@@ -18,37 +18,37 @@ using namespace sim::gazepoint;
 
 namespace {
 
-constexpr int kFailed = 1;
-constexpr int kBadOptions = 2;
-constexpr int kSignalPollMs = 100;
+constexpr int exitFailed = 1;
+constexpr int exitBadOptions = 2;
+constexpr int signalPollIntervalMs = 100;
 
-volatile std::sig_atomic_t endRequested = 0;
+volatile std::sig_atomic_t quitRequested = 0;
 
-void requestEnd(int /*signal*/) {
-    endRequested = 1;
+void requestQuit(int /*signal*/) {
+    quitRequested = 1;
 }
 
-int complain(const QString &reason, int exitCode) {
+/// Prints the reason and returns the exit code.
+int fail(const QString &reason, int exitCode = exitFailed) {
     std::fprintf(stderr, "gazepoint-simulator: %s\n", qPrintable(reason));
     return exitCode;
 }
 
-/// Ends the event loop on Ctrl-C and SIGTERM. A handler may do next to nothing, so a timer looks what it
-/// left.
-void endOnSignals(QTimer *poll) {
-    std::signal(SIGINT, requestEnd);
-    std::signal(SIGTERM, requestEnd);
-    QObject::connect(poll, &QTimer::timeout, poll, [] {
-        if (endRequested != 0)
+/// Quits the event loop on Ctrl-C and SIGTERM. A signal handler must not call Qt, so it sets a flag that a timer polls.
+void quitOnSignals(QTimer &poll) {
+    std::signal(SIGINT, requestQuit);
+    std::signal(SIGTERM, requestQuit);
+    QObject::connect(&poll, &QTimer::timeout, &poll, [] {
+        if (quitRequested != 0)
             QCoreApplication::quit();
     });
-    poll->start(kSignalPollMs);
+    poll.start(signalPollIntervalMs);
 }
 
-/// Qt aborts where it finds no display; say instead what the user can do about it.
+/// Replaces Qt's message when it aborts because there is no display.
 void explainMissingDisplay(QtMsgType type, const QMessageLogContext & /*context*/, const QString & /*text*/) {
     if (type == QtFatalMsg)
-        std::_Exit(complain("--follow-mouse needs a display, and none can be opened", kFailed));
+        std::_Exit(fail("--follow-mouse needs a display, and none can be opened"));
 }
 
 std::unique_ptr<QCoreApplication> makeApplication(int &argc, char **argv, bool withDisplay) {
@@ -67,41 +67,41 @@ QStringList argumentList(int argc, char **argv) {
     return list;
 }
 
-/// Reads the files that the options name; false with the reason in `error`.
-bool loadFiles(Options *options, Subject *subject, QString *error) {
-    if (!options->recordFile.isEmpty()) {
-        const auto recording = Recording::load(options->recordFile, error);
-        if (!recording)
-            return false;
-        subject->play(*recording, options->server.once);
-    }
-    if (!options->linesFile.isEmpty()) {
-        const auto lines = LinePlayer::load(options->linesFile, error);
-        if (!lines)
-            return false;
-        options->server.lines = *lines;
-    }
-    return true;
-}
-
-int serve(const Options &options, Subject *subject) {
-    Server server(options.server, subject);
-    if (!server.listen()) {
-        const QString address = QString("127.0.0.1:%1").arg(options.server.port);
-        return complain(QString("cannot listen on %1: %2").arg(address, server.errorString()), kFailed);
-    }
+int serve(const Options &options, const ServerOptions &serverOptions, Subject &subject) {
+    Server server(serverOptions, subject);
+    if (!server.listen())
+        return fail(QString("cannot listen on 127.0.0.1:%1: %2").arg(serverOptions.port).arg(server.errorString()));
     std::unique_ptr<PointerSource> pointer;
     if (options.followMouse) {
         pointer = std::make_unique<PointerSource>([&](Point position) {
-            subject->follow(position);
+            subject.follow(position);
             server.setCursor(position);
         });
     }
     QTimer signalPoll;
-    endOnSignals(&signalPoll);
+    quitOnSignals(signalPoll);
     std::printf("listening on 127.0.0.1:%d\n", server.port());
     std::fflush(stdout);
     return QCoreApplication::exec();
+}
+
+/// Loads the files that the options name, and runs the server.
+int run(const Options &options) {
+    Subject subject(options.subject);
+    if (!options.recordFile.isEmpty()) {
+        const auto recording = Recording::load(options.recordFile);
+        if (const auto *error = std::get_if<QString>(&recording))
+            return fail(*error);
+        subject.play(std::get<Recording>(recording), options.server.once);
+    }
+    ServerOptions serverOptions = options.server;
+    if (!options.linesFile.isEmpty()) {
+        const auto lines = LinePlayer::load(options.linesFile);
+        if (const auto *error = std::get_if<QString>(&lines))
+            return fail(*error);
+        serverOptions.lines = std::get<QVector<QByteArray>>(lines);
+    }
+    return serve(options, serverOptions, subject);
 }
 
 }  // namespace
@@ -109,17 +109,13 @@ int serve(const Options &options, Subject *subject) {
 int main(int argc, char *argv[]) {
     const auto parsed = parseOptions(argumentList(argc, argv));
     if (const auto *error = std::get_if<QString>(&parsed))
-        return complain(*error + "\nTry --help.", kBadOptions);
-    auto options = std::get<Options>(parsed);
+        return fail(*error + "\nTry --help.", exitBadOptions);
+    const auto &options = std::get<Options>(parsed);
 
     const auto application = makeApplication(argc, argv, options.followMouse && !options.help);
     if (options.help) {
         std::printf("%s", qPrintable(helpText()));
         return 0;
     }
-    Subject subject(options.subject);
-    QString error;
-    if (!loadFiles(&options, &subject, &error))
-        return complain(error, kFailed);
-    return serve(options, &subject);
+    return run(options);
 }

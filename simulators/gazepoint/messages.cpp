@@ -9,8 +9,8 @@ QByteArray message(const char *tag, const QByteArray &id, const QVector<Attribut
     return text + " />";
 }
 
-QByteArray decimals(double value, int count) {
-    return QByteArray::number(value, 'f', count);
+QByteArray decimals(double value, int decimalCount) {
+    return QByteArray::number(value, 'f', decimalCount);
 }
 
 }  // namespace sim::gazepoint

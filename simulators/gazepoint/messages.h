@@ -7,10 +7,10 @@
 
 namespace sim::gazepoint {
 
-/// `<TAG ID="..." NAME="VALUE" ... />` without the line end.
+/// Returns `<TAG ID="..." NAME="VALUE" ... />` without a line end.
 QByteArray message(const char *tag, const QByteArray &id, const QVector<Attribute> &attributes = {});
 
-/// A number with a fixed count of decimals, a decimal point in every locale.
-QByteArray decimals(double value, int count);
+/// Formats a number with `decimalCount` decimals and a decimal point in every locale.
+QByteArray decimals(double value, int decimalCount);
 
 }  // namespace sim::gazepoint

@@ -9,29 +9,29 @@ namespace sim::gazepoint {
 
 namespace {
 
-constexpr double kSlowestRate = 1;
-constexpr double kFastestRate = 5000;
-constexpr double kLongestTime = 1e6;  // seconds
+constexpr double minRateHz = 1;
+constexpr double maxRateHz = 5000;
+constexpr double maxTime_s = 1e6;
 
-/// Takes the values out of the parser and remembers the first that makes no sense.
+/// Reads the values of a parser and keeps the first error.
 class Values {
 public:
     explicit Values(const QCommandLineParser &parser) : parser_(parser) {}
 
-    double number(const QString &option, double low, double high) {
+    double number(const QString &option, double min, double max) {
         bool ok = false;
         const double value = parser_.value(option).toDouble(&ok);
-        return check(ok && value >= low && value <= high, option, QString("a number from %1 to %2").arg(low).arg(high))
+        return check(ok && value >= min && value <= max, option, QString("a number from %1 to %2").arg(min).arg(max))
                    ? value
-                   : low;
+                   : min;
     }
 
     template <typename Unsigned>
     Unsigned whole(const QString &option) {
         bool ok = false;
         const quint64 value = parser_.value(option).toULongLong(&ok);
-        const quint64 most = std::numeric_limits<Unsigned>::max();
-        check(ok && value <= most, option, QString("a whole number from 0 to %1").arg(most));
+        const quint64 max = std::numeric_limits<Unsigned>::max();
+        check(ok && value <= max, option, QString("a whole number from 0 to %1").arg(max));
         return static_cast<Unsigned>(value);
     }
 
@@ -62,9 +62,9 @@ public:
     [[nodiscard]] const QString &error() const { return error_; }
 
 private:
-    bool check(bool ok, const QString &option, const QString &wanted) {
+    bool check(bool ok, const QString &option, const QString &expected) {
         if (!ok)
-            fail(QString("--%1 takes %2, not \"%3\"").arg(option, wanted, parser_.value(option)));
+            fail(QString("--%1 takes %2, not \"%3\"").arg(option, expected, parser_.value(option)));
         return ok;
     }
 
@@ -73,46 +73,49 @@ private:
 };
 
 QString faultHelp() {
-    QString text = "Faults to show, separated by commas:";
+    QString text = "Faults of the data stream, separated by commas:";
     for (const FaultDescription &description : faultDescriptions())
         text += QString("\n%1: %2").arg(description.name, description.help);
     return text;
 }
 
-void declare(QCommandLineParser *parser) {
-    parser->setApplicationDescription(
-        "Stands in for a GazePoint tracker's server: a simulated person looks around,\n"
-        "and programs read the gaze from 127.0.0.1 as from the real server.");
-    parser->addOption({{"h", "help"}, "Show this help."});
-    parser->addOptions({
-        {"port", "TCP port on 127.0.0.1; 0 takes any free one.", "PORT", "4242"},
-        {"rate", "Records a second, 1 to 5000. 60 gives the 60.9 of a real 60 Hz tracker.", "HZ", "60"},
-        {"screen", "Screen as SCREEN_SIZE tells it: WxH or WxH+X+Y. Any numbers, sensible or not.", "SIZE",
+void declareOptions(QCommandLineParser &parser) {
+    parser.setApplicationDescription(
+        "Simulates the server of a GazePoint tracker. A simulated person looks around, and\n"
+        "programs read the gaze from 127.0.0.1 as from the real server.");
+    parser.addOption({{"h", "help"}, "Show this help."});
+    parser.addOptions({
+        {"port", "TCP port on 127.0.0.1; 0 selects a free port.", "PORT", "4242"},
+        {"rate", "Records per second, 1 to 5000. 60 sends 60.9 per second, like a real 60 Hz tracker.", "HZ", "60"},
+        {"screen", "Screen that SCREEN_SIZE reports: WxH or WxH+X+Y. Any integers, even invalid sizes.", "SIZE",
          "1920x1080"},
-        {"older-server", "Tell SCREEN_SIZE without X and Y, as older servers do."},
-        {"seed", "What the person does and when; the same number, the same person.", "NUMBER", "1"},
-        {"blink-interval", "Seconds between blinks; 0: no blinks.", "SECONDS", "4"},
-        {"follow-mouse", "The person looks at the mouse pointer (needs a display)."},
-        {"record", "The person acts out a recorded CSV file.", "FILE"},
-        {"lines", "Send the <REC .../> lines of a file, whatever is switched on, in place of the person's.", "FILE"},
+        {"older-server", "Report SCREEN_SIZE without X and Y, like older servers."},
+        {"seed", "Seed of the simulated person. The same seed gives the same gaze.", "NUMBER", "1"},
+        {"blink-interval", "Median seconds between blinks; 0: no blinks.", "SECONDS", "4"},
+        {"follow-mouse", "The person looks at the mouse pointer. Needs a display."},
+        {"record", "The person plays back a recording from a CSV file.", "FILE"},
+        {"lines",
+         "Send the <REC .../> lines of a file instead of simulated records. ENABLE_SEND_DATA starts them;\n"
+         "the other switches have no effect.",
+         "FILE"},
         {"once", "With --record or --lines: do not start again at the end."},
         {"fault", faultHelp(), "NAME[,NAME...]"},
-        {"fault-after", "Seconds of good data before the faults begin.", "SECONDS", "2"},
+        {"fault-after", "Seconds of good data before the faults start.", "SECONDS", "2"},
     });
 }
 
-Options optionsOf(const QCommandLineParser &parser, Values *values) {
+Options optionsOf(const QCommandLineParser &parser, Values &values) {
     Options options;
     options.help = parser.isSet("help");
-    options.server.port = values->whole<quint16>("port");
-    options.server.rate = values->number("rate", kSlowestRate, kFastestRate);
-    options.server.screen = values->screen("screen");
+    options.server.port = values.whole<quint16>("port");
+    options.server.rateHz = values.number("rate", minRateHz, maxRateHz);
+    options.server.screen = values.screen("screen");
     options.server.olderServer = parser.isSet("older-server");
-    options.server.faults.faults = values->faults("fault");
-    options.server.faults.after = values->number("fault-after", 0, kLongestTime);
+    options.server.faults.faults = values.faults("fault");
+    options.server.faults.after_s = values.number("fault-after", 0, maxTime_s);
     options.server.once = parser.isSet("once");
-    options.subject.seed = values->whole<quint64>("seed");
-    options.subject.blinkInterval = values->number("blink-interval", 0, kLongestTime);
+    options.subject.seed = values.whole<quint64>("seed");
+    options.subject.blinkInterval_s = values.number("blink-interval", 0, maxTime_s);
     options.recordFile = parser.value("record");
     options.linesFile = parser.value("lines");
     options.followMouse = parser.isSet("follow-mouse");
@@ -128,7 +131,7 @@ int countSet(const QCommandLineParser &parser, const QStringList &names) {
 
 std::variant<Options, QString> parseOptions(const QStringList &arguments) {
     QCommandLineParser parser;
-    declare(&parser);
+    declareOptions(parser);
     if (!parser.parse(arguments))
         return parser.errorText();
     if (!parser.positionalArguments().isEmpty())
@@ -136,7 +139,7 @@ std::variant<Options, QString> parseOptions(const QStringList &arguments) {
     if (countSet(parser, {"follow-mouse", "record", "lines"}) > 1)
         return QString("--follow-mouse, --record and --lines exclude each other");
     Values values(parser);
-    const Options options = optionsOf(parser, &values);
+    const Options options = optionsOf(parser, values);
     if (!values.error().isEmpty())
         return values.error();
     return options;
@@ -144,7 +147,7 @@ std::variant<Options, QString> parseOptions(const QStringList &arguments) {
 
 QString helpText() {
     QCommandLineParser parser;
-    declare(&parser);
+    declareOptions(parser);
     return parser.helpText();
 }
 

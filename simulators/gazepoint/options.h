@@ -9,24 +9,23 @@
 
 namespace sim::gazepoint {
 
-/// What the command line asks for.
+/// The options of the command line.
 struct Options {
     ServerOptions server;
     SubjectOptions subject;
-    QString recordFile;  ///< the recording that the subject acts out; empty: none
-    QString linesFile;   ///< the recorded protocol lines to send; empty: none
+    QString recordFile;  ///< record file that the subject plays back; empty: none
+    QString linesFile;   ///< file with the protocol lines to send; empty: none
     bool followMouse = false;
     bool help = false;
 };
 
-/// The options, or the reason (one line) why these arguments make no sense. `arguments` begin with the
-/// program's name.
-std::variant<Options, QString> parseOptions(const QStringList &arguments);
+/// Returns the options, or an error message of one line. The first argument is the name of the program.
+[[nodiscard]] std::variant<Options, QString> parseOptions(const QStringList &arguments);
 
-/// The text of --help; needs an application object.
-QString helpText();
+/// Returns the text of --help. Needs an application object.
+[[nodiscard]] QString helpText();
 
-/// A screen as `WxH`, `WxH+X+Y` or `WxH-X+Y`; any integers, even those that are no sensible size.
-std::optional<Screen> parseScreen(const QString &text);
+/// Parses `WxH` or `WxH+X+Y`, where a `-` may replace each `+`. All integers are valid, even if they do not fit an int.
+[[nodiscard]] std::optional<Screen> parseScreen(const QString &text);
 
 }  // namespace sim::gazepoint

@@ -5,26 +5,26 @@
 
 namespace sim::gazepoint {
 
-/// The moments at which the device takes its samples: an even grid without drift, on which each sample is a
-/// little early or late as a camera's are.
+/// The sampling times of the device: an even grid without drift, plus a small jitter as in a real camera.
 class Pacer {
 public:
-    /// Nominal samples a second. A 60 Hz device really takes 60.9.
-    explicit Pacer(double rate);
+    /// Takes the nominal sample rate. A 60 Hz tracker really takes 60.9 samples per second.
+    explicit Pacer(double rateHz);
 
-    /// The moment of the next sample when it is due at `now`. Call it until nothing is due any more.
+    /// Returns the time of the next sample if it is due at `now_s`. Several samples may be due.
     ///
-    /// After a stall of more than a second (a suspended machine) the samples in between are left out.
-    std::optional<double> next(double now);
+    /// After a delay of more than a second, for instance while the machine was suspended, the missed samples are
+    /// skipped.
+    [[nodiscard]] std::optional<double> next(double now_s);
 
-    /// Seconds until the next sample is due.
-    [[nodiscard]] double wait(double now) const;
+    /// Returns the seconds until the next sample is due.
+    [[nodiscard]] double wait_s(double now_s) const;
 
 private:
-    [[nodiscard]] double moment() const;
+    [[nodiscard]] double moment_s() const;
 
-    double period_;
-    double origin_ = 0;
+    double period_s_;
+    double origin_s_ = 0;
     std::int64_t index_ = 1;
 };
 

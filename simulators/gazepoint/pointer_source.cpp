@@ -8,13 +8,13 @@ namespace sim::gazepoint {
 
 namespace {
 
-constexpr int kPollMs = 10;
+constexpr int pollIntervalMs = 10;
 
 }  // namespace
 
 PointerSource::PointerSource(const std::function<void(Point)> &report) : report_(report) {
     connect(&timer_, &QTimer::timeout, this, &PointerSource::poll);
-    timer_.start(kPollMs);
+    timer_.start(pollIntervalMs);
     poll();
 }
 

@@ -8,8 +8,8 @@
 
 namespace sim::gazepoint {
 
-/// Reports where the mouse pointer is on the primary screen, in fractions of it, about 100 times a second.
-/// Needs a QGuiApplication.
+/// Reports the position of the mouse pointer about 100 times per second, as fractions of the primary screen. Needs a
+/// QGuiApplication.
 class PointerSource : public QObject {
     Q_OBJECT
 

@@ -7,7 +7,7 @@
 
 namespace sim::gazepoint {
 
-/// A place that the tracker reports with its validity.
+/// A gaze point with its validity.
 struct Gaze {
     Point point;
     bool valid = false;
@@ -18,7 +18,7 @@ struct PupilRecord {
     Point centre;            ///< fraction of the image
     double diameter_px = 0;  ///< in the image
     double scale = 0;        ///< 1 at the distance of the calibration
-    Point position_m;        ///< of the eye, from the screen's centre
+    Point position_m;        ///< of the eye, relative to the centre of the screen
     double distance_m = 0;
     double diameter_mm = 0;
     bool valid = false;
@@ -26,22 +26,22 @@ struct PupilRecord {
 
 struct Fixation {
     Point centre;
-    double start = 0;     ///< TIME at which it began
-    double duration = 0;  ///< seconds so far
+    double start_s = 0;  ///< TIME at its start
+    double duration_s = 0;
     int id = 0;
-    bool valid = false;  ///< false between fixations; the other fields then still tell the last one
+    bool valid = false;  ///< false between fixations; the other fields then describe the last one
 };
 
 struct Blink {
-    int id = 0;           ///< 0 while the eyes are open
-    double duration = 0;  ///< seconds; only in the first record after a blink
+    int id = 0;             ///< 0 while the eyes are open
+    double duration_s = 0;  ///< only in the first record after a blink
     int perMinute = 0;
 };
 
-/// All that one record of the data stream can tell; the switches choose what of it is sent.
+/// All values of one record. The switches of a client select the fields that are sent.
 struct Record {
     std::int64_t count = 0;
-    double time = 0;  ///< seconds since the server's start or the last calibration
+    double time_s = 0;  ///< since the start of the server or the end of the last calibration
     std::int64_t tick = 0;
     Fixation fixation;
     Gaze left;

@@ -8,25 +8,25 @@
 
 namespace sim::gazepoint {
 
-/// Turns what is to be seen of the person into the tracker's records: counts them, stamps them, finds
-/// fixations and blinks. Times are seconds of a monotonic clock.
+/// Builds the records of the tracker from the state of the person. Adds counters and timestamps, and detects fixations
+/// and blinks. Times are seconds of a monotonic clock.
 class RecordBuilder {
 public:
-    /// `ticksAtZero`: TIME_TICK at time 0.
+    /// `ticksAtZero` is the TIME_TICK at time 0.
     RecordBuilder(const PhysicalSetup &setup, std::int64_t ticksAtZero);
 
     Record build(double seconds, const EyeState &eyes);
 
-    /// TIME counts from `seconds` on, as it does after a calibration.
+    /// Restarts TIME at 0, as a calibration does.
     void restartTime(double seconds);
 
-    static constexpr std::int64_t kTicksPerSecond = 10'000'000;
+    static constexpr std::int64_t ticksPerSecond = 10'000'000;
 
 private:
     PhysicalSetup setup_;
     std::int64_t ticksAtZero_;
-    double timeZero_ = 0;
-    Record record_;  // the latest one: an eye that is lost keeps its last values
+    double timeZero_s_ = 0;
+    Record record_;  // the latest one; a lost eye keeps its last values
     FixationDetector fixations_;
     BlinkCounter blinks_;
 };

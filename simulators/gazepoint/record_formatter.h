@@ -7,8 +7,8 @@
 
 namespace sim::gazepoint {
 
-/// The record as the wire has it, without the line end: the fields of the groups that are switched on, in the
-/// fixed order, floats with 5 decimals.
+/// Formats the enabled fields of a record in their fixed order, without a line end. Real numbers other than HRIBI have
+/// 5 decimals.
 QByteArray formatRecord(const Record &record, const Switches &switches);
 
 }  // namespace sim::gazepoint

@@ -11,24 +11,21 @@ namespace sim::gazepoint {
 
 namespace {
 
-constexpr double kMillisecond = 0.001;
-
-/// TIME_TICK is the machine's own monotonic clock, so that a program on this machine can relate it to its
-/// times.
+/// Returns the monotonic clock of the machine, so that programs on it can compare TIME_TICK with their own times.
 std::int64_t ticksNow() {
     const auto sinceBoot = std::chrono::steady_clock::now().time_since_epoch();
     return std::chrono::duration_cast<std::chrono::nanoseconds>(sinceBoot).count() *
-           (RecordBuilder::kTicksPerSecond / 1'000'000) / 1000;
+           (RecordBuilder::ticksPerSecond / 1'000'000) / 1000;
 }
 
 DeviceOptions deviceOptions(const ServerOptions &options) {
-    return {options.screen, options.olderServer, static_cast<int>(std::lround(options.rate)), ticksNow()};
+    return {options.screen, options.olderServer, static_cast<int>(std::lround(options.rateHz)), ticksNow()};
 }
 
 }  // namespace
 
-Server::Server(const ServerOptions &options, Subject *subject, QObject *parent)
-    : QObject(parent), options_(options), device_(deviceOptions(options), subject), pacer_(options.rate) {
+Server::Server(const ServerOptions &options, Subject &subject, QObject *parent)
+    : QObject(parent), options_(options), device_(deviceOptions(options), subject), pacer_(options.rateHz) {
     clock_.start();
     timer_.setSingleShot(true);
     timer_.setTimerType(Qt::PreciseTimer);
@@ -47,14 +44,14 @@ bool Server::listen() {
 
 void Server::accept() {
     while (QTcpSocket *socket = tcp_.nextPendingConnection()) {
-        if (clients_.size() >= kMostClients) {
+        if (clients_.size() >= maxClientCount) {
             socket->deleteLater();
             continue;
         }
         const LinePlayer player(options_.lines, options_.once);
-        auto *client = new Client(socket, &device_, options_.faults, player, this);
+        auto *client = new Client(socket, device_, options_.faults, player, this);
         clients_.push_back(client);
-        // Queued, because a write to the client, in the midst of the list, can end the connection.
+        // Queued, because writing to a client can close its connection while takeSamples() iterates over the clients.
         connect(
             client, &Client::finished, this, [this, client] { remove(client); }, Qt::QueuedConnection);
     }
@@ -65,18 +62,18 @@ void Server::remove(Client *client) {
     client->deleteLater();
 }
 
-/// At high rates several samples are due at a time, because the event loop's timers count in milliseconds.
+/// Several samples may be due at high rates, because the timer has a resolution of one millisecond.
 void Server::takeSamples() {
-    const double until = now();
-    while (const auto moment = pacer_.next(until)) {
+    const double until_s = now_s();
+    while (const auto moment = pacer_.next(until_s)) {
         const Device::Step step = device_.advance(*moment);
         for (Client *client : clients_)
             client->deliver(step, *moment);
     }
-    timer_.start(static_cast<int>(std::ceil(pacer_.wait(now()) / kMillisecond)));
+    timer_.start(static_cast<int>(std::ceil(pacer_.wait_s(now_s()) * 1000)));
 }
 
-double Server::now() const {
+double Server::now_s() const {
     return static_cast<double>(clock_.nsecsElapsed()) * 1e-9;
 }
 

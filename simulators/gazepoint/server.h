@@ -19,41 +19,41 @@ namespace sim::gazepoint {
 class Client;
 
 struct ServerOptions {
-    quint16 port = 4242;  ///< 0: any free one
-    double rate = 60;     ///< samples a second
+    quint16 port = 4242;  ///< 0: any free port
+    double rateHz = 60;
     Screen screen;
     bool olderServer = false;
     FaultOptions faults;
-    QVector<QByteArray> lines;  ///< records to send in place of measured ones, if any
-    bool once = false;          ///< send `lines` once instead of over and over
+    QVector<QByteArray> lines;  ///< sent instead of simulated records, if there are any
+    bool once = false;          ///< do not repeat `lines`; the program also applies it to the recording of the subject
 };
 
-/// The simulated tracker's server on 127.0.0.1: any number of clients up to kMostClients, one device for all.
+/// The server of the simulated tracker on 127.0.0.1. Up to maxClientCount clients share one device.
 ///
-/// The device measures all the time, as a real one does, whether anybody listens or not. The subject is owned
-/// by the caller and outlives the server.
+/// Like a real tracker, the device measures all the time, even without clients. The caller owns the subject, which must
+/// outlive the server.
 class Server : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr int kMostClients = 64;
+    static constexpr int maxClientCount = 64;
 
-    Server(const ServerOptions &options, Subject *subject, QObject *parent = nullptr);
+    Server(const ServerOptions &options, Subject &subject, QObject *parent = nullptr);
     ~Server() override;
 
-    /// False when the port is taken; errorString() then says why.
+    /// Returns false on failure, for instance if the port is in use. errorString() then returns the reason.
     [[nodiscard]] bool listen();
     [[nodiscard]] quint16 port() const { return tcp_.serverPort(); }
     [[nodiscard]] QString errorString() const { return tcp_.errorString(); }
 
-    /// Where the mouse pointer is, in fractions of the screen.
+    /// Sets the position of the mouse pointer, as fractions of the screen.
     void setCursor(Point position) { device_.setCursor(position); }
 
 private:
     void accept();
     void remove(Client *client);
     void takeSamples();
-    [[nodiscard]] double now() const;
+    [[nodiscard]] double now_s() const;
 
     ServerOptions options_;
     QElapsedTimer clock_;

@@ -4,25 +4,26 @@ namespace sim {
 
 namespace {
 
-constexpr double kShortest = 0.100;
-constexpr double kLongest = 0.200;
-constexpr double kIntervalSigma = 0.4;
+constexpr double minDuration_s = 0.100;
+constexpr double maxDuration_s = 0.200;
+constexpr double intervalSigma = 0.4;
 
 }  // namespace
 
-Blinks::Blinks(std::uint64_t seed, double interval) : random_(seed), interval_(interval) {}
+Blinks::Blinks(std::uint64_t seed, double medianInterval_s) : random_(seed), medianInterval_s_(medianInterval_s) {}
 
 bool Blinks::closedAt(double seconds) {
-    if (interval_ <= 0)
+    if (medianInterval_s_ <= 0)
         return false;
-    while (seconds >= end_)
+    while (seconds >= end_s_)
         next();
-    return seconds >= start_;
+    return seconds >= start_s_;
 }
 
 void Blinks::next() {
-    start_ = end_ + random_.logNormalWithin(interval_, kIntervalSigma, interval_ / 3, interval_ * 3);
-    end_ = start_ + random_.uniform(kShortest, kLongest);
+    start_s_ = end_s_ +
+               random_.logNormalWithin(medianInterval_s_, intervalSigma, medianInterval_s_ / 3, medianInterval_s_ * 3);
+    end_s_ = start_s_ + random_.uniform(minDuration_s, maxDuration_s);
 }
 
 }  // namespace sim

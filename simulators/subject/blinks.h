@@ -4,22 +4,22 @@
 
 namespace sim {
 
-/// When the person's eyes are closed: blinks of 100 to 200 ms, `interval` seconds apart in the middle.
+/// The blinks of the simulated person: 100 to 200 ms long, at random intervals.
 class Blinks {
 public:
-    /// An `interval` of 0 or less: the person never blinks.
-    Blinks(std::uint64_t seed, double interval);
+    /// There are no blinks if `medianInterval_s` is 0 or less.
+    Blinks(std::uint64_t seed, double medianInterval_s);
 
-    /// `seconds` must not run backwards.
+    /// `seconds` must not decrease from call to call.
     bool closedAt(double seconds);
 
 private:
     void next();
 
     Random random_;
-    double interval_;
-    double start_ = 0;
-    double end_ = 0;
+    double medianInterval_s_;
+    double start_s_ = 0;
+    double end_s_ = 0;
 };
 
 }  // namespace sim

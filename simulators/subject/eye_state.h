@@ -2,8 +2,8 @@
 
 namespace sim {
 
-/// A place as fractions of a plane's width and height: (0, 0) is the upper left corner, (1, 1) the lower
-/// right one.
+/// A point as fractions of the width and height of a plane: (0, 0) is the upper left corner, (1, 1) the lower right
+/// one.
 struct Point {
     double x = 0;
     double y = 0;
@@ -19,10 +19,10 @@ inline Point operator*(Point a, double factor) {
     return {a.x * factor, a.y * factor};
 }
 
-/// One eye as an ideal tracker would see it.
+/// One eye as an ideal tracker would measure it.
 struct Eye {
-    bool visible = false;  ///< false during blinks; the other fields then mean nothing
-    Point gaze;            ///< on the screen; leaves 0..1 when the person looks past its edge
+    bool visible = false;  ///< false during blinks; the other fields are then undefined
+    Point gaze;            ///< on the screen; outside 0..1 when the person looks past its edge
     double pupil_mm = 0;   ///< diameter
     Point pupilCentre;     ///< in the camera image
 };

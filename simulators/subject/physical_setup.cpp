@@ -6,10 +6,10 @@ namespace sim {
 
 namespace {
 
-constexpr double kDegreesPerRadian = 57.29577951308232;
+constexpr double degreesPerRadian = 57.29577951308232;
 
 double visualAngle(double size_cm, double distance_cm) {
-    return 2 * std::atan(size_cm / 2 / distance_cm) * kDegreesPerRadian;
+    return 2 * std::atan(size_cm / 2 / distance_cm) * degreesPerRadian;
 }
 
 }  // namespace

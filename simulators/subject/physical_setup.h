@@ -4,10 +4,10 @@
 
 namespace sim {
 
-/// The desk at which the person sits: turns degrees of visual angle into fractions of the screen and back.
+/// The screen and the viewing distance. Converts between degrees of visual angle and fractions of the screen.
 ///
-/// The conversion is linear over the whole screen, which is within 5 % of the true angle on a desktop
-/// display.
+/// The conversion is linear over the whole screen. With the default values, its scale differs from that of the true
+/// angle by about 6 % at the centre and 12 % at the edges.
 struct PhysicalSetup {
     double screenWidth_cm = 53.1;  // a 24 inch display of 16:9
     double screenHeight_cm = 29.9;
@@ -16,7 +16,7 @@ struct PhysicalSetup {
     [[nodiscard]] double widthDegrees() const;
     [[nodiscard]] double heightDegrees() const;
     [[nodiscard]] double degreesBetween(Point a, Point b) const;
-    /// The offset on the screen, in fractions, that `x` and `y` degrees make.
+    /// Returns an offset of `x` and `y` degrees as fractions of the screen.
     [[nodiscard]] Point fromDegrees(double x, double y) const;
 };
 

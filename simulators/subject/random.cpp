@@ -6,16 +6,14 @@ namespace sim {
 
 namespace {
 
-constexpr double kTwoPi = 6.283185307179586;
-
-/// The upper 53 bits as a number in [0, 1).
+/// Returns the upper 53 bits as a number in [0, 1).
 double unitInterval(std::uint64_t bits) {
     return static_cast<double>(bits >> 11) * 0x1p-53;
 }
 
-/// Box-Muller; `1 - a` keeps the logarithm away from zero.
+/// The Box-Muller transform. The argument of the logarithm lies in (0, 1].
 double normalFrom(std::uint64_t first, std::uint64_t second) {
-    return std::sqrt(-2 * std::log(1 - unitInterval(first))) * std::cos(kTwoPi * unitInterval(second));
+    return std::sqrt(-2 * std::log(1 - unitInterval(first))) * std::cos(twoPi * unitInterval(second));
 }
 
 }  // namespace

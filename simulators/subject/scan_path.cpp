@@ -8,34 +8,34 @@ namespace sim {
 
 namespace {
 
-constexpr Point kCentre{0.5, 0.5};
+constexpr Point screenCentre{0.5, 0.5};
 
-// Fixations in free viewing: skewed towards short ones, most of them about a quarter of a second.
-constexpr double kFixationMedian = 0.260;
-constexpr double kFixationSigma = 0.35;
-constexpr double kFixationShortest = 0.150;
-constexpr double kFixationLongest = 0.500;
+// Fixations in free viewing: most of them last about a quarter of a second, and the distribution has a long tail.
+constexpr double medianFixation_s = 0.260;
+constexpr double fixationSigma = 0.35;
+constexpr double minFixation_s = 0.150;
+constexpr double maxFixation_s = 0.500;
 
-// The main sequence: duration grows in line with amplitude.
-constexpr double kSaccadeBase = 0.021;
-constexpr double kSaccadePerDegree = 0.0022;
+// The main sequence: the duration of a saccade is linear in its amplitude.
+constexpr double saccadeBase_s = 0.021;
+constexpr double saccadePerDegree_s = 0.0022;
 
-constexpr double kAmplitudeMedian = 6;  // degrees
-constexpr double kAmplitudeSigma = 0.6;
-constexpr double kAmplitudeSmallest = 2;
-constexpr double kAmplitudeLargest = 30;
-constexpr int kTargetAttempts = 20;
-constexpr double kScreenMargin = 0.03;
+constexpr double medianAmplitude_deg = 6;
+constexpr double amplitudeSigma = 0.6;
+constexpr double minAmplitude_deg = 2;
+constexpr double maxAmplitude_deg = 30;
+constexpr int maxTargetAttempts = 20;
+constexpr double screenMargin = 0.03;
 
-// A goal that is closer than this needs no saccade; the fovea covers it.
-constexpr double kOnTarget = 0.3;  // degrees
+// A closer goal needs no saccade, because the fovea covers it.
+constexpr double minGoalDistance_deg = 0.3;
 
 bool onScreen(Point p) {
-    const auto inside = [](double v) { return v >= kScreenMargin && v <= 1 - kScreenMargin; };
+    const auto inside = [](double v) { return v >= screenMargin && v <= 1 - screenMargin; };
     return inside(p.x) && inside(p.y);
 }
 
-/// Minimum-jerk progress: the smooth, single-peaked velocity profile of a saccade.
+/// Minimum-jerk progress: a smooth velocity profile with one peak, as in a saccade.
 double progress(double u) {
     return u * u * u * (10 + u * (6 * u - 15));
 }
@@ -43,63 +43,63 @@ double progress(double u) {
 }  // namespace
 
 Point ScanPath::Saccade::at(double seconds) const {
-    if (seconds >= end())
+    if (seconds >= end_s())
         return to;
-    return from + (to - from) * progress(std::max(0.0, (seconds - start) / duration));
+    return from + (to - from) * progress(std::max(0.0, (seconds - start_s) / duration_s));
 }
 
 ScanPath::ScanPath(const PhysicalSetup &setup, std::uint64_t seed) : setup_(setup), random_(seed) {
-    saccade_.from = saccade_.to = kCentre;
-    nextDecision_ = kFixationMedian;
+    saccade_.from = saccade_.to = screenCentre;
+    nextDecision_s_ = medianFixation_s;
 }
 
 Point ScanPath::at(double seconds) {
-    while (seconds >= nextDecision_)
+    while (seconds >= nextDecision_s_)
         decide();
     return saccade_.at(seconds);
 }
 
-void ScanPath::attend(Point goal, double now, double latency) {
+void ScanPath::attend(Point goal, double now_s, double latency_s) {
     goal_ = goal;
-    nextDecision_ = std::max(now + latency, saccade_.end());
+    nextDecision_s_ = std::max(now_s + latency_s, saccade_.end_s());
 }
 
-void ScanPath::release(double now) {
+void ScanPath::release(double now_s) {
     goal_.reset();
-    nextDecision_ = std::max(now, saccade_.end()) + kFixationShortest;
+    nextDecision_s_ = std::max(now_s, saccade_.end_s()) + minFixation_s;
 }
 
 void ScanPath::decide() {
     if (!goal_) {
         moveTo(nextTarget());
-        nextDecision_ = saccade_.end() +
-                        random_.logNormalWithin(kFixationMedian, kFixationSigma, kFixationShortest, kFixationLongest);
-    } else if (setup_.degreesBetween(saccade_.to, *goal_) > kOnTarget) {
+        nextDecision_s_ =
+            saccade_.end_s() + random_.logNormalWithin(medianFixation_s, fixationSigma, minFixation_s, maxFixation_s);
+    } else if (setup_.degreesBetween(saccade_.to, *goal_) > minGoalDistance_deg) {
         moveTo(*goal_);
-        nextDecision_ = saccade_.end();
+        nextDecision_s_ = saccade_.end_s();
     } else {
-        nextDecision_ = std::numeric_limits<double>::infinity();
+        nextDecision_s_ = std::numeric_limits<double>::infinity();
     }
 }
 
 void ScanPath::moveTo(Point target) {
     saccade_.from = saccade_.to;
     saccade_.to = target;
-    saccade_.start = nextDecision_;
-    saccade_.duration = kSaccadeBase + kSaccadePerDegree * setup_.degreesBetween(saccade_.from, target);
+    saccade_.start_s = nextDecision_s_;
+    saccade_.duration_s = saccadeBase_s + saccadePerDegree_s * setup_.degreesBetween(saccade_.from, target);
 }
 
 Point ScanPath::nextTarget() {
-    for (int attempt = 0; attempt < kTargetAttempts; ++attempt) {
+    for (int attempt = 0; attempt < maxTargetAttempts; ++attempt) {
         const double amplitude =
-            random_.logNormalWithin(kAmplitudeMedian, kAmplitudeSigma, kAmplitudeSmallest, kAmplitudeLargest);
-        const double direction = random_.uniform(0, 6.283185307179586);
+            random_.logNormalWithin(medianAmplitude_deg, amplitudeSigma, minAmplitude_deg, maxAmplitude_deg);
+        const double direction = random_.uniform(0, twoPi);
         const Point target =
             saccade_.to + setup_.fromDegrees(amplitude * std::cos(direction), amplitude * std::sin(direction));
         if (onScreen(target))
             return target;
     }
-    return kCentre;
+    return screenCentre;
 }
 
 }  // namespace sim

@@ -8,31 +8,30 @@
 
 namespace sim {
 
-/// Where the person's attention is on the screen: fixations joined by saccades, free of noise.
+/// The scan path of the simulated person: fixations joined by saccades, without noise.
 ///
-/// The path depends on the seed and on what the person is asked to attend to, never on how often it is looked
-/// at.
+/// The path depends on the seed and on the goals, but not on how often at() is called.
 class ScanPath {
 public:
     ScanPath(const PhysicalSetup &setup, std::uint64_t seed);
 
-    /// `seconds` must not run backwards.
+    /// `seconds` must not decrease from call to call.
     Point at(double seconds);
 
-    /// From `now` on the person turns to `goal` after `latency` seconds and stays there until release().
-    void attend(Point goal, double now, double latency);
+    /// Starts a saccade to `goal` after `latency_s`, and stays there until release().
+    void attend(Point goal, double now_s, double latency_s);
 
-    /// The person looks around freely again.
-    void release(double now);
+    /// Returns to free viewing.
+    void release(double now_s);
 
 private:
     struct Saccade {
-        double start = 0;
-        double duration = 0;
+        double start_s = 0;
+        double duration_s = 0;
         Point from;
         Point to;
 
-        [[nodiscard]] double end() const { return start + duration; }
+        [[nodiscard]] double end_s() const { return start_s + duration_s; }
         [[nodiscard]] Point at(double seconds) const;
     };
 
@@ -43,7 +42,7 @@ private:
     PhysicalSetup setup_;
     Random random_;
     Saccade saccade_;
-    double nextDecision_ = 0;  // when the current fixation ends; infinite while a goal holds the eyes
+    double nextDecision_s_ = 0;  // end of the current fixation; infinite while the gaze rests on a goal
     std::optional<Point> goal_;
 };
 

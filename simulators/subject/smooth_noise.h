@@ -6,25 +6,25 @@
 
 namespace sim {
 
-/// Gaussian noise that is a function of time alone, so that every sampling rate sees the same curve.
+/// Gaussian noise that depends only on the time, so that the curve is the same at every sample rate.
 ///
-/// Independent values stand `period` seconds apart; between them the curve is smooth.
+/// The curve is smooth. Its values are independent at multiples of `period_s`.
 class SmoothNoise {
 public:
-    SmoothNoise(std::uint64_t seed, double period, double deviation);
+    SmoothNoise(std::uint64_t seed, double period_s, double deviation);
 
     [[nodiscard]] double at(double seconds) const;
 
 private:
     std::uint64_t seed_;
-    double period_;
+    double period_s_;
     double deviation_;
 };
 
-/// Independent noise of a place's two coordinates.
+/// Independent noise for the two coordinates of a point.
 class PointNoise {
 public:
-    PointNoise(std::uint64_t seed, double period, double deviation);
+    PointNoise(std::uint64_t seed, double period_s, double deviation);
 
     [[nodiscard]] Point at(double seconds) const;
 

@@ -15,48 +15,46 @@ namespace sim {
 struct SubjectOptions {
     std::uint64_t seed = 1;
     PhysicalSetup setup;
-    double blinkInterval = 4;        ///< seconds between blinks in the middle; 0: never blinks
-    double fixationNoise_deg = 0.3;  ///< root mean square distance of one eye from the point it rests on
+    double blinkInterval_s = 4;      ///< median time between blinks; 0: no blinks
+    double fixationNoise_deg = 0.3;  ///< root mean square distance of one eye from its fixation point
 };
 
-/// One simulated person in front of a tracker, the same for every simulated device.
+/// The simulated person in front of a tracker, the same for all simulated devices.
 ///
-/// Looks around freely: fixations, saccades, blinks, two eyes with errors of their own, pupils and distance
-/// that drift. A person with the same options does the same things at the same times, however often at() is
-/// called. Owned by the device that shows it; not thread-safe, all calls from one thread or under the owner's
-/// lock.
+/// Looks around freely with fixations, saccades and blinks. Each eye has its own error, and pupils and distance drift.
+/// The state at a time depends on the options and on the calls below, but not on how often at() is called. Not
+/// thread-safe: the device that owns the person calls it from one thread or under a lock.
 class Subject {
 public:
     explicit Subject(const SubjectOptions &options = SubjectOptions());
 
-    /// The person `seconds` after the start. Time does not run backwards: an earlier time gives the latest
-    /// state.
+    /// Returns the state `seconds` after the start. If the previous call had a later time, its time is used.
     EyeState at(double seconds);
 
-    /// Turns to `target` (a calibration target, say) after a natural latency and rests there until release().
-    /// Comes before everything else that the person has been told to do.
+    /// Looks at `target`, for instance a calibration target, after a natural latency and until release(). Overrides
+    /// follow() and play().
     void lookAt(Point target);
     void release();
 
-    /// Follows the pointer, whose position the owner reports here whenever it likes.
+    /// Looks at the mouse pointer. The owner calls this repeatedly, also if the position has not changed.
     void follow(Point pointer);
 
-    /// Acts out `recording` from now on; `once`: the eyes are gone after its end, else it starts again.
+    /// Plays `recording` in a loop from now on. With `once`, it is played once, and no eye is visible afterwards.
     void play(const Recording &recording, bool once);
 
     [[nodiscard]] const PhysicalSetup &setup() const { return options_.setup; }
 
-    /// How large a millimetre at the eyes is in the camera image, as a fraction of the image's width.
+    /// Returns the size of one millimetre at the eyes as a fraction of the width of the camera image.
     static double millimetreInImage(double distance_cm);
 
 private:
-    /// What makes one eye differ from the other.
+    /// The properties in which the two eyes differ.
     struct EyeModel {
         EyeModel(std::uint64_t seed, const SubjectOptions &options, double vergence_deg, Point centreInImage);
 
         PointNoise tremor;
         PointNoise drift;
-        Point offset;  // vergence and the error that calibration left, in fractions of the screen
+        Point offset;  // vergence and the remaining calibration error, in fractions of the screen
         SmoothNoise pupil;
         Point centreInImage;
     };
@@ -76,12 +74,12 @@ private:
     SmoothNoise distance_;
     PointNoise head_;
 
-    double now_ = 0;
+    double now_s_ = 0;
     std::optional<Point> target_;
     std::optional<Point> pointer_;
     std::optional<Recording> recording_;
     bool playOnce_ = false;
-    double playedFrom_ = 0;
+    double playedFrom_s_ = 0;
 };
 
 }  // namespace sim

@@ -2,7 +2,7 @@
 
 #include "api/sample_json_cache.h"
 #include "core/eyetracker_interface.h"
-#include "toolkit/text_helper.h"
+#include "toolkit/base/text_helper.h"
 
 #include <QJsonArray>
 
@@ -12,23 +12,38 @@ QString currentTime() {
     return TextHelper::DateTimeFileString(QDateTime(), true);
 }
 
-QJsonArray toArray(const QList<EyeTrackingSample> &samples) {
-    QJsonArray array;
-    for (const EyeTrackingSample &sample : samples)
-        array.append(sample.toJson());
-    return array;
+QJsonObject objectOf(const ResultAnswer &answer) {
+    QJsonObject object = answer.details;
+    object.insert("result", answer.result);
+    return object;
 }
 
-/// The end of every document: no key sorts behind "time" but that of "/status", which has no samples.
+QJsonObject objectOf(const LastSampleAnswer &answer) {
+    return {{"result", true}, {"sample", answer.tracker.getLastSample().toJson()}};
+}
+
+QJsonObject objectOf(const SamplesAnswer &answer) {
+    QJsonArray samples;
+    for (const EyeTrackingSample &sample : answer.tracker.getSamples())
+        samples.append(sample.toJson());
+    return {{"result", true}, {"sampleCount", samples.size()}, {"samples", samples}};
+}
+
+QJsonObject objectOf(const FileAnswer & /*answer*/) {
+    return {{"result", true}};
+}
+
+/// The end of a document with samples, where "time" is the last key.
 QByteArray timeAndEnd() {
     return R"(,"time":")" + currentTime().toLatin1() + R"("})";
 }
 
-QVector<QByteArray> lastSampleJson(const QByteArray &sample) {
-    return {QByteArrayLiteral(R"({"result":true,"sample":)"), sample, timeAndEnd()};
+QVector<QByteArray> jsonOf(const LastSampleAnswer &answer, SampleJsonCache &cache) {
+    return {QByteArrayLiteral(R"({"result":true,"sample":)"), cache.lastSample(answer.tracker), timeAndEnd()};
 }
 
-QVector<QByteArray> samplesJson(const SampleJsonBlocks::List &list) {
+QVector<QByteArray> jsonOf(const SamplesAnswer &answer, SampleJsonCache &cache) {
+    const SampleJsonBlocks::List list = cache.samples(answer.tracker);
     const QByteArray count = QByteArray::number(list.sampleCount);
     QVector<QByteArray> pieces{R"({"result":true,"sampleCount":)" + count + R"(,"samples":[)"};
     pieces += list.pieces;
@@ -36,30 +51,20 @@ QVector<QByteArray> samplesJson(const SampleJsonBlocks::List &list) {
     return pieces;
 }
 
+/// Answers without samples.
+template <typename Answer>
+QVector<QByteArray> jsonOf(const Answer &answer, const SampleJsonCache & /*cache*/) {
+    return {api_answer::toDocument(answer).toJson(QJsonDocument::Compact)};
+}
+
 }  // namespace
 
-QJsonDocument ApiAnswer::toDocument() const {
-    QJsonObject object = more;
-    object.insert("result", result);
-    if (samples == Samples::Last)
-        object.insert("sample", tracker->getLastSample().toJson());
-    if (samples == Samples::All) {
-        const QJsonArray array = toArray(tracker->getSamples());
-        object.insert("sampleCount", array.size());
-        object.insert("samples", array);
-    }
+QJsonDocument api_answer::toDocument(const ApiAnswer &answer) {
+    QJsonObject object = std::visit([](const auto &kind) { return objectOf(kind); }, answer);
     object.insert("time", currentTime());
     return QJsonDocument(object);
 }
 
-QVector<QByteArray> ApiAnswer::toJson(SampleJsonCache &cache) const {
-    switch (samples) {
-        case Samples::Last:
-            return lastSampleJson(cache.lastSample(*tracker));
-        case Samples::All:
-            return samplesJson(cache.samples(*tracker));
-        case Samples::None:
-            break;
-    }
-    return {toDocument().toJson(QJsonDocument::Compact)};
+QVector<QByteArray> api_answer::toJson(const ApiAnswer &answer, SampleJsonCache &cache) {
+    return std::visit([&](const auto &kind) { return jsonOf(kind, cache); }, answer);
 }

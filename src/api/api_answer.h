@@ -3,22 +3,42 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QVector>
+#include <variant>
 
 class EyetrackerInterface;
 class SampleJsonCache;
 
-/// What the API answers to one request, before it is a document or text. "time" is added when it becomes one.
-struct ApiAnswer {
-    enum class Samples { None, Last, All };
-
+/// "result" and the members that go with it.
+struct ResultAnswer {
     bool result = true;
-    QJsonObject more = {};  ///< beside "result", "time" and the samples
-    Samples samples = Samples::None;
-    EyetrackerInterface *tracker = nullptr;  ///< whose samples; set if there are to be any
-    QString filePath = {};                   ///< of the existing file to be sent instead; empty if there is none
-
-    [[nodiscard]] QJsonDocument toDocument() const;
-    /// The bytes of the document in its compact form, in pieces to be sent one after the other. Samples do not become
-    /// documents on the way; their texts are taken from `cache`.
-    [[nodiscard]] QVector<QByteArray> toJson(SampleJsonCache &cache) const;
+    QJsonObject details = {};
 };
+
+/// The newest sample of a tracker.
+struct LastSampleAnswer {
+    EyetrackerInterface &tracker;
+};
+
+/// All samples in the window of a tracker.
+struct SamplesAnswer {
+    EyetrackerInterface &tracker;
+};
+
+/// An existing file, to be sent instead of a document. Its document says that the file exists.
+struct FileAnswer {
+    QString path;
+};
+
+/// The answer of the API to one request, before it is serialized.
+using ApiAnswer = std::variant<ResultAnswer, LastSampleAnswer, SamplesAnswer, FileAnswer>;
+
+/// Both functions add "time", and read the samples when they are called.
+namespace api_answer {
+
+[[nodiscard]] QJsonDocument toDocument(const ApiAnswer &answer);
+
+/// Returns the bytes of toDocument() in compact form, in pieces to be sent one after the other. Samples are taken from
+/// `cache` as text.
+[[nodiscard]] QVector<QByteArray> toJson(const ApiAnswer &answer, SampleJsonCache &cache);
+
+}  // namespace api_answer

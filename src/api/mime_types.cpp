@@ -6,9 +6,10 @@
 
 namespace {
 
-constexpr int mostKnown = 1000;
-/// A younger file may change again without a change of its time and size.
-constexpr qint64 settledAfterMs = 2000;
+constexpr int maxKnownCount = 1000;
+/// File systems store times with a resolution of up to 2 s. A younger file may change while its time and size stay the
+/// same.
+constexpr qint64 minAgeMs = 2000;
 
 QString lookUp(const QFileInfo &file) {
     static const QMimeDatabase database;
@@ -20,13 +21,13 @@ QString lookUp(const QFileInfo &file) {
 QString MimeTypes::nameFor(const QFileInfo &file) {
     const qint64 modifiedMs = file.lastModified().toMSecsSinceEpoch();
     const Known known = known_.with([&](const QHash<QString, Known> &all) { return all.value(file.filePath()); });
-    if (!known.name.isEmpty() && known.size == file.size() && known.modifiedMs == modifiedMs)
+    if (!known.name.isEmpty() && known.sizeBytes == file.size() && known.modifiedMs == modifiedMs)
         return known.name;
 
     QString name = lookUp(file);
-    if (modifiedMs + settledAfterMs < QDateTime::currentMSecsSinceEpoch()) {
+    if (modifiedMs + minAgeMs < QDateTime::currentMSecsSinceEpoch()) {
         known_.with([&](QHash<QString, Known> &all) {
-            if (all.size() >= mostKnown)
+            if (all.size() >= maxKnownCount)
                 all.clear();
             all.insert(file.filePath(), {file.size(), modifiedMs, name});
         });

@@ -16,11 +16,12 @@
 
 namespace {
 
-constexpr int longestPath = 32767;
+/// The limit of Windows. The limits of the other systems are lower.
+constexpr int maxPathLength = 32767;
 
-std::atomic<OcelaHTTPExchange *> exchange{nullptr};
+std::atomic<OcelaHTTPExchange *> currentExchange{nullptr};
 
-/// In memory only: without a file name, which Qt would try to write to all the same.
+/// Settings in memory. QSettings writes a file even if the file name is empty, so this class prevents that.
 class MemorySettings : public QSettings {
 public:
     explicit MemorySettings(QObject *parent) : QSettings(QString(), IniFormat, parent) {}
@@ -30,7 +31,7 @@ protected:
     bool event(QEvent *event) override { return event->type() == QEvent::UpdateRequest || QSettings::event(event); }
 };
 
-/// "host" stays unset, so that the listener binds every interface.
+/// Does not set "host", so the listener uses all interfaces.
 QSettings *createListenerSettings() {
     auto *settings = new MemorySettings(qApp);
     (void)settings->value("host", "127.0.0.1");
@@ -41,13 +42,13 @@ QSettings *createListenerSettings() {
     return settings;
 }
 
-/// The text behind `prefix`; empty if `path` does not start with that.
+/// Returns the text after `prefix`, or an empty string if `path` does not start with it.
 QString parameter(const QString &path, QLatin1String prefix) {
     return path.startsWith(prefix) ? path.mid(prefix.size()) : QString();
 }
 
 bool exists(const QString &fileName) {
-    // Qt warns about such names, and no file has one.
+    // File names have no NUL characters, and Qt logs a warning about them.
     return !fileName.contains(QChar(0)) && QFileInfo::exists(fileName);
 }
 
@@ -55,13 +56,13 @@ bool exists(const QString &fileName) {
 
 struct OcelaHTTPExchange::Endpoint {
     QLatin1String text;
-    bool exact = false;  ///< else any path that begins with the text
+    bool exact = false;  ///< otherwise any path that starts with the text matches
     ApiAnswer (OcelaHTTPExchange::*answer)(const QString &path) const = nullptr;
 
     [[nodiscard]] bool matches(const QString &path) const { return exact ? path == text : path.startsWith(text); }
 };
 
-// The first match counts.
+// The first match is used.
 const OcelaHTTPExchange::Endpoint OcelaHTTPExchange::endpoints[] = {
     {QLatin1String("/hello"), true, &OcelaHTTPExchange::hello},
     {QLatin1String("/startrecord"), false, &OcelaHTTPExchange::startRecord},
@@ -74,8 +75,8 @@ const OcelaHTTPExchange::Endpoint OcelaHTTPExchange::endpoints[] = {
 };
 
 OcelaHTTPExchange::OcelaHTTPExchange(QObject *parent) : QObject(parent) {
-    exchange = this;
-    // At once, unless a request makes the exchange: the connection's thread has no time for a listener.
+    currentExchange = this;
+    // listen() is called directly on the GUI thread. It is queued if a request creates the exchange on another thread.
     moveToThread(qApp->thread());
     QMetaObject::invokeMethod(this, &OcelaHTTPExchange::listen);
 }
@@ -90,39 +91,40 @@ OcelaHTTPExchange::~OcelaHTTPExchange() {
     listener_.reset();
     delete settings_;
     OcelaHTTPExchange *self = this;
-    exchange.compare_exchange_strong(self, nullptr);
+    currentExchange.compare_exchange_strong(self, nullptr);
 }
 
 OcelaHTTPExchange &OcelaHTTPExchange::instance() {
     static std::mutex mutex;
-    if (OcelaHTTPExchange *existing = exchange)
+    if (OcelaHTTPExchange *existing = currentExchange)
         return *existing;
     const std::lock_guard<std::mutex> lock(mutex);
-    if (!exchange) {
+    if (!currentExchange) {
         auto *created = new OcelaHTTPExchange(nullptr);
         created->connectionHelper_ << connect(qApp, &QCoreApplication::aboutToQuit, created, &QObject::deleteLater);
     }
-    return *exchange;
+    return *currentExchange;
 }
 
 QJsonDocument OcelaHTTPExchange::processRequest(QString path, HttpRequest &request, QString &filePath) {
     Q_UNUSED(request)
     const ApiAnswer result = answer(std::move(path));
-    filePath = result.filePath;
-    return result.toDocument();
+    const auto *file = std::get_if<FileAnswer>(&result);
+    filePath = file ? file->path : QString();
+    return api_answer::toDocument(result);
 }
 
 ApiAnswer OcelaHTTPExchange::answer(QString path) const {
-    // No system has longer names, and answers that repeat one would multiply it.
-    if (path.size() > longestPath)
-        return {false, {{"error", "The path is too long"}}};
+    // The answer for a missing file contains the path twice.
+    if (path.size() > maxPathLength)
+        return ResultAnswer{false, {{"error", "The path is too long"}}};
     const auto *endpoint = std::find_if(std::begin(endpoints), std::end(endpoints),
                                         [&](const Endpoint &candidate) { return candidate.matches(path); });
     return endpoint == std::end(endpoints) ? plainFile(std::move(path)) : (this->*endpoint->answer)(path);
 }
 
 ApiAnswer OcelaHTTPExchange::hello(const QString & /*path*/) const {
-    return {true, {{"hello", "there"}}};
+    return ResultAnswer{true, {{"hello", "there"}}};
 }
 
 ApiAnswer OcelaHTTPExchange::startRecord(const QString &path) const {
@@ -137,17 +139,22 @@ ApiAnswer OcelaHTTPExchange::stopRecord(const QString & /*path*/) const {
 
 ApiAnswer OcelaHTTPExchange::samples(const QString & /*path*/) const {
     EyetrackerInterface *tracker = tracker_;
-    return tracker ? ApiAnswer{true, {}, ApiAnswer::Samples::All, tracker} : ApiAnswer{false};
+    if (!tracker)
+        return ResultAnswer{false};
+    return SamplesAnswer{*tracker};
 }
 
 ApiAnswer OcelaHTTPExchange::lastSample(const QString & /*path*/) const {
     EyetrackerInterface *tracker = tracker_;
-    return tracker ? ApiAnswer{true, {}, ApiAnswer::Samples::Last, tracker} : ApiAnswer{false};
+    if (!tracker)
+        return ResultAnswer{false};
+    return LastSampleAnswer{*tracker};
 }
 
 ApiAnswer OcelaHTTPExchange::calibrate(const QString &path) const {
     const QLatin1String prefix("/calibrate&screen=");
-    // Screens count from 1 here; what is no number is no screen. From 0 up, so that 1 can be taken from any of them.
+    // Screen numbers start at 1. Text that is not a number becomes 0, which is no screen. Negative numbers become 0,
+    // too, so that the subtraction below cannot overflow.
     const int number = path.startsWith(prefix) ? std::max(0, parameter(path, prefix).toInt()) : 1;
     return queue([index = number - 1](EyetrackerInterface &tracker) { tracker.calibrateScreen(index); });
 }
@@ -157,8 +164,8 @@ ApiAnswer OcelaHTTPExchange::stopCalibration(const QString & /*path*/) const {
 }
 
 ApiAnswer OcelaHTTPExchange::status(const QString & /*path*/) const {
-    // Intended: the endpoint has no other content.
-    return {true, {{"todo", "TODO: Fill in the state"}}};
+    // Intended: clients of this endpoint expect exactly this text.
+    return ResultAnswer{true, {{"todo", "TODO: Fill in the state"}}};
 }
 
 ApiAnswer OcelaHTTPExchange::plainFile(QString path) const {
@@ -168,22 +175,22 @@ ApiAnswer OcelaHTTPExchange::plainFile(QString path) const {
     path.replace('|', '/');
     const QString fileName = path.startsWith(root) ? QString(path).remove(root) : fileRoot_ + path;
     if (exists(fileName))
-        return {true, {}, ApiAnswer::Samples::None, nullptr, fileName};
-    return {false, {{"action", path}, {"error", "File " + fileName + "doesn't exist"}}};
+        return FileAnswer{fileName};
+    return ResultAnswer{false, {{"action", path}, {"error", "File " + fileName + "doesn't exist"}}};
 }
 
 template <typename Call>
 ApiAnswer OcelaHTTPExchange::queue(Call call) const {
     EyetrackerInterface *tracker = tracker_;
     if (!tracker)
-        return {false};
-    if (pendingCalls_->fetch_add(1) >= mostPendingCalls) {
+        return ResultAnswer{false};
+    if (pendingCalls_->fetch_add(1) >= maxPendingCalls) {
         pendingCalls_->fetch_sub(1);
-        return {false};
+        return ResultAnswer{false};
     }
     const auto run = [call, tracker, pendingCalls = pendingCalls_] {
         pendingCalls->fetch_sub(1);
         call(*tracker);
     };
-    return {QMetaObject::invokeMethod(tracker, run, Qt::AutoConnection)};
+    return ResultAnswer{QMetaObject::invokeMethod(tracker, run, Qt::AutoConnection)};
 }

@@ -2,7 +2,7 @@
 
 #include "api/api_answer.h"
 #include "api/sample_json_cache.h"
-#include "toolkit/connection_helper.h"
+#include "toolkit/base/connection_helper.h"
 
 #include <QObject>
 #include <QPointer>
@@ -15,38 +15,38 @@ class HttpRequest;
 class OcelaHTTPRequestHandler;
 class QSettings;
 
-/// The HTTP control API: lets other programs drive the selected tracker and read its samples, and serves files.
+/// The HTTP control API: lets other programs control the selected tracker and read its samples, and serves files.
 ///
-/// There is one in a process, made on the GUI thread after the trackers and destroyed there before them. It listens on
-/// port 3735 of every interface from its construction to its destruction; if the port is taken, that is in the log and
-/// the program goes on without an API. Requests are answered on the connections' threads, several at a time. What
-/// changes the tracker is queued to the tracker's thread, and its outcome is not reported.
+/// There is one object per process. MainWindow creates it on the GUI thread after the trackers, and destroys it there
+/// before the trackers. It listens on port 3735 of all interfaces while it exists. If another program uses the port,
+/// a warning is logged, and the program runs without the API. Requests are answered on the connections' threads,
+/// several at the same time. Calls that change the tracker are queued to the tracker's thread. Their results are not
+/// reported.
 class OcelaHTTPExchange : public QObject {
     Q_OBJECT
 
 public:
-    /// Calls to the tracker that may wait for its thread. Clients that ask for more before these are done get
-    /// "result": false, as the memory for waiting calls must have an end.
-    static constexpr int mostPendingCalls = 1000;
+    /// Limits the memory for calls that wait for the tracker's thread. Further calls are answered with "result": false.
+    static constexpr int maxPendingCalls = 1000;
 
     explicit OcelaHTTPExchange(QObject *parent);
     ~OcelaHTTPExchange() override;
 
-    /// The exchange of this process, made now if there is none yet. Any thread may ask.
+    /// Returns the exchange of this process. Creates it if there is none. May be called from any thread.
     [[nodiscard]] static OcelaHTTPExchange &instance();
 
-    /// The tracker to serve from now on; null for none. It has to outlive this object or its replacement here, and any
-    /// request that is being answered.
+    /// Selects the tracker of the following requests; null selects no tracker. The tracker must exist as long as it is
+    /// selected, and until all running requests are answered.
     void setTracker(EyetrackerInterface *tracker) { tracker_ = tracker; }
 
-    /// Answers one request, of which the path alone matters. Any thread may call it. `filePath` becomes the existing
-    /// file to be sent instead of the document, or empty.
+    /// Returns the answer to a request. It depends only on the path. If the answer is a file, sets `filePath` to that
+    /// existing file, otherwise to an empty string. May be called from any thread.
     [[nodiscard]] QJsonDocument processRequest(QString path, HttpRequest &request, QString &filePath);
 
-    /// The same before it becomes a document.
+    /// Returns the same answer before it is serialized.
     [[nodiscard]] ApiAnswer answer(QString path) const;
 
-    /// For turning answers of the current tracker into text.
+    /// The cache for api_answer::toJson().
     [[nodiscard]] SampleJsonCache &sampleJson() { return sampleJson_; }
 
 private:
@@ -73,7 +73,7 @@ private:
     const std::shared_ptr<std::atomic<int>> pendingCalls_ = std::make_shared<std::atomic<int>>(0);
     SampleJsonCache sampleJson_;
 
-    QPointer<QSettings> settings_;  ///< the application's, unless this object ends before
+    QPointer<QSettings> settings_;  ///< owned by the application if this object is not destroyed first
     std::unique_ptr<OcelaHTTPRequestHandler> requestHandler_;
-    std::unique_ptr<HttpListener> listener_;  ///< last, so that its threads end before anything they use
+    std::unique_ptr<HttpListener> listener_;  ///< declared last, because its threads use the other members
 };

@@ -9,50 +9,54 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <new>
+#include <optional>
 
 namespace {
 
-/// A share of the memory for files, for as long as this object lives.
+/// Reserves memory for a file until it is destroyed.
 class FileMemory {
 public:
-    FileMemory(std::atomic<qint64> &used, qint64 size)
-        : used_(used), size_(counted(size)), before_(used.fetch_add(size_)) {}
-    ~FileMemory() { used_.fetch_sub(size_); }
+    FileMemory(std::atomic<qint64> &usedBytes, qint64 fileBytes)
+        : usedBytes_(usedBytes), sizeBytes_(countedBytes(fileBytes)), bytesBefore_(usedBytes.fetch_add(sizeBytes_)) {}
+    ~FileMemory() { usedBytes_.fetch_sub(sizeBytes_); }
     FileMemory(const FileMemory &) = delete;
     FileMemory &operator=(const FileMemory &) = delete;
 
     [[nodiscard]] bool isGranted() const {
-        return size_ == 0 || before_ + size_ <= OcelaHTTPRequestHandler::mostFileBytes;
+        return sizeBytes_ == 0 || bytesBefore_ + sizeBytes_ <= OcelaHTTPRequestHandler::maxFileBytes;
     }
 
 private:
-    static qint64 counted(qint64 size) {
-        // Never refused, so that a client which is slow with large files keeps nobody from a page.
-        if (size <= OcelaHTTPRequestHandler::smallFileBytes)
+    static qint64 countedBytes(qint64 fileBytes) {
+        if (fileBytes <= OcelaHTTPRequestHandler::maxSmallFileBytes)
             return 0;
-        return std::min(size, OcelaHTTPRequestHandler::mostFileBytes + 1);
+        // Limited, so that the sum cannot overflow.
+        return std::min(fileBytes, OcelaHTTPRequestHandler::maxFileBytes + 1);
     }
 
-    std::atomic<qint64> &used_;
-    const qint64 size_;
-    const qint64 before_;
+    std::atomic<qint64> &usedBytes_;
+    const qint64 sizeBytes_;
+    const qint64 bytesBefore_;
 };
 
-bool fail(const QString &fileName, const QString &reason) {
+void warn(const QString &fileName, const QString &reason) {
     qCWarning(lcHttp, "Cannot send %ls: %ls", qUtf16Printable(fileName), qUtf16Printable(reason));
-    return false;
 }
 
-/// At most `size` bytes, as files of the system may claim to be empty and never end.
-bool readWhole(QFile &file, qint64 size, QByteArray &contents) {
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
-        return fail(file.fileName(), file.errorString());
-    try {
-        contents = file.read(size);
-    } catch (const std::bad_alloc &) {
-        return fail(file.fileName(), "out of memory");
+/// Reads at most `sizeBytes`, because some system files report a size of 0 and have no end. Logs the reason of a
+/// failure.
+std::optional<QByteArray> readFile(const QString &fileName, qint64 sizeBytes) {
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+        warn(fileName, file.errorString());
+        return std::nullopt;
     }
-    return true;
+    try {
+        return file.read(sizeBytes);
+    } catch (const std::bad_alloc &) {
+        warn(fileName, "out of memory");
+        return std::nullopt;
+    }
 }
 
 QByteArray contentType(QString mimeType) {
@@ -63,12 +67,12 @@ QByteArray contentType(QString mimeType) {
     return mimeType.toLatin1();
 }
 
-/// Video players ask for ranges; they are told that the whole file is one.
-void announceRange(HttpResponse &response, int size) {
-    const QByteArray total = QByteArray::number(size);
+/// Video players request ranges. The headers declare the whole file as the only range.
+void addRangeHeaders(HttpResponse &response, int sizeBytes) {
+    const QByteArray total = QByteArray::number(sizeBytes);
     response.setHeader("Accept-Ranges", "bytes");
     response.setHeader("Connection", "keep-alive");
-    response.setHeader("Content-Range", "bytes 0-" + QByteArray::number(size - 1) + '/' + total);
+    response.setHeader("Content-Range", "bytes 0-" + QByteArray::number(sizeBytes - 1) + '/' + total);
 }
 
 }  // namespace
@@ -77,30 +81,34 @@ void OcelaHTTPRequestHandler::service(HttpRequest &request, HttpResponse &respon
     OcelaHTTPExchange &exchange = OcelaHTTPExchange::instance();
     const ApiAnswer answer = exchange.answer(QString::fromUtf8(request.getPath()));
     response.setHeader(QByteArrayLiteral("Access-Control-Allow-Origin"), QByteArrayLiteral("*"));
-    if (!answer.filePath.isEmpty() && sendFile(answer.filePath, response))
+    const auto *file = std::get_if<FileAnswer>(&answer);
+    if (file && sendFile(file->path, response))
         return;
     response.setHeader(QByteArrayLiteral("Content-Type"), QByteArrayLiteral("text/json; charset=UTF-8"));
-    response.write(answer.toJson(exchange.sampleJson()), true);
+    response.write(api_answer::toJson(answer, exchange.sampleJson()), true);
 }
 
 bool OcelaHTTPRequestHandler::sendFile(const QString &fileName, HttpResponse &response) {
     const QFileInfo info(fileName);
-    // Opening a pipe waits for whoever writes to it.
-    if (!info.isFile())
-        return fail(fileName, "not a regular file");
+    // Opening a named pipe would block until another program writes to it.
+    if (!info.isFile()) {
+        warn(fileName, "not a regular file");
+        return false;
+    }
     const FileMemory memory(fileBytes_, info.size());
-    if (!memory.isGranted())
-        return fail(fileName, "too large for the memory set aside for files");
-    QFile file(fileName);
-    QByteArray contents;
-    if (!readWhole(file, info.size(), contents))
+    if (!memory.isGranted()) {
+        warn(fileName, "too large for the memory set aside for files");
+        return false;
+    }
+    const std::optional<QByteArray> contents = readFile(fileName, info.size());
+    if (!contents)
         return false;
 
     const QByteArray type = contentType(mimeTypes_.nameFor(info));
     response.setHeader("Content-Type", type);
-    response.setHeader("Content-Length", contents.size());
+    response.setHeader("Content-Length", contents->size());
     if (type.endsWith("mp4"))
-        announceRange(response, contents.size());
-    response.write(contents, true);
+        addRangeHeaders(response, contents->size());
+    response.write(*contents, true);
     return true;
 }

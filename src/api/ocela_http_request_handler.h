@@ -5,18 +5,19 @@
 
 #include <atomic>
 
-/// Answers every request of the HTTP API: asks the exchange and sends what it says, a JSON document or a file.
+/// Answers all requests of the HTTP API: gets the answer from the exchange, and sends it as a JSON document or a file.
 ///
-/// Owned by the exchange, whose listener calls service() from the connections' threads. The status is always 200.
-/// Files are read whole and sent in one write, ranges are not served. What cannot be sent as a file (a folder, a pipe,
-/// no permission, more than `mostFileBytes`) is in the log, and its JSON document is sent instead.
+/// The exchange owns it, and its listener calls service() on the connections' threads. The status is always 200. Files
+/// are read completely and sent in one write, without support for ranges. If a file cannot be sent (a folder, a pipe,
+/// no permission, more than `maxFileBytes`), the reason is logged, and its JSON document is sent instead.
 class OcelaHTTPRequestHandler : public HttpRequestHandler {
     Q_OBJECT
 
 public:
-    /// What all files that are being sent may take together, as they lie in memory; small ones are not counted.
-    static constexpr qint64 mostFileBytes = 2'000'000'000;
-    static constexpr qint64 smallFileBytes = 1'000'000;
+    /// Limits the memory for all files that are being sent at the same time.
+    static constexpr qint64 maxFileBytes = 2'000'000'000;
+    /// Files up to this size are not counted, so slow downloads of large files do not block web pages.
+    static constexpr qint64 maxSmallFileBytes = 1'000'000;
 
     using HttpRequestHandler::HttpRequestHandler;
 

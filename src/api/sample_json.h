@@ -2,16 +2,23 @@
 
 #include "core/eye_tracking_sample.h"
 
-#include <cstddef>
+#include <QByteArray>
+#include <array>
 
-/// The JSON text of samples, byte for byte what QJsonDocument makes of EyeTrackingSample::toJson() in its compact form,
-/// at a twentieth of the cost. Reentrant; any thread may call these.
+/// The JSON text of one sample. It has the same bytes as the compact form of EyeTrackingSample::toJson(), but
+/// is written about 20 times as fast.
+class SampleJson {
+public:
+    explicit SampleJson(const EyeTrackingSample &sample);
 
-/// Room that the text of any sample fits in, in bytes.
-constexpr std::size_t sampleJsonRoom = 1024;
+    [[nodiscard]] const char *data() const { return text_.data(); }
+    [[nodiscard]] int size() const { return sizeBytes_; }
+    [[nodiscard]] QByteArray toByteArray() const { return QByteArray(data(), size()); }
 
-/// Writes the sample as an object to `to`, without a NUL, and returns the end of what was written.
-[[nodiscard]] char *writeSampleJson(char *to, const EyeTrackingSample &sample);
+private:
+    /// The keys take 222 bytes, and the longest numbers 365.
+    static constexpr std::size_t maxSizeBytes = 1024;
 
-/// Whether everything that goes into the text is the same, bit for bit.
-[[nodiscard]] bool haveSameJson(const EyeTrackingSample &a, const EyeTrackingSample &b);
+    std::array<char, maxSizeBytes> text_;
+    int sizeBytes_;
+};

@@ -1,41 +1,43 @@
 #pragma once
 
-#include "core/eye_tracking_sample.h"
+#include "core/numbered_sample.h"
 
 #include <QVector>
 #include <deque>
 #include <vector>
 
-/// The JSON texts of a window of samples that moves on: a sample that is still there keeps its text.
+/// The JSON texts of the samples in one tracker's window. Each sample is converted once, while it is in the window.
 ///
-/// The texts stand in blocks of many samples, so that neither the moving on costs more than a block or two, nor a
-/// window of very many samples outgrows a byte array. Its owner guards it. Blocks that were handed out are
-/// read by other threads and therefore never changed, only replaced.
+/// The texts are stored in blocks of many samples. An update therefore copies at most two blocks, and the samples may
+/// take more bytes than the maximum size of a QByteArray. The owner guards it. Other threads read the returned blocks
+/// without the guard, so a block is never modified, only replaced.
 class SampleJsonBlocks {
 public:
     static constexpr int samplesPerBlock = 128;
 
     struct List {
         int sampleCount = 0;
-        QVector<QByteArray> pieces;  ///< the samples' texts with commas in between; nothing when there are no samples
+        QVector<QByteArray> pieces;  ///< concatenated, the objects with commas between them
     };
 
-    /// Moves on to these samples and returns their text.
-    [[nodiscard]] List update(const QList<EyeTrackingSample> &samples);
+    /// Returns the number of the newest sample, or 0 before the first sample.
+    [[nodiscard]] quint64 lastNumber() const { return lastNumber_; }
+
+    /// Adds and drops the same samples as the window. `news` is the result of samplesSince(lastNumber()).
+    [[nodiscard]] List update(const SamplesSince &news);
 
 private:
     struct Block {
         QByteArray text;
-        std::vector<int> ends;  ///< of each sample's text
+        std::vector<int> ends;  ///< the end of each sample in `text`
     };
 
-    [[nodiscard]] int dropOutdated(const QList<EyeTrackingSample> &samples);
     void drop(int count);
-    void append(const QList<EyeTrackingSample> &samples, int from);
+    void append(const std::vector<NumberedSample> &samples);
     static void append(Block &block, const EyeTrackingSample &sample);
-    void collectPieces();
+    void updateList(int sampleCount);
 
-    QList<EyeTrackingSample> samples_;
-    std::deque<Block> blocks_;  ///< the texts of `samples_`
-    List list_;
+    quint64 lastNumber_ = 0;
+    std::deque<Block> blocks_;
+    List list_;  ///< the same blocks
 };

@@ -3,19 +3,20 @@
 #include "api/sample_json.h"
 #include "core/eyetracker_interface.h"
 
-QByteArray SampleJsonCache::lastSample(EyetrackerInterface &tracker) {
-    const EyeTrackingSample sample = tracker.getLastSample();
+QByteArray SampleJsonCache::lastSample(const EyetrackerInterface &tracker) {
+    const NumberedSample newest = tracker.lastNumberedSample();
     return last_.with([&](Last &last) {
-        if (last.text.isEmpty() || !haveSameJson(last.sample, sample)) {
-            char text[sampleJsonRoom];
-            const char *end = writeSampleJson(text, sample);
-            last = {sample, QByteArray(text, static_cast<int>(end - text))};
-        }
+        if (last.text.isEmpty() || last.number != newest.number)
+            last = {newest.number, SampleJson(newest.sample).toByteArray()};
         return last.text;
     });
 }
 
-SampleJsonBlocks::List SampleJsonCache::samples(EyetrackerInterface &tracker) {
-    // The samples are taken under the lock, so that a slow thread cannot come with older ones than the last.
-    return blocks_.with([&](SampleJsonBlocks &blocks) { return blocks.update(tracker.getSamples()); });
+SampleJsonBlocks::List SampleJsonCache::samples(const EyetrackerInterface &tracker) {
+    return all_.with([&](All &all) {
+        if (all.tracker != &tracker)
+            all = {&tracker, {}};
+        // Under the lock, so that the samples follow those of the previous update.
+        return all.blocks.update(tracker.samplesSince(all.blocks.lastNumber()));
+    });
 }

@@ -5,22 +5,26 @@
 
 class EyetrackerInterface;
 
-/// The JSON text of a tracker's samples, made once for each sample, however many clients ask for it. Any thread may
-/// call it; no lock is held any more when it returns.
+/// The JSON texts of a tracker's samples. Each sample is converted once, for all clients. All functions may be called
+/// from any thread.
 class SampleJsonCache {
 public:
-    /// Of the tracker's newest sample.
-    [[nodiscard]] QByteArray lastSample(EyetrackerInterface &tracker);
+    /// Returns the tracker's newest sample.
+    [[nodiscard]] QByteArray lastSample(const EyetrackerInterface &tracker);
 
-    /// Of all samples that the tracker holds.
-    [[nodiscard]] SampleJsonBlocks::List samples(EyetrackerInterface &tracker);
+    /// Returns all samples in the tracker's window.
+    [[nodiscard]] SampleJsonBlocks::List samples(const EyetrackerInterface &tracker);
 
 private:
     struct Last {
-        EyeTrackingSample sample;
+        quint64 number = 0;
         QByteArray text;  ///< empty before the first
+    };
+    struct All {
+        const EyetrackerInterface *tracker = nullptr;
+        SampleJsonBlocks blocks;
     };
 
     Guarded<Last> last_;
-    Guarded<SampleJsonBlocks> blocks_;
+    Guarded<All> all_;
 };

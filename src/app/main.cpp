@@ -1,6 +1,6 @@
 #include "app/main_window.h"
 #include "app/startup.h"
-#include "toolkit/console.h"
+#include "toolkit/platform/console.h"
 
 #include <QApplication>
 #include <QSplashScreen>
@@ -36,6 +36,6 @@ int main(int argc, char *argv[]) {
     startup::createRecordsFolder();
 
     const int exitCode = runWindow(splash);
-    startup::endInSpiteOfTasks(exitCode);
+    startup::exitIfTasksBlock(exitCode);
     return exitCode;
 }

@@ -3,13 +3,13 @@
 #include "api/ocela_http_exchange.h"
 #include "app/tracker_view_widget.h"
 #include "core/eyetracker_interface.h"
-#include "toolkit/autorun_helper.h"
-#include "toolkit/file_utilities.h"
-#include "toolkit/new_version_button.h"
-#include "toolkit/property_list_control.h"
-#include "trackers/asee/asee_pro.h"
-#include "trackers/eyetech/eyetech_grabber.h"
-#include "trackers/gazepoint/gaze_point.h"
+#include "toolkit/base/file_utilities.h"
+#include "toolkit/platform/autorun_helper.h"
+#include "toolkit/widgets/new_version_button.h"
+#include "toolkit/widgets/property_list_control.h"
+#include "trackers/asee/asee_tracker.h"
+#include "trackers/eyetech/eyetech_tracker.h"
+#include "trackers/gazepoint/gazepoint_tracker.h"
 #include "views/eyetracker_connected_widget.h"
 #include "views/eyetracker_sample_viewer.h"
 
@@ -27,7 +27,7 @@ namespace {
 
 constexpr int pageMargin = 12;
 constexpr int settingsMargin = 8;
-constexpr QSize firstSize(520, 420);
+constexpr QSize initialSize(520, 420);
 
 }  // namespace
 
@@ -38,19 +38,20 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent) {
     buildPages();
     buildTray();
     retranslate();
-    resize(firstSize.expandedTo(sizeHint()));
-    if (!hidesIntoTray())
+    resize(initialSize.expandedTo(sizeHint()));
+    if (!hidesToTray())
         show();
     selectFirstTracker();
-    // The end of the user's session closes no window.
+    // A logout of the user quits the application without closing its windows.
     connect(qApp, &QCoreApplication::aboutToQuit, this, &MainWindow::shutDown);
 }
 
 MainWindow::~MainWindow() {
     trayIcon_->hide();
-    // The first tracker alone, whichever is selected: closing has stopped the selected one already.
+    // Stops the first tracker, even if another one is selected. This is intended. shutDown() stops the selected
+    // tracker.
     trackers_.front().tracker->stop();
-    // The widgets go before the trackers that they are bound to.
+    // The widgets must be destroyed before the trackers that they use.
     delete takeCentralWidget();
 }
 
@@ -189,7 +190,7 @@ void MainWindow::trackerIndexChanged(int index) {
 void MainWindow::showView(int index) {
     const bool hasView = trackers_[static_cast<std::size_t>(index)].view;
     viewStack_->setCurrentIndex(index);
-    // Without a camera view the room goes below the sample, not between it and the controls.
+    // Without a camera view, the row of the sample viewer takes the remaining space.
     viewStack_->setVisible(hasView);
     mainGrid_->setRowStretch(2, hasView ? 1 : 0);
     mainGrid_->setRowStretch(3, hasView ? 0 : 1);
@@ -197,8 +198,8 @@ void MainWindow::showView(int index) {
         resize(size().expandedTo(sizeHint()));
 }
 
-bool MainWindow::hidesIntoTray() const {
-    // Without a tray there would be no way back to a hidden window.
+bool MainWindow::hidesToTray() const {
+    // Without a tray, a hidden window could not be shown again.
     return settings_->getHideWindowOnStart() && QSystemTrayIcon::isSystemTrayAvailable();
 }
 
@@ -211,14 +212,15 @@ void MainWindow::toggleVisible() {
 }
 
 void MainWindow::closeEvent(QCloseEvent *event) {
-    if (isVisible() && hidesIntoTray()) {
+    if (isVisible() && hidesToTray()) {
         event->ignore();
         hide();
         return;
     }
     shutDown();
     event->accept();
-    // Asked for by hand, as a calibration screen that closes while this window is hidden must not end the program.
+    // quitOnLastWindowClosed is off: closing a calibration screen while this window is hidden must not quit the
+    // program.
     QCoreApplication::quit();
 }
 

@@ -17,12 +17,12 @@ class QMenu;
 class QStackedWidget;
 class QTabWidget;
 
-/// The program's window, and the owner of everything that lives for the whole run: settings, trackers, the
-/// HTTP API and the widgets bound to the selected tracker, and the tray icon. GUI thread only.
+/// The main window. Owns the settings, the trackers, the HTTP API, the widgets for the selected tracker, and the tray
+/// icon. GUI thread.
 ///
-/// Exactly one tracker is started at a time: the selected one. Selecting another stops the old one, starts
-/// the new one and stores the choice. Closing hides the window into the tray while HideWindowOnStart is set,
-/// and ends the program otherwise.
+/// Only the selected tracker is started. Selecting another tracker stops the old one, starts the new one and stores the
+/// selection. While HideWindowOnStart is set, closing the visible window hides it to the tray. Otherwise closing quits
+/// the program.
 class MainWindow : public QMainWindow {
     Q_OBJECT
 
@@ -30,7 +30,7 @@ public:
     explicit MainWindow(QWidget *parent = nullptr);
     ~MainWindow() override;
 
-    /// Whether the user has ended the program; possible even before the event loop runs.
+    /// Returns whether the window was closed, which may happen before the event loop runs.
     [[nodiscard]] bool isClosed() const { return closed_; }
 
 protected:
@@ -40,7 +40,7 @@ protected:
 private:
     struct Tracker {
         EyetrackerInterface *tracker;
-        QWidget *view;  ///< the camera view; null when the tracker has none
+        QWidget *view;  ///< the camera view; null if the tracker has none
     };
 
     void buildSettings();
@@ -54,7 +54,7 @@ private:
     void addTracker(EyetrackerInterface *tracker);
     void trackerIndexChanged(int index);
     void showView(int index);
-    [[nodiscard]] bool hidesIntoTray() const;
+    [[nodiscard]] bool hidesToTray() const;
     void shutDown();
     void toggleVisible();
     void retranslate();
@@ -64,7 +64,7 @@ private:
     std::vector<Tracker> trackers_;
     EyetrackerInterface *currentTracker_ = nullptr;
     bool closed_ = false;
-    /// Ends before the trackers, which are children of the window: its threads read them.
+    /// Destroyed before the trackers, which are children of the window, because its threads read from them.
     std::unique_ptr<OcelaHTTPExchange> exchange_;
     std::vector<BaseEyetrackerWidget *> trackerWidgets_;
 

@@ -1,45 +1,51 @@
 #pragma once
 
-#include "toolkit/settings_with_language.h"
+#include "toolkit/settings/settings_with_language.h"
 
 #include <QStandardPaths>
+#include <utility>
 
-/// The application's own settings. One object, owned by the main window, which calls `reload()` before it
-/// connects to the change signals.
+/// The settings of the application. The main window owns the object and calls `reload()` before it connects to the
+/// signals.
 class Settings : public SettingsWithLanguage {
     Q_OBJECT
     Q_CLASSINFO("LanguageCategory", QT_TRANSLATE_NOOP("Generic", "Common"))
 
 public:
-    Settings(QString filePath, QStringList languages, QObject *parent);
+    Settings(QString filePath, QStringList languages, QObject *parent)
+        : SettingsWithLanguage(std::move(filePath), true, std::move(languages), parent) {}
 
-    /// Folder of the user's own files of this program, without a separator at its end.
-    [[nodiscard]] static QString dataFolder();
-    /// The settings file. It stands beside the data folder, not in it, and its name begins with the folder's.
+    /// Returns the folder for the program's data of the current user, without a trailing slash.
+    [[nodiscard]] static QString dataFolder() {
+        return QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+    }
+    /// Returns the path of the settings file. The file is beside the data folder, and its name begins with the name of
+    /// that folder. This is intended.
     [[nodiscard]] static QString defaultFilePath() { return dataFolder() + "Settings.xml"; }
-    /// The languages that the program speaks, as locale names.
+    /// Returns the locale names of the languages of the user interface.
     [[nodiscard]] static QStringList supportedLanguages() { return {"ru_RU", "en_US"}; }
 
-    /// Start the program with the user's session.
+    /// Whether the program starts when the user logs in.
     VT_PROPERTY(bool, AutoRun, true)
     Q_CLASSINFO("AutoRunDisplayName", QT_TRANSLATE_NOOP("Generic", "AutoRun"))
     Q_CLASSINFO("AutoRunCategory", "Common")
     Q_CLASSINFO("AutoRunEditable", "true")
 
-    /// Folder that the settings page shows for record files; records go to the folder Ocela in the documents.
+    /// The folder that the settings page shows for record files. It has no effect: record files are written to the
+    /// folder Ocela in the documents folder.
     VT_PROPERTY(QString, RecordsPath, QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation))
     Q_CLASSINFO("RecordsPathDisplayName", QT_TRANSLATE_NOOP("Generic", "RecordsPath"))
     Q_CLASSINFO("RecordsPathCategory", "Common")
     Q_CLASSINFO("RecordsPathEditable", "true")
     Q_CLASSINFO("RecordsPathReadOnly", "true")
 
-    /// Start with the tray icon only.
+    /// Whether the program starts with only the tray icon. Closing the window then hides it.
     VT_PROPERTY(bool, HideWindowOnStart, false)
     Q_CLASSINFO("HideWindowOnStartDisplayName", QT_TRANSLATE_NOOP("Generic", "HideWindowOnStart"))
     Q_CLASSINFO("HideWindowOnStartCategory", "Common")
     Q_CLASSINFO("HideWindowOnStartEditable", "true")
 
-    /// `EyetrackerInterface::name()` of the tracker chosen last.
+    /// The `EyetrackerInterface::name()` of the tracker that was selected last.
     VT_PROPERTY(QString, SelectedTracker, "")
     Q_CLASSINFO("SelectedTrackerEditable", "true")
     Q_CLASSINFO("SelectedTrackerNotVisible", "true")

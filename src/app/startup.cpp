@@ -1,9 +1,9 @@
 #include "app/startup.h"
 
 #include "app/settings.h"
-#include "toolkit/app_helper.h"
-#include "toolkit/file_utilities.h"
-#include "toolkit/log_file.h"
+#include "toolkit/base/file_utilities.h"
+#include "toolkit/base/log_file.h"
+#include "toolkit/platform/app_helper.h"
 
 #include <QApplication>
 #include <QFontDatabase>
@@ -17,17 +17,16 @@ namespace {
 
 constexpr char applicationName[] = "Ocela";
 
-/// The splash image is drawn twice as large as it is shown, for screens that are scaled.
+/// The splash image has twice its displayed size, for scaled displays.
 constexpr qreal splashPixelRatio = 2.0;
 
-/// For tasks that are about to end by themselves.
-constexpr int patienceWithTasksMs = 300;
+constexpr int taskTimeoutMs = 300;
 
 bool isAlreadyRunning() {
     const QString executable = AppHelper::executableName(applicationName);
     int count = 0;
     for (const QString &name : AppHelper::getRunningApps()) {
-        // This process is one of them.
+        // The list includes this process.
         if (name.compare(executable, Qt::CaseInsensitive) == 0 && ++count > 1)
             return true;
     }
@@ -46,7 +45,7 @@ bool startup::hasDisplay() {
 void startup::prepareApplication() {
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-    // A window that hides instead of closing must not hold up the end of the user's session.
+    // A window that hides instead of closing would cancel the logout of the user.
     QGuiApplication::setFallbackSessionManagementEnabled(false);
 }
 
@@ -55,14 +54,14 @@ void startup::setIdentity() {
     QApplication::setOrganizationDomain("velmora.example");
     QApplication::setApplicationName(applicationName);
     QApplication::setApplicationVersion(OCELA_VERSION);
-    // The main window decides when the program ends; see MainWindow::closeEvent().
+    // MainWindow::closeEvent() quits the program.
     QApplication::setQuitOnLastWindowClosed(false);
 }
 
 bool startup::refuseSecondInstance() {
     if (!isAlreadyRunning())
         return false;
-    // The box speaks the language that these settings bring with them.
+    // The settings set the language of the message box.
     Settings settings(Settings::defaultFilePath(), Settings::supportedLanguages(), nullptr);
     settings.reload();
     AppHelper::warningMessage(QCoreApplication::translate("Generic", "Ocela уже запущена"), QString(),
@@ -104,7 +103,7 @@ QString startup::windowTitle() {
     return QCoreApplication::translate("MainWindow", "Ocela") + ' ' + QApplication::applicationVersion();
 }
 
-void startup::endInSpiteOfTasks(int exitCode) {
-    if (!QThreadPool::globalInstance()->waitForDone(patienceWithTasksMs))
+void startup::exitIfTasksBlock(int exitCode) {
+    if (!QThreadPool::globalInstance()->waitForDone(taskTimeoutMs))
         std::_Exit(exitCode);
 }

@@ -2,23 +2,23 @@
 
 #include <QPixmap>
 
-/// The steps that main() takes around the life of the window, in the order of their use. GUI thread only.
+/// The steps of main() before and after the lifetime of the main window, in order. GUI thread.
 namespace startup {
 
-/// Whether windows can be shown; if not, the console has been told why.
+/// Returns whether windows can be shown. If not, prints the reason to standard error.
 [[nodiscard]] bool hasDisplay();
 
-/// What Qt wants to know before the application object exists.
+/// Sets the attributes of Qt that must be set before QApplication is constructed.
 void prepareApplication();
 
-/// Names that decide where per-user data lies.
+/// Sets the names of the organisation and the application, which determine the folders for the user's data.
 void setIdentity();
 
-/// Whether another copy of the program runs already; then the user has been told.
+/// Returns whether another instance of the program is running. If so, shows a warning.
 [[nodiscard]] bool refuseSecondInstance();
 
-/// From here on the log goes to a file in the data folder as well; not before, so that a second instance does not write
-/// into the log of the first.
+/// Starts the log file in the data folder. Call it after refuseSecondInstance(), so that a second instance does not
+/// write to the log file of the first.
 void startLogFile();
 
 [[nodiscard]] QPixmap splashImage();
@@ -26,15 +26,14 @@ void loadIcon();
 void loadFonts();
 void applyStyle();
 
-/// Makes the folder that records go to when no path is given, so that a first record lands.
+/// Creates the default folder for record files.
 void createRecordsFolder();
 
-/// Title of the main window.
+/// Returns the title of the main window.
 [[nodiscard]] QString windowTitle();
 
-/// When the window is gone and everything is saved: ends the program at once, with this exit code, if a call into a
-/// vendor's library still holds a thread of the global pool. Left to itself the application object would wait for it,
-/// and such a call may take 10 s.
-void endInSpiteOfTasks(int exitCode);
+/// Exits the process immediately if a task of the global thread pool is still running after 300 ms. A call of a vendor
+/// library may take 10 s, and the destructor of QApplication would wait for it. Call it last, when everything is saved.
+void exitIfTasksBlock(int exitCode);
 
 }  // namespace startup

@@ -1,7 +1,7 @@
 #include "app/tracker_view_widget.h"
 
 #include "core/eyetracker_interface.h"
-#include "toolkit/global_keyboard.h"
+#include "toolkit/platform/global_keyboard.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -24,8 +24,7 @@ const QIcon &monitorIcon() {
     return icon;
 }
 
-/// Where the sample's gaze is on the desktop. Trackers that count the screen's own pixels count the primary
-/// screen's.
+/// Converts the sample's pixels to desktop coordinates. Trackers that report physical pixels use the primary screen.
 QPoint desktopPosition(const EyeTrackingSample &sample, EyetrackerInterface::PixelUnit unit) {
     const QPoint position(sample.x_px, sample.y_px);
     const QScreen *screen = QGuiApplication::primaryScreen();
@@ -34,8 +33,8 @@ QPoint desktopPosition(const EyeTrackingSample &sample, EyetrackerInterface::Pix
     return position / screen->devicePixelRatio();
 }
 
-/// On the thread that delivers the sample. The cursor belongs to the GUI thread: a sample from there moves it at once,
-/// any other a moment later.
+/// Called in the thread that emits the sample. The cursor is moved in the GUI thread: immediately if that is the same
+/// thread, otherwise queued.
 void followGaze(const EyeTrackingSample &sample, EyetrackerInterface::PixelUnit unit) {
     if (sample.valid)
         QMetaObject::invokeMethod(qApp, [sample, unit] { QCursor::setPos(desktopPosition(sample, unit)); });
@@ -52,7 +51,7 @@ TrackerViewWidget::TrackerViewWidget(QWidget *parent) : BaseEyetrackerWidget(par
 }
 
 TrackerViewWidget::~TrackerViewWidget() {
-    // Before anything that a sample touches is gone.
+    // A sample must not arrive while the members are destroyed.
     connections_.clear();
     delete startButton_;
     delete stopButton_;
@@ -105,11 +104,12 @@ void TrackerViewWidget::buildLayout() {
     auto *layout = new QGridLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(spacing);
-    // An empty row takes its spacing away with it.
+    // The layout omits the spacing of an empty row.
     layout->setRowMinimumHeight(1, spacing);
     layout->addWidget(calibrateButton_, 0, 0);
     layout->addWidget(screenCombo_, 0, 1);
-    // One of the two is hidden. Sharing a cell of the grid they would move all below when they change places.
+    // Only one of the two buttons is visible. They have a layout of their own, because buttons in the same grid cell
+    // would move the widgets below when they are switched.
     auto *recordRow = new QHBoxLayout;
     recordRow->addWidget(startRecordButton_);
     recordRow->addWidget(stopRecordButton_);
@@ -136,7 +136,7 @@ void TrackerViewWidget::eyetrackerChanged() {
     EyetrackerInterface *tracker = eyetracker_;
     if (!tracker)
         return;
-    // Direct: the cursor follows without waiting for the event loop.
+    // The connections are direct, so that a busy event loop does not delay the cursor.
     connections_ << connect(
                         tracker, &EyetrackerInterface::recordStarted, tracker, [this] { showRecording(true); },
                         Qt::DirectConnection)

@@ -12,11 +12,10 @@ class QCheckBox;
 class QComboBox;
 class QPushButton;
 
-/// The control panel of the selected tracker: calibrate on a chosen screen, start and stop a record, let the
-/// gaze move the mouse cursor (check box or F10).
+/// The control panel of the selected tracker. Calibrates on a selected screen, starts and stops a recording, and lets
+/// the gaze move the mouse cursor (check box or F10). GUI thread, except for samples, which arrive in any thread.
 ///
-/// The buttons are never disabled; each does nothing while no tracker is set, and the tracker decides the
-/// rest. All runs on the GUI thread but the reaction to a sample, which comes on the thread that delivers it.
+/// The buttons are never disabled. Without a tracker they do nothing.
 class TrackerViewWidget : public BaseEyetrackerWidget {
     Q_OBJECT
 
@@ -38,15 +37,15 @@ private:
     void showRecording(bool recording);
     void setControlCursor(bool on);
 
-    /// Shared with the slot that takes the samples: a device's thread may be in it while this widget goes.
+    /// Shared with the slot for samples, which may be running in a device's thread while this widget is destroyed.
     const std::shared_ptr<std::atomic<bool>> controlCursor_ = std::make_shared<std::atomic<bool>>(false);
     QPushButton *calibrateButton_ = nullptr;
-    // Starting and stopping the tracker is the main window's business: these two are wired but never shown.
+    // Connected, but never shown: the main window starts and stops the tracker. This is intended.
     QPushButton *startButton_ = nullptr;
     QPushButton *stopButton_ = nullptr;
     QPushButton *startRecordButton_ = nullptr;
     QPushButton *stopRecordButton_ = nullptr;
     QComboBox *screenCombo_ = nullptr;
     QCheckBox *cursorCheckBox_ = nullptr;
-    std::vector<QSize> screenSizes_;  ///< of the entries of the screen list
+    std::vector<QSize> screenSizes_;  ///< in the order of the screen list
 };

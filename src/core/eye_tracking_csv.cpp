@@ -51,7 +51,7 @@ void EyeTrackingCSV::saveFile() {
 void EyeTrackingCSV::addSample(const EyeTrackingSample &sample) {
     if (firstTimestamp_ == 0)
         firstTimestamp_ = sample.timestamp;
-    // Differences wrap rather than overflow, whatever a device's clock says.
+    // Unsigned, so that any two timestamps of a device can be subtracted without overflow.
     const auto time =
         static_cast<qint64>(static_cast<quint64>(sample.timestamp) - static_cast<quint64>(firstTimestamp_));
     rows_.append({sample.timestamp,
@@ -61,20 +61,20 @@ void EyeTrackingCSV::addSample(const EyeTrackingSample &sample) {
                   sample.y,
                   sample.x_px,
                   sample.y_px,
-                  sample.distance_cm,  //
+                  sample.distance_cm,
                   sample.l_x,
                   sample.l_y,
                   sample.l_x_px,
                   sample.l_y_px,
                   sample.l_pupil_mm,
-                  sample.l_pupil_x,  //
-                  sample.l_pupil_y,  //
+                  sample.l_pupil_x,
+                  sample.l_pupil_y,
                   sample.r_x,
                   sample.r_y,
                   sample.r_x_px,
                   sample.r_y_px,
                   sample.r_pupil_mm,
-                  sample.r_pupil_x,  //
-                  sample.r_pupil_y,  //
+                  sample.r_pupil_x,
+                  sample.r_pupil_y,
                   sample.focus});
 }

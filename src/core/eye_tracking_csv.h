@@ -1,24 +1,22 @@
 #pragma once
 
 #include "core/eye_tracking_sample.h"
-#include "toolkit/numeric_table_csv.h"
+#include "toolkit/table/numeric_table_csv.h"
 
-/// One recording: a table with a row a sample, held in memory while it runs and written to its file in one
-/// go.
+/// A recording: a table with one row per sample. It is kept in memory and written to the record file in one call.
 ///
-/// Owned by EyetrackerInterface from the start to the stop of the recording, and used under its lock. The
-/// columns and their order are documented in docs/records.md; readers of the files go by position.
+/// EyetrackerInterface owns it from the start to the stop of the recording, and adds samples under a lock. The columns
+/// are documented in docs/records.md. Do not change their order: programs read them by position.
 class EyeTrackingCSV : public NumericTableCSV {
     Q_OBJECT
 
 public:
-    /// A new record that saveFile() will write to `path`, or, with `load`, the record that stands in that
-    /// file.
+    /// Creates an empty recording for the record file `path`. With `load`, reads that file instead.
     EyeTrackingCSV(const QString &path, bool load);
 
 public Q_SLOTS:
-    /// Writes the record to its file, keeping one that stands there already. Does nothing for an empty path;
-    /// a failure is one warning in the log.
+    /// Writes the record file. An existing file of the same name is renamed, not overwritten. Does nothing if the path
+    /// is empty. Logs a warning if the file cannot be written.
     void saveFile();
 
     void addSample(const EyeTrackingSample &sample);

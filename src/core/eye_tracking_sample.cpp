@@ -3,12 +3,12 @@
 #include "core/pixels.h"
 
 void EyeTrackingSample::calculatePixels(int width, int height) {
-    x_px = percentToPixel(x, width);
-    y_px = percentToPixel(y, height);
-    l_x_px = percentToPixel(l_x, width);
-    l_y_px = percentToPixel(l_y, height);
-    r_x_px = percentToPixel(r_x, width);
-    r_y_px = percentToPixel(r_y, height);
+    x_px = pixels::fromPercent(x, width);
+    y_px = pixels::fromPercent(y, height);
+    l_x_px = pixels::fromPercent(l_x, width);
+    l_y_px = pixels::fromPercent(l_y, height);
+    r_x_px = pixels::fromPercent(r_x, width);
+    r_y_px = pixels::fromPercent(r_y, height);
 }
 
 QJsonObject EyeTrackingSample::toJson() const {

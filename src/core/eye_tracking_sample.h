@@ -4,20 +4,19 @@
 #include <QList>
 #include <QMetaType>
 
-/// One gaze measurement, in the form in which every tracker reports it.
+/// One gaze measurement. All trackers report this type.
 ///
-/// A plain value: copied whole, no pointers. Positions stand twice, as percent of the calibrated area (0 =
-/// left or top edge, 100 = right or bottom edge; gaze beyond the edges leaves that range) and as whole pixels
-/// from the area's top-left corner. `l_` and `r_` are the subject's left and right eye; fields without a
-/// prefix are the combined gaze.
+/// Positions are given twice: as percent of the calibrated area (0 is the left or top edge, 100 the right or bottom
+/// edge; gaze outside of the area is beyond that range), and as whole pixels from the area's top-left corner. `l_` and
+/// `r_` are the subject's left and right eye. Fields without a prefix are the combined gaze.
 ///
-/// The record is copied as a block through queued signals: the order of the fields stays as it is.
+/// A plain value type without pointers. Do not change the order of the fields.
 struct EyeTrackingSample {
-    qint64 timestamp = 0;  ///< ms, as a rule since the Unix epoch; only differences of it are used
+    qint64 timestamp = 0;  ///< ms, usually since the Unix epoch; only differences are meaningful
 
-    bool l_valid = false;  ///< left eye seen
-    bool r_valid = false;  ///< right eye seen
-    bool valid = false;    ///< combined gaze usable
+    bool l_valid = false;  ///< left eye detected
+    bool r_valid = false;  ///< right eye detected
+    bool valid = false;    ///< combined gaze is usable
 
     float x = 0;  ///< percent
     float l_x = 0;
@@ -41,15 +40,15 @@ struct EyeTrackingSample {
     float l_pupil_mm = 0;  ///< pupil diameter, mm
     float r_pupil_mm = 0;
 
-    float focus = 0;        ///< the device's own quality figure
-    float distance_cm = 0;  ///< from the eyes to the tracker, cm
+    float focus = 0;        ///< quality figure of the device, without a unit
+    float distance_cm = 0;  ///< from the eyes to the tracker
 
-    /// Fills the six gaze pixel fields from the percent fields, for an area of this size in pixels. Single
-    /// precision, truncated toward zero, not clamped to the area.
+    /// Calculates the six gaze pixel fields from the percent fields, for an area of this size in pixels. Results are
+    /// truncated toward zero and not clamped to the area.
     void calculatePixels(int width, int height);
 
-    /// Everything but `l_valid` and `r_valid`, under the fields' names. Floats are widened to double, not
-    /// rounded.
+    /// Returns all fields except `l_valid` and `r_valid`, under their names. Floats are converted to double without
+    /// rounding.
     [[nodiscard]] QJsonObject toJson() const;
 };
 

@@ -2,7 +2,7 @@
 
 #include "core/eye_tracking_csv.h"
 #include "core/pixels.h"
-#include "toolkit/text_helper.h"
+#include "toolkit/base/text_helper.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -13,11 +13,6 @@
 #include <chrono>
 
 namespace {
-
-qint64 steadyMs() {
-    using namespace std::chrono;
-    return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
-}
 
 QString defaultRecordPath() {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
@@ -33,8 +28,7 @@ EyetrackerInterface::EyetrackerInterface(const QString &dataFolder, QObject *par
     qRegisterMetaType<QList<EyeTrackingSample>>("QList<EyeTrackingSample>");
 }
 
-// A record that still runs is dropped unsaved: it is written when the user stops it, not behind the user's
-// back.
+// Discards a running recording: the record file is written only when the user stops the recording.
 EyetrackerInterface::~EyetrackerInterface() = default;
 
 void EyetrackerInterface::calibrateScreen(int screenIndex) {
@@ -55,18 +49,18 @@ bool EyetrackerInterface::startRecord(QString path) {
     stopRecord();
     if (path.isEmpty())
         path = defaultRecordPath();
-    recordFile_.exchange(std::make_unique<EyeTrackingCSV>(path, false));
+    recording_.exchange(std::make_unique<EyeTrackingCSV>(path, false));
     Q_EMIT recordStarted();
     return true;
 }
 
 bool EyetrackerInterface::stopRecord() {
-    // Taken out first: samples must not wait for the disk.
-    const Record record = recordFile_.exchange(nullptr);
-    if (!record)
+    // The file is written without the lock, so that addSample() never waits for the disk.
+    const Recording recording = recording_.exchange(nullptr);
+    if (!recording)
         return false;
-    record->saveFile();
-    Q_EMIT recordStopped(record->currentFilePath());
+    recording->saveFile();
+    Q_EMIT recordStopped(recording->currentFilePath());
     return true;
 }
 
@@ -75,22 +69,32 @@ QList<EyeTrackingSample> EyetrackerInterface::getSamples() {
 }
 
 EyeTrackingSample EyetrackerInterface::getLastSample() {
+    return lastNumberedSample().sample;
+}
+
+SamplesSince EyetrackerInterface::samplesSince(quint64 number) const {
+    return samples_.with([number](const SampleWindow &window) { return window.samplesSince(number); });
+}
+
+NumberedSample EyetrackerInterface::lastNumberedSample() const {
     return samples_.with([](const SampleWindow &window) { return window.last(); });
 }
 
 void EyetrackerInterface::addSample(const EyeTrackingSample &sample) {
+    // Read before the signal is emitted, because its receivers may take a while.
+    const auto arrival = std::chrono::steady_clock::now();
     Q_EMIT newSample(sample);
-    // The list that goes has a node a sample; nobody need wait for the lock while they are freed.
+    // Destroyed after the lock is released, because the list has a heap node for each sample.
     const QList<EyeTrackingSample> outdated =
-        samples_.with([&](SampleWindow &window) { return window.add(sample, steadyMs()); });
-    recordFile_.with([&](const Record &record) {
-        if (record)
-            record->addSample(sample);
+        samples_.with([&](SampleWindow &window) { return window.add(sample, arrival); });
+    recording_.with([&](const Recording &recording) {
+        if (recording)
+            recording->addSample(sample);
     });
 }
 
-bool EyetrackerInterface::isRecording() {
-    return recordFile_.with([](const Record &record) { return record != nullptr; });
+bool EyetrackerInterface::isRecording() const {
+    return recording_.with([](const Recording &recording) { return recording != nullptr; });
 }
 
 void EyetrackerInterface::setConnected(bool value) {
@@ -106,5 +110,5 @@ void EyetrackerInterface::setConnected(bool value) {
 QPoint EyetrackerInterface::percentToPixels(float x, float y, bool clamp) const {
     const QSize size = calibratedArea().size();
     const auto bounded = [clamp](float percent) { return clamp ? std::clamp(percent, 0.0F, 100.0F) : percent; };
-    return {percentToPixel(bounded(x), size.width()), percentToPixel(bounded(y), size.height())};
+    return {pixels::fromPercent(bounded(x), size.width()), pixels::fromPercent(bounded(y), size.height())};
 }

@@ -3,7 +3,7 @@
 #include "core/eye_tracking_sample.h"
 #include "core/guarded.h"
 #include "core/sample_window.h"
-#include "toolkit/connection_helper.h"
+#include "toolkit/base/connection_helper.h"
 
 #include <QObject>
 #include <QPoint>
@@ -15,97 +15,108 @@ class EyeTrackingCSV;
 class VTSettings;
 class QWidget;
 
-/// A tracker: the one face that the rest of the program sees of a device family.
+/// The base class of all trackers. The rest of the program uses only this interface of a device family.
 ///
-/// A back-end implements the seven pure virtual operations, delivers samples through addSample() alone and
-/// reports its connection through setConnected() alone. The base keeps the samples of the last two seconds,
-/// the running record, the calibrated area and the connection state.
+/// A back-end implements the seven pure virtual functions. It delivers samples only with addSample(), and reports its
+/// connection only with setConnected(). The base class stores the samples of the last two seconds, the running
+/// recording, the calibrated area and the connection state.
 ///
-/// Trackers are created by the main window, live on the GUI thread for the whole run, and are started and
-/// stopped there. addSample(), getSamples(), getLastSample(), isConnected() and calibratedArea() may be
-/// called from any thread; all else belongs to the GUI thread (from elsewhere: QMetaObject::invokeMethod). A back-end
-/// whose device delivers on a thread of its own ends that before it is destroyed.
+/// MainWindow owns the trackers, from startup to exit. They live on the GUI thread. addSample(), the functions that
+/// read samples, isConnected() and calibratedArea() may be called from any thread. Call all other functions on the GUI
+/// thread; other threads use QMetaObject::invokeMethod(). A back-end must stop the threads that call addSample() before
+/// it is destroyed.
 class EyetrackerInterface : public QObject {
     Q_OBJECT
 
 public:
-    /// What the pixel fields of this tracker's samples count. The two differ under display scaling only.
+    /// The unit of the pixel fields in this tracker's samples. The units differ only with display scaling.
     enum class PixelUnit {
-        Desktop,  ///< pixels as the desktop's geometry has them, as the calibrated area is given in
-        Device,   ///< the screen's own pixels, as a tracker counts them that asked the system itself
+        Desktop,  ///< desktop pixels, like QScreen::geometry() and the calibrated area
+        Device,   ///< physical pixels of the screen
     };
 
-    /// Age in ms of the oldest sample that is kept beside the newest.
+    /// Maximum age of a sample in the window, relative to the newest sample.
     static constexpr qint32 sampleWindowMs = 2000;
 
-    /// `dataFolder` is where the back-end keeps its own settings and calibration files.
+    /// `dataFolder` is the folder for the settings and calibration files of the back-end.
     EyetrackerInterface(const QString &dataFolder, QObject *parent);
     ~EyetrackerInterface() override;
 
-    /// Short device name, shown to the user and stored as the choice of tracker.
+    /// Returns the short device name. It is shown to the user, and stored in the settings as the selected tracker.
     [[nodiscard]] virtual QString name() const = 0;
-    /// The back-end's settings, owned by it; null when it has none.
+    /// Returns the settings of the back-end, which owns them, or null if it has none.
     [[nodiscard]] virtual VTSettings *settings() = 0;
-    /// A new camera view for the caller to own; null when the device shows none.
+    /// Returns a new camera view, which the caller owns, or null if the device has no camera image.
     [[nodiscard]] virtual QWidget *createViewWidget() = 0;
 
 Q_SIGNALS:
-    /// A gaze update in percent, lighter than a sample; not every back-end has it.
+    /// The combined gaze in percent. Not every back-end emits it.
     void newData(bool valid, double x, double y);
-    /// Every sample, on the thread that delivers it, before it is stored.
+    /// A sample was delivered. Emitted on the thread that calls addSample(), before the sample is stored.
     void newSample(EyeTrackingSample sample);
-    /// A calibration ended well; not every back-end learns of it.
+    /// A calibration was successful. Not every device reports that.
     void calibrated();
     void recordStarted();
-    /// A record was closed; `path` is the file it was to be written to. A write that failed is in the log
-    /// only.
+    /// A recording was stopped. `path` is its record file. An error while writing it is only logged.
     void recordStopped(QString path);
-    /// The calibration screen is to close.
+    /// Asks the calibration screen to close.
     void stopCalibrationRequest();
-    /// The connection came or went; on the GUI thread.
+    /// The connection changed. Emitted on the GUI thread.
     void connected();
     void disconnected();
     void connectedChanged(bool connected);
 
 public Q_SLOTS:
-    /// Opens the device and begins to deliver samples. False when that is known to have failed.
+    /// Opens the device and starts to deliver samples. Returns false if opening is known to have failed.
     virtual bool start() = 0;
     virtual void stop() = 0;
-    /// Runs the device's calibration over `area`, in global desktop pixels.
+    /// Calibrates the device in `area`, in global desktop pixels.
     virtual void calibrate(QRect area) = 0;
     virtual void stopCalibration() = 0;
-    /// Calibrates on a screen, counted from 0. An index that no screen has does nothing.
+    /// Calibrates on a whole screen. The first screen has index 0. Does nothing if there is no such screen.
     void calibrateScreen(int screenIndex);
     void setCalibratedArea(int x, int y, int w, int h);
     void setCalibratedArea(QRect area);
-    /// Starts a record that stopRecord() will write to `path`; a record that runs is closed first. An empty
-    /// path chooses <documents>/Ocela/<date and time>_ocela.csv. The folder is not created here. Always true:
-    /// a path that cannot be written shows when the record is saved.
+    /// Starts a recording. A running recording is stopped first. If `path` is empty, the record file is
+    /// <documents>/Ocela/<date and time>_ocela.csv. Does not create the folder. Always returns true,
+    /// because errors are detected only when stopRecord() writes the file.
     bool startRecord(QString path = QString());
-    /// Writes the running record to its file, on the calling thread. False when none runs.
+    /// Stops the recording and writes the record file on the calling thread. Returns false if no recording is running.
     bool stopRecord();
-    /// The samples of the last two seconds, oldest first. The list is made at the first call after a sample (0.1 ms
-    /// for 2000 samples) and shared by the calls until the next one.
+    /// Returns the samples of the last two seconds, oldest first. Calls between two samples share one list. Creating it
+    /// takes 0.1 ms for 2000 samples.
     QList<EyeTrackingSample> getSamples();
-    /// The newest sample; all zero before the first.
+    /// Returns the newest sample. Before the first sample, all fields are 0.
     EyeTrackingSample getLastSample();
     bool isConnected() const { return connected_; }
 
 public:
-    /// Delivers a sample: emits it, puts it into the window and into the running record.
+    /// Delivers a sample: emits newSample(), then numbers the sample and appends it to the window and to the running
+    /// recording.
     ///
-    /// The window is bounded by time alone: by the samples' stamps or, where a device stamps all alike, by when they
-    /// arrived.
+    /// The window is limited only by the age of the samples. The age is the difference of the timestamps or, if the
+    /// device gives all samples the same timestamp, of the arrivals.
     void addSample(const EyeTrackingSample &sample);
 
-    /// Whether a record runs.
-    [[nodiscard]] bool isRecording();
+    /// Returns the samples in the window with a number above `number`, oldest first. 0 returns the whole window. To
+    /// receive every sample once, pass the number of the last received sample, and check `missedCount`: it counts the
+    /// samples after `number` that have left the window.
+    ///
+    /// If `number` is the newest number or higher, returns no samples and a `missedCount` of 0. `number` may be from
+    /// another tracker. The result then has the samples of this tracker that were delivered after it.
+    [[nodiscard]] SamplesSince samplesSince(quint64 number) const;
 
-    /// Stores the connection state and reports a change of it.
+    /// Returns the newest sample with its number and arrival. Before the first sample, the number is 0.
+    [[nodiscard]] NumberedSample lastNumberedSample() const;
+
+    /// Whether a recording is running.
+    [[nodiscard]] bool isRecording() const;
+
+    /// Stores the connection state, and emits the connection signals if it changed.
     void setConnected(bool value);
 
-    /// The pixel of the calibrated area, from its top-left corner, at a point given in percent of it. With
-    /// `clamp` the point is moved into the area first.
+    /// Converts a point from percent of the calibrated area to pixels from the area's top-left corner. With `clamp`, a
+    /// point outside of the area is moved to its edge.
     [[nodiscard]] QPoint percentToPixels(float x, float y, bool clamp) const;
 
     [[nodiscard]] QRect calibratedArea() const { return calibratedArea_.copy(); }
@@ -115,16 +126,16 @@ protected:
     [[nodiscard]] const QString &dataFolder() const { return dataFolder_; }
     void setPixelUnit(PixelUnit unit) { pixelUnit_ = unit; }
 
-    /// For a back-end's own connections that are to be dropped together.
+    /// Signal connections of the back-end that are disconnected together.
     ConnectionHelper connectionHelper_;
 
 private:
-    using Record = std::unique_ptr<EyeTrackingCSV>;
+    using Recording = std::unique_ptr<EyeTrackingCSV>;
 
     const QString dataFolder_;
     PixelUnit pixelUnit_ = PixelUnit::Desktop;
     std::atomic<bool> connected_{false};
     Guarded<QRect> calibratedArea_;
     Guarded<SampleWindow> samples_{SampleWindow(sampleWindowMs)};
-    Guarded<Record> recordFile_;
+    Guarded<Recording> recording_;
 };

@@ -1,31 +1,46 @@
 #include "core/sample_window.h"
 
+#include <algorithm>
 #include <utility>
 
-qint64 SampleWindow::Entry::ageBeside(const Entry &newest) const {
-    // Differences wrap rather than overflow, whatever a device's clock says.
-    const auto stamped =
-        static_cast<qint64>(static_cast<quint64>(newest.sample.timestamp) - static_cast<quint64>(sample.timestamp));
-    return stamped > 0 ? stamped : newest.arrivalMs - arrivalMs;
-}
-
-QList<EyeTrackingSample> SampleWindow::add(const EyeTrackingSample &sample, qint64 arrivalMs) {
-    const Entry newest{sample, arrivalMs};
-    while (!samples_.empty() && samples_.front().ageBeside(newest) > lengthMs_)
+QList<EyeTrackingSample> SampleWindow::add(const EyeTrackingSample &sample,
+                                           std::chrono::steady_clock::time_point arrival) {
+    NumberedSample newest{numbers_.take(), arrival, sample};
+    // If two threads deliver at the same time, the later arrival may be added first.
+    if (!samples_.empty())
+        newest.arrival = std::max(arrival, samples_.back().arrival);
+    while (!samples_.empty() && isOutdated(samples_.front(), newest))
         samples_.pop_front();
     samples_.push_back(newest);
-    return std::exchange(handedOut_, {});
+    return std::exchange(sharedList_, {});
+}
+
+bool SampleWindow::isOutdated(const NumberedSample &old, const NumberedSample &newest) const {
+    // Unsigned, so that any two timestamps of a device can be subtracted without overflow.
+    const auto stampedMs =
+        static_cast<qint64>(static_cast<quint64>(newest.sample.timestamp) - static_cast<quint64>(old.sample.timestamp));
+    return stampedMs > 0 ? stampedMs > lengthMs_ : newest.arrival - old.arrival > std::chrono::milliseconds(lengthMs_);
 }
 
 QList<EyeTrackingSample> SampleWindow::samples() {
-    if (handedOut_.isEmpty()) {
-        handedOut_.reserve(static_cast<int>(samples_.size()));
-        for (const Entry &entry : samples_)
-            handedOut_.append(entry.sample);
+    if (sharedList_.isEmpty()) {
+        sharedList_.reserve(static_cast<int>(samples_.size()));
+        for (const NumberedSample &entry : samples_)
+            sharedList_.append(entry.sample);
     }
-    return handedOut_;
+    return sharedList_;
 }
 
-EyeTrackingSample SampleWindow::last() const {
-    return samples_.empty() ? EyeTrackingSample() : samples_.back().sample;
+SamplesSince SampleWindow::samplesSince(quint64 number) const {
+    // Searches from the end, because most readers ask only for the newest samples.
+    const auto isKnown = [number](const NumberedSample &entry) { return entry.number <= number; };
+    const auto first = std::find_if(samples_.rbegin(), samples_.rend(), isKnown).base();
+    SamplesSince result{{first, samples_.end()}, 0, static_cast<int>(samples_.size())};
+    if (first == samples_.begin())
+        result.missedCount = numbers_.count() - samples_.size() - numbers_.countUpTo(number);
+    return result;
+}
+
+NumberedSample SampleWindow::last() const {
+    return samples_.empty() ? NumberedSample() : samples_.back();
 }

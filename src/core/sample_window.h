@@ -1,43 +1,45 @@
 #pragma once
 
-#include "core/eye_tracking_sample.h"
+#include "core/numbered_sample.h"
+#include "core/sample_numbers.h"
 
 #include <QList>
 #include <deque>
 
-/// The samples of the last while, oldest first. Its owner guards it.
+/// The samples of the last `lengthMs` milliseconds, oldest first, and their numbers. The owner guards it.
 ///
-/// A sample's age is what the samples' own stamps say. Where they say that no time has passed (a device that stamps
-/// all samples alike, a clock that was set back) it is the time since the sample arrived: else the window would never
-/// let go of it.
+/// The age of a sample is the difference of the samples' timestamps. If that difference is not positive (a device that
+/// gives all samples the same timestamp, a clock that was set back), the age is the difference of the arrivals.
+/// Otherwise the window would grow without limit.
 ///
-/// samples() hands out implicitly shared lists that other threads read after the guard is released. Such a list is
-/// never changed in place, only let go of: Qt's check whether a list is shared does not order memory, so it must not
-/// decide whether this thread may write into it.
+/// samples() returns implicitly shared lists that other threads read without the guard. Such a list is never modified,
+/// only replaced. QList reads its reference count without memory ordering, so a write after the last other copy was
+/// destroyed would be a data race.
 class SampleWindow {
 public:
     explicit SampleWindow(qint32 lengthMs) : lengthMs_(lengthMs) {}
 
-    /// Appends the sample, which arrived at `arrivalMs` of any clock that runs forward, and drops those that are more
-    /// than the window's length older. Returns the list that was handed out before, for the caller to let go of when
-    /// the guard is released.
-    [[nodiscard]] QList<EyeTrackingSample> add(const EyeTrackingSample &sample, qint64 arrivalMs);
+    /// Numbers and appends a sample, and drops the samples that are more than `lengthMs` older than it.
+    ///
+    /// Returns the list that samples() returned until now. Release the guard before you destroy it, because that takes
+    /// time.
+    [[nodiscard]] QList<EyeTrackingSample> add(const EyeTrackingSample &sample,
+                                               std::chrono::steady_clock::time_point arrival);
 
-    /// A shallow copy as long as no sample comes in between.
+    /// Returns all samples. Until the next call of add(), all returned lists share their data.
     [[nodiscard]] QList<EyeTrackingSample> samples();
 
-    /// The newest sample; all zero before the first.
-    [[nodiscard]] EyeTrackingSample last() const;
+    /// Returns the samples with a number above `number`. See EyetrackerInterface::samplesSince().
+    [[nodiscard]] SamplesSince samplesSince(quint64 number) const;
+
+    /// Returns the newest sample. Before the first sample, all fields are 0.
+    [[nodiscard]] NumberedSample last() const;
 
 private:
-    struct Entry {
-        EyeTrackingSample sample;
-        qint64 arrivalMs = 0;
-
-        [[nodiscard]] qint64 ageBeside(const Entry &newest) const;
-    };
+    [[nodiscard]] bool isOutdated(const NumberedSample &old, const NumberedSample &newest) const;
 
     qint32 lengthMs_;
-    std::deque<Entry> samples_;
-    QList<EyeTrackingSample> handedOut_;  ///< the same samples as a list; empty until asked for
+    SampleNumbers numbers_;
+    std::deque<NumberedSample> samples_;
+    QList<EyeTrackingSample> sharedList_;  ///< the same samples; empty until samples() is called
 };

@@ -1,30 +1,40 @@
 #pragma once
 
-#include "http/http_output.h"
-
+#include <QByteArray>
 #include <QDeadlineTimer>
 #include <QHostAddress>
+#include <QVector>
 
-/// A client's connection, plain or encrypted, with calls that block: each connection has a thread of its own, so
-/// waiting in the system call itself is the shortest way from a request to its answer. Used by that thread alone;
-/// closes the connection when it is destroyed.
+/// The sending direction of a connection.
+class HttpOutput {
+public:
+    virtual ~HttpOutput() = default;
+
+    /// Sends the pieces in order, in a single system call if the socket accepts all of them. Blocks without a time
+    /// limit until the system has accepted all data. Returns false if the connection has failed. Later calls then do
+    /// nothing.
+    virtual bool write(const QVector<QByteArray> &pieces) = 0;
+};
+
+/// A connection to a client, plain or encrypted, with blocking calls. Used only in the thread of its
+/// connection handler. Blocking in the system call is the fastest way to serve a request. The destructor closes the
+/// connection.
 ///
-/// Calls that wait look every quarter of a second whether the server is being closed, and then return as if the client
-/// had gone.
+/// Blocking calls check every 250 ms whether the server is stopping, and then return as if the client had disconnected.
 class ByteStream : public HttpOutput {
 public:
-    /// What read() returns besides a number of bytes.
-    enum : qint64 { TimedOut = 0, Ended = -1 };
+    /// Results of read() other than a number of bytes.
+    enum : qint64 { TimedOut = 0, Closed = -1 };
 
-    /// Waits for bytes and stores at most `capacity` of them; returns their number. `Ended`: the client has closed or
-    /// lost the connection.
+    /// Waits for data and stores up to `capacity` bytes. Returns their number, `TimedOut`, or `Closed` if the client
+    /// has closed the connection or the connection has failed.
     [[nodiscard]] virtual qint64 read(char *to, qint64 capacity, const QDeadlineTimer &deadline) = 0;
-    /// Ends the sending direction: the client reads everything that was written, then an end.
-    virtual void endWriting() = 0;
+    /// Closes the sending direction. The client still receives everything that was written before.
+    virtual void shutdownWriting() = 0;
     [[nodiscard]] virtual QHostAddress peerAddress() const = 0;
-    /// Whether a write has failed. What is written after that goes nowhere.
-    [[nodiscard]] bool isGone() const { return gone_; }
+    /// Returns whether a write has failed. Later writes do nothing.
+    [[nodiscard]] bool hasFailed() const { return failed_; }
 
 protected:
-    bool gone_ = false;
+    bool failed_ = false;
 };

@@ -3,14 +3,14 @@
 #include <QByteArray>
 #include <string_view>
 
-/// Text of the wire, looked at where it lies instead of being copied piece by piece.
+/// Functions for protocol text. They work on views, so that parsing copies only the text that it stores.
 namespace byte_text {
 
 [[nodiscard]] inline std::string_view view(const QByteArray &bytes) {
     return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
 }
 
-/// `text` comes from a QByteArray or from a request, whose size is bounded far below 2 GiB.
+/// `text` must be shorter than 2 GiB.
 [[nodiscard]] inline QByteArray copy(std::string_view text) {
     return {text.data(), static_cast<int>(text.size())};
 }
@@ -31,8 +31,8 @@ namespace byte_text {
     return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
 
-/// For words of the protocol.
-[[nodiscard]] inline bool sameIgnoringCase(const QByteArray &text, const char *word) {
+/// Compares ASCII letters without regard to case.
+[[nodiscard]] inline bool equalsIgnoringCase(const QByteArray &text, const char *word) {
     return qstricmp(text.constData(), word) == 0;
 }
 

@@ -9,30 +9,30 @@
 
 #include <utility>
 
-using byte_text::sameIgnoringCase;
+using byte_text::equalsIgnoringCase;
 
 namespace {
 
 constexpr int defaultReadTimeoutMs = 10000;
-/// How long a client that is turned away in the middle of its request may take to notice.
-constexpr int goodbyeMs = 1000;
+/// How long a connection is drained after a request is refused.
+constexpr int lingerMs = 1000;
 
 const char tooLarge[] = "HTTP/1.1 413 entity too large\r\nConnection: close\r\n\r\n413 Entity too large\r\n";
 const char broken[] = "HTTP/1.1 400 bad request\r\nConnection: close\r\n\r\n400 Bad request\r\n";
 
-/// A client of HTTP/1.0 is not kept even if it asks for it.
+/// HTTP/1.0 connections are closed even if the client asks for keep-alive.
 bool wantsClose(const HttpRequest &request) {
-    return sameIgnoringCase(request.getHeader("Connection"), "close") ||
-           sameIgnoringCase(request.getVersion(), "HTTP/1.0");
+    return equalsIgnoringCase(request.getHeader("Connection"), "close") ||
+           equalsIgnoringCase(request.getVersion(), "HTTP/1.0");
 }
 
-/// Whether the client can tell where the body ends. The names count as they are written.
-bool endsByItself(const QMap<QByteArray, QByteArray> &headers) {
-    return headers.contains("Content-Length") || sameIgnoringCase(headers.value("Transfer-Encoding"), "chunked");
+/// Returns whether the client can find the end of the body. Header names are compared exactly.
+bool isFramed(const QMap<QByteArray, QByteArray> &headers) {
+    return headers.contains("Content-Length") || equalsIgnoringCase(headers.value("Transfer-Encoding"), "chunked");
 }
 
 bool keepsOpen(const QMap<QByteArray, QByteArray> &headers) {
-    return !sameIgnoringCase(headers.value("Connection"), "close") && endsByItself(headers);
+    return !equalsIgnoringCase(headers.value("Connection"), "close") && isFramed(headers);
 }
 
 bool isFinal(HttpRequest::RequestStatus status) {
@@ -56,14 +56,14 @@ HttpConnectionHandler::~HttpConnectionHandler() {
 void HttpConnectionHandler::handleConnection(tSocketDescriptor socketDescriptor) {
     const std::lock_guard<std::mutex> lock(mutex_);
     busy_ = true;
-    handedOverConnection_ = socketDescriptor;
-    handedOver_.notify_one();
+    pendingConnection_ = socketDescriptor;
+    wakeUp_.notify_one();
 }
 
 void HttpConnectionHandler::requestStop() {
     const std::lock_guard<std::mutex> lock(mutex_);
     stopping_ = true;
-    handedOver_.notify_one();
+    wakeUp_.notify_one();
 }
 
 void HttpConnectionHandler::run() {
@@ -73,13 +73,13 @@ void HttpConnectionHandler::run() {
 
 std::optional<tSocketDescriptor> HttpConnectionHandler::nextConnection() {
     std::unique_lock<std::mutex> lock(mutex_);
-    handedOver_.wait(lock, [this] { return handedOverConnection_ || stopping_; });
-    return std::exchange(handedOverConnection_, std::nullopt);
+    wakeUp_.wait(lock, [this] { return pendingConnection_ || stopping_; });
+    return std::exchange(pendingConnection_, std::nullopt);
 }
 
 void HttpConnectionHandler::serve(tSocketDescriptor socketDescriptor) {
     socket_ = openStream(socketDescriptor);
-    // Intended: a handler that could not take its connection is not given back to the pool.
+    // Intended: a handler that cannot open its connection stays busy.
     if (!socket_)
         return;
     peerAddress_ = socket_->peerAddress();
@@ -97,7 +97,8 @@ std::unique_ptr<ByteStream> HttpConnectionHandler::openStream(tSocketDescriptor 
     return PlainStream::open(socketDescriptor, stopping_);
 }
 
-/// Waits for more from the client. False at the end of the connection, also by the time limit, which needs no answer.
+/// Waits for data. Returns false if the connection must be closed without a response, for example after the read
+/// timeout.
 bool HttpConnectionHandler::receive() {
     const qint64 count = socket_->read(buffer_.data(), static_cast<qint64>(buffer_.size()), readTimer_);
     if (count <= 0)
@@ -106,13 +107,13 @@ bool HttpConnectionHandler::receive() {
     return true;
 }
 
-/// Serves the requests that end within what has arrived. False when the connection has been ended.
+/// Serves all complete requests in the received data. Returns false if the connection must be closed.
 bool HttpConnectionHandler::read() {
     while (!input_.isEmpty() && !stopping_) {
         feedRequest();
         switch (currentRequest_->getStatus()) {
             case HttpRequest::complete:
-                if (!answerRequest())
+                if (!serveRequest())
                     return false;
                 break;
             case HttpRequest::abortSize:
@@ -135,14 +136,14 @@ void HttpConnectionHandler::feedRequest() {
         currentRequest_.emplace(settings_);
     while (!input_.isEmpty() && !isFinal(currentRequest_->getStatus())) {
         currentRequest_->readFromSocket(input_);
-        // A long upload is no silence.
+        // Each part of a body restarts the timeout, so that a long upload does not time out.
         if (currentRequest_->getStatus() == HttpRequest::waitForBody)
             restartReadTimer();
     }
 }
 
-/// Answers the current request. False when that was the last one of the connection.
-bool HttpConnectionHandler::answerRequest() {
+/// Serves the current request. Returns false if the connection must be closed.
+bool HttpConnectionHandler::serveRequest() {
     HttpResponse response(socket_.get());
     const bool closeConnection = wantsClose(*currentRequest_);
     if (closeConnection)
@@ -151,8 +152,8 @@ bool HttpConnectionHandler::answerRequest() {
     if (!response.hasSentLastPart())
         response.write(QByteArray(), true);
     currentRequest_.reset();
-    if (closeConnection || !keepsOpen(response.getHeaders()) || socket_->isGone()) {
-        socket_->endWriting();
+    if (closeConnection || !keepsOpen(response.getHeaders()) || socket_->hasFailed()) {
+        socket_->shutdownWriting();
         return false;
     }
     restartReadTimer();
@@ -163,17 +164,17 @@ void HttpConnectionHandler::callService(HttpResponse &response) {
     try {
         requestHandler_->service(*currentRequest_, response);
     } catch (...) {
-        // Intended: whatever the handler threw, the response is finished and the connection goes on.
+        // Intended: the response is completed as if the call had returned.
     }
 }
 
-/// Turns a client away that may be in the middle of sending. The connection stays until the client has noticed: closed
-/// at once, its system would drop the answer.
-void HttpConnectionHandler::refuseRequest(const QByteArray &answer) {
-    socket_->write({answer});
-    socket_->endWriting();
-    const QDeadlineTimer limit(goodbyeMs);
-    while (socket_->read(buffer_.data(), static_cast<qint64>(buffer_.size()), limit) > 0) {
+/// Sends an error response to a client that may still be sending. Then drains the connection for up to lingerMs:
+/// closing a socket with unread data resets the connection, and the client could lose the response.
+void HttpConnectionHandler::refuseRequest(const QByteArray &response) {
+    socket_->write({response});
+    socket_->shutdownWriting();
+    const QDeadlineTimer deadline(lingerMs);
+    while (socket_->read(buffer_.data(), static_cast<qint64>(buffer_.size()), deadline) > 0) {
     }
 }
 

@@ -3,7 +3,7 @@
 #include "http/byte_stream.h"
 #include "http/http_input.h"
 #include "http/http_request.h"
-#include "http/socket_descriptor.h"
+#include "http/system_calls.h"
 
 #include <QDeadlineTimer>
 #include <array>
@@ -19,31 +19,31 @@ class HttpResponse;
 class HttpSettings;
 class QSslConfiguration;
 
-/// Serves one connection at a time, any number of them one after the other, in a thread of its own: reads requests,
-/// lets the request handler answer them, decides whether the connection stays open, and ends it after "readTimeout" ms
-/// (10,000 unless set) without a whole request.
+/// Serves connections, one at a time, in its own thread. Reads requests, calls the request handler and decides whether
+/// the connection stays open. Closes the connection if no complete request arrives within "readTimeout" ms (default
+/// 10,000).
 ///
-/// Created, lent out and destroyed by the pool. handleConnection() only hands over; all else that happens to a
-/// connection happens in the handler's thread.
+/// The pool creates, lends and destroys handlers. Only handleConnection(), requestStop() and the busy flag are used
+/// from other threads.
 class HttpConnectionHandler {
 public:
-    /// All three outlive the handler; no encryption without `sslConfiguration`. Throws std::system_error if the system
-    /// gives no thread.
+    /// All three must outlive the handler. Connections are encrypted if there is an `sslConfiguration`. Throws
+    /// std::system_error if no thread can be created.
     HttpConnectionHandler(const HttpSettings &settings, HttpRequestHandler *requestHandler,
                           const QSslConfiguration *sslConfiguration);
-    /// Breaks off a connection that is open and waits for the thread. A request handler at work is waited for; of what
-    /// it answers goes out what the client takes at once.
+    /// Closes an open connection. Waits for the thread, and therefore for a running HttpRequestHandler::service(). Only
+    /// response data that the socket accepts without blocking is still sent.
     ~HttpConnectionHandler();
     HttpConnectionHandler(const HttpConnectionHandler &) = delete;
     HttpConnectionHandler &operator=(const HttpConnectionHandler &) = delete;
 
-    /// True from being chosen by the pool to the end of the connection.
+    /// True from setBusy(), which the pool calls, until the connection is closed.
     [[nodiscard]] bool isBusy() const { return busy_; }
     void setBusy() { busy_ = true; }
 
-    /// Takes over an accepted connection. Any thread; the handler must be idle, or busy by setBusy() alone.
+    /// Takes ownership of an accepted connection. May be called from any thread, after setBusy().
     void handleConnection(tSocketDescriptor socketDescriptor);
-    /// Makes the thread end soon, without waiting for it.
+    /// Tells the thread to stop, without waiting for it.
     void requestStop();
 
 private:
@@ -55,9 +55,9 @@ private:
     [[nodiscard]] bool receive();
     [[nodiscard]] bool read();
     void feedRequest();
-    [[nodiscard]] bool answerRequest();
+    [[nodiscard]] bool serveRequest();
     void callService(HttpResponse &response);
-    void refuseRequest(const QByteArray &answer);
+    void refuseRequest(const QByteArray &response);
     void restartReadTimer();
 
     const HttpSettings &settings_;
@@ -66,11 +66,11 @@ private:
     std::atomic<bool> busy_{false};
     std::atomic<bool> stopping_{false};
 
-    std::mutex mutex_;  ///< guards the connection that is being handed over
-    std::condition_variable handedOver_;
-    std::optional<tSocketDescriptor> handedOverConnection_;
+    std::mutex mutex_;  ///< guards pendingConnection_
+    std::condition_variable wakeUp_;
+    std::optional<tSocketDescriptor> pendingConnection_;
 
-    // Of the connection that is being served; the handler's thread alone.
+    // The current connection. Used only in the handler's thread.
     std::unique_ptr<ByteStream> socket_;
     QHostAddress peerAddress_;
     QDeadlineTimer readTimer_;
@@ -78,5 +78,5 @@ private:
     HttpInput input_;
     std::optional<HttpRequest> currentRequest_;
 
-    std::thread thread_;  // not Qt's, which takes a descriptor for each
+    std::thread thread_;  // not a QThread, which uses a file descriptor
 };

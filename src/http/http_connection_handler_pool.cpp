@@ -1,9 +1,9 @@
 #include "http/http_connection_handler_pool.h"
 
-#include "http/freed_memory.h"
 #include "http/http_connection_handler.h"
 #include "http/http_log.h"
 #include "http/http_settings.h"
+#include "http/system_calls.h"
 #include "http/tls_configuration.h"
 
 #include <QSslConfiguration>
@@ -11,14 +11,14 @@
 #include <system_error>
 
 HttpConnectionHandlerPool::HttpConnectionHandlerPool(const HttpSettings &settings, HttpRequestHandler *requestHandler)
-    : settings_(settings), requestHandler_(requestHandler), sslConfiguration_(loadTlsConfiguration(settings)) {
-    freed_memory::returnLargeBlocks();
+    : settings_(settings), requestHandler_(requestHandler), sslConfiguration_(tls_configuration::load(settings)) {
+    system_calls::configureAllocator();
     connect(&cleanupTimer_, &QTimer::timeout, this, &HttpConnectionHandlerPool::cleanup);
     cleanupTimer_.start(settings_.number("cleanupInterval", 1000));
 }
 
 HttpConnectionHandlerPool::~HttpConnectionHandlerPool() {
-    // All are told first, so that they end at the same time and not one after the other.
+    // All threads are told to stop before the first one is joined, so that all of them stop concurrently.
     for (const auto &handler : pool_)
         handler->requestStop();
     pool_.clear();
@@ -50,14 +50,15 @@ HttpConnectionHandler *HttpConnectionHandlerPool::getConnectionHandler() {
 
 void HttpConnectionHandlerPool::cleanup() {
     const std::lock_guard<std::mutex> lock(mutex_);
-    int toKeep = settings_.number("minThreads", 1);
-    const auto superfluous = std::find_if(
-        pool_.begin(), pool_.end(), [&toKeep](const auto &handler) { return !handler->isBusy() && --toKeep < 0; });
+    int idleToKeep = settings_.number("minThreads", 1);
+    const auto superfluous = std::find_if(pool_.begin(), pool_.end(), [&idleToKeep](const auto &handler) {
+        return !handler->isBusy() && --idleToKeep < 0;
+    });
     if (superfluous == pool_.end())
         return;
     const void *address = superfluous->get();
     pool_.erase(superfluous);
-    freed_memory::giveBack();
+    system_calls::trimHeap();
     qCDebug(lcHttp, "HttpConnectionHandlerPool: Removed connection handler (%p), pool size is now %li", address,
             static_cast<long>(pool_.size()));
 }

@@ -11,19 +11,19 @@ class HttpRequestHandler;
 class HttpSettings;
 class QSslConfiguration;
 
-/// The handlers of a listener, with their threads: made when they are needed, "maxThreads" (100) at most, and retired
-/// one every "cleanupInterval" ms (1000) while more than "minThreads" (1) are idle. Owned by the listener, in whose
-/// thread everything happens; getConnectionHandler() may be called from any thread.
+/// The connection handlers of a listener. Handlers are created on demand, up to "maxThreads" (default 100). While more
+/// than "minThreads" (default 1) are idle, one is removed every "cleanupInterval" ms (default 1000). Owned by the
+/// listener and used in its thread, except for getConnectionHandler(), which may be called from any thread.
 class HttpConnectionHandlerPool : public QObject {
     Q_OBJECT
 
 public:
-    /// Both outlive the pool.
+    /// Both must outlive the pool.
     HttpConnectionHandlerPool(const HttpSettings &settings, HttpRequestHandler *requestHandler);
-    /// Ends all handlers, and waits for request handlers at work.
+    /// Stops all handlers, and waits for running HttpRequestHandler::service() calls.
     ~HttpConnectionHandlerPool() override;
 
-    /// A handler for a new connection, marked busy already; null when all that may be are, or none can be made.
+    /// Returns a handler that is marked busy, or null if the maximum is in use or no thread can be created.
     [[nodiscard]] HttpConnectionHandler *getConnectionHandler();
 
 private Q_SLOTS:

@@ -1,5 +1,7 @@
 #include "http/http_cookie.h"
 
+#include <algorithm>
+
 QByteArray HttpCookie::toByteArray() const {
     QByteArray text = name + '=' + value;
     const auto add = [&text](const char *attribute, const QByteArray &setting) {
@@ -39,4 +41,16 @@ QList<QByteArray> HttpCookie::splitCSV(const QByteArray &source) {
     }
     finishPart();
     return parts;
+}
+
+QMap<QByteArray, QByteArray> HttpCookie::parseHeader(const QByteArray &value) {
+    QMap<QByteArray, QByteArray> cookies;
+    for (const QByteArray &part : splitCSV(value)) {
+        const int equals = part.indexOf('=');
+        if (equals == 0)
+            cookies.insert(part, {});
+        else
+            cookies.insert(part.left(std::max(equals, 0)).trimmed(), part.mid(equals + 1).trimmed());
+    }
+    return cookies;
 }

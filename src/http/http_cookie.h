@@ -2,8 +2,9 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QMap>
 
-/// One cookie, as a response sets it. A plain value; empty, 0 and false mean "not set".
+/// A cookie that a response sets. Empty, 0 and false mean "not set".
 struct HttpCookie {
     QByteArray name;
     QByteArray value;
@@ -16,9 +17,14 @@ struct HttpCookie {
     QByteArray sameSite = {};
     int version = 0;
 
-    /// The value of the "Set-Cookie" header. Nothing is escaped.
+    /// Returns the value of the "Set-Cookie" header. Nothing is escaped.
     [[nodiscard]] QByteArray toByteArray() const;
 
-    /// The parts of a header value between ";" outside double quotes: without the quotes, trimmed, empty ones left out.
+    /// Splits a header value at each ";" outside double quotes. Removes the quotes, trims the parts and drops empty
+    /// ones.
     [[nodiscard]] static QList<QByteArray> splitCSV(const QByteArray &source);
+    /// Returns the cookies in the value of one "Cookie" header. A later cookie replaces an earlier one of the same
+    /// name. Intended: a part without "=" is the value of the empty name, and a part that starts with "=" is a name
+    /// without a value.
+    [[nodiscard]] static QMap<QByteArray, QByteArray> parseHeader(const QByteArray &value);
 };

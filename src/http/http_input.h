@@ -3,8 +3,7 @@
 #include <QHostAddress>
 #include <string_view>
 
-/// The bytes that a client has sent and that no request has consumed yet: a view, the reader of the connection owns
-/// the memory. Requests are fed through it, from a socket or from anything else that has bytes.
+/// A view of the received bytes that no request has consumed yet. The caller owns the memory.
 class HttpInput {
 public:
     HttpInput() = default;
@@ -14,14 +13,14 @@ public:
     [[nodiscard]] bool isEmpty() const { return bytes_.empty(); }
     [[nodiscard]] const QHostAddress &peerAddress() const { return peerAddress_; }
 
-    /// Consumes at most `limit` bytes.
+    /// Consumes up to `limit` bytes.
     std::string_view take(std::size_t limit) {
         const std::string_view taken = bytes_.substr(0, limit);
         bytes_.remove_prefix(taken.size());
         return taken;
     }
 
-    /// Consumes up to and including the next line feed, or what there is of the line; at most `limit` bytes.
+    /// Consumes bytes up to and including the next line feed, but no more than `limit`.
     std::string_view takeLine(std::size_t limit) {
         const std::size_t lineFeed = bytes_.substr(0, limit).find('\n');
         return take(lineFeed == std::string_view::npos ? limit : lineFeed + 1);

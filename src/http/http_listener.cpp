@@ -3,7 +3,7 @@
 #include "http/http_connection_handler.h"
 #include "http/http_connection_handler_pool.h"
 #include "http/http_log.h"
-#include "http/socket_calls.h"
+#include "http/system_calls.h"
 
 #include <QTcpSocket>
 #include <QTimer>
@@ -12,11 +12,12 @@ namespace {
 
 const char tooManyConnections[] =
     "HTTP/1.1 503 too many connections\r\nConnection: close\r\n\r\nToo many connections\r\n";
-/// How long the system gets to recover after a connection could not be accepted, for want of descriptors as a rule.
-constexpr int recoveryMs = 100;
-/// How long clients that are turned away may take to notice, and how many of them at a time.
-constexpr int goodbyeMs = 1000;
-constexpr int mostGoodbyes = 50;
+/// The delay before the next accept after an error, which is usually a lack of file descriptors.
+constexpr int acceptRetryMs = 100;
+/// How long a refused connection is drained.
+constexpr int lingerMs = 1000;
+/// The maximum number of refused connections that are drained at a time.
+constexpr int maxLingeringClients = 50;
 
 }  // namespace
 
@@ -25,7 +26,7 @@ HttpListener::HttpListener(QSettings *settings, HttpRequestHandler *requestHandl
     qRegisterMetaType<tSocketDescriptor>("tSocketDescriptor");
     connect(this, &QTcpServer::acceptError, this, [this] {
         qCWarning(lcHttp, "HttpListener: Cannot accept a connection: %s", qUtf8Printable(errorString()));
-        QTimer::singleShot(recoveryMs, this, [this] {
+        QTimer::singleShot(acceptRetryMs, this, [this] {
             if (isListening())
                 resumeAccepting();
         });
@@ -48,7 +49,7 @@ void HttpListener::listen() {
         qCCritical(lcHttp, "HttpListener: Cannot bind on port %i: %s", port, qUtf8Printable(errorString()));
         return;
     }
-    socket_calls::lengthenBacklog(socketDescriptor());
+    system_calls::raiseBacklog(socketDescriptor());
     qCDebug(lcHttp, "HttpListener: Listening on port %i", serverPort());
 }
 
@@ -75,13 +76,13 @@ void HttpListener::refuse(tSocketDescriptor socketDescriptor) {
     }
     connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
     socket->write(tooManyConnections);
-    if (findChildren<QTcpSocket *>().size() > mostGoodbyes) {
+    if (findChildren<QTcpSocket *>().size() > maxLingeringClients) {
         socket->disconnectFromHost();
         return;
     }
-    // Closed before it has sent its request, the client would see an error instead of the answer.
+    // Closing a socket with unread data resets the connection, and the client could lose the response.
     socket->flush();
-    socket_calls::endSending(socketDescriptor);
+    system_calls::shutdownWriting(socketDescriptor);
     connect(socket, &QTcpSocket::readyRead, socket, [socket] { socket->readAll(); });
-    QTimer::singleShot(goodbyeMs, socket, &QTcpSocket::abort);
+    QTimer::singleShot(lingerMs, socket, &QTcpSocket::abort);
 }

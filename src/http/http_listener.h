@@ -1,7 +1,7 @@
 #pragma once
 
 #include "http/http_settings.h"
-#include "http/socket_descriptor.h"
+#include "http/system_calls.h"
 
 #include <QTcpServer>
 #include <memory>
@@ -9,27 +9,29 @@
 class HttpConnectionHandlerPool;
 class HttpRequestHandler;
 
-/// The listening server: takes connections on the address and port of its settings and hands each to a handler with a
-/// thread of its own.
+/// A listening TCP server. Passes each accepted connection to a handler, which has its own thread. Must be used in the
+/// thread that created it.
 ///
-/// Settings, read when they are needed: "host" (empty: every interface), "port" (0: the system chooses), "minThreads",
-/// "maxThreads", "cleanupInterval" (ms), "readTimeout" (ms), "maxRequestSize" and "maxMultiPartSize" (bytes),
-/// "sslKeyFile", "sslCertFile", "caCertFile", "verifyPeer". Everything here belongs to the thread that made the object.
+/// Settings, read each time they are needed: "host" (empty: all interfaces), "port" (0: the system chooses),
+/// "minThreads", "maxThreads", "cleanupInterval" (ms), "readTimeout" (ms), "maxRequestSize" and "maxMultiPartSize"
+/// (bytes), "sslKeyFile", "sslCertFile", "caCertFile" and "verifyPeer".
 class HttpListener : public QTcpServer {
     Q_OBJECT
 
 public:
-    /// Listens at once. `settings` and `requestHandler` stay the caller's and outlive the listener.
+    /// Starts listening. The caller keeps ownership of `settings` and `requestHandler`, which must outlive the
+    /// listener.
     HttpListener(QSettings *settings, HttpRequestHandler *requestHandler, QObject *parent = nullptr);
     ~HttpListener() override;
 
-    /// Listens, again after close(), or if it failed. A failure is in the log, and isListening() tells.
+    /// Starts listening again after close() or a failure. Logs an error on failure; see isListening().
     void listen();
-    /// Ends listening, all connections and their threads. Waits for request handlers at work, but for no client.
+    /// Stops listening and closes all connections. Waits for running HttpRequestHandler::service() calls, but not for
+    /// clients.
     void close();
 
 Q_SIGNALS:
-    /// For the hand-over of a connection; the listener itself hands over without it.
+    /// Not emitted by the listener, which calls HttpConnectionHandler::handleConnection() directly.
     void handleConnection(tSocketDescriptor socketDescriptor);
 
 protected:

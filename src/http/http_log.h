@@ -2,5 +2,5 @@
 
 #include <QLoggingCategory>
 
-/// "ocela.http": what the HTTP engine and the API on top of it report.
+/// "ocela.http": messages of the HTTP engine and of the API.
 Q_DECLARE_LOGGING_CATEGORY(lcHttp)

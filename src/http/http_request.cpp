@@ -1,7 +1,7 @@
 #include "http/http_request.h"
 
 #include "http/byte_text.h"
-#include "http/cookie_header.h"
+#include "http/http_cookie.h"
 #include "http/http_log.h"
 #include "http/http_settings.h"
 #include "http/multipart_form.h"
@@ -17,19 +17,21 @@ using namespace byte_text;
 
 namespace {
 
-/// A QByteArray holds less than 2 GiB; half of it keeps every sum of two sizes an int.
-constexpr int largestLimit = 1 << 30;
+/// A QByteArray holds less than 2 GiB. With half of that, the sum of two sizes fits into an int.
+constexpr int maxLimitBytes = 1 << 30;
 
-constexpr qint64 maxMultiPartBlock = 65536;
+constexpr qint64 maxMultiPartBlockBytes = 65536;
 
-/// An entry of a map costs about 100 bytes beside its text, which can be a single byte: together 1 MB at most.
-constexpr int maxEntries = 10000;
+/// The maximum number of headers, of parameters and of cookies. A map entry uses about 100 bytes in addition to its
+/// text, so this limits a map of very short entries to 1 MB.
+constexpr int maxEntryCount = 10000;
 
 qint64 limitFrom(const HttpSettings &settings, const QString &key) {
-    return qBound(0, settings.number(key, 50000000), largestLimit);
+    return qBound(0, settings.number(key, 50000000), maxLimitBytes);
 }
 
-/// Decimal digits alone are a number. One that no type holds counts as the largest, not as none: its body follows.
+/// Returns the value of "Content-Length", or 0 if it is not a decimal number without a sign. A number out of range is
+/// read as 4 GiB - 1, which exceeds every size limit.
 qint64 contentLength(const QByteArray &text) {
     quint32 number = 0;
     const auto [end, error] = std::from_chars(text.begin(), text.end(), number);
@@ -85,12 +87,12 @@ void HttpRequest::readFromSocket(HttpInput &socket) {
 bool HttpRequest::hasTooManyBytes() const {
     if (!boundary_.isEmpty())
         return currentSize_ > maxMultiPartSize_;
-    // Each continued line stores all that it continues once more: unbounded, that would grow with the square.
-    return std::max(currentSize_, storedHeaderSize_) > maxSize_ || headers_.size() > maxEntries;
+    // Each continuation line stores the whole header again, so without a limit memory grows quadratically.
+    return std::max(currentSize_, storedHeaderSize_) > maxSize_ || headers_.size() > maxEntryCount;
 }
 
-// Reading stops at each line feed, so a line has ended if and only if what there is of it ends in CR LF: no search
-// through the buffer. A line that arrived in one piece is not copied at all.
+// Reading stops at each line feed, so a line is complete exactly if the collected bytes end with CR LF. A line that
+// arrives in one piece is not copied.
 void HttpRequest::readLine(HttpInput &socket, Step interpret) {
     const std::string_view piece = socket.takeLine(static_cast<std::size_t>(maxSize_ - currentSize_ + 1));
     currentSize_ += static_cast<qint64>(piece.size());
@@ -110,7 +112,7 @@ void HttpRequest::readRequestLine(std::string_view line) {
         return;
     const std::size_t first = line.find(' ');
     const std::size_t last = line.rfind(' ');
-    // Exactly two spaces, with a target between them.
+    // There must be exactly two spaces, with the request target between them.
     const bool threePieces = first != std::string_view::npos && last > first + 1 && line.find(' ', first + 1) == last;
     if (!threePieces || !contains(line.substr(last), "HTTP")) {
         qCWarning(lcHttp, "HttpRequest: received broken HTTP request, invalid first line");
@@ -155,8 +157,8 @@ void HttpRequest::finishHeaders() {
         expectBody(maxMultiPartSize_, "HttpRequest: expected multipart body is too large");
 }
 
-void HttpRequest::expectBody(qint64 room, const char *tooLarge) {
-    status_ = expectedBodySize_ > room ? abortSize : waitForBody;
+void HttpRequest::expectBody(qint64 maxBytes, const char *tooLarge) {
+    status_ = expectedBodySize_ > maxBytes ? abortSize : waitForBody;
     if (status_ == abortSize)
         qCWarning(lcHttp, "%s", tooLarge);
 }
@@ -172,14 +174,14 @@ void HttpRequest::readBody(HttpInput &socket) {
 void HttpRequest::readMultiPartBody(HttpInput &socket) {
     if (!tempFile_)
         tempFile_ = std::make_unique<QTemporaryFile>();
-    const qint64 room = std::min(expectedBodySize_ - tempFile_->pos(), maxMultiPartBlock);
-    const std::string_view block = socket.take(static_cast<std::size_t>(room));
+    const qint64 limit = std::min(expectedBodySize_ - tempFile_->pos(), maxMultiPartBlockBytes);
+    const std::string_view block = socket.take(static_cast<std::size_t>(limit));
     const auto size = static_cast<qint64>(block.size());
     if ((!tempFile_->isOpen() && !tempFile_->open()) || tempFile_->write(block.data(), size) != size) {
-        // Without room for the body its end would never be reached.
+        // The request must be aborted, because the file would never reach the size of the body.
         failToWriteTempFile();
     } else if (tempFile_->pos() >= maxMultiPartSize_) {
-        // Intended: a body of exactly the limit passes the header and is refused here.
+        // Intended: a body of exactly the limit is accepted by finishHeaders() and refused here.
         qCWarning(lcHttp, "HttpRequest: received too many multipart bytes");
         status_ = abortSize;
     } else if (tempFile_->pos() >= expectedBodySize_) {
@@ -234,27 +236,28 @@ void HttpRequest::decodeParameters() {
         path_.truncate(question);
     const std::string_view query = question < 0 ? std::string_view() : view(rawPath_).substr(std::size_t(question) + 1);
     const std::string_view body = hasUrlEncodedBody() ? view(bodyData_) : std::string_view();
-    if (count(query, '&') + count(body, '&') > maxEntries) {
-        abortManyEntries();
+    if (count(query, '&') + count(body, '&') > maxEntryCount) {
+        abortTooManyEntries();
         return;
     }
-    url_encoding::addParameters(query, parameters_);
-    url_encoding::addParameters(body, parameters_);
+    parameters_.unite(url_encoding::parseParameters(query));
+    parameters_.unite(url_encoding::parseParameters(body));
 }
 
 void HttpRequest::extractCookies() {
-    const QList<QByteArray> values = headers_.values(QByteArrayLiteral("cookie"));
+    QList<QByteArray> values = headers_.values(QByteArrayLiteral("cookie"));
     const auto add = [](qint64 sum, const QByteArray &value) { return sum + count(view(value), ';'); };
-    if (std::accumulate(values.begin(), values.end(), qint64(0), add) > maxEntries) {
-        abortManyEntries();
+    if (std::accumulate(values.begin(), values.end(), qint64(0), add) > maxEntryCount) {
+        abortTooManyEntries();
         return;
     }
-    // The map gives the value that came last first.
-    std::for_each(values.rbegin(), values.rend(),
-                  [this](const QByteArray &value) { cookie_header::addCookies(value, cookies_); });
+    // QMultiMap returns the last inserted value first.
+    std::reverse(values.begin(), values.end());
+    for (const QByteArray &value : qAsConst(values))
+        cookies_.insert(HttpCookie::parseHeader(value));
 }
 
-void HttpRequest::abortManyEntries() {
+void HttpRequest::abortTooManyEntries() {
     qCWarning(lcHttp, "HttpRequest: received too many parameters or cookies");
     status_ = abortSize;
 }

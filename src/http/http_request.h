@@ -10,12 +10,12 @@
 class HttpSettings;
 class QTemporaryFile;
 
-/// One request as it arrives: fed with what the client has sent, until it is complete, too large or broken.
+/// Parses one request from the received data, until it is complete, too large or invalid. Used by one thread at a time.
 ///
-/// "maxRequestSize" bounds request line, headers and body together, "maxMultiPartSize" a multipart body, which goes to
-/// a temporary file instead of memory; both are bytes, 50,000,000 unless set, and count up to 1 GiB. What few bytes
-/// would blow up to many in memory (continued header lines, hundreds of thousands of parameters, open files) is bounded
-/// as well. Used by one thread at a time.
+/// "maxRequestSize" limits request line, headers and body together. "maxMultiPartSize" limits a multipart body, which
+/// is stored in a temporary file. Both are in bytes. The default is 50,000,000 and the maximum is 1 GiB. Further limits
+/// apply to the numbers of headers, parameters, cookies and files, and to the memory of continuation lines, because a
+/// small request with many of these can use much memory.
 class HttpRequest {
 public:
     enum RequestStatus { waitForRequest, waitForHeader, waitForBody, complete, abortSize, abortBroken };
@@ -25,25 +25,26 @@ public:
     HttpRequest &operator=(const HttpRequest &) = delete;
     virtual ~HttpRequest();
 
-    /// Consumes one line or one block of what has arrived. To be called as long as there is input and the status is
-    /// not one of the last three, which are final.
+    /// Consumes one line or one block of `socket`. Must be called only while there is input and the status is not
+    /// final. The last three statuses are final.
     void readFromSocket(HttpInput &socket);
     [[nodiscard]] RequestStatus getStatus() const { return status_; }
 
     [[nodiscard]] const QByteArray &getMethod() const { return method_; }
-    /// Without the query, url-decoded.
+    /// Returns the decoded path without the query.
     [[nodiscard]] QByteArray getPath() const;
-    /// As received, query included.
+    /// Returns the request target as received, including the query.
     [[nodiscard]] const QByteArray &getRawPath() const { return rawPath_; }
     [[nodiscard]] const QByteArray &getVersion() const { return version_; }
 
-    /// The value that came last under this name, whatever its case; empty if there is none.
+    /// Returns the last value of a header, or an empty value. Names are compared without regard to case.
     [[nodiscard]] QByteArray getHeader(const QByteArray &name) const;
     [[nodiscard]] QList<QByteArray> getHeaders(const QByteArray &name) const;
-    /// By lower-cased name.
+    /// Returns all headers by lower-cased name.
     [[nodiscard]] const QMultiMap<QByteArray, QByteArray> &getHeaderMap() const { return headers_; }
 
-    /// The same for the decoded parameters of query, url-encoded body and form; names in exactly their case.
+    /// Returns the last decoded value of a parameter, or an empty value. Parameters come from the query, the
+    /// url-encoded body or the form. Names are compared exactly.
     [[nodiscard]] QByteArray getParameter(const QByteArray &name) const;
     [[nodiscard]] QList<QByteArray> getParameters(const QByteArray &name) const;
     [[nodiscard]] const QMultiMap<QByteArray, QByteArray> &getParameterMap() const { return parameters_; }
@@ -52,7 +53,8 @@ public:
     [[nodiscard]] const QMap<QByteArray, QByteArray> &getCookieMap() const { return cookies_; }
 
     [[nodiscard]] const QByteArray &getBody() const { return bodyData_; }
-    /// The file of a form's field, open at its start; null if there is none. It ends with the request.
+    /// Returns the uploaded file of a form field, open and positioned at its start, or null. The request owns the file
+    /// and deletes it.
     [[nodiscard]] QTemporaryFile *getUploadedFile(const QByteArray &fieldName) const;
     [[nodiscard]] const QHostAddress &getPeerAddress() const { return peerAddress_; }
 
@@ -64,7 +66,7 @@ private:
     void readHeaderLine(std::string_view line);
     void addHeader(const QByteArray &name, const QByteArray &value);
     void finishHeaders();
-    void expectBody(qint64 room, const char *tooLarge);
+    void expectBody(qint64 maxBytes, const char *tooLarge);
     void readBody(HttpInput &socket);
     void readMultiPartBody(HttpInput &socket);
     void finishMultiPartBody();
@@ -74,26 +76,26 @@ private:
     [[nodiscard]] bool hasUrlEncodedBody() const;
     void decodeParameters();
     void extractCookies();
-    void abortManyEntries();
+    void abortTooManyEntries();
 
     QMultiMap<QByteArray, QByteArray> headers_;
     QMultiMap<QByteArray, QByteArray> parameters_;
     QMap<QByteArray, QByteArray> cookies_;
     QByteArray bodyData_;
     QByteArray method_;
-    QByteArray path_;  ///< still url-encoded; without the query once the request is complete
+    QByteArray path_;  ///< url-encoded; includes the query until the request is complete
     QByteArray rawPath_;
     QByteArray version_;
     RequestStatus status_ = waitForRequest;
     QHostAddress peerAddress_;
     const qint64 maxSize_;
     const qint64 maxMultiPartSize_;
-    qint64 currentSize_ = 0;       ///< request line, headers and body, but for a multipart body
-    qint64 storedHeaderSize_ = 0;  ///< names and values; exceeds what was received only by continued lines
+    qint64 currentSize_ = 0;       ///< request line, headers and body, without a multipart body
+    qint64 storedHeaderSize_ = 0;  ///< names and values, which continuation lines duplicate
     qint64 expectedBodySize_ = 0;
     QByteArray currentHeader_;
-    QByteArray boundary_;                       ///< empty: no multipart body
-    std::unique_ptr<QTemporaryFile> tempFile_;  ///< the multipart body as received
+    QByteArray boundary_;                       ///< empty without a multipart body
+    std::unique_ptr<QTemporaryFile> tempFile_;  ///< the multipart body
     std::map<QByteArray, std::unique_ptr<QTemporaryFile>> uploadedFiles_;
-    QByteArray lineBuffer_;  ///< of a line whose end has not arrived
+    QByteArray lineBuffer_;  ///< the received part of an incomplete line
 };

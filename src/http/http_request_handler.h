@@ -5,8 +5,8 @@
 class HttpRequest;
 class HttpResponse;
 
-/// What answers requests: derive from it and override service(). Created and owned by whoever sets up the listener; it
-/// outlives the listener.
+/// The base class of request handlers, which override service(). The creator of the listener owns the handler, which
+/// must outlive the listener.
 class HttpRequestHandler : public QObject {
     Q_OBJECT
 
@@ -14,7 +14,7 @@ public:
     explicit HttpRequestHandler(QObject *parent = nullptr);
     ~HttpRequestHandler() override;
 
-    /// Answers one complete request. Called from the connections' threads, several at a time. Both objects are the
-    /// engine's and end with the call. An exception that escapes counts as a return.
+    /// Responds to one complete request. Called concurrently from the threads of all connections. Both objects belong
+    /// to the engine and must not be used after the call. Exceptions are caught and ignored.
     virtual void service(HttpRequest &request, HttpResponse &response);
 };

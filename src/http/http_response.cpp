@@ -1,15 +1,9 @@
 #include "http/http_response.h"
 
+#include "http/byte_stream.h"
 #include "http/byte_text.h"
-#include "http/http_output.h"
 
 #include <numeric>
-
-namespace {
-
-constexpr int usualHeaderBytes = 512;
-
-}  // namespace
 
 void HttpResponse::setHeader(const QByteArray &name, const QByteArray &value) {
     headers_.insert(name, value);
@@ -35,8 +29,8 @@ void HttpResponse::write(const QByteArray &data, bool lastPart) {
 void HttpResponse::write(const QVector<QByteArray> &data, bool lastPart) {
     const qint64 size = std::accumulate(data.begin(), data.end(), qint64(0),
                                         [](qint64 sum, const QByteArray &piece) { return sum + piece.size(); });
-    // Everything that this call has to say leaves in one go: a header sent ahead of its body would cost the client a
-    // delayed acknowledgement of 40 ms.
+    // Headers and body are sent in one write: if they were sent separately, the body could wait 40 ms for the client's
+    // delayed acknowledgement of the headers.
     QVector<QByteArray> pieces;
     if (!sentHeaders_) {
         chooseFraming(size, lastPart);
@@ -61,7 +55,7 @@ void HttpResponse::chooseFraming(qint64 size, bool lastPart) {
         return;
     }
     const QByteArray connection = headers_.value("Connection", headers_.value("connection"));
-    if (!byte_text::sameIgnoringCase(connection, "close")) {
+    if (!byte_text::equalsIgnoringCase(connection, "close")) {
         setHeader("Transfer-Encoding", "chunked");
         chunkedMode_ = true;
     }
@@ -69,7 +63,8 @@ void HttpResponse::chooseFraming(qint64 size, bool lastPart) {
 
 QByteArray HttpResponse::headerBlock() const {
     QByteArray block;
-    block.reserve(usualHeaderBytes);
+    constexpr int defaultHeaderBytes = 512;
+    block.reserve(defaultHeaderBytes);
     block.append("HTTP/1.1 ").append(QByteArray::number(statusCode_)).append(' ').append(statusText_).append("\r\n");
     for (auto header = headers_.begin(); header != headers_.end(); ++header)
         block.append(header.key()).append(": ").append(header.value()).append("\r\n");

@@ -7,30 +7,31 @@
 
 class HttpOutput;
 
-/// One answer on its way to the client: status line, headers and cookies once, then the body in one or more parts.
+/// Sends one response: status line, headers and cookies once, then the body in one or more parts.
 ///
-/// A body that is written in one last part gets a "Content-Length" and leaves together with the headers. A body in
-/// several parts goes out in chunks, or, if the response announces "Connection: close", as it is, its end marked by the
-/// end of the connection. Lives on the stack of the connection's thread; a connection that is gone swallows writes.
+/// A body that is written as a single last part gets a "Content-Length" header and is sent together with the headers. A
+/// body in several parts is sent in chunks. With "Connection: close" it is sent without framing instead, and closing
+/// the connection marks the end of the body. Lives on the stack of the connection's thread. After the connection has
+/// failed, writes do nothing.
 class HttpResponse {
 public:
-    /// `socket` outlives the response.
+    /// `socket` must outlive the response.
     explicit HttpResponse(HttpOutput *socket) : socket_(socket) {}
 
-    /// Replaces a value that was set before under exactly this name. Without effect once the headers are sent.
+    /// Replaces the value of a header of exactly this name. Has no effect after the headers are sent.
     void setHeader(const QByteArray &name, const QByteArray &value);
     void setHeader(const QByteArray &name, int value);
     /// Replaces a cookie of the same name.
     void setCookie(const HttpCookie &cookie);
-    /// 200 "OK" unless set.
+    /// The default is 200 "OK".
     void setStatus(int statusCode, const QByteArray &description);
 
     [[nodiscard]] const QMap<QByteArray, QByteArray> &getHeaders() const { return headers_; }
     [[nodiscard]] bool hasSentLastPart() const { return sentLastPart_; }
 
-    /// Sends a part of the body, before it the headers if they have not been sent. The last part may be empty.
+    /// Sends a part of the body. The first call also sends the headers. The last part may be empty.
     void write(const QByteArray &data, bool lastPart = false);
-    /// The same for a part that lies in several places: it is sent as one, without being joined in memory.
+    /// Sends several pieces as one part, without joining them in memory.
     void write(const QVector<QByteArray> &data, bool lastPart = false);
 
 private:

@@ -5,18 +5,18 @@
 #include <QVariant>
 #include <memory>
 
-/// What is kept about one client between its requests: a handle. Copies share one record, which ends with the last of
-/// them. Each copy belongs to one thread, the record may be used by many at a time.
+/// A handle to the data kept for one client between its requests. Copies share the data, which is deleted with the last
+/// copy. A handle must be used by one thread at a time; copies may be used concurrently.
 class HttpSession {
 public:
-    /// An invalid session: no id, no values, and it keeps none.
+    /// Creates an invalid session, which has no id and ignores values.
     HttpSession() = default;
-    /// A new session. Times are milliseconds since the epoch.
+    /// Times are in milliseconds since the epoch.
     HttpSession(const QByteArray &id, qint64 lastAccess);
 
     [[nodiscard]] bool isNull() const { return !data_; }
     [[nodiscard]] QByteArray getId() const;
-    /// 0 for an invalid session.
+    /// Returns 0 for an invalid session.
     [[nodiscard]] qint64 getLastAccess() const;
     void setLastAccess(qint64 lastAccess);
 
@@ -26,5 +26,5 @@ public:
 private:
     struct Data;
 
-    std::shared_ptr<Data> data_;  ///< counts the handles, too
+    std::shared_ptr<Data> data_;
 };

@@ -4,8 +4,8 @@
 
 #include <QUuid>
 
-HttpSessionStore::HttpSessionStore(qint64 expirationTime, const Clock &clock, QObject *parent)
-    : QObject(parent), expirationTime_(expirationTime), clock_(clock) {}
+HttpSessionStore::HttpSessionStore(qint64 expirationTimeMs, const Clock &clock, QObject *parent)
+    : QObject(parent), expirationTimeMs_(expirationTimeMs), clock_(clock) {}
 
 HttpSession HttpSessionStore::createSession() {
     HttpSession session(QUuid::createUuid().toByteArray(QUuid::WithoutBraces), clock_());
@@ -21,7 +21,7 @@ HttpSession HttpSessionStore::getSession(const QByteArray &id) {
     return session;
 }
 
-// The signal comes after the lock: its receivers may use the store.
+// Emits the signal without the lock, because receivers may use the store.
 void HttpSessionStore::sessionTimerEvent() {
     for (const HttpSession &session : takeExpired()) {
         const QByteArray id = session.getId();
@@ -35,7 +35,7 @@ QList<HttpSession> HttpSessionStore::takeExpired() {
     const std::lock_guard<std::mutex> lock(mutex_);
     const qint64 now = clock_();
     for (auto session = sessions_.begin(); session != sessions_.end();) {
-        const bool keep = now - session->getLastAccess() <= expirationTime_;
+        const bool keep = now - session->getLastAccess() <= expirationTimeMs_;
         if (!keep)
             expired.append(*session);
         session = keep ? session + 1 : sessions_.erase(session);

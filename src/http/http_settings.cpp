@@ -4,9 +4,9 @@
 #include <QFileInfo>
 #include <QSettings>
 
-int HttpSettings::number(const QString &key, int otherwise) const {
+int HttpSettings::number(const QString &key, int defaultValue) const {
     const std::lock_guard<std::mutex> lock(mutex_);
-    return settings_->value(key, otherwise).toInt();
+    return settings_->value(key, defaultValue).toInt();
 }
 
 QString HttpSettings::text(const QString &key) const {

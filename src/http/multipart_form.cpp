@@ -11,15 +11,15 @@ using namespace byte_text;
 
 namespace {
 
-constexpr std::size_t maxLineSize = 65536;
-constexpr std::size_t lineBreakSize = 2;
+constexpr std::size_t maxLineBytes = 65536;
+constexpr std::size_t lineBreakBytes = 2;
 
-/// What stands in double quotes behind `introduction`; empty if a quote is missing.
-std::string_view quoted(std::string_view line, std::string_view introduction) {
-    const std::size_t found = line.find(introduction);
+/// Returns the quoted string that follows `prefix` (which includes the opening quote), or an empty view.
+std::string_view quoted(std::string_view line, std::string_view prefix) {
+    const std::size_t found = line.find(prefix);
     if (found == std::string_view::npos)
         return {};
-    const std::string_view rest = line.substr(found + introduction.size());
+    const std::string_view rest = line.substr(found + prefix.size());
     const std::size_t end = rest.find('"');
     return end == std::string_view::npos ? std::string_view() : rest.substr(0, end);
 }
@@ -27,40 +27,40 @@ std::string_view quoted(std::string_view line, std::string_view introduction) {
 struct PartHeaders {
     QByteArray fieldName = {};
     QByteArray fileName = {};
-};
 
-void readDisposition(std::string_view line, PartHeaders &headers) {
-    if (!contains(line, "form-data")) {
-        qCDebug(lcHttp, "HttpRequest: ignoring unsupported content part %s", copy(line).constData());
-        return;
+    void readDisposition(std::string_view line) {
+        if (!contains(line, "form-data")) {
+            qCDebug(lcHttp, "HttpRequest: ignoring unsupported content part %s", copy(line).constData());
+            return;
+        }
+        if (const auto name = quoted(line, " name=\""); !name.empty())
+            fieldName = copy(name);
+        if (const auto name = quoted(line, " filename=\""); !name.empty())
+            fileName = copy(name);
     }
-    if (const auto name = quoted(line, " name=\""); !name.empty())
-        headers.fieldName = copy(name);
-    if (const auto name = quoted(line, " filename=\""); !name.empty())
-        headers.fileName = copy(name);
-}
+};
 
 PartHeaders takePartHeaders(HttpInput &input) {
     PartHeaders headers;
     while (!input.isEmpty()) {
-        const std::string_view line = trimmed(input.takeLine(maxLineSize));
+        const std::string_view line = trimmed(input.takeLine(maxLineBytes));
         if (line.empty())
             break;
         if (startsWith(line, "Content-Disposition:"))
-            readDisposition(line, headers);
+            headers.readDisposition(line);
     }
     return headers;
 }
 
 struct PartBody {
-    std::string_view content;   ///< with the line break before the boundary
-    std::string_view boundary;  ///< the line that ended it; empty if none did
+    std::string_view content;   ///< including the line break before the boundary
+    std::string_view boundary;  ///< the boundary line; empty if there is none
 };
 
 PartBody takePartBody(HttpInput &input, std::string_view delimiter) {
     std::string_view content;
     while (!input.isEmpty()) {
-        const std::string_view line = input.takeLine(maxLineSize);
+        const std::string_view line = input.takeLine(maxLineBytes);
         if (startsWith(line, delimiter))
             return {content, line};
         content = {content.empty() ? line.data() : content.data(), content.size() + line.size()};
@@ -68,12 +68,12 @@ PartBody takePartBody(HttpInput &input, std::string_view delimiter) {
     return {};
 }
 
-std::atomic<int> filesOfProcess{0};
+std::atomic<int> processFileCount{0};
 
 class UploadedFile : public QTemporaryFile {
 public:
-    UploadedFile() { ++filesOfProcess; }
-    ~UploadedFile() override { --filesOfProcess; }
+    UploadedFile() { ++processFileCount; }
+    ~UploadedFile() override { --processFileCount; }
 };
 
 std::unique_ptr<QTemporaryFile> writeFile(std::string_view content) {
@@ -105,7 +105,7 @@ MultipartParser::Result MultipartParser::parse(std::string_view body) {
 }
 
 void MultipartParser::store(const QByteArray &name, const QByteArray &fileName, std::string_view content) {
-    const std::string_view value = content.substr(0, content.size() - std::min(content.size(), lineBreakSize));
+    const std::string_view value = content.substr(0, content.size() - std::min(content.size(), lineBreakBytes));
     if (!hasRoomFor(fileName))
         result_ = Result::tooManyParts;
     else if (fileName.isEmpty())
@@ -120,8 +120,8 @@ bool MultipartParser::hasRoomFor(const QByteArray &fileName) {
     ++partCount_;
     if (!fileName.isEmpty())
         ++fileCount_;
-    const bool room =
-        partCount_ <= maxParts && fileCount_ <= maxFiles && (fileName.isEmpty() || filesOfProcess < maxFilesOfProcess);
+    const bool room = partCount_ <= maxPartCount && fileCount_ <= maxFileCount &&
+                      (fileName.isEmpty() || processFileCount < maxProcessFileCount);
     if (!room)
         qCWarning(lcHttp, "HttpRequest: received too many fields or files");
     return room;

@@ -6,29 +6,29 @@
 #include <memory>
 #include <string_view>
 
-/// Form fields and files by their field name. Files are open at their start; a later one of a name replaces an earlier
-/// one, whose file on disk ends there.
+/// The fields and files of a form, by field name. Files are open and positioned at their start. A later file of the
+/// same name replaces an earlier one, which is deleted.
 struct MultipartForm {
-    QMultiMap<QByteArray, QByteArray> parameters = {};  ///< the value of a field; for a file, its name
+    QMultiMap<QByteArray, QByteArray> parameters = {};  ///< the value of a field, or the name of a file
     std::map<QByteArray, std::unique_ptr<QTemporaryFile>> files = {};
 };
 
-/// Reads the body of a "multipart/form-data" request. A part counts once the boundary after it is found.
+/// Parses the body of a "multipart/form-data" request. A part without a boundary after it is ignored.
 class MultipartParser {
 public:
     enum class Result { complete, tooManyParts, fileError };
 
-    /// Fields and files of a form.
-    static constexpr int maxParts = 10000;
-    /// Each file takes its time to create, and holds a descriptor of the process until its request has been answered:
-    /// the second limit is for all requests together.
-    static constexpr int maxFiles = 100;
-    static constexpr int maxFilesOfProcess = 200;
+    /// The maximum number of fields and files in a form.
+    static constexpr int maxPartCount = 10000;
+    /// The maximum number of files in a form, and in all current requests together. Creating a file takes time, and a
+    /// file uses a file descriptor until its request is answered.
+    static constexpr int maxFileCount = 100;
+    static constexpr int maxProcessFileCount = 200;
 
-    /// `boundary` is not empty.
+    /// `boundary` must not be empty.
     explicit MultipartParser(const QByteArray &boundary) : delimiter_("--" + boundary), end_(boundary + "--") {}
 
-    /// The form is complete only if the result says so. Failures are in the log.
+    /// Errors are logged. After an error, form() is incomplete.
     [[nodiscard]] Result parse(std::string_view body);
     [[nodiscard]] MultipartForm &form() { return form_; }
 
@@ -42,6 +42,6 @@ private:
     const QByteArray end_;
     MultipartForm form_;
     int partCount_ = 0;
-    int fileCount_ = 0;  ///< those that were replaced included
+    int fileCount_ = 0;  ///< including replaced files
     Result result_ = Result::complete;
 };

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// The contents of the PEM file that a setting names.
+/// Returns the contents of the PEM file that the setting `key` names. Logs an error if it cannot be read.
 std::optional<QByteArray> readPem(const HttpSettings &settings, const char *key) {
     const QString path = settings.resolvedPath(settings.text(key));
     QFile file(path);
@@ -22,22 +22,23 @@ std::optional<QByteArray> readPem(const HttpSettings &settings, const char *key)
     return std::nullopt;
 }
 
-/// Adds what decides whether and against what a client's certificate is checked.
-void addPeerVerification(QSslConfiguration &configuration, const HttpSettings &settings) {
+/// Returns `configuration` with the peer verification mode and the CA certificate of the settings.
+QSslConfiguration withPeerVerification(QSslConfiguration configuration, const HttpSettings &settings) {
     if (!settings.text("caCertFile").isEmpty()) {
         const std::optional<QByteArray> authority = readPem(settings, "caCertFile");
-        // Intended: encryption stays on, with the library's own choice whether clients are checked.
+        // Intended: TLS stays on, with Qt's default peer verification mode.
         if (!authority)
-            return;
+            return configuration;
         configuration.addCaCertificate(QSslCertificate(*authority));
     }
     configuration.setPeerVerifyMode(settings.flag("verifyPeer") ? QSslSocket::VerifyPeer : QSslSocket::VerifyNone);
     qCDebug(lcHttp, "HttpConnectionHandlerPool: SSL settings loaded");
+    return configuration;
 }
 
 }  // namespace
 
-std::unique_ptr<const QSslConfiguration> loadTlsConfiguration(const HttpSettings &settings) {
+std::unique_ptr<const QSslConfiguration> tls_configuration::load(const HttpSettings &settings) {
     if (settings.text("sslKeyFile").isEmpty() || settings.text("sslCertFile").isEmpty())
         return nullptr;
     const std::optional<QByteArray> certificate = readPem(settings, "sslCertFile");
@@ -47,13 +48,12 @@ std::unique_ptr<const QSslConfiguration> loadTlsConfiguration(const HttpSettings
     if (!key)
         return nullptr;
 
-    auto configuration = std::make_unique<QSslConfiguration>();
-    configuration->setProtocol(QSsl::AnyProtocol);
-    configuration->setLocalCertificate(QSslCertificate(*certificate));
-    configuration->setPrivateKey(QSslKey(*key, QSsl::Rsa));
-    // No client will get through, but nothing is sent unencrypted either.
-    if (configuration->localCertificate().isNull() || configuration->privateKey().isNull())
+    QSslConfiguration configuration;
+    configuration.setProtocol(QSsl::AnyProtocol);
+    configuration.setLocalCertificate(QSslCertificate(*certificate));
+    configuration.setPrivateKey(QSslKey(*key, QSsl::Rsa));
+    // All handshakes will fail, but nothing is sent unencrypted.
+    if (configuration.localCertificate().isNull() || configuration.privateKey().isNull())
         qCCritical(lcHttp, "HttpConnectionHandlerPool: no certificate or no RSA key in the files given");
-    addPeerVerification(*configuration, settings);
-    return configuration;
+    return std::make_unique<const QSslConfiguration>(withPeerVerification(configuration, settings));
 }

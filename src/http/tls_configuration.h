@@ -5,6 +5,10 @@
 class HttpSettings;
 class QSslConfiguration;
 
-/// What "sslKeyFile", "sslCertFile", "caCertFile" and "verifyPeer" ask for; null without key and certificate, or if one
-/// of them cannot be read, which the log tells.
-[[nodiscard]] std::unique_ptr<const QSslConfiguration> loadTlsConfiguration(const HttpSettings &settings);
+namespace tls_configuration {
+
+/// Returns the TLS configuration that "sslKeyFile", "sslCertFile", "caCertFile" and "verifyPeer" describe. Returns null
+/// if no key or no certificate is set. Logs an error and returns null if one of the two files cannot be read.
+[[nodiscard]] std::unique_ptr<const QSslConfiguration> load(const HttpSettings &settings);
+
+}  // namespace tls_configuration

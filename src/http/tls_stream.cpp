@@ -1,6 +1,6 @@
 #include "http/tls_stream.h"
 
-#include "http/socket_calls.h"
+#include "http/system_calls.h"
 
 #include <QCoreApplication>
 #include <QSslConfiguration>
@@ -8,21 +8,22 @@
 
 namespace {
 
-/// Of what a client sends, this much is kept ahead of its being read.
-constexpr qint64 readAheadBytes = 65536;
-/// With more than this waiting to be sent, a further piece waits.
-constexpr qint64 writeAheadBytes = 16384;
-constexpr int goodbyeMs = 1000;
+/// The size of the socket's read buffer.
+constexpr qint64 readBufferBytes = 65536;
+/// The next piece is written only when at most this many bytes are buffered for sending.
+constexpr qint64 maxUnsentBytes = 16384;
+/// How long shutdownWriting() waits until everything is sent.
+constexpr int flushTimeoutMs = 1000;
 
 }  // namespace
 
 std::unique_ptr<TlsStream> TlsStream::open(tSocketDescriptor descriptor, const QSslConfiguration &configuration,
-                                           const std::atomic<bool> &closing) {
-    std::unique_ptr<TlsStream> stream(new TlsStream(closing));
+                                           const std::atomic<bool> &stopping) {
+    std::unique_ptr<TlsStream> stream(new TlsStream(stopping));
     if (!stream->socket_.setSocketDescriptor(descriptor))
         return nullptr;
     stream->socket_.setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    stream->socket_.setReadBufferSize(readAheadBytes);
+    stream->socket_.setReadBufferSize(readBufferBytes);
     stream->socket_.setSslConfiguration(configuration);
     stream->socket_.startServerEncryption();
     return stream;
@@ -33,45 +34,45 @@ TlsStream::~TlsStream() {
 }
 
 qint64 TlsStream::read(char *to, qint64 capacity, const QDeadlineTimer &deadline) {
-    while (!closing_) {
+    while (!stopping_) {
         if (deadline.hasExpired())
             return TimedOut;
-        // A handshake that fails closes the socket.
+        // A failed handshake closes the socket.
         if (!socket_.isOpen())
-            return Ended;
+            return Closed;
         const qint64 count = socket_.read(to, capacity);
-        // Without an event loop nobody else delivers the socket's request to itself to decrypt more.
+        // QSslSocket decrypts further data in a queued call to itself, and this thread has no event loop.
         QCoreApplication::sendPostedEvents(&socket_, QEvent::MetaCall);
         if (count > 0)
             return count;
         if (count < 0 || socket_.state() != QAbstractSocket::ConnectedState)
-            return Ended;
-        const qint64 left = deadline.isForever() ? socket_calls::sliceMs : deadline.remainingTime();
-        socket_.waitForReadyRead(static_cast<int>(std::min<qint64>(left, socket_calls::sliceMs)));
+            return Closed;
+        const qint64 left = deadline.isForever() ? system_calls::maxWaitMs : deadline.remainingTime();
+        socket_.waitForReadyRead(static_cast<int>(std::min<qint64>(left, system_calls::maxWaitMs)));
     }
-    return Ended;
+    return Closed;
 }
 
 bool TlsStream::write(const QVector<QByteArray> &pieces) {
     for (const QByteArray &piece : pieces)
-        gone_ = gone_ || !drainTo(writeAheadBytes) || socket_.write(piece) != piece.size();
-    gone_ = gone_ || !drainTo(0);
-    return !gone_;
+        failed_ = failed_ || !waitForUnsent(maxUnsentBytes) || socket_.write(piece) != piece.size();
+    failed_ = failed_ || !waitForUnsent(0);
+    return !failed_;
 }
 
-bool TlsStream::drainTo(qint64 limit) {
-    while (socket_.bytesToWrite() + socket_.encryptedBytesToWrite() > limit) {
-        const bool written = socket_.waitForBytesWritten(socket_calls::sliceMs);
-        if (closing_ || (!written && socket_.state() != QAbstractSocket::ConnectedState))
+bool TlsStream::waitForUnsent(qint64 maxBytes) {
+    while (socket_.bytesToWrite() + socket_.encryptedBytesToWrite() > maxBytes) {
+        const bool written = socket_.waitForBytesWritten(system_calls::maxWaitMs);
+        if (stopping_ || (!written && socket_.state() != QAbstractSocket::ConnectedState))
             return false;
     }
     return socket_.state() == QAbstractSocket::ConnectedState;
 }
 
-void TlsStream::endWriting() {
+void TlsStream::shutdownWriting() {
     socket_.disconnectFromHost();
-    if (!closing_ && socket_.state() != QAbstractSocket::UnconnectedState)
-        socket_.waitForDisconnected(goodbyeMs);
+    if (!stopping_ && socket_.state() != QAbstractSocket::UnconnectedState)
+        socket_.waitForDisconnected(flushTimeoutMs);
 }
 
 QHostAddress TlsStream::peerAddress() const {

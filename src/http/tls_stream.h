@@ -1,7 +1,7 @@
 #pragma once
 
 #include "http/byte_stream.h"
-#include "http/socket_descriptor.h"
+#include "http/system_calls.h"
 
 #include <QSslSocket>
 #include <atomic>
@@ -9,26 +9,26 @@
 
 class QSslConfiguration;
 
-/// An encrypted connection. The handshake happens within the first read().
+/// A TLS connection. The first read() does the handshake.
 class TlsStream : public ByteStream {
 public:
-    /// Takes over a connected socket; null if it is none. `closing` outlives the stream.
+    /// Takes ownership of a connected socket. Returns null if it is not one. `stopping` must outlive the stream.
     [[nodiscard]] static std::unique_ptr<TlsStream> open(tSocketDescriptor descriptor,
                                                          const QSslConfiguration &configuration,
-                                                         const std::atomic<bool> &closing);
+                                                         const std::atomic<bool> &stopping);
     ~TlsStream() override;
 
     [[nodiscard]] qint64 read(char *to, qint64 capacity, const QDeadlineTimer &deadline) override;
     bool write(const QVector<QByteArray> &pieces) override;
-    void endWriting() override;
+    void shutdownWriting() override;
     [[nodiscard]] QHostAddress peerAddress() const override;
 
 private:
-    explicit TlsStream(const std::atomic<bool> &closing) : closing_(closing) {}
+    explicit TlsStream(const std::atomic<bool> &stopping) : stopping_(stopping) {}
 
-    /// Waits until at most `limit` bytes are still to be handed to the system.
-    [[nodiscard]] bool drainTo(qint64 limit);
+    /// Waits until no more than `maxBytes` are buffered for sending. Returns false if the connection has failed.
+    [[nodiscard]] bool waitForUnsent(qint64 maxBytes);
 
     QSslSocket socket_;
-    const std::atomic<bool> &closing_;
+    const std::atomic<bool> &stopping_;
 };

@@ -8,7 +8,7 @@ using namespace byte_text;
 
 namespace {
 
-/// -1 for what is no hexadecimal digit.
+/// Returns the value of a hexadecimal digit, or -1.
 int hexDigit(char c) {
     if (c >= '0' && c <= '9')
         return c - '0';
@@ -19,23 +19,14 @@ int hexDigit(char c) {
     return -1;
 }
 
-/// The byte that the escape at the start of `text` stands for, or -1. Number parsers of a library would not do: they
-/// take signs and blanks for a part of the number.
+/// Returns the byte value of the escape at the start of `text`, or -1 if it is invalid. Library functions that parse
+/// numbers are unsuitable, because they accept signs and spaces.
 int escapedByte(std::string_view text) {
     if (text.size() < 3)
         return -1;
     const int high = hexDigit(text[1]);
     const int low = hexDigit(text[2]);
     return high < 0 || low < 0 ? -1 : high * 16 + low;
-}
-
-void addParameter(std::string_view piece, QMultiMap<QByteArray, QByteArray> &parameters) {
-    const std::size_t equals = piece.find('=');
-    if (equals != std::string_view::npos)
-        parameters.insert(url_encoding::decode(trimmed(piece.substr(0, equals))),
-                          url_encoding::decode(trimmed(piece.substr(equals + 1))));
-    else if (!piece.empty())
-        parameters.insert(url_encoding::decode(piece), {});
 }
 
 }  // namespace
@@ -55,10 +46,16 @@ QByteArray url_encoding::decode(std::string_view text) {
     return decoded;
 }
 
-void url_encoding::addParameters(std::string_view text, QMultiMap<QByteArray, QByteArray> &parameters) {
+QMultiMap<QByteArray, QByteArray> url_encoding::parseParameters(std::string_view text) {
+    QMultiMap<QByteArray, QByteArray> parameters;
     while (!text.empty()) {
-        const std::string_view piece = text.substr(0, text.find('&'));
-        addParameter(piece, parameters);
-        text.remove_prefix(std::min(text.size(), piece.size() + 1));
+        const std::string_view pair = text.substr(0, text.find('&'));
+        text.remove_prefix(std::min(text.size(), pair.size() + 1));
+        const std::size_t equals = pair.find('=');
+        if (equals != std::string_view::npos)
+            parameters.insert(decode(trimmed(pair.substr(0, equals))), decode(trimmed(pair.substr(equals + 1))));
+        else if (!pair.empty())
+            parameters.insert(decode(pair), {});
     }
+    return parameters;
 }

@@ -4,14 +4,14 @@
 #include <QMultiMap>
 #include <string_view>
 
-/// The encoding of URLs, and of forms that travel like a URL's query ("a=1&b=x%20y"). Bytewise, without regard to
-/// character sets.
+/// Decoding of URLs and of url-encoded forms ("a=1&b=x%20y"). Works on bytes, without character set conversion.
 namespace url_encoding {
 
-/// "+" becomes a space and "%" with exactly two hexadecimal digits the byte they name; all else stays as it is.
+/// Replaces "+" by a space and "%" followed by two hexadecimal digits by the byte with that value. Invalid escapes are
+/// kept.
 [[nodiscard]] QByteArray decode(std::string_view text);
 
-/// Adds the decoded pairs of `text` to `parameters`; a piece without "=" is a name with an empty value.
-void addParameters(std::string_view text, QMultiMap<QByteArray, QByteArray> &parameters);
+/// Returns the decoded pairs of `text`. A pair without "=" is a name with an empty value.
+[[nodiscard]] QMultiMap<QByteArray, QByteArray> parseParameters(std::string_view text);
 
 }  // namespace url_encoding

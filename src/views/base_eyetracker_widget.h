@@ -1,26 +1,30 @@
 #pragma once
 
-#include "toolkit/connection_helper.h"
+#include "toolkit/base/connection_helper.h"
 
 #include <QWidget>
 
 class EyetrackerInterface;
 
-/// Base of the widgets that show or control the selected tracker.
+/// Base class of the widgets for the selected tracker. GUI thread.
 ///
-/// The tracker is not owned and may be null. Derived classes connect to it in eyetrackerChanged() and put the
-/// connections into `connections_`, so that the next tracker's arrival severs them. GUI thread only.
+/// The tracker is not owned and may be null. Derived classes connect to it in eyetrackerChanged() and add the
+/// connections to `connections_`, which are disconnected when the tracker changes.
 class BaseEyetrackerWidget : public QWidget {
     Q_OBJECT
 
 public:
-    explicit BaseEyetrackerWidget(QWidget *parent = nullptr);
+    explicit BaseEyetrackerWidget(QWidget *parent = nullptr) : QWidget(parent) {}
 
-    /// Binds the widget to `tracker` in place of the one before; also when it is the same one again.
-    void setEyetracker(EyetrackerInterface *tracker);
+    /// Sets the tracker. Reconnects even if it is the same tracker.
+    void setEyetracker(EyetrackerInterface *tracker) {
+        connections_.clear();
+        eyetracker_ = tracker;
+        eyetrackerChanged();
+    }
 
 protected:
-    /// Called when `eyetracker_` has been set and the old connections are gone.
+    /// Called after `eyetracker_` was set and the old connections were disconnected.
     virtual void eyetrackerChanged() {}
 
     EyetrackerInterface *eyetracker_ = nullptr;

@@ -35,7 +35,7 @@ void EyetrackerConnectedWidget::eyetrackerChanged() {
         setState(-1);
         return;
     }
-    // What the old tracker has queued still arrives after it was severed.
+    // Queued calls of the old tracker arrive even after its connection was disconnected.
     const auto show = [this, tracker = eyetracker_](bool connected) {
         if (tracker == eyetracker_)
             setState(connected ? 1 : 0);

@@ -2,8 +2,8 @@
 
 #include "views/base_eyetracker_widget.h"
 
-/// A dot of 16 x 16 pixels that tells whether the tracker is connected: green, red, or grey without a
-/// tracker.
+/// Shows the state of the connection as a dot of 16 x 16 pixels: green if connected, red if disconnected, and grey
+/// without a tracker. GUI thread.
 class EyetrackerConnectedWidget : public BaseEyetrackerWidget {
     Q_OBJECT
 

@@ -1,7 +1,7 @@
 #include "views/eyetracker_sample_viewer.h"
 
 #include "core/eyetracker_interface.h"
-#include "toolkit/ui_helper.h"
+#include "toolkit/widgets/ui_helper.h"
 #include "views/sample_texts.h"
 
 #include <QEvent>
@@ -13,18 +13,18 @@ namespace {
 constexpr char headerName[] = "eyeH1";
 constexpr char captionName[] = "eyeHeader";
 
-/// Longer texts are no gaze on any screen.
-constexpr int usualLength = 12;
+/// In characters. The texts for gaze on the screen are shorter.
+constexpr int maxNormalLength = 12;
 
-/// Labels grow with their texts and do not shrink again: a label of fixed size changes its text without laying out the
-/// whole window anew, which hundreds of samples a second would make the program's main work. The columns also stand
-/// still that way. An absurdly long text alone gives its room back.
+/// Gives the label a fixed size that grows with its text, so that the columns do not move and a new text does not lay
+/// out the whole window. Layouts are expensive at hundreds of samples per second. The label shrinks only if its
+/// previous text was longer than normal.
 void showText(QLabel *label, const QString &text) {
     if (label->text() == text)
         return;
-    const bool wasUsual = label->text().size() <= usualLength;
+    const bool wasNormal = label->text().size() <= maxNormalLength;
     label->setText(text);
-    const QSize needed = wasUsual ? label->sizeHint().expandedTo(label->minimumSize()) : label->sizeHint();
+    const QSize needed = wasNormal ? label->sizeHint().expandedTo(label->minimumSize()) : label->sizeHint();
     if (needed != label->maximumSize())
         label->setFixedSize(needed);
 }
@@ -99,7 +99,7 @@ void EyetrackerSampleViewer::eyetrackerChanged() {
         display(EyeTrackingSample());
         return;
     }
-    // What the old tracker has queued still arrives after it was severed.
+    // Queued calls of the old tracker arrive even after its connection was disconnected.
     const auto show = [this, tracker = eyetracker_](const EyeTrackingSample &sample) {
         if (tracker == eyetracker_)
             display(sample);

@@ -10,10 +10,10 @@ class QGridLayout;
 class QLabel;
 struct EyeTexts;
 
-/// Shows the latest sample in three columns: common gaze, left eye, right eye.
+/// Shows the last sample in three columns: common gaze, left eye and right eye. GUI thread. Samples
+/// arrive through a queued connection.
 ///
-/// Samples arrive queued on the GUI thread and each is shown; nothing is throttled. The labels keep the last
-/// sample's values when the tracker changes, until the next sample.
+/// Every sample is shown. After a change of the tracker, the labels keep their values until the next sample.
 class EyetrackerSampleViewer : public BaseEyetrackerWidget {
     Q_OBJECT
 
@@ -43,7 +43,7 @@ private:
     static void showEye(const Eye &eye, const EyeTexts &texts);
 
     EyeTrackingSample sample_;
-    std::vector<std::pair<QLabel *, const char *>> captions_;  ///< labels with the source texts they translate
+    std::vector<std::pair<QLabel *, const char *>> captions_;  ///< labels and their source texts
 
     QLabel *valid_ = nullptr;
     QLabel *eyes_ = nullptr;

@@ -12,7 +12,7 @@ struct EyeTexts {
     QString pupil;
 };
 
-/// The texts that the sample viewer shows for a sample; the units' names are given in the user's language.
+/// The texts of a sample in the sample viewer. `cm` and `mm` are the translated units.
 struct SampleTexts {
     SampleTexts(const EyeTrackingSample &sample, const QString &cm, const QString &mm);
 

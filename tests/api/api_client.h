@@ -1,5 +1,6 @@
 #pragma once
 
+#include "api/ocela_http_exchange.h"
 #include "api/ocela_http_request_handler.h"
 #include "http/http_request.h"
 #include "http/http_response.h"
@@ -11,7 +12,7 @@
 #include <QSettings>
 #include <QTemporaryDir>
 
-/// Asks the request handler without a connection in between. The path is sent as it is: escape what needs it.
+/// Calls the API without a network connection. Paths are sent unchanged, so percent-encode them.
 class ApiClient {
 public:
     struct Reply {
@@ -19,20 +20,18 @@ public:
         QByteArray body;
 
         [[nodiscard]] bool isDocument() const { return head.contains("Content-Type: text/json; charset=UTF-8\r\n"); }
-        /// Without "time", which no test can know.
-        [[nodiscard]] QJsonObject answer() const {
-            QJsonObject object = QJsonDocument::fromJson(body).object();
-            object.remove("time");
-            return object;
-        }
+        /// The document without "time", which differs in every answer.
+        [[nodiscard]] QJsonObject answer() const { return withoutTime(QJsonDocument::fromJson(body)); }
+    };
+    struct ProcessedRequest {
+        QJsonObject answer;
+        QString filePath;
     };
 
+    /// Sends the request to a request handler.
     Reply get(const QByteArray &path) {
         HttpRequest request(settings_);
-        const std::string text = "GET " + path.toStdString() + " HTTP/1.1\r\n\r\n";
-        HttpInput input(text);
-        while (!input.isEmpty())
-            request.readFromSocket(input);
+        read(request, path);
         RecordingOutput output;
         HttpResponse response(&output);
         handler_.service(request, response);
@@ -41,7 +40,28 @@ public:
         return {sent.left(end), sent.mid(end)};
     }
 
+    /// Passes the same request to processRequest().
+    ProcessedRequest process(OcelaHTTPExchange &exchange, const QByteArray &path) {
+        HttpRequest request(settings_);
+        read(request, path);
+        QString filePath = "unchanged";
+        const QJsonDocument document = exchange.processRequest(QString::fromUtf8(request.getPath()), request, filePath);
+        return {withoutTime(document), filePath};
+    }
+
 private:
+    static void read(HttpRequest &request, const QByteArray &path) {
+        const std::string text = "GET " + path.toStdString() + " HTTP/1.1\r\n\r\n";
+        HttpInput input(text);
+        while (!input.isEmpty())
+            request.readFromSocket(input);
+    }
+    static QJsonObject withoutTime(const QJsonDocument &document) {
+        QJsonObject object = document.object();
+        object.remove("time");
+        return object;
+    }
+
     QTemporaryDir folder_;
     QSettings group_{folder_.filePath("settings.ini"), QSettings::IniFormat};
     HttpSettings settings_{&group_};

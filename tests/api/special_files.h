@@ -1,5 +1,9 @@
 #pragma once
 
-/// Adds rows about what looks like a file to this system and is none: a path, whether the answer says that there is
-/// such a file, and the warning (a regular expression). Makes such a file in the folder http, where the system lets it.
-void addSpecialFileRows();
+namespace special_files {
+
+/// Adds test rows for paths that are not regular files on this system: the path, whether the answer says that the file
+/// exists, and the expected warning (a regular expression). Creates such a file in the folder `http` if possible.
+void addRows();
+
+}  // namespace special_files

@@ -2,7 +2,7 @@
 
 #include <QTest>
 
-void addSpecialFileRows() {
+void special_files::addRows() {
     QTest::newRow("null device") << QByteArray("/NUL") << false << "";
     QTest::newRow("console") << QByteArray("/ROOT/CON") << false << "";
     QTest::newRow("serial port") << QByteArray("/ROOT/COM1") << false << "";

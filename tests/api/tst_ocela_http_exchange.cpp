@@ -16,21 +16,21 @@
 #include <thread>
 #include <vector>
 
-/// What the API answers, and what it asks of the tracker.
 class TestOcelaHttpExchange : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void init();
-    void cleanup();
-    // Else Windows does not let the folder go.
+    // Windows cannot remove the current directory.
     void cleanupTestCase() { QVERIFY(QDir::setCurrent(QDir::tempPath())); }
 
     void endpoints_data();
     void endpoints();
     void calls_from_other_threads_are_queued_up_to_a_limit();
-    void answers_are_whole_while_trackers_deliver_and_change();
-    void a_handler_without_an_exchange_makes_one();
+    void recording_is_written_to_the_requested_path();
+    void documents_have_the_same_content_as_the_text();
+    void answers_are_consistent_while_trackers_deliver_and_change();
+    void handler_creates_a_missing_exchange();
 
 private:
     std::unique_ptr<FakeTracker> tracker_;
@@ -42,7 +42,7 @@ namespace {
 
 const QByteArray missing = R"({"action":"/%1","error":"File http/%1doesn't exist","result":false})";
 
-QByteArray answerAbout(const char *file) {
+QByteArray answerAbout(const QByteArray &file) {
     return QByteArray(missing).replace("%1", file);
 }
 
@@ -56,30 +56,28 @@ EyeTrackingSample numbered(int number) {
 
 constexpr int stepMs = 20;
 
-bool isWhole(const QJsonObject &sample) {
+bool isConsistent(const QJsonObject &sample) {
     return sample["x"] == sample["timestamp"] && sample["r_pupil_y"] == sample["timestamp"];
 }
 
-bool isWholeWindow(const QJsonArray &samples) {
-    for (int i = 0; i < samples.size(); ++i) {
-        const int last = i == 0 ? 0 : samples[i - 1].toObject()["timestamp"].toInt() + stepMs;
-        if (!isWhole(samples[i].toObject()) || (i > 0 && samples[i].toObject()["timestamp"] != last))
-            return false;
-    }
-    return true;
-}
-
-bool isWholeAnswer(const QJsonObject &answer) {
+/// Whether an answer has consistent samples without a gap, or says that no tracker is selected.
+bool isConsistentAnswer(const QJsonObject &answer) {
+    if (!answer["result"].toBool())
+        return answer.keys() == QStringList("result");
     const QJsonArray samples = answer["samples"].toArray();
-    return answer["result"].toBool() ? answer["sampleCount"] == samples.size() && isWholeWindow(samples)
-                                     : answer.keys() == QStringList("result");
+    int expected = samples.first()["timestamp"].toInt();
+    for (const QJsonValue sample : samples) {
+        if (!isConsistent(sample.toObject()) || sample["timestamp"] != expected)
+            return false;
+        expected += stepMs;
+    }
+    return answer["sampleCount"] == samples.size();
 }
 
 void inThreads(int count, const std::function<void()> &work) {
-    std::vector<std::thread> threads;
-    threads.reserve(static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i)
-        threads.emplace_back(work);
+    std::vector<std::thread> threads(static_cast<std::size_t>(count));
+    for (std::thread &thread : threads)
+        thread = std::thread(work);
     for (std::thread &thread : threads)
         thread.join();
 }
@@ -88,6 +86,7 @@ void inThreads(int count, const std::function<void()> &work) {
 
 void TestOcelaHttpExchange::init() {
     QVERIFY(QDir::setCurrent(folder_.path()));
+    exchange_.reset();  // releases the port
     tracker_ = std::make_unique<FakeTracker>();
     exchange_ = std::make_unique<OcelaHTTPExchange>(nullptr);
     connect(tracker_.get(), &FakeTracker::recordStarted, this, [this] { tracker_->calls << "record"; });
@@ -95,52 +94,47 @@ void TestOcelaHttpExchange::init() {
             [this](const QString &path) { tracker_->calls << path; });
 }
 
-void TestOcelaHttpExchange::cleanup() {
-    exchange_.reset();
-    tracker_.reset();
-}
-
 void TestOcelaHttpExchange::endpoints_data() {
     QTest::addColumn<QByteArray>("path");
     QTest::addColumn<QByteArray>("withTracker");
     QTest::addColumn<QByteArray>("withoutTracker");
     QTest::addColumn<QStringList>("calls");
-    const auto row = [](const char *name, const char *path, const QByteArray &withTracker,
+    const auto row = [](const char *name, const QByteArray &path, const QByteArray &withTracker,
                         const QByteArray &withoutTracker, const QStringList &calls) {
-        QTest::newRow(name) << QByteArray(path) << withTracker << withoutTracker << calls;
+        QTest::newRow(name) << path << withTracker << withoutTracker << calls;
     };
     const QByteArray done = R"({"result":true})";
     const QByteArray undone = R"({"result":false})";
     const QByteArray sample = QJsonDocument(EyeTrackingSample().toJson()).toJson(QJsonDocument::Compact);
 
     row("hello", "/hello", R"({"hello":"there","result":true})", R"({"hello":"there","result":true})", {});
-    row("hello is nothing but hello", "/hello2", answerAbout("hello2"), answerAbout("hello2"), {});
-    row("record to a path", "/startrecord&path=C:%5Cdata%5Cäö%26%20c.csv", done, undone, {"record"});
+    row("hello must match exactly", "/hello2", answerAbout("hello2"), answerAbout("hello2"), {});
     row("record to the default", "/startrecord", done, undone, {"record"});
-    row("no record to stop", "/stoprecord", done, undone, {});
+    row("no recording to stop", "/stoprecord", done, undone, {});
     row("no samples", "/lastsamples", R"({"result":true,"sampleCount":0,"samples":[]})", undone, {});
     row("no sample", "/lastsample", R"({"result":true,"sample":)" + sample + "}", undone, {});
-    row("calibrate with something behind", "/calibrateXYZ", done, undone, {"calibrate"});
+    row("calibrate with a suffix", "/calibrateXYZ", done, undone, {"calibrate"});
     row("calibrate the first screen", "/calibrate&screen=1", done, undone, {"calibrate"});
-    row("calibrate a screen that is not there", "/calibrate&screen=2", done, undone, {});
+    row("calibrate a missing screen", "/calibrate&screen=2", done, undone, {});
     row("screens count from 1", "/calibrate&screen=0", done, undone, {});
-    row("a screen that is no number", "/calibrate&screen=abc", done, undone, {});
-    row("the least number", "/calibrate&screen=-2147483648", done, undone, {});
-    row("a number that is too large", "/calibrate&screen=99999999999", done, undone, {});
+    row("a screen that is not a number", "/calibrate&screen=abc", done, undone, {});
+    row("the minimum integer", "/calibrate&screen=-2147483648", done, undone, {});
     row("stop the calibration", "/stopcalibration", done, undone, {"stopCalibration"});
     row("state", "/status", R"({"result":true,"todo":"TODO: Fill in the state"})",
         R"({"result":true,"todo":"TODO: Fill in the state"})", {});
     row("no start page", "/", answerAbout("index.html"), answerAbout("index.html"), {});
     const QByteArray tooLong = R"({"error":"The path is too long","result":false})";
-    row("a path that no system has", "/" + QByteArray(32767, 'x'), tooLong, tooLong, {});
+    const QByteArray longest(32766, 'x');
+    row("a path of the maximum length", "/" + longest, answerAbout(longest), answerAbout(longest), {});
+    row("a path that is too long", "/" + QByteArray(32767, 'x'), tooLong, tooLong, {});
     row("bars are slashes", "/a|b|c", answerAbout("a/b/c"), answerAbout("a/b/c"), {});
     const QByteArray absolute = R"({"action":"/ROOT//none/ROOT/a","error":"File /noneadoesn't exist","result":false})";
-    row("a path of the whole machine", "/ROOT|/none/ROOT/a", absolute, absolute, {});
+    row("an absolute path", "/ROOT|/none/ROOT/a", absolute, absolute, {});
     const QByteArray quoted =
         R"({"action":"/\"\\\u0001é","error":"File http/\"\\\u0001édoesn't exist","result":false})";
     row("quotes, control characters and accents", "/%22%5C%01é", quoted, quoted, {});
     const QByteArray broken = answerAbout("\xEF\xBF\xBD");
-    row("no UTF-8", "/%FF", broken, broken, {});
+    row("invalid UTF-8", "/%FF", broken, broken, {});
 }
 
 void TestOcelaHttpExchange::endpoints() {
@@ -168,21 +162,43 @@ void TestOcelaHttpExchange::calls_from_other_threads_are_queued_up_to_a_limit() 
     int accepted = 0;
     const auto ask = [&] {
         ApiClient client;
-        for (int i = 0; i < OcelaHTTPExchange::mostPendingCalls + 10; ++i)
+        for (int i = 0; i < OcelaHTTPExchange::maxPendingCalls + 10; ++i)
             accepted += client.get("/stopcalibration").answer()["result"].toBool();
     };
     for (int round = 1; round <= 2; ++round) {
         inThreads(1, ask);
-        QCOMPARE(accepted, round * OcelaHTTPExchange::mostPendingCalls);
-        QCOMPARE(tracker_->calls.size(), (round - 1) * OcelaHTTPExchange::mostPendingCalls);
+        QCOMPARE(accepted, round * OcelaHTTPExchange::maxPendingCalls);
+        QCOMPARE(tracker_->calls.size(), (round - 1) * OcelaHTTPExchange::maxPendingCalls);
         QCoreApplication::processEvents();
-        QCOMPARE(tracker_->calls.size(), round * OcelaHTTPExchange::mostPendingCalls);
+        QCOMPARE(tracker_->calls.size(), round * OcelaHTTPExchange::maxPendingCalls);
     }
 }
 
-void TestOcelaHttpExchange::answers_are_whole_while_trackers_deliver_and_change() {
+void TestOcelaHttpExchange::recording_is_written_to_the_requested_path() {
+    exchange_->setTracker(tracker_.get());
+    const QString path = folder_.filePath(QString::fromUtf8("a b&\u00e4.csv"));
+    ApiClient client;
+    QVERIFY(client.get("/startrecord&path=" + path.toUtf8().toPercentEncoding()).answer()["result"].toBool());
+    QVERIFY(client.get("/stoprecord").answer()["result"].toBool());
+    QCOMPARE(tracker_->calls, QStringList({"record", path}));
+    QVERIFY(QFileInfo::exists(path));
+}
+
+void TestOcelaHttpExchange::documents_have_the_same_content_as_the_text() {
+    exchange_->setTracker(tracker_.get());
+    for (const int number : {1, 2, 3})
+        tracker_->addSample(numbered(number));
+    ApiClient client;
+    for (const char *path : {"/hello", "/lastsample", "/lastsamples", "/missing"}) {
+        const ApiClient::ProcessedRequest processed = client.process(*exchange_, path);
+        QCOMPARE(processed.answer, client.get(path).answer());
+        QCOMPARE(processed.filePath, QString());
+    }
+}
+
+void TestOcelaHttpExchange::answers_are_consistent_while_trackers_deliver_and_change() {
     FakeTracker other;
-    std::atomic<int> torn{0};
+    std::atomic<int> inconsistentCount{0};
     std::atomic<bool> asking{true};
     std::thread devices([&] {
         for (int number = 0; asking; number += stepMs) {
@@ -198,22 +214,23 @@ void TestOcelaHttpExchange::answers_are_whole_while_trackers_deliver_and_change(
         ApiClient client;
         for (int i = 0; i < 100; ++i) {
             const QJsonObject last = client.get("/lastsample").answer();
-            torn += last["result"].toBool() != last.contains("sample") || !isWhole(last["sample"].toObject());
-            torn += !isWholeAnswer(client.get("/lastsamples").answer());
+            inconsistentCount +=
+                last["result"].toBool() != last.contains("sample") || !isConsistent(last["sample"].toObject());
+            inconsistentCount += !isConsistentAnswer(client.get("/lastsamples").answer());
         }
     });
     asking = false;
     devices.join();
     choice.join();
-    QCOMPARE(torn.load(), 0);
+    QCOMPARE(inconsistentCount.load(), 0);
 }
 
-void TestOcelaHttpExchange::a_handler_without_an_exchange_makes_one() {
+void TestOcelaHttpExchange::handler_creates_a_missing_exchange() {
     exchange_.reset();
     inThreads(4, [] { QCOMPARE(ApiClient().get("/hello").answer()["hello"].toString(), QString("there")); });
     exchange_.reset(&OcelaHTTPExchange::instance());
     QCOMPARE(exchange_->thread(), thread());
-    QCoreApplication::processEvents();  // the listener comes with the event loop
+    QCoreApplication::processEvents();  // creates the listener
     QTcpSocket socket;
     socket.connectToHost("127.0.0.1", 3735);
     QTRY_COMPARE(socket.state(), QAbstractSocket::ConnectedState);

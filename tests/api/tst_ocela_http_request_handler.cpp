@@ -9,20 +9,20 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-/// The responses around documents and files.
 class TestOcelaHttpRequestHandler : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void initTestCase();
-    // Else Windows does not let the folder go.
+    // Windows cannot remove the current directory.
     void cleanupTestCase() { QVERIFY(QDir::setCurrent(QDir::tempPath())); }
 
     void files_data();
     void files();
-    void changed_file_is_sent_as_it_is_now();
-    void what_is_no_file_to_send_gets_the_document_data();
-    void what_is_no_file_to_send_gets_the_document();
+    void changed_file_is_sent_with_its_new_type_data();
+    void changed_file_is_sent_with_its_new_type();
+    void file_that_cannot_be_sent_is_answered_with_a_document_data();
+    void file_that_cannot_be_sent_is_answered_with_a_document();
 
 private:
     void write(const QString &name, const QByteArray &contents);
@@ -37,6 +37,7 @@ void TestOcelaHttpRequestHandler::initTestCase() {
     QVERIFY(QDir::setCurrent(folder_.path()));
     QFile huge("http/huge");
     QVERIFY(huge.open(QIODevice::WriteOnly) && huge.resize(Q_INT64_C(5'000'000'000)));
+    write("http/large", QByteArray(OcelaHTTPRequestHandler::maxSmallFileBytes + 1, 'x'));
 }
 
 void TestOcelaHttpRequestHandler::write(const QString &name, const QByteArray &contents) {
@@ -56,15 +57,12 @@ void TestOcelaHttpRequestHandler::files_data() {
     row("start page", "http/index.html", "<html></html>", "/",
         "Content-Length: 13\r\nContent-Type: text/html; charset=UTF-8\r\n");
     row("script", "http/a.js", "1", "/a.js", "Content-Length: 1\r\nContent-Type: text/javascript; charset=UTF-8\r\n");
-    row("picture in a folder", "http/sub/a.png", "x", "/sub/a.png", "Content-Length: 1\r\nContent-Type: image/png\r\n");
-    row("bars for slashes", "http/sub/b.png", "x", "/sub|b.png", "Content-Length: 1\r\nContent-Type: image/png\r\n");
-    row("name in Cyrillic", QString::fromUtf8("http/имя.png"), "x", "/%D0%B8%D0%BC%D1%8F.png",
+    row("bars as slashes", "http/sub/b.png", "x", "/sub|b.png", "Content-Length: 1\r\nContent-Type: image/png\r\n");
+    row("Cyrillic name", QString::fromUtf8("http/имя.png"), "x", "/%D0%B8%D0%BC%D1%8F.png",
         "Content-Length: 1\r\nContent-Type: image/png\r\n");
-    row("type by the content", "http/picture", "\x89PNG\r\n\x1a\n", "/picture",
-        "Content-Length: 8\r\nContent-Type: image/png\r\n");
-    row("any bytes", "http/a.any", QByteArray("\0\r\n\r\n\xFF", 6), "/a.any",
+    row("binary content", "http/a.any", QByteArray("\0\r\n\r\n\xFF", 6), "/a.any",
         "Content-Length: 6\r\nContent-Type: application/octet-stream\r\n");
-    row("anywhere on the machine", "a.css", "x", "/ROOT/" + folder_.filePath("a.css").toUtf8(),
+    row("absolute path", "a.css", "x", "/ROOT/" + folder_.filePath("a.css").toUtf8(),
         "Content-Length: 1\r\nContent-Type: text/css\r\n");
     row("video", "http/a.mp4", "1234", "/a.mp4",
         "Accept-Ranges: bytes\r\nConnection: keep-alive\r\nContent-Length: 4\r\nContent-Range: bytes 0-3/4\r\n"
@@ -82,40 +80,57 @@ void TestOcelaHttpRequestHandler::files() {
     write(name, contents);
     const ApiClient::Reply reply = client_.get(path);
     QCOMPARE(reply.body, contents);
-    // Sorted by name, and one stands before all others.
+    const ApiClient::ProcessedRequest processed = client_.process(exchange_, path);
+    QCOMPARE(QFileInfo(processed.filePath), QFileInfo(name));
+    QCOMPARE(processed.answer, QJsonObject({{"result", true}}));
+    // Headers are sorted by name. Only "Accept-Ranges" comes before "Access-Control-Allow-Origin".
     const int first = headers.startsWith("Accept") ? headers.indexOf("\r\n") + 2 : 0;
     QCOMPARE(reply.head, "HTTP/1.1 200 OK\r\n" + headers.left(first) + "Access-Control-Allow-Origin: *\r\n" +
                              headers.mid(first) + "\r\n");
 }
 
-void TestOcelaHttpRequestHandler::changed_file_is_sent_as_it_is_now() {
-    write("http/changing", "<html></html>");
-    QFile file(folder_.filePath("http/changing"));
-    QVERIFY(file.open(QIODevice::ReadWrite));
-    const auto setAge = [&](int seconds) {
-        return file.setFileTime(QDateTime::currentDateTime().addSecs(-seconds), QFileDevice::FileModificationTime);
-    };
-    QVERIFY(setAge(60));
-    for (int i = 0; i < 2; ++i)
-        QVERIFY(client_.get("/changing").head.contains("Content-Type: text/html;"));
-    QCOMPARE(file.write("plain old txt"), 13);
-    QVERIFY(file.flush() && setAge(30));
-    const ApiClient::Reply reply = client_.get("/changing");
-    QVERIFY2(reply.head.contains("Content-Type: text/plain\r\n"), reply.head);
-    QCOMPARE(reply.body, QByteArray("plain old txt"));
+void TestOcelaHttpRequestHandler::changed_file_is_sent_with_its_new_type_data() {
+    QTest::addColumn<int>("ageBefore");
+    QTest::addColumn<int>("ageAfter");
+    QTest::addColumn<QByteArray>("contents");
+    // All ages are in seconds.
+    QTest::newRow("other time") << 60 << 30 << QByteArray("plain old txt");
+    QTest::newRow("other size") << 60 << 60 << QByteArray("plain old text");
+    QTest::newRow("same time and size, changed just now") << -60 << -60 << QByteArray("plain old txt");
 }
 
-void TestOcelaHttpRequestHandler::what_is_no_file_to_send_gets_the_document_data() {
+void TestOcelaHttpRequestHandler::changed_file_is_sent_with_its_new_type() {
+    QFETCH(const int, ageBefore);
+    QFETCH(const int, ageAfter);
+    QFETCH(const QByteArray, contents);
+    const QDateTime now = QDateTime::currentDateTime();
+    const auto change = [&](const QByteArray &bytes, int age) {
+        write("http/changing", bytes);
+        QFile file(folder_.filePath("http/changing"));
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.setFileTime(now.addSecs(-age), QFileDevice::FileModificationTime));
+    };
+    change("<html></html>", ageBefore);
+    for (int i = 0; i < 2; ++i)
+        QVERIFY(client_.get("/changing").head.contains("Content-Type: text/html;"));
+    change(contents, ageAfter);
+    const ApiClient::Reply reply = client_.get("/changing");
+    QVERIFY2(reply.head.contains("Content-Type: text/plain\r\n"), reply.head);
+    QCOMPARE(reply.body, contents);
+}
+
+void TestOcelaHttpRequestHandler::file_that_cannot_be_sent_is_answered_with_a_document_data() {
     QTest::addColumn<QByteArray>("path");
     QTest::addColumn<bool>("exists");
     QTest::addColumn<QString>("warning");
     QTest::newRow("folder") << QByteArray("/sub") << true << "Cannot send http/sub: not a regular file";
-    QTest::newRow("more than fits into memory") << QByteArray("/huge") << true << "Cannot send http/huge: too large .*";
-    QTest::newRow("nothing at all") << QByteArray("/ROOT/") << false << "";
-    addSpecialFileRows();
+    QTest::newRow("larger than the memory limit")
+        << QByteArray("/huge") << true << "Cannot send http/huge: too large .*";
+    QTest::newRow("empty absolute path") << QByteArray("/ROOT/") << false << "";
+    special_files::addRows();
 }
 
-void TestOcelaHttpRequestHandler::what_is_no_file_to_send_gets_the_document() {
+void TestOcelaHttpRequestHandler::file_that_cannot_be_sent_is_answered_with_a_document() {
     QFETCH(const QByteArray, path);
     QFETCH(const bool, exists);
     QFETCH(const QString, warning);
@@ -126,6 +141,7 @@ void TestOcelaHttpRequestHandler::what_is_no_file_to_send_gets_the_document() {
     QVERIFY(reply.head.contains("\r\nAccess-Control-Allow-Origin: *\r\n"));
     QCOMPARE(reply.answer()["result"].toBool(), exists);
     QCOMPARE(reply.answer().contains("error"), !exists);
+    QVERIFY2(!client_.get("/large").isDocument(), "a refused file must not use memory for files");
 }
 
 OCELA_TEST(TestOcelaHttpRequestHandler)

@@ -1,5 +1,8 @@
 #include "api/sample_json.h"
 #include "api/sample_json_blocks.h"
+#include "api/sample_json_cache.h"
+#include "core/sample_window.h"
+#include "support/fake_tracker.h"
 #include "support/test_main.h"
 
 #include <QJsonArray>
@@ -8,88 +11,67 @@
 #include <QTest>
 #include <cstring>
 #include <limits>
+#include <optional>
 
-/// The text that is written by hand, against the one that Qt makes of the same samples.
+/// Compares the text with the output of QJsonDocument for the same samples.
 class TestSampleJson : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void numbers_read_as_Qt_writes_them_data();
-    void numbers_read_as_Qt_writes_them();
-    void any_bits_read_as_Qt_writes_them();
+    void edge_numbers_are_written_like_Qt();
+    void random_samples_are_written_like_Qt();
 
     void blocks_follow_the_window_data();
     void blocks_follow_the_window();
-    void texts_are_kept_while_the_window_moves();
+    void unchanged_blocks_are_kept();
+    void cache_follows_the_selected_tracker();
 };
 
-using Samples = QList<EyeTrackingSample>;
 Q_DECLARE_METATYPE(std::vector<int>)
 
 namespace {
 
 QByteArray written(const EyeTrackingSample &sample) {
-    char text[sampleJsonRoom];
-    return QByteArray(text, static_cast<int>(writeSampleJson(text, sample) - text));
+    return SampleJson(sample).toByteArray();
 }
 
 QByteArray compact(const QJsonObject &object) {
     return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }
 
-constexpr float EyeTrackingSample::*floats[] = {&EyeTrackingSample::x,          &EyeTrackingSample::l_x,
-                                                &EyeTrackingSample::r_x,        &EyeTrackingSample::y,
-                                                &EyeTrackingSample::l_y,        &EyeTrackingSample::r_y,
-                                                &EyeTrackingSample::l_pupil_mm, &EyeTrackingSample::r_pupil_mm,
-                                                &EyeTrackingSample::focus,      &EyeTrackingSample::distance_cm};
-constexpr qint32 EyeTrackingSample::*integers[] = {&EyeTrackingSample::x_px,      &EyeTrackingSample::y_px,
-                                                   &EyeTrackingSample::l_x_px,    &EyeTrackingSample::l_y_px,
-                                                   &EyeTrackingSample::r_x_px,    &EyeTrackingSample::r_y_px,
-                                                   &EyeTrackingSample::l_pupil_x, &EyeTrackingSample::l_pupil_y,
-                                                   &EyeTrackingSample::r_pupil_x, &EyeTrackingSample::r_pupil_y};
-
-/// Different numbers in all fields, from `make`, which is asked for one after the other.
-template <typename Make>
-EyeTrackingSample sampleOf(Make make) {
-    EyeTrackingSample sample;
-    for (float EyeTrackingSample::*field : floats) {
-        const quint32 bits = make();
-        std::memcpy(&(sample.*field), &bits, sizeof(bits));
-    }
-    for (qint32 EyeTrackingSample::*field : integers)
-        sample.*field = static_cast<qint32>(make());
-    sample.timestamp = static_cast<qint64>(quint64(make()) << 32 | make());
-    sample.valid = make() % 2;
-    return sample;
+/// Fills the fields with numbers from `f` and `i`.
+template <typename MakeFloat, typename MakeInteger>
+EyeTrackingSample sampleOf(qint64 timestamp, MakeFloat f, MakeInteger i) {
+    return {timestamp, false, false, i() % 2 != 0, f(), f(), f(), f(), f(), f(), i(), i(),
+            i(),       i(),   i(),   i(),          i(), i(), i(), i(), f(), f(), f(), f()};
 }
 
-/// A sample that shows its number.
+/// Returns a different sample for each number.
 EyeTrackingSample numbered(int number) {
-    EyeTrackingSample sample;
-    sample.timestamp = number;
-    sample.x = static_cast<float>(number) / 3;
-    return sample;
+    return {number, false, false, false, static_cast<float>(number) / 3};
 }
 
-Samples numbered(const std::vector<int> &numbers) {
-    Samples samples;
-    for (const int number : numbers)
-        samples.append(numbered(number));
-    return samples;
-}
+/// A window that keeps the newest `size` samples, because they are delivered 1 ms apart.
+class Feed {
+public:
+    explicit Feed(int size) : window_(size - 1) {}
 
-std::vector<int> range(int from, int to) {
-    std::vector<int> numbers;
-    for (int number = from; number < to; ++number)
-        numbers.push_back(number);
-    return numbers;
-}
+    void deliver(int count) {
+        for (int i = 0; i < count; ++i)
+            (void)window_.add(numbered(++delivered_), {});
+    }
+    [[nodiscard]] SampleWindow &window() { return window_; }
+
+private:
+    SampleWindow window_;
+    int delivered_ = 0;
+};
 
 QByteArray joined(const SampleJsonBlocks::List &list) {
     return '[' + QByteArrayList(list.pieces.toList()).join() + ']';
 }
 
-QByteArray asQtWrites(const Samples &samples) {
+QByteArray writtenByQt(const QList<EyeTrackingSample> &samples) {
     QJsonArray array;
     for (const EyeTrackingSample &sample : samples)
         array.append(sample.toJson());
@@ -98,101 +80,110 @@ QByteArray asQtWrites(const Samples &samples) {
 
 }  // namespace
 
-void TestSampleJson::numbers_read_as_Qt_writes_them_data() {
-    QTest::addColumn<float>("number");
-    QTest::addColumn<QByteArray>("text");
+void TestSampleJson::edge_numbers_are_written_like_Qt() {
     using Limits = std::numeric_limits<float>;
-    const auto row = [](const char *name, float number, const char *text) {
-        QTest::newRow(name) << number << QByteArray(text);
-    };
-    row("zero", 0.0F, "0");
-    row("minus zero", -0.0F, "0");
-    row("a fraction is widened, not rounded", 12.3F, "12.300000190734863");
-    row("small", 1e-7F, "1.0000000116860974e-07");
-    row("just above the exponent's bound", 1e-4F, "9.999999747378752e-05");
-    row("the end of a float's whole numbers", 16777216.0F, "16777216");
-    row("1e15", 1e15F, "999999986991104");
-    row("2^53", 9007199254740992.0F, "9007199254740992");
-    row("-1e18", -1e18F, "-999999984306749400");
-    row("1e19", 1e19F, "9999999980506448000");
-    row("2^64", 18446744073709551616.0F, "18446744073709552000");
-    row("1e22", 1e22F, "9.999999778196308e+21");
-    row("smallest", Limits::denorm_min(), "1.401298464324817e-45");
-    row("smallest that is normal", -Limits::min(), "-1.1754943508222875e-38");
-    row("largest", Limits::max(), "3.4028234663852886e+38");
-    row("not a number", Limits::quiet_NaN(), "null");
-    row("infinite", -Limits::infinity(), "null");
-}
-
-void TestSampleJson::numbers_read_as_Qt_writes_them() {
-    QFETCH(const float, number);
-    QFETCH(const QByteArray, text);
-    EyeTrackingSample alone;
-    alone.x = number;
-    QVERIFY2(written(alone).contains("\"x\":" + text + ","), written(alone));
-    for (float EyeTrackingSample::*field : floats) {
-        EyeTrackingSample sample = numbered(7);
-        sample.*field = number;
+    for (const float number : {0.0F, -0.0F, 12.3F, 1e-7F, 1e-4F, 16777216.0F, 1e15F, 9007199254740992.0F, -1e18F, 1e19F,
+                               18446744073709551616.0F, 1e22F, Limits::denorm_min(), -Limits::min(), Limits::max(),
+                               Limits::quiet_NaN(), -Limits::infinity()}) {
+        const EyeTrackingSample sample = sampleOf(
+            7, [number] { return number; }, [] { return -1; });
+        QCOMPARE(written(sample), compact(sample.toJson()));
+    }
+    using Stamps = std::numeric_limits<qint64>;
+    for (const qint64 timestamp :
+         {Stamps::min(), Stamps::max(), (qint64(1) << 53) - 1, (qint64(1) << 53) + 1, qint64(-1)}) {
+        const EyeTrackingSample sample{timestamp};
         QCOMPARE(written(sample), compact(sample.toJson()));
     }
 }
 
-void TestSampleJson::any_bits_read_as_Qt_writes_them() {
-    for (const qint64 timestamp : {std::numeric_limits<qint64>::min(), std::numeric_limits<qint64>::max(),
-                                   (qint64(1) << 53) - 1, (qint64(1) << 53) + 1, qint64(-1), qint64(1764000000123)}) {
-        EyeTrackingSample sample = numbered(7);
-        sample.timestamp = timestamp;
-        QCOMPARE(written(sample), compact(sample.toJson()));
-    }
+void TestSampleJson::random_samples_are_written_like_Qt() {
     QRandomGenerator random(1);
+    const auto makeInteger = [&] { return static_cast<qint32>(random.generate()); };
+    const auto makeFloat = [&] {
+        const quint32 bits = random.generate();
+        float number;
+        std::memcpy(&number, &bits, sizeof(bits));
+        return number;
+    };
     for (int i = 0; i < 5000; ++i) {
-        const EyeTrackingSample sample = sampleOf([&] { return random.generate(); });
+        const EyeTrackingSample sample = sampleOf(static_cast<qint64>(random.generate64()), makeFloat, makeInteger);
         QCOMPARE(written(sample), compact(sample.toJson()));
     }
 }
 
 void TestSampleJson::blocks_follow_the_window_data() {
-    QTest::addColumn<std::vector<int>>("before");
-    QTest::addColumn<std::vector<int>>("after");
-    const auto row = [](const char *name, const std::vector<int> &before, const std::vector<int> &after) {
-        QTest::newRow(name) << before << after;
+    constexpr int blockSize = SampleJsonBlocks::samplesPerBlock;
+    QTest::addColumn<int>("windowSize");
+    QTest::addColumn<std::vector<int>>("deliveries");
+    const auto row = [](const char *name, int windowSize, const std::vector<int> &deliveries) {
+        QTest::newRow(name) << windowSize << deliveries;
     };
-    row("no samples", {}, {});
-    row("the first", {}, {1});
-    row("one more and one less", {1, 2, 3}, {2, 3, 4});
-    row("only the last stays", {1, 2, 3}, {3});
-    row("all change", {1, 2, 3}, {4, 5});
-    row("another tracker's, the first alike", {1, 2, 3}, {1, 5, 6});
-    row("alike but for the last", {1, 1, 1}, {1, 1, 2});
-    row("blocks are filled", range(0, 3), range(0, 1000));
-    row("whole blocks go", range(0, 1000), range(2 * SampleJsonBlocks::samplesPerBlock, 1003));
-    row("parts of blocks go", range(0, 1000), range(300, 1100));
-    row("a block is just full", range(0, SampleJsonBlocks::samplesPerBlock - 1), range(0, 129));
+    row("no samples", 3, {0, 0});
+    row("first sample", 3, {0, 1, 0});
+    row("window fills and moves", 3, {1, 1, 1, 1, 1});
+    row("only the newest sample remains", 3, {3, 2});
+    row("all samples are replaced", 3, {3, 3, 7});
+    row("several blocks are filled", 1000, {3, 1000, 1});
+    row("whole blocks are dropped", 1000, {1000, 2 * blockSize, blockSize});
+    row("parts of blocks are dropped", 1000, {1000, 300, 100});
+    row("a block becomes full", 1000, {blockSize - 1, 1, 1});
+    row("a block becomes empty", 1000, {1000, blockSize - 1, 1, 1});
+    row("one block", blockSize, {blockSize, 1, 1});
 }
 
 void TestSampleJson::blocks_follow_the_window() {
-    QFETCH(const std::vector<int>, before);
-    QFETCH(const std::vector<int>, after);
-    const std::vector<int> afterwards = range(4, 200);
+    QFETCH(const int, windowSize);
+    QFETCH(const std::vector<int>, deliveries);
+    Feed feed(windowSize);
     SampleJsonBlocks blocks;
-    QList<SampleJsonBlocks::List> handedOut;
-    for (const std::vector<int> &numbers : {before, after, afterwards}) {
-        handedOut.append(blocks.update(numbered(numbers)));
-        QCOMPARE(handedOut.last().sampleCount, static_cast<int>(numbers.size()));
-        QCOMPARE(joined(handedOut.last()), asQtWrites(numbered(numbers)));
+    QList<SampleJsonBlocks::List> lists;
+    QList<QByteArray> expected;
+    for (const int count : deliveries) {
+        feed.deliver(count);
+        lists.append(blocks.update(feed.window().samplesSince(blocks.lastNumber())));
+        expected.append(writtenByQt(feed.window().samples()));
+        QCOMPARE(lists.last().sampleCount, feed.window().samples().size());
     }
-    QCOMPARE(joined(handedOut.first()), asQtWrites(numbered(before)));
+    // At the end, because an update must not modify an earlier list.
+    for (int i = 0; i < lists.size(); ++i)
+        QCOMPARE(joined(lists[i]), expected[i]);
 }
 
-void TestSampleJson::texts_are_kept_while_the_window_moves() {
+void TestSampleJson::unchanged_blocks_are_kept() {
+    Feed feed(500);
     SampleJsonBlocks blocks;
-    const Samples window = numbered(range(0, 500));
-    const SampleJsonBlocks::List first = blocks.update(window);
-    QCOMPARE(blocks.update(window).pieces.constData(), first.pieces.constData());
-    const SampleJsonBlocks::List moved = blocks.update(numbered(range(3, 501)));
+    feed.deliver(500);
+    const SampleJsonBlocks::List first = blocks.update(feed.window().samplesSince(0));
+    const SampleJsonBlocks::List same = blocks.update(feed.window().samplesSince(blocks.lastNumber()));
+    QCOMPARE(same.pieces.constData(), first.pieces.constData());
+    feed.deliver(3);
+    const SampleJsonBlocks::List moved = blocks.update(feed.window().samplesSince(blocks.lastNumber()));
     QCOMPARE(moved.pieces.size(), first.pieces.size());
     for (int i = 2; i < first.pieces.size() - 2; ++i)
         QCOMPARE(static_cast<const void *>(moved.pieces[i].constData()), first.pieces[i].constData());
+}
+
+void TestSampleJson::cache_follows_the_selected_tracker() {
+    SampleJsonCache cache;
+    std::optional<FakeTracker> one(std::in_place);
+    FakeTracker other;
+    const auto hasTextsOf = [&](FakeTracker &tracker) {
+        return cache.lastSample(tracker) == compact(tracker.getLastSample().toJson()) &&
+               joined(cache.samples(tracker)) == writtenByQt(tracker.getSamples());
+    };
+    QVERIFY(hasTextsOf(*one));
+    for (int i = 0; i < 5; ++i) {
+        one->addSample(numbered(1));
+        other.addSample(numbered(i));
+        QVERIFY(hasTextsOf(*one));
+        QVERIFY(hasTextsOf(other));
+    }
+    one.reset();
+    one.emplace();
+    QVERIFY2(hasTextsOf(*one), "a new tracker at the address of a destroyed one");
+    one->addSample(numbered(2));
+    QVERIFY(hasTextsOf(*one));
 }
 
 OCELA_TEST(TestSampleJson)

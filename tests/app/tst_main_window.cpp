@@ -1,9 +1,10 @@
 #include "app/main_window.h"
+#include "support/file_content.h"
 #include "support/test_main.h"
 
 #include <QComboBox>
 #include <QDir>
-#include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
@@ -12,21 +13,6 @@
 #include <QTabWidget>
 #include <QTest>
 #include <QTimer>
-
-/// The window in the test's own process; what a user sees of it is the system tests' business.
-class TestMainWindow : public QObject {
-    Q_OBJECT
-
-private Q_SLOTS:
-    void initTestCase();
-    void init();
-
-    void first_tracker_is_selected_and_stored_data();
-    void first_tracker_is_selected_and_stored();
-    void tracker_whose_library_is_absent_says_so_and_stays_chosen();
-    void language_switches_at_once_in_both_directions();
-    void changing_autorun_registers_the_program();
-};
 
 namespace {
 
@@ -38,52 +24,48 @@ QComboBox &trackersOf(MainWindow &window) {
     return *window.findChild<QComboBox *>("trackers");
 }
 
-QString storedText() {
-    QFile file(Settings::defaultFilePath());
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QString();
-}
-
-void store(const char *property, const QVariant &value) {
-    Settings settings(Settings::defaultFilePath(), Settings::supportedLanguages(), nullptr);
-    settings.reload();
-    settings.setValue(property, value);
+void store(const QByteArray &tracker) {
+    QVERIFY(writeFile(Settings::defaultFilePath(),
+                      "<settings><property name=\"Language\">en_US</property><property name=\"SelectedTracker\">" +
+                          tracker + "</property></settings>"));
 }
 
 }  // namespace
 
+/// Tests the main window in the process of the test. The system tests run the whole program.
+class TestMainWindow : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init() { store("eyetech"); }
+
+    void first_tracker_is_selected_and_stored_for_an_unknown_name();
+    void missing_vendor_library_shows_an_error_and_keeps_the_selection();
+    void changing_the_language_changes_all_texts_immediately();
+    void enabling_autorun_adds_the_program_to_autostart();
+};
+
 void TestMainWindow::initTestCase() {
     Q_INIT_RESOURCE(ocela);
-    QStandardPaths::setTestModeEnabled(true);  // on Windows the folder would be the person's own
+    QStandardPaths::setTestModeEnabled(true);  // without it, Windows would use the user's real folder
     QCoreApplication::setOrganizationName("Velmora");
     QCoreApplication::setApplicationName("Ocela");
     QVERIFY(Settings::defaultFilePath().endsWith("/Velmora/OcelaSettings.xml"));
+    QVERIFY(QDir().mkpath(QFileInfo(Settings::defaultFilePath()).path()));
 }
 
-void TestMainWindow::init() {
-    QFile::remove(Settings::defaultFilePath());
-    // Away from the default and back, so that it is stored whatever the system's language.
-    store("Language", "ru_RU");
-    store("Language", "en_US");
-}
-
-void TestMainWindow::first_tracker_is_selected_and_stored_data() {
-    QTest::addColumn<QString>("stored");
-    QTest::newRow("first start") << QString();
-    QTest::newRow("stored name that no tracker has") << QString("crystal ball");
-}
-
-void TestMainWindow::first_tracker_is_selected_and_stored() {
-    QFETCH(QString, stored);
-    store("SelectedTracker", stored);
+void TestMainWindow::first_tracker_is_selected_and_stored_for_an_unknown_name() {
+    store("unknown tracker");
     MainWindow window;
     QVERIFY(window.isVisible());
     QVERIFY(QDir(Settings::dataFolder()).exists());
     QCOMPARE(trackersOf(window).currentIndex(), 0);
-    QVERIFY(storedText().contains(trackersOf(window).itemText(0)));
+    QVERIFY(readFile(Settings::defaultFilePath()).contains("eyetech"));
 }
 
-void TestMainWindow::tracker_whose_library_is_absent_says_so_and_stays_chosen() {
-    store("SelectedTracker", "aSee Pro");
+void TestMainWindow::missing_vendor_library_shows_an_error_and_keeps_the_selection() {
+    store("aSee Pro");
     QStringList box;
     QTimer::singleShot(0, [&] {
         auto *shown = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
@@ -94,10 +76,10 @@ void TestMainWindow::tracker_whose_library_is_absent_says_so_and_stays_chosen() 
     MainWindow window;
     QCOMPARE(box, QStringList({"others error!!!", "code: -1"}));
     QCOMPARE(trackersOf(window).currentText(), QString("aSee Pro"));
-    QVERIFY(storedText().contains("aSee Pro"));
+    QVERIFY(readFile(Settings::defaultFilePath()).contains("aSee Pro"));
 }
 
-void TestMainWindow::language_switches_at_once_in_both_directions() {
+void TestMainWindow::changing_the_language_changes_all_texts_immediately() {
     MainWindow window;
     auto *pages = qobject_cast<QTabWidget *>(window.centralWidget());
     const auto texts = [&] {
@@ -121,11 +103,11 @@ void TestMainWindow::language_switches_at_once_in_both_directions() {
     QTRY_COMPARE(texts(), english);
 }
 
-void TestMainWindow::changing_autorun_registers_the_program() {
-    MainWindow window;  // loading the settings must not touch the start-up list, and so must not warn
+void TestMainWindow::enabling_autorun_adds_the_program_to_autostart() {
+    MainWindow window;  // loading the settings must not change the autostart list, so there is no warning
     settingsOf(window).setAutoRun(false);
-    // The program does not stand beside this test, which is how the attempt shows.
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Cannot start with the system .*Ocela"));
+    // The program is not in the folder of this test, so adding it fails with a warning.
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Cannot add to autostart .*Ocela"));
     settingsOf(window).setAutoRun(true);
 }
 

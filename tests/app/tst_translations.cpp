@@ -1,7 +1,9 @@
 #include "app/settings.h"
+#include "support/file_content.h"
 #include "support/test_main.h"
 #include "trackers/eyetech/eyetech_settings.h"
 
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -10,30 +12,39 @@ class TestTranslations : public QObject {
 
 private Q_SLOTS:
     void initTestCase() { Q_INIT_RESOURCE(ocela); }
-    void give_every_setting_a_name_data();
-    void give_every_setting_a_name();
+    void contain_every_source_text();
+    void contain_the_name_of_every_setting();
 
 private:
     QTemporaryDir folder_;
 };
 
-void TestTranslations::give_every_setting_a_name_data() {
-    QTest::addColumn<QString>("locale");
-    QTest::newRow("Russian") << "ru_RU";
-    QTest::newRow("English") << "en_US";
+void TestTranslations::contain_every_source_text() {
+    const QString source = OCELA_SOURCE_DIR;
+    for (const QString &locale : Settings::supportedLanguages()) {
+        const QString name = QString("ocela_%1.ts").arg(locale);
+        const QByteArray committed = readFile(source + "/translations/" + name);
+        const QString updated = folder_.filePath(name);
+        QVERIFY(writeFile(updated, committed));
+        const QStringList options{"-silent",  "-locations",         "none",       "-no-obsolete", "-disable-heuristic",
+                                  "sametext", "-disable-heuristic", "similartext"};
+        QCOMPARE(QProcess::execute(OCELA_LUPDATE, options + QStringList{source + "/src", "-ts", updated}), 0);
+        QCOMPARE(readFile(updated), committed);  // if not, run tools/translate
+        QVERIFY2(!committed.contains("type=\"unfinished\""), qPrintable(name));
+        QVERIFY2(!committed.contains("<translation></translation>"), qPrintable(name));
+    }
 }
 
-void TestTranslations::give_every_setting_a_name() {
-    QFETCH(QString, locale);
-    Settings settings(folder_.filePath("names.xml"), {"ru_RU", "en_US"}, nullptr);
-    settings.setLanguage(locale);
+void TestTranslations::contain_the_name_of_every_setting() {
+    Settings settings(folder_.filePath("names.xml"), Settings::supportedLanguages(), nullptr);
     const EyetechSettings eyetech(folder_.filePath("eyetech.xml"), nullptr);
-    for (const PropertyDescriptor &property : settings.metaDescriptor() + eyetech.metaDescriptor()) {
-        if (!property.visible)
-            continue;
-        const QString shown = QCoreApplication::translate("Generic", property.displayName.toUtf8());
-        const bool isPlainWord = property.name == "Language" || property.name == "Calibration";
-        QVERIFY2(shown != property.name || isPlainWord, qPrintable(property.name));
+    for (const QString &locale : Settings::supportedLanguages()) {
+        settings.setLanguage(locale);
+        for (const PropertyDescriptor &property : settings.metaDescriptor() + eyetech.metaDescriptor()) {
+            const QString shown = QCoreApplication::translate("Generic", property.displayName.toUtf8());
+            const bool isEnglishWord = property.name == "Language" || property.name == "Calibration";
+            QVERIFY2(!property.visible || shown != property.name || isEnglishWord, qPrintable(property.name));
+        }
     }
 }
 

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// An exchange with a tracker whose thread never runs: what is asked of it, as writing files anywhere, is never done.
+/// An exchange with a tracker whose thread never runs, so that queued calls, which may write files, are never executed.
 struct Api {
     Api() {
         tracker.addSample(EyeTrackingSample());
@@ -41,19 +41,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const std::string_view bytes = fuzz::Input(data, size).rest();
     static Api api;
     const QString path = QString::fromUtf8(bytes.data(), static_cast<int>(bytes.size()));
-    QString filePath = "left over";
+    QString filePath = "from an earlier request";
     const QJsonObject answer = withoutTime(api.exchange.processRequest(path, api.request, filePath));
 
     fuzz::require(answer["result"].isBool(), "no result");
-    fuzz::require(filePath.isEmpty() || QFileInfo::exists(filePath), "a file that is not there");
+    fuzz::require(filePath.isEmpty() || QFileInfo::exists(filePath), "a file that does not exist");
     QByteArray text;
-    for (const QByteArray &piece : api.exchange.answer(path).toJson(api.exchange.sampleJson()))
+    for (const QByteArray &piece : api_answer::toJson(api.exchange.answer(path), api.exchange.sampleJson()))
         text += piece;
     const QJsonDocument parsed = QJsonDocument::fromJson(text);
-    fuzz::require(parsed.toJson(QJsonDocument::Compact) == text, "the text is not as documents have it");
-    // Calls that wait for the tracker come to an end between the two.
+    fuzz::require(parsed.toJson(QJsonDocument::Compact) == text, "the text differs from that of QJsonDocument");
+    // The text may be an error, because the queue of calls to the tracker can be full by the second request.
     fuzz::require(
         !answer["result"].toBool() || withoutTime(parsed) == answer || !withoutTime(parsed)["result"].toBool(),
-        "another text");
+        "text and document differ");
     return 0;
 }

@@ -2,7 +2,7 @@
 #include "http/byte_text.h"
 #include "http/multipart_form.h"
 
-// The first byte is the length of the boundary, which comes next; the rest is the body.
+// The first byte is the length of the boundary. The boundary follows, and then the body.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     fuzz::Input input(data, size);
     const QByteArray boundary = byte_text::copy(input.text(input.byte() % 16 + 1));
@@ -17,9 +17,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     };
     const MultipartForm &form = parser.form();
     for (auto parameter = form.parameters.begin(); parameter != form.parameters.end(); ++parameter)
-        fuzz::require(found(parameter.key()) && found(parameter.value()), "a parameter that was not sent");
+        fuzz::require(found(parameter.key()) && found(parameter.value()), "a parameter that is not in the body");
     for (const auto &[name, file] : form.files)
-        fuzz::require(form.parameters.contains(name) && found(file->readAll()), "a file that was not sent");
-    fuzz::require(total <= input.rest().size(), "a part that counts twice");
+        fuzz::require(form.parameters.contains(name) && found(file->readAll()), "a file that is not in the body");
+    fuzz::require(total <= input.rest().size(), "parts that overlap");
     return 0;
 }

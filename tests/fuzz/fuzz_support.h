@@ -5,12 +5,12 @@
 #include <cstdint>
 #include <string_view>
 
-/// What a fuzzer calls with each input, and the replay with each file of the corpus.
+/// Called by the fuzzer with each input, and by the replay program with each file of the corpus.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
 
 namespace fuzz {
 
-/// One input, read from its start. Turns the log off, as it would be most of the work.
+/// Reads one input from its start. Disables the log, because logging would take most of the time.
 class Input {
 public:
     Input(const std::uint8_t *data, std::size_t size) : bytes_(reinterpret_cast<const char *>(data), size) {
@@ -18,12 +18,12 @@ public:
         Q_UNUSED(quiet)
     }
 
-    /// The next byte, 0 behind the end.
+    /// Consumes the next byte. Returns 0 at the end.
     unsigned byte() {
         const std::string_view taken = text(1);
         return taken.empty() ? 0 : static_cast<unsigned char>(taken.front());
     }
-    /// The next bytes, fewer at the end.
+    /// Consumes the next `size` bytes, or fewer at the end.
     std::string_view text(std::size_t size) {
         const std::string_view taken = bytes_.substr(0, size);
         bytes_.remove_prefix(taken.size());
@@ -35,7 +35,7 @@ private:
     std::string_view bytes_;
 };
 
-/// Ends the program, which is what a fuzzer takes for a finding.
+/// Aborts the program with the message `what` unless `holds` is true. The fuzzer reports this as a finding.
 inline void require(bool holds, const char *what) {
     if (!holds)
         qFatal("%s", what);

@@ -2,8 +2,9 @@
 
 #include <QDir>
 #include <cstdio>
+#include <vector>
 
-/// Feeds every file of the folder that is named to the fuzz target it is linked with.
+/// Feeds every file of the folder in its argument to the fuzz target.
 int main(int argc, char *argv[]) {
     const QDir folder(argc == 2 ? argv[1] : "");
     int count = 0;
@@ -14,7 +15,9 @@ int main(int argc, char *argv[]) {
         const QByteArray bytes = file.readAll();
         std::printf("%s\n", qPrintable(entry.fileName()));
         std::fflush(stdout);
-        LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t *>(bytes.constData()), std::size_t(bytes.size()));
+        // A copy of exactly the input's size, so that AddressSanitizer detects a read past its end.
+        const std::vector<std::uint8_t> input(bytes.begin(), bytes.end());
+        LLVMFuzzerTestOneInput(input.data(), input.size());
         ++count;
     }
     return argc == 2 && count > 0 ? 0 : 1;

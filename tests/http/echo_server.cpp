@@ -1,9 +1,9 @@
-// A server that tells its clients what it understood, as JSON; for trying the engine with other people's software.
+// A server that responds with a JSON description of each request. Used to test the engine with other software.
 //
-// usage: echo_server [KEY-FILE CERTIFICATE-FILE]      with both: over TLS
+// usage: echo_server SETTINGS-FILE      an INI file with the settings of HttpListener
 //
-// Listens on a free port, which it prints, and ends when its standard input does. An answer to a path that begins with
-// /parts comes in parts.
+// Prints its port, and stops when its standard input is closed. The path /parts selects a response in
+// parts, and /body a response with the request's body.
 
 #include "http/http_listener.h"
 #include "http/http_request.h"
@@ -29,19 +29,18 @@ QJsonObject contents(const QByteArray &bytes) {
     return {{"size", bytes.size()}, {"sha256", QString::fromLatin1(hash)}};
 }
 
-template <typename Map>
-QJsonObject lists(const Map &map) {
+QJsonObject parameters(const HttpRequest &request) {
     QJsonObject object;
-    for (auto entry = map.begin(); entry != map.end(); ++entry) {
-        const QString name = QString::fromUtf8(entry.key());
-        QJsonArray values = object.value(name).toArray();
-        values.append(QString::fromUtf8(entry.value()));
-        object.insert(name, values);
+    for (const QByteArray &name : request.getParameterMap().uniqueKeys()) {
+        QJsonArray values;
+        for (const QByteArray &value : request.getParameters(name))
+            values.append(QString::fromUtf8(value));
+        object.insert(QString::fromUtf8(name), values);
     }
     return object;
 }
 
-/// The parameters of file fields have the files' names; other parameters have no file.
+/// Returns the uploaded files by field name.
 QJsonObject files(const HttpRequest &request) {
     QJsonObject object;
     for (const QByteArray &field : request.getParameterMap().uniqueKeys()) {
@@ -54,18 +53,16 @@ QJsonObject files(const HttpRequest &request) {
 class Echo : public HttpRequestHandler {
 public:
     void service(HttpRequest &request, HttpResponse &response) override {
-        const QJsonObject object{{"method", QString::fromUtf8(request.getMethod())},
-                                 {"path", QString::fromUtf8(request.getPath())},
-                                 {"version", QString::fromUtf8(request.getVersion())},
+        const QJsonObject object{{"path", QString::fromUtf8(request.getPath())},
                                  {"peer", request.getPeerAddress().toString()},
-                                 {"headers", lists(request.getHeaderMap())},
-                                 {"parameters", lists(request.getParameterMap())},
-                                 {"cookies", lists(request.getCookieMap())},
+                                 {"parameters", parameters(request)},
                                  {"body", contents(request.getBody())},
                                  {"files", files(request)}};
+        if (request.getPath() == "/body")
+            return response.write(request.getBody(), true);
         const QByteArray text = QJsonDocument(object).toJson(QJsonDocument::Compact);
         response.setHeader("Content-Type", "application/json");
-        if (!request.getPath().startsWith("/parts"))
+        if (request.getPath() != "/parts")
             return response.write(text, true);
         for (int begin = 0; begin < text.size(); begin += partBytes)
             response.write(text.mid(begin, partBytes));
@@ -76,12 +73,11 @@ public:
 
 int main(int argc, char *argv[]) {
     const QCoreApplication application(argc, argv);
-    QSettings settings(QString(), QSettings::IniFormat);
-    settings.setValue("host", "127.0.0.1");
-    if (argc == 3) {
-        settings.setValue("sslKeyFile", QString::fromLocal8Bit(argv[1]));
-        settings.setValue("sslCertFile", QString::fromLocal8Bit(argv[2]));
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: echo_server SETTINGS-FILE\n");
+        return 2;
     }
+    QSettings settings(QString::fromLocal8Bit(argv[1]), QSettings::IniFormat);
     Echo echo;
     const HttpListener listener(&settings, &echo);
     const QSocketNotifier input(fileno(stdin), QSocketNotifier::Read);

@@ -5,14 +5,14 @@
 #include <QTest>
 #include <functional>
 
-/// The bytes of responses and of the cookies in them.
+/// Tests the bytes that responses send.
 class TestHttpResponse : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void writes_data();
     void writes();
-    void cookieWithEverything();
+    void cookieWithAllAttributes();
 };
 
 using Handler = std::function<void(HttpResponse &)>;
@@ -25,38 +25,38 @@ void TestHttpResponse::writes_data() {
         QTest::newRow(name) << handler << expected;
     };
 
-    row("a body in one part leaves with its headers in one write", [](HttpResponse &r) { r.write("hello", true); },
+    row("a body in one part is sent together with the headers", [](HttpResponse &r) { r.write("hello", true); },
         {"HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello"});
-    row("a part in several pieces counts as one",
+    row("a part may consist of several pieces",
         [](HttpResponse &r) {
             r.write(QVector<QByteArray>{"hel", "", "lo"}, true);
         },
         {"HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello"});
-    row("an empty answer has a length", [](HttpResponse &r) { r.write("", true); },
+    row("an empty response has a content length", [](HttpResponse &r) { r.write("", true); },
         {"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"});
-    row("several parts are chunks",
+    row("several parts are sent as chunks",
         [](HttpResponse &r) {
             r.write("ab");
             r.write("c", true);
         },
         {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\nab\r\n", "1\r\nc\r\n0\r\n\r\n"});
-    row("sizes of chunks are lower-case hexadecimal", [](HttpResponse &r) { r.write(QByteArray(26, 'x')); },
+    row("chunk sizes are lower-case hexadecimal", [](HttpResponse &r) { r.write(QByteArray(26, 'x')); },
         {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n1a\r\n" + QByteArray(26, 'x') + "\r\n"});
-    row("an empty first part sends the headers, an empty last one the end",
+    row("an empty first part sends the headers, an empty last part the last chunk",
         [](HttpResponse &r) {
             r.write("");
             r.write("");
             r.write("", true);
         },
         {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n", "0\r\n\r\n"});
-    row("parts of a closing response are not framed",
+    row("parts are not framed if the connection is to be closed",
         [](HttpResponse &r) {
             r.setHeader("connection", "Close");
             r.write("ab");
             r.write("c", true);
         },
         {"HTTP/1.1 200 OK\r\nconnection: Close\r\n\r\nab", "c"});
-    row("headers are sorted, the last value of a name counts, late ones do not",
+    row("headers are sorted and sent once; headers that are set after the first part are not sent",
         [](HttpResponse &r) {
             r.setStatus(404, "not found");
             r.setHeader("Content-Type", "text/plain");
@@ -69,7 +69,7 @@ void TestHttpResponse::writes_data() {
         },
         {"HTTP/1.1 404 not found\r\nConnection: keep-alive\r\nContent-Length: 1\r\nContent-Type: text/plain\r\n"
          "X-Count: -12\r\n\r\nx"});
-    row("cookies follow the headers, one of a name",
+    row("cookies follow the headers, one per name",
         [](HttpResponse &r) {
             r.setCookie({"b", "2"});
             r.setCookie({"a", "0"});
@@ -87,7 +87,7 @@ void TestHttpResponse::writes() {
     QTEST(output.writes, "expected");
 }
 
-void TestHttpResponse::cookieWithEverything() {
+void TestHttpResponse::cookieWithAllAttributes() {
     const HttpCookie cookie{"n", "v", "why", "example.org", 60, "/p", true, true, "Lax", 2};
     QCOMPARE(cookie.toByteArray(),
              QByteArray("n=v; Comment=why; Domain=example.org; Max-Age=60; Path=/p; Secure; HttpOnly; SameSite=Lax; "

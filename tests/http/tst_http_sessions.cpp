@@ -1,19 +1,24 @@
 #include "http/http_session_store.h"
 #include "support/test_main.h"
 
+#include <QLoggingCategory>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTest>
+#include <thread>
+#include <vector>
 
-/// Sessions: shared by their handles, dropped by their store when nobody uses them.
+/// Session handles, and the store that removes unused sessions.
 class TestHttpSessions : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void handlesShareOneRecord();
+    void copiesShareTheirData();
     void unusedSessionsExpire();
+    void threadsShareAStore();
 };
 
-void TestHttpSessions::handlesShareOneRecord() {
+void TestHttpSessions::copiesShareTheirData() {
     HttpSession first("id", 5);
     HttpSession second;
     second = HttpSession(first);
@@ -31,7 +36,7 @@ void TestHttpSessions::unusedSessionsExpire() {
     qint64 now = 1000;
     HttpSessionStore store(100, [&now] { return now; });
     QSignalSpy deleted(&store, &HttpSessionStore::sessionDeleted);
-    // A receiver that uses the store is not locked out.
+    // A receiver may use the store.
     connect(&store, &HttpSessionStore::sessionDeleted, this,
             [&store](const QByteArray &id) { QVERIFY(store.getSession(id).isNull()); });
     const QByteArray unused = store.createSession().getId();
@@ -46,6 +51,31 @@ void TestHttpSessions::unusedSessionsExpire() {
     store.sessionTimerEvent();
     QCOMPARE(deleted, QList<QVariantList>{{unused}});
     QCOMPARE(store.getSession(used).getId(), used);
+}
+
+void TestHttpSessions::threadsShareAStore() {
+    // Every session logs its deletion, and Qt Test ignores all messages after the first 2000.
+    QLoggingCategory::setFilterRules("ocela.http.debug=false");
+    const auto restore = qScopeGuard([] { QLoggingCategory::setFilterRules({}); });
+    const int count = 5000;
+    HttpSessionStore store(1000000);
+    HttpSession shared = store.createSession();
+    const auto work = [&store, id = shared.getId()](int thread) {
+        for (int i = 0; i < count; ++i) {
+            store.getSession(id).setValue(QByteArray::number(thread * count + i), i);
+            if (store.getSession(store.createSession().getId()).isNull())
+                qFatal("a session was lost");
+        }
+    };
+    constexpr int threadCount = 4;
+    std::vector<std::thread> threads;
+    threads.reserve(threadCount);
+    for (int thread = 0; thread < threadCount; ++thread)
+        threads.emplace_back(work, thread);
+    for (std::thread &thread : threads)
+        thread.join();
+    for (int i = 0; i < threadCount * count; ++i)
+        QCOMPARE(shared.value(QByteArray::number(i)), QVariant(i % count));
 }
 
 OCELA_TEST(TestHttpSessions)

@@ -9,12 +9,11 @@ import { address, createHome, startProgram } from '../web/support/program.js';
 const web = fileURLToPath(new URL('../../web/', import.meta.url));
 const pages = readdirSync(web, { recursive: true }).filter(name => /\.(html|css|js|svg)$/.test(extname(name)));
 
-test('the installed program, started from another folder, serves every page', async () => {
+test('the installed program serves every page', async () => {
     const home = createHome();
     const prefix = join(home.folder, 'usr');
     execFileSync(process.env.OCELA_CMAKE, ['--install', process.env.OCELA_BUILD, '--prefix', prefix]);
-    process.env.OCELA_PROGRAM = join(prefix, 'bin/ocela');
-    const program = await startProgram(home);
+    const program = await startProgram(home, join(prefix, 'bin/ocela'));
     try {
         for (const name of pages) {
             const served = await (await fetch(`${address}/${name}`)).text();

@@ -4,7 +4,7 @@ import { appendFileSync, copyFileSync, existsSync, readFileSync, readdirSync, wr
 import { join } from 'node:path';
 import { after, test } from 'node:test';
 import { fileURLToPath } from 'node:url';
-import { waitFor } from '../web/support/patience.js';
+import { waitFor } from '../web/support/wait.js';
 import { address } from '../web/support/program.js';
 
 const { OCELA_SETUP: setup, OCELA_WINE: wineScript, WINEPREFIX: prefix } = process.env;
@@ -31,7 +31,7 @@ async function page() {
 
 after(() => wine('wineboot', '--kill'));
 
-test('installed, started by its shortcut, upgraded and removed, without a question', async () => {
+test('the installer installs, upgrades and removes the program silently', async () => {
     assert.equal(wine(setup, '/S'), 0);
     assert.ok(isRegistered());
     for (const name of ['QuickLink2.dll', 'http/own.html', 'http/outdated.html'])
@@ -40,17 +40,17 @@ test('installed, started by its shortcut, upgraded and removed, without a questi
     copyFileSync(join(startMenu, 'Ocela.lnk'), autorun);
 
     assert.equal(wine('start', '/unix', autorun), 0);
-    await waitFor(page, 'the dashboard');
+    await waitFor(page, 'the program serves the dashboard');
     assert.equal(await page(), readFileSync(fileURLToPath(new URL('../../web/index.html', import.meta.url)), 'utf8'));
-    assert.equal(wine(setup, '/S'), 2, 'the running program is not upgraded');
-    assert.equal(wine(uninstaller, '/S', `_?=Z:${folder.replaceAll('/', '\\')}`), 2, 'nor removed');
+    assert.equal(wine(setup, '/S'), 2, 'a running program is not upgraded');
+    assert.equal(wine(uninstaller, '/S', `_?=Z:${folder.replaceAll('/', '\\')}`), 2, 'a running program is not removed');
     assert.ok(await page());
     assert.equal(wine('taskkill', '/im', 'Ocela.exe'), 0);
-    await waitFor(async () => await page() === '' && wine(setup, '/S') === 0, 'the upgrade');
+    await waitFor(async () => await page() === '' && wine(setup, '/S') === 0, 'the program is upgraded');
     assert.ok(!existsSync(join(folder, 'http/outdated.html')));
 
     assert.equal(wine(uninstaller, '/S'), 0);
-    await waitFor(() => !isRegistered(), 'the removal');
+    await waitFor(() => !isRegistered(), 'the program is removed');
     assert.deepEqual(readdirSync(folder, { recursive: true }).sort(), ['QuickLink2.dll', 'http', 'http/own.html']);
     assert.ok(!existsSync(join(startMenu, 'Ocela.lnk')) && !existsSync(autorun));
     assert.ok(existsSync(settings));

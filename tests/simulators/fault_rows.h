@@ -3,7 +3,7 @@
 #include <QByteArrayList>
 #include <QTest>
 
-/// Environment variables for as long as this lives: "NAME=value", joined by spaces.
+/// Sets environment variables until it is destroyed: "NAME=value", separated by spaces.
 class ScopedVariables {
 public:
     explicit ScopedVariables(const QByteArray &assignments) {
@@ -23,7 +23,7 @@ private:
     QByteArrayList names_;
 };
 
-/// A table of faults: how a device is told to fail, and what is then to be seen of it.
+/// A table of faults: the environment variables and the expected outcome.
 inline void faultColumns() {
     QTest::addColumn<QByteArray>("variables");
     QTest::addColumn<QString>("outcome");

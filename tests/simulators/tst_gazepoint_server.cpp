@@ -1,38 +1,42 @@
-#include "gazepoint/client.h"
+#include "gazepoint/options.h"
 #include "gazepoint/server.h"
 #include "simulators/loopback_client.h"
 #include "support/test_main.h"
 
 #include <QTest>
-#include <algorithm>
 #include <memory>
 
 using namespace sim;
 using namespace sim::gazepoint;
+
+namespace {
+
+auto parse(const QString &arguments) {
+    return parseOptions(("simulator " + arguments).split(' ', Qt::SkipEmptyParts));
+}
+
+}  // namespace
 
 class TestGazepointServer : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void init() { server_.reset(); }
-    void sends_each_client_what_it_switched_on();
-    void stops_when_told_to();
-    void splits_a_record_only_when_told_to();
-    void calibrates_over_the_wire();
-    void sends_recorded_lines_once();
-    void drops_the_connection_mid_record();
-    void disconnects_a_client_that_does_not_read();
+    void takes_its_options_from_the_command_line();
+    void sends_each_client_the_fields_that_it_enabled();
+    void sends_the_lines_of_a_file_once();
+    void closes_the_connection_in_a_record();
 
 private:
     quint16 serve(const ServerOptions &options) {
-        server_ = std::make_unique<Server>(options, &subject_);
+        server_ = std::make_unique<Server>(options, subject_);
         return server_->listen() ? server_->port() : quint16(0);
     }
 
-    static ServerOptions options(double rate = 200, const FaultOptions &faults = {}) {
+    static ServerOptions options(double rateHz = 200, const FaultOptions &faults = {}) {
         ServerOptions options;
         options.port = 0;
-        options.rate = rate;
+        options.rateHz = rateHz;
         options.faults = faults;
         return options;
     }
@@ -41,84 +45,66 @@ private:
     std::unique_ptr<Server> server_;
 };
 
-void TestGazepointServer::sends_each_client_what_it_switched_on() {
+void TestGazepointServer::takes_its_options_from_the_command_line() {
+    const auto options = std::get<Options>(
+        parse("--port 0 --rate=150 --seed 18446744073709551615 --blink-interval 2.5 --older-server --once "
+              "--record a.csv --fault split,nan --fault drop --fault-after 7 --screen 1920x1080-1920+0"));
+    QCOMPARE(options.server.port, quint16(0));
+    QCOMPARE(options.server.rateHz, 150.0);
+    QCOMPARE(options.subject.seed, ~std::uint64_t(0));
+    QCOMPARE(options.subject.blinkInterval_s, 2.5);
+    QVERIFY(options.server.olderServer && options.server.once && !options.followMouse);
+    QCOMPARE(options.recordFile + options.linesFile, QString("a.csv"));
+    QCOMPARE(options.server.faults.faults, (QVector<Fault>{Fault::Split, Fault::Nan, Fault::Drop}));
+    QCOMPARE(options.server.faults.after_s, 7.0);
+    QCOMPARE(options.server.screen.x + ' ' + options.server.screen.y, QByteArray("-1920 0"));
+    for (const char *arguments : {"--rate fast", "--port 65536", "--fault split,fire", "--record a --lines b"})
+        QVERIFY2(std::holds_alternative<QString>(parse(arguments)), arguments);
+}
+
+void TestGazepointServer::sends_each_client_the_fields_that_it_enabled() {
     const quint16 port = serve(options());
-    LoopbackClient first(port), second(port);
-    first.send("<SET ID=\"USER_DATA\" VALUE=\"mark\" />");  // this is the device's, and for all
+    LoopbackClient first(port);
+    LoopbackClient second(port);
+    server_->setCursor({0.25, -0.5});
+    first.send("<SET ID=\"USER_DATA\" VALUE=\"mark\" />");  // a value of the device, for all clients
     first.stream({"BLINK", "COUNTER"});
     QVERIFY(!first.waitFor("<REC", 20).isEmpty());
-    second.stream({"USER_DATA"});
-    QCOMPARE(second.waitFor("<REC"), QByteArray("<REC USER=\"mark\" />"));
+    second.stream({"USER_DATA", "CURSOR"});
+    QCOMPARE(second.waitFor("<REC"), QByteArray("<REC CX=\"0.25000\" CY=\"-0.50000\" CS=\"0\" USER=\"mark\" />"));
     int count = attributeOf(first.lines("<REC").first(), "CNT").toInt() - 1;
     for (const QByteArray &line : first.lines("<REC")) {
         QCOMPARE(formOf(line), QByteArray("<REC CNT=integer BKID=integer BKDUR=real BKPMIN=integer />"));
         QCOMPARE(attributeOf(line, "CNT").toInt(), ++count);
     }
+    first.send("<SET ID=\"ENABLE_SEND_DATA\" STATE=\"0\" />");
+    QVERIFY(!first.waitFor("<ACK ID=\"ENABLE_SEND_DATA\" STATE=\"0\"").isEmpty());
+    const int records = first.lines("<REC").size();
+    QVERIFY(!second.waitFor("<REC", second.lines("<REC").size() + 20).isEmpty());
+    QCOMPARE(first.lines("<REC").size(), records);
 }
 
-void TestGazepointServer::stops_when_told_to() {
-    LoopbackClient client(serve(options()));
-    client.stream({"COUNTER"});
-    QVERIFY(!client.waitFor("<REC", 3).isEmpty());
-    client.send("<SET ID=\"ENABLE_SEND_DATA\" STATE=\"0\" />");
-    QVERIFY(!client.waitFor("<ACK ID=\"ENABLE_SEND_DATA\" STATE=\"0\"").isEmpty());
-    const int records = client.lines("<REC").size();
-    client.send("<GET ID=\"API_ID\" />");
-    QVERIFY(!client.waitFor("<ACK ID=\"API_ID\"").isEmpty());
-    QCOMPARE(client.lines("<REC").size(), records);
-}
-
-void TestGazepointServer::splits_a_record_only_when_told_to() {
-    const auto isWhole = [](const QByteArray &chunk) { return chunk.startsWith('<') && chunk.endsWith("/>\r\n"); };
-    for (const bool whole : {true, false}) {
-        LoopbackClient client(serve(options(200, {whole ? QVector<Fault>{} : QVector<Fault>{Fault::Split}, 0})));
-        client.stream({"COUNTER"});
-        QVERIFY(!client.waitFor("<REC", 20).isEmpty());
-        // A busy reader finds several records or both halves of one in a chunk, but some time it keeps up.
-        const auto allWhole = [&] { return std::all_of(client.chunks.begin(), client.chunks.end(), isWhole); };
-        QVERIFY(whole ? allWhole() : QTest::qWaitFor([&] { return !allWhole(); }, 20000));
-    }
-}
-
-void TestGazepointServer::calibrates_over_the_wire() {
-    const quint16 port = serve(options());
-    LoopbackClient client(port), observer(port);
-    client.send("<SET ID=\"CALIBRATE_TIMEOUT\" VALUE=\"0.1\" />");
-    client.send("<SET ID=\"CALIBRATE_START\" STATE=\"1\" />");
-    QVERIFY(!observer.waitFor("<CAL ID=\"CALIB_RESULT\"").isEmpty());
-    QCOMPARE(observer.lines("<CAL").size(), 11);
-}
-
-void TestGazepointServer::sends_recorded_lines_once() {
-    QString error;
+void TestGazepointServer::sends_the_lines_of_a_file_once() {
     ServerOptions player = options();
-    player.lines = LinePlayer::load(OCELA_TEST_DATA "/gazepoint_lines.txt", &error).value_or(QVector<QByteArray>());
+    player.lines = std::get<QVector<QByteArray>>(LinePlayer::load(OCELA_TEST_DATA "/gazepoint_lines.txt"));
     player.once = true;
-    LoopbackClient first(serve(player)), second(server_->port());
-    for (LoopbackClient *client : {&first, &second}) {  // while the second gets its own, the first gets no more
+    LoopbackClient first(serve(player));
+    LoopbackClient second(server_->port());
+    // The first client gets no more lines while the second gets them.
+    for (LoopbackClient *client : {&first, &second}) {
         client->stream({});
         QVERIFY(!client->waitFor("<REC", player.lines.size()).isEmpty());
     }
     QCOMPARE(first.lines("<REC"), capturedLines("<REC"));
 }
 
-void TestGazepointServer::drops_the_connection_mid_record() {
+void TestGazepointServer::closes_the_connection_in_a_record() {
     LoopbackClient client(serve(options(200, {{Fault::Drop}, 0.05})));
     client.stream({"COUNTER", "TIME"});
     QTRY_COMPARE(client.socket.state(), QAbstractSocket::UnconnectedState);
     QVERIFY(client.lines("<REC").size() > 2);
     const QByteArray tail = client.received.mid(client.received.lastIndexOf('\n') + 1);
     QVERIFY2(tail.startsWith("<REC CNT") && !tail.contains("/>"), tail.constData());
-}
-
-void TestGazepointServer::disconnects_a_client_that_does_not_read() {
-    LoopbackClient lazy(serve(options(5000)));
-    lazy.socket.disconnect();  // nobody takes what comes
-    lazy.socket.setReadBufferSize(1024);
-    QTest::ignoreMessage(QtWarningMsg, "a client does not read what it asked for; it is disconnected");
-    lazy.stream({"TIME", "POG_FIX", "POG_LEFT", "POG_RIGHT", "PUPIL_LEFT", "PUPIL_RIGHT", "EYE_LEFT"});
-    QTRY_VERIFY(!server_->findChildren<Client *>().isEmpty());
-    QTRY_VERIFY_WITH_TIMEOUT(server_->findChildren<Client *>().isEmpty(), 60000);
 }
 
 OCELA_TEST(TestGazepointServer)

@@ -1,116 +1,92 @@
-#include "subject/scan_path.h"
 #include "subject/subject.h"
 #include "support/test_main.h"
 
 #include <QTest>
-#include <algorithm>
+#include <QVector>
 #include <cmath>
-#include <numeric>
 #include <vector>
 
 using namespace sim;
-
-namespace {
-
-double largest(const std::vector<double> &values) {
-    return *std::max_element(values.begin(), values.end());
-}
-
-double smallest(const std::vector<double> &values) {
-    return *std::min_element(values.begin(), values.end());
-}
-
-/// For how many seconds at a stretch something was so and not so, when it is told every millisecond.
-struct Spells {
-    void add(bool now) {
-        if (now != last && length > 0) {
-            (last ? yes : no).push_back(length / 1000.0);
-            length = 0;
-        }
-        last = now;
-        ++length;
-    }
-
-    std::vector<double> yes, no;
-    bool last = false;
-    int length = 0;
-};
-
-}  // namespace
 
 class TestSubject : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void looks_around_like_a_person();
-    void rests_with_the_noise_of_a_fixation();
+    void eyes_have_fixation_noise_and_their_own_errors();
     void blinks_every_few_seconds();
-    void does_the_same_at_every_sampling_rate();
-    void looks_where_it_is_told_to();
+    void depends_on_the_seed_but_not_on_the_sample_rate();
+    void looks_at_targets_before_the_pointer();
 };
 
-void TestSubject::looks_around_like_a_person() {
-    ScanPath path(PhysicalSetup(), 1);
-    Spells moving;
-    Point before = path.at(0);
-    for (int ms = 1; ms <= 60000; ++ms) {
-        const Point now = path.at(ms / 1000.0);
-        moving.add(PhysicalSetup().degreesBetween(before, now) > 1e-6);
-        before = now;
-    }
-    QVERIFY(moving.no.size() > 120 && moving.no.size() < 300);
-    // One sample of tolerance at either end; the slow ends of a saccade count as rest.
-    QVERIFY(smallest(moving.no) >= 0.148 && largest(moving.no) <= 0.520);
-    QVERIFY(smallest(moving.yes) >= 0.018 && largest(moving.yes) <= 0.130);
-}
-
-void TestSubject::rests_with_the_noise_of_a_fixation() {
+void TestSubject::eyes_have_fixation_noise_and_their_own_errors() {
     const Point target{0.3, 0.6};
-    Subject subject;
-    subject.lookAt(target);
-    std::vector<Point> points;
-    for (int i = 75; i < 3000; ++i)
-        points.push_back(subject.at(i / 150.0).left.gaze);
-    const auto count = static_cast<double>(points.size());
-    const Point centre = std::accumulate(points.begin(), points.end(), Point()) * (1 / count);
-    double squares = 0;
-    for (const Point point : points)
-        squares += std::pow(subject.setup().degreesBetween(point, centre), 2);
-    const double spread = std::sqrt(squares / count);
-    QVERIFY2(spread > 0.25 && spread < 0.35, qPrintable(QString::number(spread)));
-    QVERIFY(subject.setup().degreesBetween(centre, target) < 1.5);
+    const PhysicalSetup setup;
+    const int first = 75, end = 3000;
+    std::vector<Point> centres;
+    for (Eye EyeState::*const eye : {&EyeState::left, &EyeState::right}) {
+        Subject subject;
+        subject.lookAt(target);
+        Point sum;
+        double squares = 0;
+        for (int i = first; i < end; ++i) {
+            const Point gaze = (subject.at(i / 150.0).*eye).gaze;
+            sum = sum + gaze;
+            squares += std::pow(setup.degreesBetween(gaze, target), 2);
+        }
+        centres.push_back(sum * (1.0 / (end - first)));
+        const double error_deg = setup.degreesBetween(centres.back(), target);
+        const double noise_deg = std::sqrt(squares / (end - first) - error_deg * error_deg);
+        QVERIFY(error_deg < 1.5);
+        QVERIFY(noise_deg > 0.25 && noise_deg < 0.35);
+    }
+    QVERIFY(setup.degreesBetween(centres[0], centres[1]) > 0.2);
 }
 
 void TestSubject::blinks_every_few_seconds() {
-    Subject subject;
-    Spells closed;
+    SubjectOptions withoutBlinks;
+    withoutBlinks.blinkInterval_s = 0;
+    Subject subject, staring(withoutBlinks);
+    QVector<int> closedMs;
+    bool wasVisible = true;
     for (int ms = 0; ms < 300000; ++ms) {
         const EyeState state = subject.at(ms / 1000.0);
         QCOMPARE(state.left.visible, state.right.visible);
-        closed.add(!state.left.visible);
+        QVERIFY(staring.at(ms / 1000.0).left.visible);
+        if (!state.left.visible && wasVisible)
+            closedMs << 0;
+        if (!state.left.visible)
+            ++closedMs.last();
+        wasVisible = state.left.visible;
     }
-    QVERIFY(closed.yes.size() > 300 / 7 && closed.yes.size() < 300 / 2);
-    QVERIFY(smallest(closed.yes) > 0.098 && largest(closed.yes) < 0.202);
+    QVERIFY(closedMs.size() > 300 / 7 && closedMs.size() < 300 / 2);
+    for (const int duration : closedMs)
+        QVERIFY(duration >= 99 && duration <= 201);
 }
 
-void TestSubject::does_the_same_at_every_sampling_rate() {
-    Subject slow, fast;
+void TestSubject::depends_on_the_seed_but_not_on_the_sample_rate() {
+    SubjectOptions options;
+    options.seed = 2;
+    Subject slow, fast, other(options);
+    int equal = 0;
     for (int sample = 0; sample < 20 * 960; ++sample) {
         const EyeState state = fast.at(sample / 960.0);
-        if (sample % 16 == 0)
-            QCOMPARE(slow.at(sample / 960.0).left.gaze.x, state.left.gaze.x);
+        if (sample % 16 != 0)
+            continue;
+        QCOMPARE(slow.at(sample / 960.0).left.gaze.x, state.left.gaze.x);
+        equal += PhysicalSetup().degreesBetween(other.at(sample / 960.0).left.gaze, state.left.gaze) < 2 ? 1 : 0;
     }
+    QVERIFY(equal < 20 * 60 / 2);
 }
 
-void TestSubject::looks_where_it_is_told_to() {
+void TestSubject::looks_at_targets_before_the_pointer() {
     Subject subject;
-    double now = 3;
+    double now_s = 3;
     const auto degreesFrom = [&](Point target) {
-        return subject.setup().degreesBetween(subject.at(now += 0.5).left.gaze, target);
+        return subject.setup().degreesBetween(subject.at(now_s += 0.5).left.gaze, target);
     };
     subject.follow({0.9, 0.2});
     QVERIFY(degreesFrom({0.9, 0.2}) < 2.5);
-    subject.lookAt({0.05, 0.05});  // a target comes first, and the pointer waits
+    subject.lookAt({0.05, 0.05});
     subject.follow({0.8, 0.8});
     QVERIFY(degreesFrom({0.05, 0.05}) < 2.5);
     subject.release();

@@ -4,7 +4,7 @@
 
 #include <QStringList>
 
-/// A tracker without a device: it notes what is asked of it, in order.
+/// A tracker without a device. Stores the names of the called operations in order.
 class FakeTracker : public EyetrackerInterface {
 public:
     explicit FakeTracker(QObject *parent = nullptr) : EyetrackerInterface(QString(), parent) {}

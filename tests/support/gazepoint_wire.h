@@ -1,6 +1,6 @@
 #pragma once
 
-/// What goes over the connection to a GazePoint server, byte for byte.
+/// The exact bytes that are sent over the connection to a GazePoint server.
 namespace wire {
 
 constexpr char enableData[] =

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "http/http_output.h"
+#include "http/byte_stream.h"
 
 #include <QList>
 
-/// Keeps what a response sends, a list entry for each write.
+/// Stores the bytes that a response sends, with one list entry per write.
 class RecordingOutput : public HttpOutput {
 public:
     bool write(const QVector<QByteArray> &pieces) override {

@@ -1,8 +1,9 @@
 #pragma once
 
+#include <QtGlobal>
 #include <unistd.h>
 
-/// While it lives, a file descriptor of this process stands for another one.
+/// Redirects a file descriptor of this process to another one for the lifetime of this object.
 class Redirected {
 public:
     Redirected(int descriptor, int target) : descriptor_(descriptor), kept_(dup(descriptor)) {
@@ -12,8 +13,7 @@ public:
         dup2(kept_, descriptor_);
         ::close(kept_);
     }
-    Redirected(const Redirected &) = delete;
-    Redirected &operator=(const Redirected &) = delete;
+    Q_DISABLE_COPY(Redirected)
 
 private:
     int descriptor_;

@@ -8,9 +8,11 @@
 #include <QTemporaryFile>
 #include <functional>
 
-/// The size limits of requests, in bytes.
+/// Settings with the size limits of requests, in bytes.
 class RequestLimits {
 public:
+    /// Keeps the default limits.
+    RequestLimits() = default;
     RequestLimits(int maxRequestSize, int maxMultiPartSize) { set(maxRequestSize, maxMultiPartSize); }
 
     void set(int maxRequestSize, int maxMultiPartSize) {
@@ -25,31 +27,38 @@ private:
     const HttpSettings settings_{&stored_};
 };
 
-inline std::string_view whatIsLeft(HttpInput input) {
+namespace request_outcome {
+
+inline std::string_view restOf(HttpInput input) {
     return input.take(std::string_view::npos);
 }
 
-/// Feeds `bytes` in pieces of the sizes that `pieceSize` gives until the request is final, and returns what is left of
-/// them. A call that consumes nothing would be repeated forever: it ends the program.
+/// The piece size for an input that arrives in one piece.
+inline std::size_t wholeInput() {
+    return std::string_view::npos;
+}
+
+/// Feeds `bytes` to `request` until its status is final. Calls `pieceSize` for the size of each piece. Returns the
+/// bytes that remain. Aborts the program if a call consumes no input, because the loop would never end.
 inline std::string_view feed(HttpRequest &request, std::string_view bytes,
-                             const std::function<std::size_t()> &pieceSize) {
+                             const std::function<std::size_t()> &pieceSize = wholeInput) {
     const auto isFinal = [&request] { return request.getStatus() >= HttpRequest::complete; };
     HttpInput all(bytes);
     HttpInput piece;
     while (!isFinal() && !all.isEmpty()) {
         piece = HttpInput(all.take(pieceSize()), QHostAddress::LocalHost);
         while (!isFinal() && !piece.isEmpty()) {
-            const std::size_t before = whatIsLeft(piece).size();
+            const std::size_t before = restOf(piece).size();
             request.readFromSocket(piece);
-            if (!isFinal() && whatIsLeft(piece).size() == before)
-                qFatal("a request does not consume its input");
+            if (!isFinal() && restOf(piece).size() == before)
+                qFatal("the request does not consume its input");
         }
     }
-    return bytes.substr(bytes.size() - whatIsLeft(all).size() - whatIsLeft(piece).size());
+    return bytes.substr(bytes.size() - restOf(all).size() - restOf(piece).size());
 }
 
-/// What a handler sees of a request, a line for each thing: status, first line, headers, parameters, cookies, body,
-/// uploaded files.
+/// Returns the properties of a request, one per line: status, first line, headers, parameters, cookies, body, uploaded
+/// files.
 inline QList<QByteArray> describe(const HttpRequest &request) {
     static const char *const names[] = {"first line", "headers", "body", "complete", "too large", "broken"};
     QList<QByteArray> lines{names[request.getStatus()]};
@@ -69,3 +78,5 @@ inline QList<QByteArray> describe(const HttpRequest &request) {
             lines << "file " + field + ": " + file->readAll();
     return lines;
 }
+
+}  // namespace request_outcome

@@ -15,7 +15,7 @@ std::vector<test_support::Factory> &factories() {
     return list;
 }
 
-/// Keeps the tests off the person's own files: every standard path lies in `home`.
+/// Puts every standard path below `home`, so that tests do not touch the user's files.
 void usePrivateFolders(const QString &home) {
     qputenv("HOME", home.toLocal8Bit());
     qputenv("XDG_RUNTIME_DIR", home.toLocal8Bit());
@@ -23,7 +23,7 @@ void usePrivateFolders(const QString &home) {
         qunsetenv(name);
 }
 
-/// The offscreen platform warns about what it cannot do; that says nothing about the code under test.
+/// The offscreen platform warns about unsupported functions. These warnings are not errors of the tested code.
 bool isPlatformNoise(const QByteArray &line) {
     return line.contains("This plugin does not support") || line.contains("systemTrayWindowChanged(QScreen*)");
 }
@@ -43,9 +43,7 @@ int unexpectedWarnings(const QString &logFile) {
 }
 
 int runClass(QObject *test, QStringList arguments, const QString &logFile) {
-    arguments << "-o"
-              << "-,txt"
-              << "-o" << logFile + ",txt";
+    arguments += {"-o", "-,txt", "-o", logFile + ",txt"};
     const int failures = QTest::qExec(test, arguments);
     return failures + unexpectedWarnings(logFile);
 }
@@ -58,7 +56,7 @@ bool test_support::registerTest(Factory factory) {
 }
 
 int main(int argc, char *argv[]) {
-    // On Windows the results would go to a debugger otherwise.
+    // On Windows, Qt would write the results to the debugger.
     qputenv("QT_FORCE_STDERR_LOGGING", "1");
     const QTemporaryDir home;
     usePrivateFolders(home.path());

@@ -6,8 +6,8 @@
 /// Registers a QObject test class with the executable it is compiled into:
 /// `OCELA_TEST(TestConnectionHelper)` in the class's .cpp, after its definition.
 ///
-/// The common main() runs all registered classes with fresh, private home and data folders. A warning that is
-/// not announced with QTest::ignoreMessage() fails the run.
+/// The common main() runs all registered classes with new, private home and data folders. A warning that was not
+/// expected with QTest::ignoreMessage() is a failure.
 namespace test_support {
 
 using Factory = QObject *(*)();

@@ -1,6 +1,6 @@
 #include "system/child_process.h"
 
-#include "system/patience.h"
+#include "system/timeout.h"
 
 #include <QTest>
 #include <csignal>
@@ -27,10 +27,10 @@ QString ChildProcess::log() {
 }
 
 bool ChildProcess::waitForLog(const QString &text) {
-    return QTest::qWaitFor([&] { return log().contains(text); }, patienceMs);
+    return QTest::qWaitFor([&] { return log().contains(text); }, timeoutMs);
 }
 
 int ChildProcess::waitForExitCode() {
-    const bool ended = QTest::qWaitFor([this] { return state() == NotRunning; }, patienceMs);
+    const bool ended = QTest::qWaitFor([this] { return state() == NotRunning; }, timeoutMs);
     return ended && exitStatus() == NormalExit ? exitCode() : -1;
 }

@@ -2,8 +2,8 @@
 
 #include <QProcess>
 
-/// A program that this test starts. It ends with the test, however the test ends, so that nobody finds the
-/// port or the program's name taken afterwards. Error output and standard output arrive as one stream.
+/// A program that the test starts. It is killed with the test, even if the test crashes, so that no later test finds a
+/// port or the program's name in use. Standard output and standard error are one stream.
 class ChildProcess : public QProcess {
     Q_OBJECT
 
@@ -11,10 +11,10 @@ public:
     ChildProcess();
     ~ChildProcess() override;
 
-    /// Everything that it has written so far.
+    /// Returns the whole output so far.
     [[nodiscard]] QString log();
     [[nodiscard]] bool waitForLog(const QString &text);
-    /// Waits for its end; -1 when it does not end or crashes.
+    /// Waits until the program has ended and returns its exit code, or -1 after a timeout or a crash.
     [[nodiscard]] int waitForExitCode();
 
 protected:

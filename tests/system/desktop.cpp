@@ -1,12 +1,13 @@
 #include "system/desktop.h"
 
 #include "app/startup.h"
-#include "system/patience.h"
 #include "system/text_picture.h"
+#include "system/timeout.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QLabel>
+#include <QMap>
 #include <QPainter>
 #include <QProcess>
 #include <QScreen>
@@ -14,18 +15,17 @@
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
+#include <vector>
 #include <xcb/xcb.h>
 
-// The macro declares a function, which must not end up in a namespace.
+// The macro declares a function, which must not be inside a namespace.
 static void initResources() {
     Q_INIT_RESOURCE(ocela);
 }
 
 namespace {
 
-constexpr int drawingMargin = 8;
-
-void dress(desktop::Look look) {
+void useStyle(desktop::Look look) {
     static const bool fontsLoaded = [] {
         initResources();
         startup::loadFonts();
@@ -38,33 +38,47 @@ void dress(desktop::Look look) {
         startup::applyStyle();
 }
 
-/// The text as it is drawn that far behind the left edge of a pixel, which alters each character's shape.
-TextPicture pictureOf(const QString &text, double start, desktop::Look look) {
-    dress(look);
-    QLabel label(text);
-    label.ensurePolished();
-    QImage paper(label.sizeHint() + 2 * QSize(drawingMargin, drawingMargin), QImage::Format_RGB32);
-    paper.fill(Qt::white);
-    QPainter painter(&paper);
+/// Draws the text `offset` pixels to the right of a pixel's left edge, which changes the shape of each character.
+QImage draw(const QLabel &label, double offset) {
+    constexpr int margin = 8;
+    QImage image(label.sizeHint() + 2 * QSize(margin, margin), QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
     painter.setFont(label.font());
-    painter.drawText(QPointF(drawingMargin + start, drawingMargin + label.fontMetrics().ascent()), text);
-    painter.end();
-    return TextPicture(paper);
+    painter.drawText(QPointF(margin + offset, margin + label.fontMetrics().ascent()), label.text());
+    return image;
 }
 
-/// Finds centred text too, which begins anywhere within a pixel.
-QRect findIn(const QImage &grey, const QString &text, desktop::Look look) {
-    constexpr int starts = 20;
-    QRect place;
-    for (int i = 0; i < starts && place.isEmpty(); ++i)
-        place = pictureOf(text, static_cast<double>(i) / starts, look).findIn(grey);
-    return place;
+/// The text at every offset within a pixel: centred text can start anywhere.
+std::vector<TextPicture> drawPictures(const QString &text, desktop::Look look) {
+    constexpr int offsetCount = 20;
+    useStyle(look);
+    QLabel label(text);
+    label.ensurePolished();
+    std::vector<TextPicture> pictures;
+    QList<QImage> drawings;
+    for (int i = 0; i < offsetCount; ++i) {
+        const QImage drawing = draw(label, static_cast<double>(i) / offsetCount);
+        if (drawings.contains(drawing))
+            continue;
+        drawings << drawing;
+        pictures.emplace_back(drawing);
+    }
+    return pictures;
+}
+
+const std::vector<TextPicture> &picturesOf(const QString &text, desktop::Look look) {
+    static QMap<QPair<QString, desktop::Look>, std::vector<TextPicture>> cache;
+    std::vector<TextPicture> &pictures = cache[{text, look}];
+    if (pictures.empty())
+        pictures = drawPictures(text, look);
+    return pictures;
 }
 
 QByteArray xdotool(const QStringList &arguments) {
     QProcess process;
     process.start("xdotool", arguments);
-    process.waitForFinished(patienceMs);
+    process.waitForFinished(timeoutMs);
     return process.readAllStandardOutput().trimmed();
 }
 
@@ -81,25 +95,33 @@ QImage desktop::screenshot(quint32 window) {
     return QGuiApplication::primaryScreen()->grabWindow(window).toImage();
 }
 
-void desktop::keep(const QImage &screen, const QString &name) {
+void desktop::save(const QImage &screen, const QString &name) {
     QVERIFY(QDir().mkpath(OCELA_ARTEFACTS));
     QVERIFY(screen.save(QString("%1/%2.png").arg(OCELA_ARTEFACTS, name)));
 }
 
-QRect desktop::find(const QString &text, const QImage &screen, Look look) {
-    return findIn(screen.convertToFormat(QImage::Format_Grayscale8), text, look);
+QRect desktop::find(const QString &text, const QImage &picture, Look look) {
+    const QImage grey = picture.convertToFormat(QImage::Format_Grayscale8);
+    for (const TextPicture &shape : picturesOf(text, look)) {
+        const QRect place = shape.findIn(grey);
+        if (!place.isEmpty())
+            return place;
+    }
+    return {};
 }
 
 bool desktop::shows(const QString &text, Look look) {
     return !find(text, screenshot(), look).isEmpty();
 }
 
-bool desktop::showsAll(const QStringList &texts, const QImage &screen) {
-    return std::all_of(texts.begin(), texts.end(), [&](const QString &text) { return !find(text, screen).isEmpty(); });
+bool desktop::showsAll(const QStringList &texts, const QImage &picture) {
+    return std::all_of(texts.begin(), texts.end(), [&](const QString &text) { return !find(text, picture).isEmpty(); });
 }
 
-bool desktop::waitFor(const QString &text, Look look) {
-    return QTest::qWaitFor([&] { return shows(text, look); }, patienceMs);
+QRect desktop::waitFor(const QString &text, Look look) {
+    QRect place;
+    const auto found = [&] { return !(place = find(text, screenshot(), look)).isEmpty(); };
+    return QTest::qWaitFor(found, timeoutMs) ? place : QRect();
 }
 
 int desktop::count(QRgb colour, const QImage &picture) {
@@ -113,19 +135,22 @@ int desktop::count(QRgb colour, const QImage &picture) {
 }
 
 bool desktop::showsIndicator(QRgb colour) {
-    constexpr int leastPixels = 100;  // of a disc 16 pixels wide, whose edge is blended
-    return count(colour, screenshot()) >= leastPixels;
+    constexpr int minPixelCount = 100;  // a disc with a diameter of 16 pixels and a blended edge
+    return count(colour, screenshot()) >= minPixelCount;
 }
 
 bool desktop::click(const QString &text) {
-    if (!waitFor(text))
-        return false;
-    click(find(text, screenshot()).center());
-    return true;
+    const QRect place = waitFor(text);
+    click(place.center());
+    return !place.isEmpty();
 }
 
 void desktop::click(QPoint position) {
     xdotool({"mousemove", QString::number(position.x()), QString::number(position.y()), "click", "1"});
+}
+
+bool desktop::choose(const QString &current, const QString &next) {
+    return click(current) && click(next) && QTest::qWaitFor([&] { return !shows(current); }, timeoutMs);
 }
 
 void desktop::press(const QString &key, const QByteArray &window) {
@@ -151,6 +176,6 @@ void desktop::requestClose(quint32 window) {
     message.data.data32[0] = atom(connection.get(), "WM_DELETE_WINDOW");
     xcb_send_event(connection.get(), 0, window, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char *>(&message));
     xcb_flush(connection.get());
-    // Only an answered request shows that the message has arrived before the connection goes.
+    // The reply shows that the server has processed the message. Only then may the connection be closed.
     atom(connection.get(), "WM_PROTOCOLS");
 }

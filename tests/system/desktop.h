@@ -5,35 +5,43 @@
 #include <QRect>
 #include <QString>
 
-/// The virtual screen as a person has it: eyes to read what is shown, a hand on mouse and keyboard.
+/// Reads the virtual screens and operates mouse and keyboard, as a user does.
 namespace desktop {
 
-/// How a text is dressed: as in the program's window, or as in a box from before the style is applied.
+/// The colours of the connection indicator.
+constexpr QRgb connectedColour = 0xff33cc00;
+constexpr QRgb disconnectedColour = 0xffcc3300;
+
+/// The style of a text: the program's, or Qt's default, which message boxes have before the program sets its style.
 enum class Look { Program, Plain };
 
-/// Of one window, or of the whole screen.
+/// Returns a picture of one window, or of the primary screen.
 [[nodiscard]] QImage screenshot(quint32 window = 0);
-/// Keeps a screenshot for people to look at, in the build's folder of artefacts.
-void keep(const QImage &screen, const QString &name);
+/// Saves a screenshot in the artefacts folder of the build, for a person to look at.
+void save(const QImage &screen, const QString &name);
 
-/// Where the text stands by itself on the screen; an empty rectangle when it is not to be seen.
-[[nodiscard]] QRect find(const QString &text, const QImage &screen, Look look = Look::Program);
+/// Returns the place of a text with blank margins. Empty if the picture does not show it.
+[[nodiscard]] QRect find(const QString &text, const QImage &picture, Look look = Look::Program);
 [[nodiscard]] bool shows(const QString &text, Look look = Look::Program);
-[[nodiscard]] bool showsAll(const QStringList &texts, const QImage &screen);
-/// Waits for the text to be seen.
-[[nodiscard]] bool waitFor(const QString &text, Look look = Look::Program);
-/// How many pixels have just this colour.
+[[nodiscard]] bool showsAll(const QStringList &texts, const QImage &picture);
+/// Waits for a text on the primary screen and returns its place. Empty after a timeout.
+[[nodiscard]] QRect waitFor(const QString &text, Look look = Look::Program);
+/// Returns the number of pixels with exactly this colour.
 [[nodiscard]] int count(QRgb colour, const QImage &picture);
-/// Whether the connection indicator has this colour.
+/// Returns whether the connection indicator has this colour.
 [[nodiscard]] bool showsIndicator(QRgb colour);
 
-/// Waits for the text and clicks on it; false when it does not appear.
+/// Waits for a text and clicks on it. Returns false after a timeout.
 [[nodiscard]] bool click(const QString &text);
 void click(QPoint position);
+/// Opens the list that shows `current`, chooses `next`, and waits until the list is closed. Returns false after a
+/// timeout.
+[[nodiscard]] bool choose(const QString &current, const QString &next);
 void press(const QString &key, const QByteArray &window = QByteArray());
 
+/// Returns the id of a visible window of a process, or an empty array.
 [[nodiscard]] QByteArray visibleWindow(qint64 process, const QString &titlePattern);
-/// Asks for the end of a window by the window managers' protocol.
+/// Asks a window to close, as the close button of its frame does.
 void requestClose(quint32 window);
 
 }  // namespace desktop

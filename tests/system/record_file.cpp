@@ -7,7 +7,7 @@ RecordFile::RecordFile(const QString &path) {
     if (!file.open(QIODevice::ReadOnly))
         return;
     QList<QByteArray> lines = file.readAll().split('\n');
-    // The last line has an end too.
+    // The last line must have a line end, too.
     if (!lines.takeLast().isEmpty())
         return;
     header = lines.takeFirst().trimmed();

@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QStringList>
 
-/// A record file as its columns stand there, read by nothing but splitting.
+/// The cells of a record file, split at commas and line ends without the program's own reader.
 struct RecordFile {
     explicit RecordFile(const QString &path);
 
@@ -11,6 +11,6 @@ struct RecordFile {
     QList<QStringList> rows;
 
     [[nodiscard]] qint64 timestamp(int row) const { return rows[row].first().toLongLong(); }
-    /// The cells behind the two times.
+    /// Returns the cells after the two time columns.
     [[nodiscard]] QStringList values(int row) const { return rows[row].mid(2); }
 };

@@ -1,6 +1,6 @@
 #include "system/server.h"
 
-#include "system/patience.h"
+#include "system/timeout.h"
 
 #include <QTest>
 
@@ -9,17 +9,17 @@ bool Simulator::listen(const QStringList &arguments) {
     return waitForLog("listening on");
 }
 
-bool Tap::open() {
+bool SecondClient::open() {
     socket_.connectToHost(QHostAddress::LocalHost, gazepointPort);
-    if (!socket_.waitForConnected(patienceMs))
+    if (!socket_.waitForConnected(timeoutMs))
         return false;
     for (const char *name : {"POG_FIX", "POG_LEFT", "POG_RIGHT", "PUPIL_LEFT", "PUPIL_RIGHT", "PUPILMM", "DATA"})
         socket_.write(QByteArray("<SET ID=\"ENABLE_SEND_") + name + "\" STATE=\"1\" />\r\n");
-    return QTest::qWaitFor([this] { return !records().isEmpty(); }, patienceMs);
+    return QTest::qWaitFor([this] { return !records().isEmpty(); }, timeoutMs);
 }
 
-QList<QByteArray> Tap::records() {
-    // What has arrived while the test was looking elsewhere counts.
+QList<QByteArray> SecondClient::records() {
+    // Read everything that has arrived since the last call.
     while (socket_.waitForReadyRead(0)) {
     }
     received_ += socket_.readAll();

@@ -5,10 +5,9 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 
-/// Where a tracker's server listens.
 constexpr quint16 gazepointPort = 4242;
 
-/// The simulated tracker's server, as a process of its own.
+/// The GazePoint simulator in a process of its own.
 class Simulator : public ChildProcess {
     Q_OBJECT
 
@@ -16,12 +15,12 @@ public:
     [[nodiscard]] bool listen(const QStringList &arguments);
 };
 
-/// A second client of the server: it is sent the same records as the program.
-class Tap {
+/// A second client of the simulator, which receives the same records as the program.
+class SecondClient {
 public:
-    /// Has the data switched on and waits until they flow.
+    /// Connects, enables the data and waits for the first record.
     [[nodiscard]] bool open();
-    /// The records so far.
+    /// Returns all records received so far.
     [[nodiscard]] QList<QByteArray> records();
 
 private:
@@ -29,13 +28,14 @@ private:
     QByteArray received_;
 };
 
-/// The server in the test's own hands: it writes down what the program sends and says what it is told to.
+/// A GazePoint server that sends only what the test tells it to.
 class ScriptedServer {
 public:
     ScriptedServer();
 
     [[nodiscard]] bool listen() { return server_.listen(QHostAddress::LocalHost, gazepointPort); }
     [[nodiscard]] bool isConnected() const { return client_ && client_->state() == QAbstractSocket::ConnectedState; }
+    /// Returns all bytes received so far.
     [[nodiscard]] QByteArray received();
     void send(const QByteArray &line);
 

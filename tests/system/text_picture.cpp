@@ -5,27 +5,30 @@
 
 namespace {
 
-// Wide enough for the gap between two characters, so that "1.8" is not found within "51.8".
+// Wider than the gap between two characters, so that "1.8" is not found in "51.8".
 constexpr int sideMargin = 4;
 constexpr int topMargin = 1;
-constexpr int leastContrast = 60;
-// Paper may be shaded; the ink of another character differs by far more.
+/// Between text and background, in grey levels.
+constexpr int minContrast = 60;
+/// The part of the contrast by which a pixel may differ. It allows for a shaded background; another character differs
+/// by far more.
 constexpr double tolerance = 0.25;
 
 int at(const QImage &grey, int x, int y) {
     return grey.constScanLine(y)[x];
 }
 
-QRect inkOf(const QImage &grey) {
-    const int paper = at(grey, 0, 0);
-    QRect ink;
+/// Returns the smallest rectangle that holds all pixels of the text.
+QRect boundsOf(const QImage &grey) {
+    const int background = at(grey, 0, 0);
+    QRect bounds;
     for (int y = 0; y < grey.height(); ++y) {
         for (int x = 0; x < grey.width(); ++x) {
-            if (std::abs(at(grey, x, y) - paper) > leastContrast / 4)
-                ink |= QRect(x, y, 1, 1);
+            if (std::abs(at(grey, x, y) - background) > minContrast / 4)
+                bounds |= QRect(x, y, 1, 1);
         }
     }
-    return ink;
+    return bounds;
 }
 
 QPoint darkestOf(const QImage &grey) {
@@ -43,22 +46,17 @@ QPoint darkestOf(const QImage &grey) {
 
 TextPicture::TextPicture(const QImage &drawing) {
     const QImage whole = drawing.convertToFormat(QImage::Format_Grayscale8);
-    const QRect frame = inkOf(whole).adjusted(-sideMargin, -topMargin, sideMargin, topMargin);
-    grey_ = QImage(frame.size(), QImage::Format_Grayscale8);
-    for (int y = 0; y < frame.height(); ++y) {
-        for (int x = 0; x < frame.width(); ++x) {
-            const QPoint from = frame.topLeft() + QPoint(x, y);
-            grey_.scanLine(y)[x] =
-                static_cast<uchar>(whole.valid(from) ? at(whole, from.x(), from.y()) : at(whole, 0, 0));
-        }
-    }
+    grey_ = whole.copy(boundsOf(whole).adjusted(-sideMargin, -topMargin, sideMargin, topMargin));
     darkest_ = darkestOf(grey_);
 }
 
 QRect TextPicture::findIn(const QImage &grey) const {
     for (int top = 0; top <= grey.height() - grey_.height(); ++top) {
+        const uchar *background = grey.constScanLine(top);
+        const uchar *text = grey.constScanLine(top + darkest_.y()) + darkest_.x();
         for (int left = 0; left <= grey.width() - grey_.width(); ++left) {
-            if (matches(grey, left, top))
+            // Nearly all positions have no contrast.
+            if (std::abs(background[left] - text[left]) >= minContrast && matches(grey, left, top))
                 return {QPoint(left, top), grey_.size()};
         }
     }
@@ -66,16 +64,16 @@ QRect TextPicture::findIn(const QImage &grey) const {
 }
 
 bool TextPicture::matches(const QImage &grey, int left, int top) const {
-    const int paper = at(grey, left, top);
-    const int contrast = paper - at(grey, left + darkest_.x(), top + darkest_.y());
-    if (std::abs(contrast) < leastContrast)
-        return false;
-    const int ownPaper = at(grey_, 0, 0);
-    const int ownContrast = ownPaper - at(grey_, darkest_.x(), darkest_.y());
+    const int background = at(grey, left, top);
+    const int contrast = background - at(grey, left + darkest_.x(), top + darkest_.y());
+    const int drawnBackground = at(grey_, 0, 0);
+    const int drawnContrast = drawnBackground - at(grey_, darkest_.x(), darkest_.y());
     for (int y = 0; y < grey_.height(); ++y) {
+        const uchar *seenLine = grey.constScanLine(top + y) + left;
+        const uchar *drawnLine = grey_.constScanLine(y);
         for (int x = 0; x < grey_.width(); ++x) {
-            const double seen = static_cast<double>(paper - at(grey, left + x, top + y)) / contrast;
-            const double drawn = static_cast<double>(ownPaper - at(grey_, x, y)) / ownContrast;
+            const double seen = static_cast<double>(background - seenLine[x]) / contrast;
+            const double drawn = static_cast<double>(drawnBackground - drawnLine[x]) / drawnContrast;
             if (std::abs(seen - drawn) > tolerance)
                 return false;
         }

@@ -3,13 +3,13 @@
 #include <QImage>
 #include <QPoint>
 
-/// The shape of a text: how much of each pixel its ink covers, whatever the colours of ink and paper.
+/// The shape of a text, with a blank margin. Finds the text in a picture, whatever its two colours are there.
 class TextPicture {
 public:
-    /// From a drawing of the text on plain paper.
+    /// Takes the shape from a drawing of the text on a plain background.
     explicit TextPicture(const QImage &drawing);
 
-    /// Where the text first stands by itself in a greyscale image; an empty rectangle when nowhere.
+    /// Returns the first place of the text and its margin in an 8-bit greyscale image. Empty if there is none.
     [[nodiscard]] QRect findIn(const QImage &grey) const;
 
 private:

@@ -1,11 +1,10 @@
-#include "support/gazepoint_wire.h"
 #include "support/test_main.h"
 #include "system/desktop.h"
 #include "system/http_client.h"
-#include "system/patience.h"
 #include "system/program.h"
 #include "system/record_file.h"
 #include "system/server.h"
+#include "system/timeout.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -13,7 +12,7 @@
 #include <QTest>
 #include <algorithm>
 
-/// Other programs drive this one over HTTP.
+/// The HTTP API of the running program.
 class TestHttpApi : public QObject {
     Q_OBJECT
 
@@ -21,18 +20,17 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void records_what_it_shows();
-    void calibrates_the_device();
+    void recorded_file_contains_the_served_sample();
     void runs_the_documented_examples_data();
     void runs_the_documented_examples();
-    void ends_in_spite_of_clients();
-    void goes_on_without_its_port();
+    void ends_while_clients_do_not_read();
+    void runs_while_its_port_is_in_use();
 
 private:
     [[nodiscard]] QString file(const QString &name) const { return folder_->filePath(name); }
 
     std::unique_ptr<Home> home_;
-    std::unique_ptr<QTemporaryDir> folder_;  ///< where the program is started
+    std::unique_ptr<QTemporaryDir> folder_;  ///< the working folder of the program
     std::unique_ptr<Program> program_;
     std::unique_ptr<Simulator> simulator_;
     HttpClient client_;
@@ -52,19 +50,19 @@ void TestHttpApi::cleanup() {
     client_.forgetConnections();
 }
 
-void TestHttpApi::records_what_it_shows() {
+void TestHttpApi::recorded_file_contains_the_served_sample() {
     QVERIFY(simulator_->listen({"--rate", "60"}));
     QVERIFY(program_->startWindow());
-    QTRY_VERIFY_WITH_TIMEOUT(client_.lastSample()["timestamp"].toDouble() > 0, patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(client_.lastSample()["timestamp"].toDouble() > 0, timeoutMs);
 
     const QString name = file(QString::fromUtf8("rec 1 & äö.csv"));
     QVERIFY(client_.ask("/startrecord&path=" + QUrl::toPercentEncoding(name))["result"].toBool());
-    QVERIFY(desktop::waitFor("Stop record"));
+    QVERIFY(!desktop::waitFor("Stop record").isEmpty());
     const double startMs = client_.lastSample()["timestamp"].toDouble();
     QJsonObject sample;
     QTRY_VERIFY((sample = client_.lastSample())["timestamp"].toDouble() > startMs + 500);
     QVERIFY(client_.ask("/stoprecord")["result"].toBool());
-    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(name), patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(name), timeoutMs);
 
     const RecordFile record(name);
     const auto isSample = [&](const QStringList &row) {
@@ -72,18 +70,7 @@ void TestHttpApi::records_what_it_shows() {
     };
     QVERIFY(std::any_of(record.rows.begin(), record.rows.end(), isSample));
     QCOMPARE(program_->close(), 0);
-    QCOMPARE(program_->complaints(), QStringList());
-}
-
-void TestHttpApi::calibrates_the_device() {
-    ScriptedServer server;
-    QVERIFY(server.listen());
-    QVERIFY(program_->startWindow());
-    QTRY_COMPARE_WITH_TIMEOUT(server.received(), QByteArray(wire::enableData), patienceMs);
-    for (const char *path : {"/calibrate&screen=0", "/calibrate&screen=3", "/calibrate&screen=1", "/stopcalibration"})
-        QVERIFY(client_.ask(path)["result"].toBool());
-    QTRY_COMPARE_WITH_TIMEOUT(server.received(), wire::enableData + QByteArray(wire::calibrate), patienceMs);
-    QCOMPARE(program_->close(), 0);
+    QCOMPARE(program_->problems(), QStringList());
 }
 
 void TestHttpApi::runs_the_documented_examples_data() {
@@ -115,45 +102,45 @@ void TestHttpApi::runs_the_documented_examples() {
 
     QVERIFY(simulator_->listen({}));
     QVERIFY(program_->startWindow());
-    QTRY_VERIFY_WITH_TIMEOUT(client_.lastSample()["timestamp"].toDouble() > 0, patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(client_.lastSample()["timestamp"].toDouble() > 0, timeoutMs);
     while (examples.hasNext()) {
         QProcess process;
         process.setWorkingDirectory(folder_->path());
         QStringList arguments = command.split(' ') << examples.next().captured(1);
         const QString program = arguments.takeFirst();
         process.start(program, arguments);
-        QVERIFY(QTest::qWaitFor([&] { return process.state() == QProcess::NotRunning; }, patienceMs));
+        QVERIFY(QTest::qWaitFor([&] { return process.state() == QProcess::NotRunning; }, timeoutMs));
         const QString printed = QString::fromUtf8(process.readAllStandardOutput());
         QVERIFY2(process.exitCode() == 0, process.readAllStandardError());
         QVERIFY2(QRegularExpression(output).match(printed).hasMatch(), qPrintable(printed));
     }
 }
 
-void TestHttpApi::ends_in_spite_of_clients() {
+void TestHttpApi::ends_while_clients_do_not_read() {
     QVERIFY(simulator_->listen({"--rate", "150"}));
     QVERIFY(program_->startWindow());
-    QTRY_VERIFY_WITH_TIMEOUT(client_.ask("/lastsamples")["sampleCount"].toInt() > 100, patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(client_.ask("/lastsamples")["sampleCount"].toInt() > 100, timeoutMs);
     std::vector<std::unique_ptr<QTcpSocket>> clients;
     for (int i = 0; i < 20; ++i) {
         clients.push_back(std::make_unique<QTcpSocket>());
-        // It asks for more than the system buffers, and never reads.
+        // Requests more than the system can buffer, and never reads the responses.
         clients.back()->setReadBufferSize(1);
         clients.back()->connectToHost("127.0.0.1", apiPort);
         clients.back()->write(QByteArray("GET /lastsamples HTTP/1.1\r\n\r\n").repeated(200));
     }
     for (const auto &client : clients)
-        QTRY_VERIFY_WITH_TIMEOUT(client->bytesAvailable() > 0, patienceMs);
+        QTRY_VERIFY_WITH_TIMEOUT(client->bytesAvailable() > 0, timeoutMs);
     QCOMPARE(program_->close(), 0);
-    QCOMPARE(program_->complaints(), QStringList());
+    QCOMPARE(program_->problems(), QStringList());
 }
 
-void TestHttpApi::goes_on_without_its_port() {
+void TestHttpApi::runs_while_its_port_is_in_use() {
     QTcpServer other;
     QVERIFY(other.listen(QHostAddress::Any, apiPort));
     QVERIFY(program_->startWindow());
-    QVERIFY(desktop::waitFor("Start record"));
-    QTRY_COMPARE_WITH_TIMEOUT(program_->complaints().size(), 1, patienceMs);  // the log comes behind the window
-    QVERIFY2(program_->complaints().first().contains("port 3735"), qPrintable(program_->complaints().first()));
+    QVERIFY(!desktop::waitFor("Start record").isEmpty());
+    QTRY_COMPARE_WITH_TIMEOUT(program_->problems().size(), 1, timeoutMs);  // logged after the window opens
+    QVERIFY2(program_->problems().first().contains("port 3735"), qPrintable(program_->problems().first()));
     QCOMPARE(program_->close(), 0);
 }
 

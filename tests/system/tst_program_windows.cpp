@@ -1,7 +1,7 @@
 #include "support/test_main.h"
 #include "system/http_client.h"
-#include "system/patience.h"
 #include "system/record_file.h"
+#include "system/timeout.h"
 
 #include <QDir>
 #include <QFile>
@@ -14,7 +14,7 @@
 
 namespace {
 
-/// It ends with the test, and finds no libraries but those beside it and the system's own.
+/// A program that is killed with the test. It finds only the libraries in its own folder and those of Windows.
 class Child : public QProcess {
 public:
     Child() {
@@ -27,7 +27,7 @@ public:
         kill();
         waitForFinished();
     }
-    /// As the desktop starts it: without standard streams.
+    /// Starts it as the desktop does, without standard streams.
     void startWithoutStreams() {
         setCreateProcessArgumentsModifier([](CreateProcessArguments *arguments) {
             arguments->inheritHandles = false;
@@ -40,9 +40,9 @@ public:
         environment.insert(name, value);
         setProcessEnvironment(environment);
     }
-    /// Asks its windows to close until it has ended; the exit code, or -1000.
-    [[nodiscard]] int end() {
-        const bool ended = QTest::qWaitFor([this] { return terminate(), state() == NotRunning; }, patienceMs);
+    /// Asks its windows to close until it has ended, and returns the exit code, or -1000 after a timeout or a crash.
+    [[nodiscard]] int closeWindows() {
+        const bool ended = QTest::qWaitFor([this] { return terminate(), state() == NotRunning; }, timeoutMs);
         return ended && exitStatus() == NormalExit ? exitCode() : -1000;
     }
 };
@@ -56,7 +56,7 @@ const QString programFolder = QStringLiteral(OCELA_PROGRAM_FOLDER);
 
 }  // namespace
 
-/// The program as it is laid out for users, with the simulated devices' libraries beside it.
+/// The program as it is installed, with the simulated vendor libraries in its folder.
 class TestProgramOnWindows : public QObject {
     Q_OBJECT
 
@@ -65,19 +65,19 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void records_what_it_serves_data();
-    void records_what_it_serves();
-    void asks_nobody_without_a_console();
-    void second_instance_is_refused();
-    void names_records_itself();
+    void recorded_file_contains_the_served_sample_data();
+    void recorded_file_contains_the_served_sample();
+    void does_not_ask_without_a_console();
+    void refuses_a_second_instance();
+    void chooses_the_name_of_a_record_file();
 
 private:
-    void choose(const QString &tracker);
+    void selectTracker(const QString &tracker);
     [[nodiscard]] bool startSimulator();
     void start();
     [[nodiscard]] bool hasGaze() { return qAbs(client_.lastSample()["x"].toDouble()) > 0; }
     [[nodiscard]] QString log() const { return QString::fromUtf8(contents(localData_ + "/Ocela.log")); }
-    [[nodiscard]] QStringList complaints() const;
+    [[nodiscard]] QStringList problems() const;
 
     const QString localData_ = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/Velmora/Ocela";
     const QString records_ = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) + "/Ocela";
@@ -87,7 +87,8 @@ private:
 };
 
 void TestProgramOnWindows::initTestCase() {
-    QVERIFY2(!QFile::exists(localData_ + "Settings.xml"), "these tests are not for somebody's own Windows");
+    QVERIFY2(!QFile::exists(localData_ + "Settings.xml"),
+             "These tests delete the settings and records of the Windows user.");
 }
 
 void TestProgramOnWindows::init() {
@@ -95,7 +96,7 @@ void TestProgramOnWindows::init() {
     QVERIFY(QDir().mkpath(localData_));
     program_ = std::make_unique<Child>();
     program_->setProgram(programFolder + "/Ocela.exe");
-    // As the shortcuts do.
+    // The shortcuts set this working folder, too.
     program_->setWorkingDirectory(programFolder);
     program_->setVariable("OCELA_SIM_BLINK_INTERVAL", "0");
     simulator_ = std::make_unique<Child>();
@@ -109,7 +110,7 @@ void TestProgramOnWindows::cleanup() {
     QFile::remove(localData_ + "Settings.xml");
 }
 
-void TestProgramOnWindows::choose(const QString &tracker) {
+void TestProgramOnWindows::selectTracker(const QString &tracker) {
     QFile settings(localData_ + "Settings.xml");
     QVERIFY(settings.open(QIODevice::WriteOnly));
     settings.write("<settings version=\"1\"><property name=\"SelectedTracker\">" + tracker.toUtf8() +
@@ -118,47 +119,47 @@ void TestProgramOnWindows::choose(const QString &tracker) {
 
 bool TestProgramOnWindows::startSimulator() {
     simulator_->start(OCELA_SIMULATOR, {"--rate", "150"});
-    return simulator_->waitForReadyRead(patienceMs);
+    return simulator_->waitForReadyRead(timeoutMs);
 }
 
 void TestProgramOnWindows::start() {
     program_->startWithoutStreams();
-    QVERIFY(program_->waitForStarted(patienceMs));
-    QTRY_VERIFY_WITH_TIMEOUT(!client_.get("/").isEmpty(), patienceMs);
+    QVERIFY(program_->waitForStarted(timeoutMs));
+    QTRY_VERIFY_WITH_TIMEOUT(!client_.get("/").isEmpty(), timeoutMs);
 }
 
-QStringList TestProgramOnWindows::complaints() const {
-    static const QRegularExpression complaint("Z (warning|critical|fatal) ");
-    return log().split('\n').filter(complaint);
+QStringList TestProgramOnWindows::problems() const {
+    static const QRegularExpression problem("Z (warning|critical|fatal) ");
+    return log().split('\n').filter(problem);
 }
 
-void TestProgramOnWindows::records_what_it_serves_data() {
+void TestProgramOnWindows::recorded_file_contains_the_served_sample_data() {
     QTest::addColumn<QString>("tracker");
     for (const char *tracker : {"eyetech", "gazepoint", "aSee Pro"})
         QTest::newRow(tracker) << tracker;
 }
 
-void TestProgramOnWindows::records_what_it_serves() {
+void TestProgramOnWindows::recorded_file_contains_the_served_sample() {
     QFETCH(const QString, tracker);
-    choose(tracker);
+    selectTracker(tracker);
     QVERIFY(tracker != "gazepoint" || startSimulator());
     if (tracker == "aSee Pro")
         QCOMPARE(QProcess::execute(OCELA_ASEE_COEFFICIENTS, {localData_ + "/coefficient.dat"}), 0);
     start();
     QCOMPARE(client_.get("/"), contents(programFolder + "/http/index.html"));
-    QTRY_VERIFY_WITH_TIMEOUT(hasGaze(), patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(hasGaze(), timeoutMs);
 
     const QTemporaryDir folder;
     const QString name = folder.filePath(QString::fromUtf8("rec 1 & äя.csv"));
     QVERIFY(
         client_.ask("/startrecord&path=" + QUrl::toPercentEncoding(QDir::toNativeSeparators(name)))["result"].toBool());
-    // The names of the columns are logged when the first record starts.
-    QTRY_VERIFY_WITH_TIMEOUT(log().contains("OCELACSV"), patienceMs);
+    // The column names are logged when the first recording starts.
+    QTRY_VERIFY_WITH_TIMEOUT(log().contains("OCELACSV"), timeoutMs);
     const QJsonObject before = client_.lastSample();
     QJsonObject sample;
-    QTRY_VERIFY_WITH_TIMEOUT((sample = client_.lastSample()) != before, patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT((sample = client_.lastSample()) != before, timeoutMs);
     QVERIFY(client_.ask("/stoprecord")["result"].toBool());
-    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(name), patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(name), timeoutMs);
 
     const RecordFile record(name);
     QVERIFY(record.header.startsWith("Timestamp,Time,Valid,X,Y,"));
@@ -167,40 +168,40 @@ void TestProgramOnWindows::records_what_it_serves() {
                row[4] == sample["y"].toVariant().toString();
     };
     QVERIFY(std::any_of(record.rows.begin(), record.rows.end(), isSample));
-    QCOMPARE(program_->end(), 0);
-    QCOMPARE(complaints(), QStringList());
+    QCOMPARE(program_->closeWindows(), 0);
+    QCOMPARE(problems(), QStringList());
     QVERIFY(contents(localData_ + "Settings.xml").contains(tracker.toUtf8()));
 }
 
-void TestProgramOnWindows::asks_nobody_without_a_console() {
-    choose("eyetech");
+void TestProgramOnWindows::does_not_ask_without_a_console() {
+    selectTracker("eyetech");
     program_->setVariable("OCELA_SIM_EYETECH_DEVICES", "2");
     start();
     QVERIFY(log().contains("Device not found"));
     QVERIFY(client_.ask("/lastsample").contains("sample"));
-    QCOMPARE(program_->end(), 0);
+    QCOMPARE(program_->closeWindows(), 0);
 }
 
-void TestProgramOnWindows::second_instance_is_refused() {
-    choose("gazepoint");
+void TestProgramOnWindows::refuses_a_second_instance() {
+    selectTracker("gazepoint");
     start();
     Child second;
     second.start(program_->program(), QStringList());
-    QCOMPARE(second.end(), -1);
+    QCOMPARE(second.closeWindows(), -1);
     QVERIFY(!client_.get("/").isEmpty());
-    QCOMPARE(program_->end(), 0);
+    QCOMPARE(program_->closeWindows(), 0);
 }
 
-void TestProgramOnWindows::names_records_itself() {
+void TestProgramOnWindows::chooses_the_name_of_a_record_file() {
     const QDir folder(records_);
     const QStringList before = folder.entryList(QDir::Files);
-    choose("eyetech");
+    selectTracker("eyetech");
     start();
-    QTRY_VERIFY_WITH_TIMEOUT(hasGaze(), patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(hasGaze(), timeoutMs);
     QVERIFY(client_.ask("/startrecord")["result"].toBool());
     QVERIFY(client_.ask("/stoprecord")["result"].toBool());
-    QTRY_COMPARE_WITH_TIMEOUT(folder.entryList(QDir::Files).size(), before.size() + 1, patienceMs);
-    QCOMPARE(program_->end(), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(folder.entryList(QDir::Files).size(), before.size() + 1, timeoutMs);
+    QCOMPARE(program_->closeWindows(), 0);
 }
 
 OCELA_TEST(TestProgramOnWindows)

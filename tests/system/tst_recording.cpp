@@ -1,10 +1,10 @@
 #include "support/test_main.h"
 #include "system/desktop.h"
 #include "system/expected_row.h"
-#include "system/patience.h"
 #include "system/program.h"
 #include "system/record_file.h"
 #include "system/server.h"
+#include "system/timeout.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -33,7 +33,7 @@ QList<QByteArray> recordedLines() {
     return lines;
 }
 
-/// Whether the picture shows one of the lines that hold a gaze, with all its values.
+/// Returns whether the picture shows all values of one of the lines that have a gaze.
 bool showsOneOf(const QList<QByteArray> &lines, const QImage &screen) {
     return std::any_of(lines.begin(), lines.end(), [&](const QByteArray &line) {
         return line.contains("FPOGX") && line.contains("LPOGX") &&
@@ -41,12 +41,12 @@ bool showsOneOf(const QList<QByteArray> &lines, const QImage &screen) {
     });
 }
 
-/// How many lines, from `line` on in the circle, the row is made of. More than one that arrive together count as
-/// one record, which a busy machine brings about now and then. 0 when the row is something else.
+/// Returns how many lines, from `line` on, make up the row. 0 if the row is something else. Lines that arrive in one
+/// chunk become one sample, which happens on a busy machine.
 int linesInRow(const QStringList &row, const QList<QByteArray> &lines, int line) {
-    constexpr int most = 4;
+    constexpr int maxCount = 4;
     QByteArray chunk;
-    for (int count = 1; count <= most; ++count) {
+    for (int count = 1; count <= maxCount; ++count) {
         chunk += lines[(line + count - 1) % lines.size()] + "\r\n";
         if (row == expected::cells(chunk, screenSize))
             return count;
@@ -54,7 +54,7 @@ int linesInRow(const QStringList &row, const QList<QByteArray> &lines, int line)
     return 0;
 }
 
-/// Whether the rows are the lines played round and round, beginning anywhere, and nearly each line has its own.
+/// Returns whether the rows are the lines in a loop, from any line on, with a row for at least 10 of 11 lines.
 bool isCycleOf(const RecordFile &file, const QList<QByteArray> &lines) {
     for (int start = 0; start < lines.size(); ++start) {
         int line = start;
@@ -69,7 +69,7 @@ bool isCycleOf(const RecordFile &file, const QList<QByteArray> &lines) {
     return false;
 }
 
-/// The two times of every row: by the clock, between `from` and `to`, and counted from the first row.
+/// Checks the two times of every row: milliseconds since 1970, from `from` to `to`, and since the first row.
 void checkTimes(const RecordFile &file, qint64 from, qint64 to) {
     qint64 last = from;
     for (int row = 0; row < file.rows.size(); ++row) {
@@ -82,7 +82,7 @@ void checkTimes(const RecordFile &file, qint64 from, qint64 to) {
 
 }  // namespace
 
-/// From the server's lines to the window and to the record file.
+/// Samples on their way from the GazePoint server to the window and the record file.
 class TestRecording : public QObject {
     Q_OBJECT
 
@@ -90,13 +90,13 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void records_what_a_real_server_sent();
-    void survives_the_loss_of_its_folders();
+    void shows_and_records_captured_lines();
+    void reports_a_record_that_cannot_be_saved();
 
 private:
-    /// Records by the buttons for as long as `lasts` tells.
+    /// Starts a recording with the button, waits for `done` and stops it with the button.
     template <typename Condition>
-    [[nodiscard]] bool record(Condition lasts);
+    [[nodiscard]] bool record(Condition done);
 
     std::unique_ptr<Home> home_;
     std::unique_ptr<Program> program_;
@@ -114,62 +114,62 @@ void TestRecording::cleanup() {
 }
 
 template <typename Condition>
-bool TestRecording::record(Condition lasts) {
+bool TestRecording::record(Condition done) {
     startedMs_ = QDateTime::currentMSecsSinceEpoch();
-    const bool done = desktop::click("Start record") && desktop::waitFor("Stop record") &&
-                      !desktop::shows("Start record") && QTest::qWaitFor([&] { return !lasts(); }, patienceMs) &&
-                      desktop::click("Stop record") && desktop::waitFor("Start record");
+    const bool recorded = desktop::click("Start record") && !desktop::waitFor("Stop record").isEmpty() &&
+                          !desktop::shows("Start record") && QTest::qWaitFor(done, timeoutMs) &&
+                          desktop::click("Stop record") && !desktop::waitFor("Start record").isEmpty();
     stoppedMs_ = QDateTime::currentMSecsSinceEpoch();
-    return done;
+    return recorded;
 }
 
-void TestRecording::records_what_a_real_server_sent() {
+void TestRecording::shows_and_records_captured_lines() {
     const QList<QByteArray> lines = recordedLines();
     QVERIFY(lines.size() > 20);
-    // Slow enough for each record to reach the program by itself, as two at a time would count as one.
+    // The rate is low, so that each line arrives in a chunk of its own.
     Simulator simulator;
     QVERIFY(simulator.listen({"--lines", linesFile, "--rate", "20", "--seed", "1"}));
-    Tap tap;
-    QVERIFY(tap.open());
+    SecondClient client;
+    QVERIFY(client.open());
 
     QVERIFY(program_->startWindow());
-    QVERIFY(desktop::waitFor("Start record"));
+    QVERIFY(!desktop::waitFor("Start record").isEmpty());
     QImage screen;
-    const auto seen = [&] { return showsOneOf(lines, screen = program_->picture()); };
-    QVERIFY(QTest::qWaitFor(seen, patienceMs));
-    desktop::keep(screen, "recorded-lines");
+    const auto shown = [&] { return showsOneOf(lines, screen = program_->picture()); };
+    QVERIFY(QTest::qWaitFor(shown, timeoutMs));
+    desktop::save(screen, "recorded-lines");
 
-    const int before = tap.records().size();
-    QVERIFY(record([&] { return tap.records().size() < before + 2 * lines.size(); }));
+    const int before = client.records().size();
+    QVERIFY(record([&] { return client.records().size() >= before + 2 * lines.size(); }));
     const RecordFile file(home_->recordFile());
     QCOMPARE(file.header, QByteArray(header));
     QVERIFY(file.rows.size() > lines.size());
     QVERIFY(isCycleOf(file, lines));
     checkTimes(file, startedMs_, stoppedMs_);
 
-    // The end of the server is shown, and the program lives on.
+    // The program shows the loss of the server and continues.
     simulator.kill();
-    QTRY_VERIFY_WITH_TIMEOUT(desktop::showsIndicator(0xffcc3300), patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(desktop::showsIndicator(desktop::disconnectedColour), timeoutMs);
     QCOMPARE(program_->close(), 0);
-    QCOMPARE(program_->complaints(), QStringList());
+    QCOMPARE(program_->problems(), QStringList());
 }
 
-void TestRecording::survives_the_loss_of_its_folders() {
+void TestRecording::reports_a_record_that_cannot_be_saved() {
     Simulator simulator;
     QVERIFY(simulator.listen({}));
     QVERIFY(program_->startWindow());
-    QTRY_VERIFY_WITH_TIMEOUT(desktop::showsIndicator(0xff33cc00), patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(desktop::showsIndicator(desktop::connectedColour), timeoutMs);
 
     QVERIFY(record([&] {
         QDir(home_->recordsFolder()).removeRecursively();
         QDir(home_->dataFolder()).removeRecursively();
-        return false;
+        return true;
     }));
     QVERIFY(program_->process().waitForLog("Cannot save"));
-    QCOMPARE(program_->complaints().size(), 1);
-    QVERIFY2(program_->complaints().first().startsWith("[warning] ocela.csv: Cannot save " + home_->recordsFolder()),
-             qPrintable(program_->complaints().first()));
-    QVERIFY(desktop::showsIndicator(0xff33cc00));
+    QCOMPARE(program_->problems().size(), 1);
+    QVERIFY2(program_->problems().first().startsWith("[warning] ocela.csv: Cannot save " + home_->recordsFolder()),
+             qPrintable(program_->problems().first()));
+    QVERIFY(desktop::showsIndicator(desktop::connectedColour));
     QCOMPARE(program_->close(), 0);
 }
 

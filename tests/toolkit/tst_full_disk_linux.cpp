@@ -1,7 +1,8 @@
+#include "support/file_content.h"
 #include "support/test_main.h"
-#include "toolkit/log_file.h"
-#include "toolkit/numeric_table_csv.h"
-#include "toolkit/settings_file.h"
+#include "toolkit/base/log_file.h"
+#include "toolkit/settings/settings_file.h"
+#include "toolkit/table/numeric_table_csv.h"
 
 #include <QDir>
 #include <QRegularExpression>
@@ -22,8 +23,8 @@ public:
     }
 };
 
-/// While it lives, files end at `bytes`: what goes beyond is taken in part first and then refused, as on a disk
-/// that fills.
+/// Limits the size of files for the lifetime of this object. As on a full disk, a write that exceeds the limit first
+/// succeeds partially and then fails.
 class FileSizeLimit {
 public:
     explicit FileSizeLimit(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
@@ -48,29 +49,22 @@ class TestFullDisk : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void table_tells_what_is_wrong_and_leaves_nothing_data();
-    void table_tells_what_is_wrong_and_leaves_nothing();
-    void settings_tell_what_is_wrong_and_keep_the_earlier_file();
-    void log_drops_whole_lines_and_goes_on();
+    void failed_table_save_reports_the_reason_and_leaves_no_file();
+    void failed_settings_save_reports_the_reason_and_keeps_the_earlier_file();
+    void log_drops_complete_lines_and_continues();
 };
 
-void TestFullDisk::table_tells_what_is_wrong_and_leaves_nothing_data() {
-    QTest::addColumn<int>("rows");
-    QTest::newRow("short table") << 400;
-    QTest::newRow("long table") << 100000;
-}
-
-void TestFullDisk::table_tells_what_is_wrong_and_leaves_nothing() {
-    QFETCH(int, rows);
+void TestFullDisk::failed_table_save_reports_the_reason_and_leaves_no_file() {
     const QTemporaryDir folder;
     const FileSizeLimit limit(1000);
-
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Cannot save .*: " + qt_error_string(EFBIG) + '$'));
-    QVERIFY(!Table(rows).save(folder.filePath("t.csv"), true));
+    for (const int rows : {400, 100000}) {
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Cannot save .*: " + qt_error_string(EFBIG) + '$'));
+        QVERIFY(!Table(rows).save(folder.filePath("t.csv"), true));
+    }
     QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList());
 }
 
-void TestFullDisk::settings_tell_what_is_wrong_and_keep_the_earlier_file() {
+void TestFullDisk::failed_settings_save_reports_the_reason_and_keeps_the_earlier_file() {
     const QTemporaryDir folder;
     const QString path = folder.filePath("s.xml");
     QCOMPARE(settings_file::write(path, {{"A", "earlier"}}), QString());
@@ -80,7 +74,7 @@ void TestFullDisk::settings_tell_what_is_wrong_and_keep_the_earlier_file() {
     QCOMPARE(settings_file::read(path).entries.value(0).text, QString("earlier"));
 }
 
-void TestFullDisk::log_drops_whole_lines_and_goes_on() {
+void TestFullDisk::log_drops_complete_lines_and_continues() {
     const QTemporaryDir folder;
     LogFile log(folder.filePath("A.log"));
     const auto write = [&log](const QString &text) { log.write(QtInfoMsg, QMessageLogContext(), text); };
@@ -89,15 +83,14 @@ void TestFullDisk::log_drops_whole_lines_and_goes_on() {
         for (int i = 0; i < 50; ++i)
             write("<full>");
     }
-    write("<room again>");
+    write("<written again>");
 
-    QFile file(folder.filePath("A.log"));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QStringList lines = QString::fromUtf8(file.readAll()).split('\n');
-    const int taken = lines.filter(QRegularExpression("default .*<full>$")).size();
-    QVERIFY2(taken > 0 && taken < 50, qPrintable(QString::number(taken)));
-    QCOMPARE(lines.size(), taken + 3);  // the first line, and what comes after the last
-    QVERIFY(lines.value(taken + 1).endsWith(" <room again>"));
+    const QStringList lines = QString::fromUtf8(readFile(folder.filePath("A.log"))).split('\n');
+    const int writtenCount = lines.filter(QRegularExpression("default .*<full>$")).size();
+    QVERIFY2(writtenCount > 0 && writtenCount < 50, qPrintable(QString::number(writtenCount)));
+    // Also the first line, "<written again>" and the empty text after the last line ending.
+    QCOMPARE(lines.size(), writtenCount + 3);
+    QVERIFY(lines.value(writtenCount + 1).endsWith(" <written again>"));
 }
 
 OCELA_TEST(TestFullDisk)

@@ -14,15 +14,14 @@ class TestEyetrackerSampleViewer : public QObject {
 private Q_SLOTS:
     void shows_a_sample_data();
     void shows_a_sample();
-    void sample_from_another_thread_is_shown();
-    void old_trackers_samples_are_not_shown();
+    void samples_of_the_old_tracker_are_not_shown();
     void keeps_its_layout_while_values_change();
-    void another_language_shows_at_once();
+    void shows_another_language_immediately();
 };
 
 namespace {
 
-/// The value labels' texts of one of the three columns, top to bottom.
+/// Returns the texts of the value labels of one of the three columns, from top to bottom.
 QStringList valuesOf(const EyetrackerSampleViewer &viewer, int column) {
     auto *main = qobject_cast<QGridLayout *>(viewer.layout());
     auto *grid = qobject_cast<QGridLayout *>(main->itemAtPosition(1, column)->layout());
@@ -37,7 +36,7 @@ QString allValues(const EyetrackerSampleViewer &viewer) {
     return (valuesOf(viewer, 0) + valuesOf(viewer, 1) + valuesOf(viewer, 2)).join('|');
 }
 
-EyeTrackingSample looking(float x, qint32 xPixel) {
+EyeTrackingSample sampleAt(float x, qint32 xPixel) {
     EyeTrackingSample sample;
     sample.x = x;
     sample.x_px = xPixel;
@@ -66,16 +65,13 @@ public:
 void TestEyetrackerSampleViewer::shows_a_sample_data() {
     QTest::addColumn<EyeTrackingSample>("sample");
     QTest::addColumn<QString>("texts");
-    QTest::newRow("zero sample") << EyeTrackingSample()
-                                 << "false|--|x:   0.0%|y:   0.0%|x:    0px|y:    0px|0.0|0.0cm"
-                                    "|-|0.0%|0.0%|    0.0mm|-|0.0%|0.0%|    0.0mm";
-    QTest::newRow("every field in its place") << EyeTrackingSample{1, true, false, true, 1,  2,  3,  4,  5,  6,  7,  8,
-                                                                   9, 10,   11,    12,   13, 14, 15, 16, 17, 18, 19, 20}
-                                              << "true|0-|x:   1.0%|y:   4.0%|x:    7px|y:    8px|19.0|20.0cm"
-                                                 "|0|2.0%|5.0%|   17.0mm|-|3.0%|6.0%|   18.0mm";
-    QTest::newRow("wider values are not cut") << looking(-1234.56F, 123456)
-                                              << "false|--|x:-1234.6%|y:   0.0%|x:123456px|y:    0px|0.0|0.0cm"
-                                                 "|-|0.0%|0.0%|    0.0mm|-|0.0%|0.0%|    0.0mm";
+    QTest::newRow("all fields") << EyeTrackingSample{1, true, false, true, 1,  2,  3,  4,  5,  6,  7,  8,
+                                                     9, 10,   11,    12,   13, 14, 15, 16, 17, 18, 19, 20}
+                                << "true|0-|x:   1.0%|y:   4.0%|x:    7px|y:    8px|19.0|20.0cm"
+                                   "|0|2.0%|5.0%|   17.0mm|-|3.0%|6.0%|   18.0mm";
+    QTest::newRow("wide values are not truncated") << sampleAt(-1234.56F, 123456)
+                                                   << "false|--|x:-1234.6%|y:   0.0%|x:123456px|y:    0px|0.0|0.0cm"
+                                                      "|-|0.0%|0.0%|    0.0mm|-|0.0%|0.0%|    0.0mm";
 }
 
 void TestEyetrackerSampleViewer::shows_a_sample() {
@@ -84,33 +80,22 @@ void TestEyetrackerSampleViewer::shows_a_sample() {
     FakeTracker tracker;
     EyetrackerSampleViewer viewer;
     viewer.setEyetracker(&tracker);
-    tracker.addSample(sample);
+    std::thread([&] { tracker.addSample(sample); }).join();
     QTRY_COMPARE(allValues(viewer), texts);
     for (const QLabel *label : viewer.findChildren<QLabel *>())
         QVERIFY2(label->maximumWidth() >= label->sizeHint().width(), qPrintable(label->text()));
 }
 
-void TestEyetrackerSampleViewer::sample_from_another_thread_is_shown() {
-    FakeTracker tracker;
-    EyetrackerSampleViewer viewer;
-    viewer.setEyetracker(&tracker);
-    std::thread([&] { tracker.addSample(looking(50, 0)); }).join();
-    QTRY_COMPARE(valuesOf(viewer, 0)[2], QString("x:  50.0%"));
-}
-
-void TestEyetrackerSampleViewer::old_trackers_samples_are_not_shown() {
+void TestEyetrackerSampleViewer::samples_of_the_old_tracker_are_not_shown() {
     FakeTracker first, second;
     EyetrackerSampleViewer viewer;
     viewer.setEyetracker(&first);
-    first.addSample(looking(10, 0));
-    QTRY_COMPARE(valuesOf(viewer, 0)[2], QString("x:  10.0%"));
-
-    first.addSample(looking(20, 0));  // still under way to the viewer
+    first.addSample(sampleAt(10, 0));  // still queued
     viewer.setEyetracker(&second);
     QCoreApplication::processEvents();
-    QCOMPARE(valuesOf(viewer, 0)[2], QString("x:  10.0%"));
-    first.addSample(looking(20, 0));
-    second.addSample(looking(30, 0));
+    QCOMPARE(valuesOf(viewer, 0)[2], QString("x:   0.0%"));
+    first.addSample(sampleAt(20, 0));
+    second.addSample(sampleAt(30, 0));
     QTRY_COMPARE(valuesOf(viewer, 0)[2], QString("x:  30.0%"));
 
     viewer.setEyetracker(nullptr);
@@ -122,24 +107,24 @@ void TestEyetrackerSampleViewer::keeps_its_layout_while_values_change() {
     EyetrackerSampleViewer viewer;
     viewer.setEyetracker(&tracker);
     viewer.show();
-    tracker.addSample(looking(10, 1000));
+    tracker.addSample(sampleAt(10, 1000));
     QTRY_COMPARE(valuesOf(viewer, 0)[4], QString("x: 1000px"));
     QCoreApplication::processEvents();
 
     LayoutCounter layouts;
     viewer.installEventFilter(&layouts);
     for (int i = 0; i < 10; ++i)
-        tracker.addSample(looking(static_cast<float>(i), i));
+        tracker.addSample(sampleAt(static_cast<float>(i), i));
     QTRY_COMPARE(valuesOf(viewer, 0)[4], QString("x:    9px"));
     QCoreApplication::processEvents();
     QCOMPARE(layouts.count, 0);
 }
 
-void TestEyetrackerSampleViewer::another_language_shows_at_once() {
+void TestEyetrackerSampleViewer::shows_another_language_immediately() {
     FakeTracker tracker;
     EyetrackerSampleViewer viewer;
     viewer.setEyetracker(&tracker);
-    tracker.addSample(looking(10, 0));
+    tracker.addSample(sampleAt(10, 0));
     QTRY_COMPARE(valuesOf(viewer, 0)[2], QString("x:  10.0%"));
 
     UpperCase upperCase;

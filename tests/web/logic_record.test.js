@@ -1,166 +1,229 @@
 import assert from 'node:assert/strict';
 import { describe, test } from 'node:test';
 import { parseDecimal } from '../../web/js/record/decimal.js';
-import { findFixations, usualParameters } from '../../web/js/record/fixations.js';
+import { defaultParameters, findFixations } from '../../web/js/record/fixations.js';
 import { heatMapOf } from '../../web/js/record/heat_map.js';
-import { RecordBuilder, spreadTimes } from '../../web/js/record/record_builder.js';
-import { RecordParser, headers } from '../../web/js/record/record_parser.js';
-import { fixationsIn, summaryOf } from '../../web/js/record/summary.js';
+import { dragToMove, dragToSelect } from '../../web/js/record/range_control.js';
+import { RecordBuilder } from '../../web/js/record/record_builder.js';
+import { drawOverview, drawPupils } from '../../web/js/record/record_charts.js';
+import { RecordError, RecordParser, headers } from '../../web/js/record/record_parser.js';
+import { RecordView } from '../../web/js/record/record_view.js';
+import { drawScanPath } from '../../web/js/record/scan_path_view.js';
 import { between, moved, zoomed } from '../../web/js/record/time_range.js';
 import { validShares } from '../../web/js/record/validity.js';
-import { SampleColumns, columnNames } from '../../web/js/shared/sample_columns.js';
+import { screenIn } from '../../web/js/shared/screen.js';
+import { columnsOf, listOf } from './support/columns.js';
+import { fakeSurface } from './support/fake_context.js';
 
 const bytesOf = text => new TextEncoder().encode(text);
 const header = `${headers.join()}\r\n`;
 const row = (timestamp, x = 50, y = 25) =>
     `${timestamp},0,1,${x},${y},960,270,0,${x},${y},960,270,3.5,0,0,${y},${x},480,540,3.5,0,0,0\r\n`;
 
-/** What a file's text gives when it is read in pieces of `size` bytes: { record, cutOffLine } or { error }. */
-function read(text, size = 1 << 20) {
-    const bytes = typeof text === 'string' ? bytesOf(text) : text;
+/** Reads a record file in pieces. */
+function read(content, pieceBytes = 1 << 20) {
+    const bytes = typeof content === 'string' ? bytesOf(content) : content;
     const builder = new RecordBuilder();
     const parser = new RecordParser((cells, line) => builder.add(cells, line));
-    try {
-        for (let at = 0; at < bytes.length; at += size) parser.push(bytes.slice(at, at + size));
-        parser.finish();
-        return { record: builder.finish(), cutOffLine: parser.cutOffLine };
-    } catch (error) {
-        return { error };
-    }
+    for (let at = 0; at < bytes.length; at += pieceBytes) parser.push(bytes.slice(at, at + pieceBytes));
+    parser.finish();
+    return { ...builder.finish(), cutOffLine: parser.cutOffLine };
 }
 
-test('numbers', () => {
+const timesOf = ({ columns: { time, length } }) => Array.from(time.subarray(0, length));
+
+test('decimal numbers', () => {
+    const parse = text => parseDecimal(bytesOf(text), 0, text.length);
     for (const text of ['0', '-12', '+7', '12.300000190734863', '-.5', '5.', '1e-05', '-3.5E+4', '1700000000123', '0.00001'])
-        assert.ok(Math.abs(parseDecimal(bytesOf(text), 0, text.length) / Number(text) - 1 || 0) < 1e-15, text);
-    for (const text of ['nan', '-inf', 'Infinity']) assert.ok(Number.isNaN(parseDecimal(bytesOf(text), 0, text.length)), text);
+        assert.ok(Math.abs(Number(parse(text)) / Number(text) - 1 || 0) < 1e-15, text);
+    for (const text of ['nan', '-inf', 'Infinity']) assert.ok(Number.isNaN(parse(text)), text);
     for (const text of ['', '-', '.', '1.2.3', '1,5', 'abc', '0x10', ' 1', '1-', '1e'])
-        assert.equal(parseDecimal(bytesOf(text), 0, text.length), undefined, text);
+        assert.equal(parse(text), undefined, text);
 });
 
-describe('a record', () => {
-    for (const [name, text, size] of [
-        ['as the program writes it', header + row(1000) + row(1010)],
-        ['that arrives byte by byte', header + row(1000) + row(1010), 1],
-        ['with bare line feeds and a byte order mark', `\uFEFF${(header + row(1000) + row(1010)).replaceAll('\r', '')}`, 7],
-        ['without its last line end', (header + row(1000) + row(1010)).trimEnd()],
-        ['with an empty line at its end', `${header + row(1000) + row(1010)}\r\n`],
+describe('record file', () => {
+    const complete = header + row(1000) + row(1010);
+    for (const [name, text, times, cutOffLine, setBackLine] of [
+        ['as Ocela writes it', complete, [0, 10], 0, 0],
+        ['with LF and a byte order mark', `\uFEFF${complete.replaceAll('\r', '')}`, [0, 10], 0, 0],
+        ['without the last line end', complete.trimEnd(), [0, 10], 0, 0],
+        ['with an empty line at the end', `${complete}\r\n`, [0, 10], 0, 0],
+        ['that is truncated', complete + row(1020).slice(0, -40), [0, 10], 4, 0],
+        ['whose clock was set back', header + row(5000) + row(5010) + row(200) + row(210), [0, 10, 10, 20], 0, 4],
     ])
         test(name, () => {
-            const { record, cutOffLine } = read(text, size);
-            assert.deepEqual(Array.from(record.columns.time.subarray(0, record.columns.length)), [0, 10]);
-            assert.deepEqual([record.columns.x[1], record.columns.leftPupil[1], record.columns.distance[1]], [50, 3.5, NaN]);
-            assert.equal(cutOffLine, 0);
+            for (const pieceBytes of [1, 7, 1 << 20]) {
+                const record = read(text, pieceBytes);
+                const { x, leftPupil, distance } = record.columns;
+                assert.deepEqual([timesOf(record), record.cutOffLine, record.setBackLine], [times, cutOffLine, setBackLine]);
+                assert.deepEqual([x[1], leftPupil[1], distance[1]], [50, 3.5, NaN]);
+            }
         });
 
-    test('that is cut off is read up to there', () => {
-        const { record, cutOffLine } = read((header + row(1000) + row(1010) + row(1020)).slice(0, -40));
-        assert.deepEqual([record.columns.length, cutOffLine], [2, 4]);
+    test('without timestamps gets times from the assumed rate', () => {
+        const record = read(header + row(0).repeat(3));
+        assert.deepEqual(timesOf(new RecordView(record, '', defaultParameters, 50)), [0, 20, 40]);
     });
 
-    test('whose clock was set back goes on after what was before', () => {
-        const { record } = read(header + [5000, 5010, 200, 210].map(time => row(time)).join(''));
-        assert.deepEqual([...record.columns.time.subarray(0, 4), record.setBackLine], [0, 10, 10, 20, 4]);
+    test('with a crossed right eye', () => {
+        const { columns, crossed } = read(header + listOf(40, i => row(1000 + i, 50, 20 + i / 10)).join(''));
+        assert.ok(crossed);
+        assert.deepEqual([columns.rightX[0], columns.rightY[0]], [50, 20]);
     });
 
-    test('without times is told, and gets those of an even rate', () => {
-        const { record } = read(header + row(0).repeat(3));
-        assert.ok(record.timeless);
-        spreadTimes(record.columns, 50);
-        assert.deepEqual([...record.columns.time.subarray(0, 3)], [0, 20, 40]);
+    test('with a different value in each column', () => {
+        const line = '1000,0,1,50,25,800,160,61,52,26,90,91,3.5,92,93,54,28,94,95,4.5,96,97,98\r\n';
+        const { columns, aspect } = read(header + line);
+        const { x, y, leftX, leftY, rightX, rightY, leftPupil, rightPupil, distance } = columns;
+        const values = [x, y, leftX, leftY, rightX, rightY, leftPupil, rightPupil, distance].map(([value]) => value);
+        assert.deepEqual(values, [50, 25, 52, 26, 54, 28, 3.5, 4.5, 61]);
+        assert.equal(aspect, 1600 / 640);
     });
 
-    test('with a crossed right eye and a screen of another shape', () => {
-        const { record } = read(header + Array.from({ length: 40 }, (_, i) => row(1000 + i, 50, 20 + i / 10)).join(''));
-        assert.ok(record.crossed);
-        assert.deepEqual([record.columns.rightX[0], record.columns.rightY[0]], [50, 20]);
-        assert.ok(record.aspect > 1.4 && record.aspect < 1.8);
-    });
-
-    for (const [name, content, key, line, more = {}] of [
+    for (const [name, content, key, line, more] of [
         ['an empty file', '', 'emptyFile', 1],
-        ['a header alone', header, 'noRows', 2],
+        ['only a header', header, 'noRows', 2],
         ['a header that is cut off', header.slice(0, 40), 'notARecord', 1],
-        ['a picture', Uint8Array.from([137, 80, 78, 71, 13, 10, 26, 10, 0, 0]), 'notARecord', 1, { found: '\uFFFDPNG' }],
+        ['an image', Uint8Array.from([137, 80, 78, 71, 13, 10, 26, 10, 0, 0]), 'notARecord', 1, { found: '\uFFFDPNG' }],
         ['bytes without line ends', new Uint8Array(200000).fill(65), 'notARecord', 1],
-        ['a record and then an endless line', header + row(1) + '1'.repeat(200000), 'lineTooLong', 3],
+        ['a file with a line that is too long', header + row(1) + '1'.repeat(200000), 'lineTooLong', 3],
         ['another table', 'a,b\r\n1,2\r\n', 'notARecord', 1, { found: 'a,b' }],
         ['a text in a cell', header + row(1) + row(2, '<b>'), 'noNumber', 3, { column: 4, name: 'X', found: '<b>' }],
-        ['an empty cell', header + row(1, ''), 'noNumber', 2, { column: 4 }],
+        ['an empty cell after an empty line', `${header}\n${row(1, '')}`, 'noNumber', 3, { column: 4 }],
         ['a line with too few cells', `${header}1,2,3\r\n${row(1)}`, 'wrongColumns', 2, { columns: 3, expected: 23 }],
         ['a line with too many cells', header + row(1).replace('\r', ',1,1\r'), 'wrongColumns', 2, { columns: 25 }],
     ])
-        test(`is not ${name}`, () => {
-            const { error } = read(content, 65536);
-            assert.equal(error?.key, key);
-            for (const [value, expected] of Object.entries({ line, ...more })) assert.equal(error.values[value], expected);
-        });
+        test(`is not ${name}`, () => assert.throws(() => read(content, 65536), error => {
+            assert.ok(error instanceof RecordError);
+            assert.equal(error.key, key);
+            assert.deepEqual(error.values, { ...error.values, line, ...more });
+            return true;
+        }));
 });
 
-/** Samples at 100 Hz; each part is [count, x, y]. */
+/** Returns samples at 100 Hz, in parts of [count, x, y]. */
 function gazeOf(...parts) {
-    const columns = new SampleColumns();
-    const nothing = Object.fromEntries(columnNames.map(name => [name, NaN]));
-    for (const [count, x, y] of parts)
-        for (let i = 0; i < count; ++i) columns.append(10 * columns.length, { ...nothing, x: x + (i % 2), y });
-    return columns;
+    const gaze = parts.flatMap(([count, x, y]) => listOf(count, i => ({ x: x + (i % 2), y })));
+    return columnsOf(gaze.map((_, i) => 10 * i), i => gaze[i]);
+}
+
+function viewOf(columns, range) {
+    const file = { columns, aspect: 16 / 9, crossed: false, timeless: false, setBackLine: 0, cutOffLine: 0 };
+    const view = new RecordView(file, 'record.csv', defaultParameters, 60);
+    view.show(range);
+    return view;
+}
+
+function shareAt({ width, height, shares }, x, y) {
+    return shares[Math.floor((y * height) / 100) * width + Math.floor((x * width) / 100)];
 }
 
 describe('fixations', () => {
     const lost = [NaN, NaN];
     for (const [name, parts, expected] of [
-        ['one', [[20, 50, 50]], [[0, 190]]],
-        ['two places', [[20, 50, 50], [15, 80, 20]], [[0, 190], [200, 140]]],
-        ['the next begins behind the one before', [[20, 50, 50], [20, 53, 50]], [[0, 200], [210, 180]]],
-        ['too short to count', [[10, 50, 50]], []],
-        ['just long enough', [[11, 50, 50]], [[0, 100]]],
-        ['a slow drift is none', Array.from({ length: 50 }, (_, i) => [1, 2 * i, 50]), []],
-        ['found behind a saccade', [[3, 10, 10], [2, 30, 30], [20, 50, 50]], [[50, 190]]],
-        ['a short loss within', [[10, 50, 50], [6, ...lost], [10, 50, 50]], [[0, 250]]],
-        ['a long loss parts them', [[15, 50, 50], [20, ...lost], [15, 50, 50]], [[0, 140], [350, 140]]],
-        ['nothing but loss', [[50, ...lost]], []],
-        ['percent of the height count less', [[20, 50, 50], [20, 50, 53]], [[0, 390]]],
+        ['two places', [[20, 50, 50], [16, 80, 20]], [[0, 190, 50.5, 50], [200, 150, 80.5, 20]]],
+        ['two adjacent ones do not overlap', [[20, 50, 50], [20, 53, 50]],
+            [[0, 200, 50 + 13 / 21, 50], [210, 180, 53 + 10 / 19, 50]]],
+        ['too short', [[10, 50, 50]], []],
+        ['just long enough', [[11, 50, 40]], [[0, 100, 50 + 5 / 11, 40]]],
+        ['a slow drift', listOf(50, i => [1, 2 * i, 50]), []],
+        ['after a saccade', [[3, 10, 10], [2, 30, 30], [20, 50, 50]], [[50, 190, 50.5, 50]]],
+        ['after a drift', [[5, 46, 50], [20, 48.5, 50]], [[50, 190, 49, 50]]],
+        ['with a short loss', [[10, 50, 50], [6, ...lost], [10, 50, 50]], [[0, 250, 50.5, 50]]],
+        ['separated by a long loss', [[16, 50, 50], [20, ...lost], [16, 50, 50]],
+            [[0, 150, 50.5, 50], [360, 150, 50.5, 50]]],
+        ['all samples are lost', [[50, ...lost]], []],
+        ['the vertical extent is converted to percent of the width', [[20, 50, 50], [20, 50, 53]], [[0, 390, 50.5, 51.5]]],
     ])
         test(name, () => {
-            const found = findFixations(gazeOf(...parts), usualParameters, 16 / 9);
-            assert.deepEqual(found.map(({ startMs, durationMs }) => [startMs, durationMs]), expected);
+            const found = findFixations(gazeOf(...parts), defaultParameters, 16 / 9);
+            assert.deepEqual(found.map(({ startMs, durationMs, x, y }) => [startMs, durationMs, x, y]), expected);
         });
+});
 
-    test('of a range, with their numbers and figures', () => {
-        const columns = gazeOf([20, 50, 50], [20, 80, 20], [20, 10, 80]);
-        const range = { fromMs: 150, toMs: 590 };
-        const { first, list } = fixationsIn(findFixations(columns, usualParameters, 16 / 9), range);
-        assert.deepEqual([first, list.length], [1, 2]);
-        const { count, durationMs, fixationCount, meanFixationMs } = summaryOf(columns, list, range);
+describe('a time range', () => {
+    const columns = gazeOf([20, 50, 50], [20, 80, 20], [20, 10, 80]);
+
+    test('has figures, and fixations numbered from the start of the recording', () => {
+        const view = viewOf(columns, { fromMs: 150, toMs: 590 });
+        assert.deepEqual([view.firstFixation, view.fixations.length], [1, 2]);
+        const { count, durationMs, fixationCount, meanFixationMs } = view.summary;
         assert.deepEqual([count, durationMs, fixationCount, meanFixationMs], [45, 440, 2, 190]);
+
+        const surface = fakeSurface(550, 350);
+        drawScanPath(surface, view);
+        const { context } = surface;
+        const { toX, toY } = screenIn(surface, view.aspect);
+        const places = [[toX(80.5), toY(20)], [toX(10.5), toY(80)]];
+        assert.deepEqual(context.circles, places);
+        assert.deepEqual(context.texts, places.map(([x, y], i) => ({ text: String(i + 2), x, y })));
+        assert.deepEqual(context.lines.accent, [places.flat()]);
+    });
+
+    test('has a heat map of its samples', () => {
+        const view = viewOf(columns, { fromMs: 0, toMs: 195 });
+        assert.ok(shareAt(view.heatMap, 50.5, 50) > 0.9);
+        view.show({ fromMs: 400, toMs: 590 });
+        assert.ok(shareAt(view.heatMap, 10.5, 80) > 0.9);
+    });
+
+    test('changes the chart of the pupils, but not the chart of the whole recording', () => {
+        const lostAfter500 = columnsOf(listOf(101, i => 10 * i), i => (
+            { x: i < 50 ? 1 : NaN, leftPupil: i < 50 ? 3.5 : 3, rightPupil: 4 }));
+        const [pupils, overview] = [fakeSurface(500, 100), fakeSurface(500, 100)];
+        const view = viewOf(lostAfter500, { fromMs: 0, toMs: 250 });
+        const chart = drawPupils(pupils, view);
+        const whole = drawOverview(overview, view);
+        assert.ok(pupils.context.lines.left.every(([, y0, , y1]) => y0 === chart.toY(3.5) && y1 === y0));
+        assert.ok(pupils.context.lines.right.every(([, y0, , y1]) => y0 === chart.toY(4) && y1 === y0));
+        const { band, accent } = overview.context.boxes;
+        assert.ok(Math.abs(whole.toTime(band.at(-1)[2]) - 500) < 10);
+        assert.deepEqual(accent.map(([left, , right]) => [left, right]), [[whole.toX(0), whole.toX(250)]]);
     });
 });
 
-test('the heat map is warmest where the gaze was most, and keeps the order of its cells', () => {
-    const { width, height, shares } = heatMapOf(gazeOf([30, 25, 75], [10, 90, 10], [5, 500, 500]), 0, 45, 16 / 9);
-    const at = (x, y) => shares[Math.floor((y * height) / 100) * width + Math.floor((x * width) / 100)];
+test('the heat map is smooth in both directions and ignores gaze beyond the screen', () => {
+    const map = heatMapOf(gazeOf([30, 25, 75], [10, 90, 10], [5, 150, 50]), 0, 45, 1);
+    const at = (x, y) => shareAt(map, x, y);
     assert.ok(at(25.5, 75) > 0.9 && at(90.5, 10) > 0.2 && at(90.5, 10) < 0.5 && at(50, 50) === 0);
+    for (const share of [at(25.5, 72), at(25.5, 78), at(22.5, 75), at(28.5, 75)]) assert.ok(share > 0.1 && share < 0.9);
     assert.ok(heatMapOf(gazeOf([3, NaN, NaN]), 0, 3, 1).shares.every(share => share === 0));
 });
 
-test('validity in parts of the time', () => {
-    const columns = gazeOf([10, 1, 1], [10, NaN, NaN]);
-    assert.deepEqual(validShares(columns, 0, 200, 4), [1, 1, 0, 0]);
-    assert.deepEqual(validShares(columns, 80, 120, 8), [1, 1, 1, 1, 0, 0, 0, 0]);
-    assert.deepEqual(validShares(columns, 190, 390, 2), [0, NaN]);
+describe('valid shares', () => {
+    const every = (stepMs, count, startMs = 0) => listOf(count, i => startMs + i * stepMs);
+    const first10 = i => (i < 10 ? 1 : NaN);
+    const all = () => 1;
+    for (const [name, times, xOf, [fromMs, toMs], expected] of [
+        ['of several samples', every(10, 20), first10, [0, 200], [1, 1, 0, 0]],
+        ['of mixed samples', every(10, 20), first10, [80, 120], [0.5]],
+        ['between two samples', every(10, 20), first10, [80, 120], [1, 1, 1, 1, 0, 0, 0, 0]],
+        ['after the last sample', every(10, 20), first10, [190, 390], [0, NaN]],
+        ['before the first sample', every(10, 20, 100), first10, [0, 200], [NaN, 1]],
+        ['at 5 Hz', every(200, 20), first10, [1600, 2400], [1, 1, 1, 1, 0, 0, 0, 0]],
+        ['at 1 Hz, zoomed in', every(1000, 20), first10, [5100, 5200], [1, 1]],
+        ['in a long gap', [...every(10, 30), ...every(10, 30, 100000)], all, [90000, 110000], [NaN, NaN, 1, NaN]],
+        ['of samples in bursts', every(1, 60).map(i => 100 * Math.floor(i / 4)), all, [100, 200], [1, 1]],
+    ])
+        test(name, () => {
+            const columns = columnsOf(times, i => ({ x: xOf(i) }));
+            assert.deepEqual(validShares(columns, { fromMs, toMs }, expected.length), expected);
+        });
 });
 
-test('ranges stay within the whole', () => {
+test('time ranges stay within the recording', () => {
     const range = { fromMs: 200, toMs: 600 };
-    for (const [actual, expected] of [
+    for (const [{ fromMs, toMs }, expected] of [
         [zoomed(range, 0.5, 400, 1000), [300, 500]],
         [zoomed(range, 0.5, 200, 1000), [200, 400]],
         [zoomed(range, 10, 400, 1000), [0, 1000]],
         [zoomed(range, 0.001, 400, 1000), [350, 450]],
         [moved(range, 900, 1000), [600, 1000]],
         [moved(range, -900, 1000), [0, 400]],
-        [between(700, 300, 1000), [300, 700]],
         [between(-50, 5000, 1000), [0, 1000]],
+        [dragToMove(range, 400, 450, 1000), [150, 550]],
+        [dragToSelect(range, 700, 300, 1000), [300, 700]],
         [zoomed({ fromMs: 0, toMs: 0 }, 2, 0, 0), [0, 0]],
     ])
-        assert.deepEqual([actual.fromMs, actual.toMs], expected);
+        assert.deepEqual([fromMs, toMs], expected);
 });

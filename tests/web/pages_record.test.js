@@ -4,51 +4,48 @@ import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { after, before, test } from 'node:test';
 import { Chromium } from './support/chromium.js';
-import { waitFor } from './support/patience.js';
 import { address, createHome, fileAt, startProgram, startSimulator } from './support/program.js';
+import { waitFor } from './support/wait.js';
 
-const seconds = 3;
+const recordingSeconds = 3;
 const isShown = id => `!document.querySelector('#${id}').hidden`;
 const duration = "parseFloat(document.querySelector('#duration').textContent)";
+const fixationCount = "parseInt(document.querySelector('#fixation-count').textContent)";
 
-let folder, home, simulator, program, browser, record;
+const folder = mkdtempSync(join(tmpdir(), 'ocela-records-'));
+const recordFile = join(folder, 'record.csv');
+const home = createHome();
+const browser = new Chromium();
+const children = [];
+
 before(async () => {
-    folder = mkdtempSync(join(tmpdir(), 'ocela-records-'));
-    home = createHome();
-    simulator = await startSimulator('--rate', '150');
-    program = await startProgram(home);
-    browser = new Chromium();
-    record = join(folder, 'record.csv');
-    await recordTo(record);
+    children.push(await startSimulator('--rate', '150'));
+    children.push(await startProgram(home));
+    await waitFor(async () => (await lastTimestamp()) > 0, 'samples');
+    await fetch(`${address}/startrecord&path=${encodeURIComponent(recordFile)}`);
+    const endMs = (await lastTimestamp()) + 1000 * recordingSeconds;
+    await waitFor(async () => (await lastTimestamp()) > endMs, 'the end of the recording');
+    await fetch(`${address}/stoprecord`);
+    await fileAt(recordFile);
 });
 after(async () => {
-    await browser?.close();
-    await program?.kill();
-    await simulator?.kill();
-    home?.remove();
+    await browser.close();
+    for (const child of children) await child.kill();
+    home.remove();
     rmSync(folder, { recursive: true, force: true });
 });
 
-async function lastSample() {
-    return (await (await fetch(`${address}/lastsample`)).json()).sample;
+async function lastTimestamp() {
+    const { sample } = await (await fetch(`${address}/lastsample`)).json();
+    return sample.timestamp;
 }
 
-/** A record of the program, of so many seconds. */
-async function recordTo(file) {
-    await waitFor(async () => (await lastSample()).timestamp > 0, 'samples');
-    await fetch(`${address}/startrecord&path=${encodeURIComponent(file)}`);
-    const { timestamp } = await lastSample();
-    await waitFor(async () => (await lastSample()).timestamp > timestamp + 1000 * seconds, 'a record long enough');
-    await fetch(`${address}/stoprecord`);
-    await fileAt(file);
-}
-
-test('a record of the program is shown, zoomed and saved as a picture', async () => {
+test('a record file of Ocela is shown, zoomed and saved as an image', async () => {
     const page = await browser.open(`${address}/record.html`);
-    await page.choose('#file', record);
+    await page.choose('#file', recordFile);
     await page.until(isShown('view'));
-    await page.until(`${duration} >= ${seconds - 0.5}`);
-    assert.ok(await page.evaluate("parseInt(document.querySelector('#fixation-count').textContent)") > 3);
+    await page.until(`${duration} >= ${recordingSeconds - 0.5}`);
+    assert.ok(await page.evaluate(fixationCount) > 3);
     assert.ok(await page.evaluate("parseInt(document.querySelector('#mean-fixation').textContent)") >= 100);
 
     const scanPath = await page.evaluate("document.querySelector('#stage').toDataURL()");
@@ -67,21 +64,28 @@ test('a record of the program is shown, zoomed and saved as a picture', async ()
     await page.until(`${duration} < ${zoomed}`);
     await page.click('#whole');
     await page.until(`${duration} === ${whole}`);
+    await page.fill('#from', 1);
+    await page.until(`${duration} === ${(whole - 1).toFixed(1)}`);
+    assert.ok(Math.abs(await page.evaluate("document.querySelector('#to').valueAsNumber") - whole) <= 0.05);
 
-    await page.evaluate(`
-        document.querySelector('#shortest').value = 2000;
-        document.querySelector('#shortest').dispatchEvent(new Event('change'))`);
-    await page.until("document.querySelector('#fixation-count').textContent === '0'");
+    await page.click('[data-language=ru]');
+    await page.until("/^\\d+,\\d %$/.test(document.querySelector('#valid').textContent)");
+    assert.match(await page.text('#status'), /^Измерений/);
+    assert.match(await page.text('#remarks'), /^Трекер передаёт оси/);
+    await page.click('[data-language=en]');
+
+    await page.fill('#min-duration', 2000);
+    await page.until(`${fixationCount} === 0`);
 
     await browser.send('Browser.setDownloadBehavior', { behavior: 'allow', downloadPath: folder });
     await page.click('#export');
     await fileAt(join(folder, 'record.png'));
     assert.equal(readFileSync(join(folder, 'record.png')).toString('latin1', 1, 4), 'PNG');
-    assert.deepEqual(page.complaints, []);
+    assert.deepEqual(page.errors, []);
 });
 
-test('what is no record gets a reason with its line, and the next file is opened all the same', async () => {
-    const text = readFileSync(record, 'utf8');
+test('other files are refused with a reason and a line, and the next file can be opened', async () => {
+    const text = readFileSync(recordFile, 'utf8');
     const lines = text.split('\r\n');
     const half = text.slice(0, text.indexOf(lines[100]) + 20);
     copyFileSync(new URL('../../docs/images/main-window.png', import.meta.url), join(folder, 'picture.csv'));
@@ -92,10 +96,10 @@ test('what is no record gets a reason with its line, and the next file is opened
 
     const page = await browser.open(`${address}/record.html`);
     for (const [name, part, reason] of [
-        ['header.csv', 'problem', 'Line 2: no samples follow the header.'],
-        ['truncated.csv', 'remarks', 'Line 101 is incomplete'],
-        ['picture.csv', 'problem', 'Line 1: this is no record of Ocela.'],
-        ['<b>bold.csv', 'problem', 'Cannot show “<b>bold.csv”. Line 4, column 1 (Timestamp): “x” is no number.'],
+        ['header.csv', 'problem', 'Line 2: there are no samples after the header.'],
+        ['truncated.csv', 'remarks', 'cut off in line 101'],
+        ['picture.csv', 'problem', 'Line 1: this is not a record file.'],
+        ['<b>bold.csv', 'problem', 'Cannot show “<b>bold.csv”. Line 4, column 1 (Timestamp): “x” is not a number.'],
     ]) {
         await page.choose('#file', join(folder, name));
         await page.until(`document.querySelector('#${part}').textContent.includes(${JSON.stringify(reason)})`);
@@ -105,13 +109,13 @@ test('what is no record gets a reason with its line, and the next file is opened
     await page.until("document.querySelector('#problem').textContent.includes('«x» — не число.')");
     assert.ok(await page.evaluate("document.querySelector('#view').hidden"));
     await page.click('[data-language=en]');
-    assert.deepEqual(page.complaints, []);
+    assert.deepEqual(page.errors, []);
 });
 
-test('a dropped record of an hour opens, and stays with its figures', async () => {
+test('a dropped record file of an hour is shown with its figures', async () => {
     const page = await browser.open(`${address}/record.html`);
-    const lines = readFileSync(record, 'utf8').split('\r\n');
-    // The same seconds over and over, at 150 Hz.
+    const lines = readFileSync(recordFile, 'utf8').split('\r\n');
+    // The first 100 rows, repeated, at 150 Hz.
     await page.evaluate(`{
         const rows = ${JSON.stringify(lines.slice(1, 101).map(line => line.split(',').slice(2).join()))};
         const body = Array.from({ length: 540000 }, (_, i) => Math.round(1e12 + i / 0.15) + ',0,' + rows[i % rows.length]);
@@ -123,5 +127,5 @@ test('a dropped record of an hour opens, and stays with its figures', async () =
     await page.until("document.querySelector('#duration').textContent === '1:00:00'");
     assert.equal(await page.text('#rate'), '150.0 Hz');
     assert.match(await page.text('#status'), /^540,000 /);
-    assert.deepEqual(page.complaints, []);
+    assert.deepEqual(page.errors, []);
 });

@@ -1,6 +1,6 @@
 #include "trackers/asee/asee_log.h"
 
-#include "toolkit/console.h"
+#include "toolkit/platform/console.h"
 
 #include <QString>
 #include <cstdarg>

@@ -2,7 +2,7 @@
 
 namespace {
 
-/// For the translators: the editor shows the keys of an enum translated.
+/// Marks the names of the enumerators for translation. The settings editor shows their translations.
 [[maybe_unused]] const char *const calibrationTypes[] = {
     QT_TRANSLATE_NOOP("Generic", "Calibration_5_points"),
     QT_TRANSLATE_NOOP("Generic", "Calibration_9_points"),

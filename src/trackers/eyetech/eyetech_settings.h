@@ -1,15 +1,15 @@
 #pragma once
 
-#include "toolkit/vt_property.h"
-#include "toolkit/vt_settings.h"
+#include "toolkit/settings/vt_property.h"
+#include "toolkit/settings/vt_settings.h"
 
-/// What the EyeTech back-end keeps: how it calibrates, and the area that was calibrated last. Owned by the back-end,
-/// which reloads it at once; every change is written.
+/// The settings of the EyeTech back-end, including the area of the last calibration. Every change is saved. Owned by
+/// the back-end, which calls reload().
 class EyetechSettings : public VTSettings {
     Q_OBJECT
 
 public:
-    /// The values are the vendor's.
+    /// The values are defined by the vendor.
     enum CalibrationType { Calibration_5_points = 0, Calibration_9_points = 1, Calibration_16_points = 2 };
     Q_ENUM(CalibrationType)
 
@@ -20,7 +20,7 @@ public:
     Q_CLASSINFO("CalibrationCategory", QT_TRANSLATE_NOOP("Generic", "Calibration"))
     Q_CLASSINFO("CalibrationEditable", "true")
 
-    /// How long the device looks at a target.
+    /// The duration of the measurement of a target.
     VT_PROPERTY(int, CalibrationTimeMs, 2000)
     Q_CLASSINFO("CalibrationTimeMsDisplayName", QT_TRANSLATE_NOOP("Generic", "CalibrationTimeMs"))
     Q_CLASSINFO("CalibrationTimeMsCategory", "Calibration")
@@ -30,7 +30,7 @@ public:
     Q_CLASSINFO("CalibrationTimeMsStep", "100")
     Q_CLASSINFO("CalibrationTimeMsSuffix", QT_TRANSLATE_NOOP("Generic", "ms"))
 
-    /// How long a target takes from one place to the next, at most.
+    /// The maximum duration of the movement to the next target.
     VT_PROPERTY(int, CalibrationAnimationMs, 1000)
     Q_CLASSINFO("CalibrationAnimationMsDisplayName", QT_TRANSLATE_NOOP("Generic", "CalibrationAnimationMs"))
     Q_CLASSINFO("CalibrationAnimationMsCategory", "Calibration")
@@ -40,7 +40,7 @@ public:
     Q_CLASSINFO("CalibrationAnimationMsStep", "100")
     Q_CLASSINFO("CalibrationAnimationMsSuffix", QT_TRANSLATE_NOOP("Generic", "ms"))
 
-    /// How long a target rests before the device looks, at most.
+    /// The maximum delay between the movement and the measurement.
     VT_PROPERTY(int, CalibrationDelayMs, 1000)
     Q_CLASSINFO("CalibrationDelayMsDisplayName", QT_TRANSLATE_NOOP("Generic", "CalibrationDelayMs"))
     Q_CLASSINFO("CalibrationDelayMsCategory", "Calibration")
@@ -66,7 +66,7 @@ public:
     Q_CLASSINFO("LastCalibratedAreaHEditable", "true")
     Q_CLASSINFO("LastCalibratedAreaHNotVisible", "true")
 
-    /// Kept in the file; nothing here reads or writes it.
+    /// Unused. Kept because existing settings files contain it.
     VT_PROPERTY(int, LastCalibratedScreenIndex, -1)
     Q_CLASSINFO("LastCalibratedScreenIndexEditable", "true")
     Q_CLASSINFO("LastCalibratedScreenIndexNotVisible", "true")

@@ -7,9 +7,12 @@
 #include <array>
 #include <cstring>
 
-namespace at = asee::gaze_record;
+namespace at = asee_sdk::gaze_record;
 
-/// A gaze record of which a test sets the fields it is about.
+/// Long enough for a computer under heavy load.
+constexpr int maxWaitMs = 60000;
+
+/// Builds a gaze record. Fields are 0 unless a test sets them.
 class TestRecord {
 public:
     template <typename T>
@@ -21,7 +24,7 @@ public:
     [[nodiscard]] const void *data() const { return bytes_.data(); }
 
 private:
-    std::array<char, at::bytes> bytes_{};
+    std::array<char, at::sizeBytes> bytes_{};
 };
 
 inline ScriptedAsee &library() {

@@ -11,7 +11,7 @@ ScriptedAsee &library() {
     return ScriptedAsee::instance();
 }
 
-// What there is to an argument: its text, and what the library does with it.
+// Return the text of an argument for the list of calls.
 
 std::string take(long number) {
     return ' ' + std::to_string(number);
@@ -26,23 +26,23 @@ std::string take(const float *xy) {
     return take(std::lround(100 * xy[0])) + take(std::lround(100 * xy[1]));
 }
 
-/// A call of the library's function of that name.
+/// Runs the fake function `name`. The types of the arguments select the overload.
 struct Call {
     const char *name;
 
-    int operator()(asee::GazeCallback callback, void *context) const {
+    int operator()(asee_sdk::GazeCallback callback, void *context) const {
         library().gaze = callback;
         library().context = context;
         return library().note(name, {});
     }
 
-    int operator()(asee::ImageCallback callback, void *) const {
+    int operator()(asee_sdk::ImageCallback callback, void *) const {
         library().image = callback;
         return library().note(name, {});
     }
 
-    int operator()(int number, const float *xy, asee::PointCallback progress, void *context, asee::PointCallback finish,
-                   void *) const {
+    int operator()(int number, const float *xy, asee_sdk::PointCallback progress, void *context,
+                   asee_sdk::PointCallback finish, void *) const {
         library().progress = progress;
         library().finish = finish;
         library().pointContext = context;

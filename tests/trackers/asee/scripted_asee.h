@@ -1,6 +1,6 @@
 #pragma once
 
-#include "trackers/asee/asee_sdk.h"
+#include "trackers/asee/sdk/asee_sdk.h"
 
 #include <atomic>
 #include <functional>
@@ -9,27 +9,27 @@
 #include <string>
 #include <vector>
 
-/// The vendor's library, doing what a test tells it to and noting what is asked of it.
+/// A fake of the vendor's library. It records its calls, and its behaviour is set by each test.
 struct ScriptedAsee {
     static ScriptedAsee &instance();
 
     void reset();
-    /// Notes a call, its numbers and texts included, and returns what the test wants it to.
+    /// Records a call with its arguments, and returns the result that the test has set.
     int note(const std::string &function, const std::string &arguments);
-    /// What was called since the last time, in order.
+    /// Returns the calls since the last takeCalls(), in order.
     [[nodiscard]] std::vector<std::string> takeCalls();
     [[nodiscard]] bool wasCalled(const std::string &call);
 
-    std::map<std::string, int> results;    ///< of the functions; 0 where nothing is said
-    std::atomic<bool> pointsFinish{true};  ///< at once, before the call returns
+    std::map<std::string, int> results;    ///< by function; the default is 0
+    std::atomic<bool> pointsFinish{true};  ///< whether a point is finished during its call
     std::function<void()> whileComputing;
 
-    // What the product has handed over.
-    asee::GazeCallback gaze = nullptr;
-    asee::ImageCallback image = nullptr;
-    asee::PointCallback progress = nullptr;
-    asee::PointCallback finish = nullptr;
-    void *context = nullptr;  ///< of gaze and image
+    // The callbacks that the program has set.
+    asee_sdk::GazeCallback gaze = nullptr;
+    asee_sdk::ImageCallback image = nullptr;
+    asee_sdk::PointCallback progress = nullptr;
+    asee_sdk::PointCallback finish = nullptr;
+    void *context = nullptr;  ///< for gaze and image
     void *pointContext = nullptr;
 
 private:

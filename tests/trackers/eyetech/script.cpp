@@ -4,12 +4,12 @@
 #include <QThreadPool>
 
 Script &freshScript() {
-    // Frame tasks of the last test may still call.
+    // Frame tasks of the previous test may still call the library.
     QThreadPool::globalInstance()->waitForDone();
-    // Kept loaded beside the program's own use.
+    // Keeps the library loaded when the program unloads it.
     static QLibrary library("QuickLink2");
     const auto renew = library.load() ? reinterpret_cast<Script *(*)()>(library.resolve("renewScript")) : nullptr;
     if (!renew)
-        qFatal("the scripted library is not found: %s", qUtf8Printable(library.errorString()));
+        qFatal("cannot load the fake library: %s", qUtf8Printable(library.errorString()));
     return *renew();
 }

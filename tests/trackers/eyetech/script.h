@@ -1,14 +1,13 @@
 #pragma once
 
-#include "trackers/eyetech/quicklink2.h"
+#include "trackers/eyetech/sdk/quicklink2.h"
 
 #include <QByteArray>
 #include <QList>
 #include <functional>
 #include <mutex>
 
-/// What the scripted library does: a hook for each entry point, which tests set. It does nothing and returns 0 where
-/// none is set.
+/// The behaviour of the fake library. A test can set a hook for each entry point. Without a hook, it returns 0.
 struct Script {
 #define OCELA_HOOK(name, parameters, arguments) std::function<int parameters> name;
     OCELA_QUICKLINK2_FUNCTIONS(OCELA_HOOK)
@@ -18,7 +17,8 @@ struct Script {
         const std::lock_guard<std::mutex> lock(mutex_);
         calls_ << name;
     }
-    /// The calls since the last time this was asked, in order, without those that the poll makes all the time.
+    /// Returns the calls since the last takeCalls(), in order, without the calls for status and frames, which are
+    /// polled.
     [[nodiscard]] QList<QByteArray> takeCalls() {
         const std::lock_guard<std::mutex> lock(mutex_);
         QList<QByteArray> calls;
@@ -33,5 +33,5 @@ private:
     QList<QByteArray> calls_;
 };
 
-/// Of the library that the program under test loads; a fresh one for each test.
+/// Resets and returns the script of the library that the program loads.
 Script &freshScript();

@@ -1,4 +1,4 @@
-// The vendor's library with all its names, doing what a test says.
+// A fake of the vendor's library.
 
 #include "trackers/eyetech/script.h"
 

@@ -1,19 +1,32 @@
-const patienceMs = 3000;
+// @ts-check
+const timeoutMs = 3000;
 
-/** Everything but letters, digits and -._~ goes percent-encoded: the server takes & and blanks for the path's end. */
+/**
+ * Percent-encodes everything except letters, digits and -._~. In the server, a path ends at ? and at a space.
+ *
+ * @param {string} text
+ */
 export function encodeParameter(text) {
-    return encodeURIComponent(text).replace(/[!'()*]/g, c => '%' + c.charCodeAt(0).toString(16).toUpperCase());
+    return encodeURIComponent(text).replace(/[!'()*]/g, c => `%${c.charCodeAt(0).toString(16).toUpperCase()}`);
 }
 
-/** An answer of the server itself, without asking the service: "503 too many connections". */
+/** The server refused the request with an HTTP status, for example "503 too many connections". */
 export class Refusal extends Error {}
 
-/** The service's answer to a path; throws if there is none, or if it is no JSON. */
+/**
+ * Sends a request and returns the JSON answer. Throws a Refusal for an HTTP error status, and another error if there is
+ * no valid answer within the timeout.
+ *
+ * @param {string} path
+ * @param {RequestInit} options
+ */
 export async function ask(path, options = {}) {
-    const answer = await fetch(path, { cache: 'no-store', signal: AbortSignal.timeout(patienceMs), ...options });
+    const answer = await fetch(path, { cache: 'no-store', signal: AbortSignal.timeout(timeoutMs), ...options });
     if (!answer.ok) throw new Refusal(`${answer.status} ${answer.statusText}`);
     return answer.json();
 }
 
+/** @param {string} file */
 export const startRecordPath = file => (file ? `/startrecord&path=${encodeParameter(file)}` : '/startrecord');
-export const calibratePath = screen => `/calibrate&screen=${encodeParameter(String(screen))}`;
+/** @param {number} screen */
+export const calibratePath = screen => `/calibrate&screen=${screen}`;

@@ -1,26 +1,34 @@
-import { byId, element } from '../shared/dom.js';
+// @ts-check
+import { byId, element, inputById } from '../shared/dom.js';
 import { onLanguage, text, timeOfDay } from '../shared/language.js';
 import { Refusal, ask, calibratePath, startRecordPath } from './api.js';
 
-/** Older requests are forgotten. */
-const mostRequests = 6;
+const maxRequestCount = 6;
 
-/** Newest first: { item, date, title, outcome, refused }, the texts as functions, as the language may change. */
+/** Texts are functions, because the language may change. @typedef {() => string} Text */
+/** @typedef {{ item: HTMLElement, date: Date, title: Text, outcome: Text, refused: boolean }} Request */
+
+/** The shown requests, newest first. @type {Request[]} */
 const requests = [];
 
-/** Settled with the newest request. They go one by one: on two connections a stop may overtake its start. */
-let done = Promise.resolve();
+/**
+ * Resolves with the outcome of the newest request. Each request waits for the answer to the previous one. Otherwise, they
+ * could use two connections, and /stoprecord could arrive before /startrecord.
+ *
+ * @type {Promise<Partial<Request>>}
+ */
+let lastOutcome = Promise.resolve({});
 
-/** Makes the buttons work, and shows what became of each request as far as the service tells. */
+/** Connects the buttons and shows the outcome of each request. */
 export function startControls() {
     byId('record').addEventListener('submit', event => {
         event.preventDefault();
-        const path = byId('path').value.trim();
+        const path = inputById('path').value.trim();
         send(startRecordPath(path), () => text('startRecordAt', { path: path || text('defaultPath') }));
     });
     byId('calibration').addEventListener('submit', event => {
         event.preventDefault();
-        const screen = byId('screen').valueAsNumber;
+        const screen = inputById('screen').valueAsNumber;
         send(calibratePath(screen), () => text('calibrateScreen', { screen }));
     });
     byId('stop-record').addEventListener('click', () => send('/stoprecord', () => text('stopRecord')));
@@ -28,19 +36,29 @@ export function startControls() {
     onLanguage(() => requests.forEach(show));
 }
 
+/**
+ * @param {string} path
+ * @param {Text} title
+ */
 async function send(path, title) {
-    const item = element('li', '');
-    const request = { item, date: new Date(), title, outcome: () => text('waiting'), refused: false };
+    const request = {
+        item: element('li'), date: new Date(), title, outcome: () => text('waiting'), refused: false,
+    };
     requests.unshift(request);
     show(request);
-    byId('requests').prepend(item);
-    for (const old of requests.splice(mostRequests)) old.item.remove();
-    done = done.then(() => outcomeOf(path));
-    Object.assign(request, await done);
+    byId('requests').prepend(request.item);
+    for (const old of requests.splice(maxRequestCount)) old.item.remove();
+    lastOutcome = lastOutcome.then(() => outcomeOf(path));
+    Object.assign(request, await lastOutcome);
     show(request);
 }
 
-/** POST, as it changes something: nothing repeats it behind our back. */
+/**
+ * Sends a POST request, because the browser never repeats it automatically, unlike GET.
+ *
+ * @param {string} path
+ * @returns {Promise<Partial<Request>>}
+ */
 async function outcomeOf(path) {
     try {
         const answer = await ask(path, { method: 'POST' });
@@ -49,12 +67,16 @@ async function outcomeOf(path) {
         return { outcome, refused: true };
     } catch (error) {
         const key = error instanceof Refusal ? 'refusedBecause' : 'unanswered';
-        return { outcome: () => text(key, { error: error.message }), refused: true };
+        return { outcome: () => text(key, { error: /** @type {Error} */ (error).message }), refused: true };
     }
 }
 
-/** Touches this request's item alone: a screen reader reads out whatever changes in the list. */
+/**
+ * Updates only the item of this request, because a screen reader reads every change of the list aloud.
+ *
+ * @param {Request} request
+ */
 function show({ item, date, title, outcome, refused }) {
     item.className = refused ? 'refused' : '';
-    item.replaceChildren(`${timeOfDay(date)}  ${title()} `, element('br', ''), element('b', outcome()));
+    item.replaceChildren(`${timeOfDay(date)}  ${title()} `, element('br'), element('b', outcome()));
 }

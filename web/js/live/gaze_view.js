@@ -1,63 +1,92 @@
-import { prepare } from '../shared/canvas.js';
+// @ts-check
+import { drawScreen } from '../shared/canvas.js';
 import { gapLimitMs } from '../shared/polyline.js';
-import { drawScreen, placesIn, screenIn } from '../shared/screen.js';
+import { screenIn } from '../shared/screen.js';
+/** @import { Colour, Surface } from '../shared/canvas.js' */
+/** @import { ColumnName, SampleColumns } from '../shared/sample_columns.js' */
+/** @import { Screen } from '../shared/screen.js' */
 
-/** How long the trail is, in ms. */
-export const trailMs = 2000;
+const trailMs = 2000;
 
-/** The trail is drawn in so many pieces, each a little fainter than the next newer one. */
-const pieces = 10;
+/** The trail is drawn in pieces, because its opacity increases from the oldest piece to the newest. */
+const pieceCount = 10;
 
+/** @typedef {{ x: ColumnName, y: ColumnName, colour: Colour, width: number, radius: number, ring?: boolean }} Track */
+
+/** @type {Track[]} */
 const tracks = [
     { x: 'leftX', y: 'leftY', colour: 'left', width: 1.5, radius: 4.5 },
     { x: 'rightX', y: 'rightY', colour: 'right', width: 1.5, radius: 4.5 },
     { x: 'x', y: 'y', colour: 'gaze', width: 2, radius: 10, ring: true },
 ];
 
-/** Draws the screen and on it the gaze of the last two seconds before `nowMs` of the columns' time. */
-export function drawGaze(canvas, columns, nowMs, aspect, palette) {
-    const { context, width, height } = prepare(canvas, palette.surface);
-    const screen = screenIn(width, height, aspect);
-    drawScreen(context, screen, palette);
-    const from = columns.indexAt(nowMs - trailMs);
-    for (const track of tracks) drawTrack(context, screen, columns, from, nowMs, track, palette[track.colour]);
+/**
+ * Draws the screen, and the gaze of the two seconds before `nowMs`.
+ *
+ * @param {Surface} surface
+ * @param {SampleColumns} columns
+ * @param {number} nowMs in the columns' time
+ * @param {number} aspect
+ */
+export function drawGaze(surface, columns, nowMs, aspect) {
+    const { context, palette } = surface;
+    const screen = screenIn(surface, aspect);
+    drawScreen(surface, screen);
+    context.lineJoin = 'round';
+    for (const track of tracks) {
+        context.strokeStyle = context.fillStyle = palette[track.colour];
+        context.lineWidth = track.width;
+        drawTrail(context, screen, columns, track, nowMs);
+        drawHead(context, screen, columns, track, nowMs);
+    }
     context.globalAlpha = 1;
 }
 
-function drawTrack(context, screen, columns, from, nowMs, track, colour) {
-    const [xs, ys] = [columns[track.x], columns[track.y]];
-    const { toX, toY } = placesIn(screen);
-    const { time, length } = columns;
-    const limitMs = gapLimitMs(time, from, length);
-    context.strokeStyle = colour;
-    context.lineWidth = track.width;
-    context.lineJoin = 'round';
-    let begin = from;
-    for (let piece = 1; piece <= pieces; ++piece) {
-        const end = columns.indexAt(nowMs - trailMs + (piece * trailMs) / pieces);
-        context.globalAlpha = (piece / pieces) ** 2 * 0.7;
+/**
+ * @param {CanvasRenderingContext2D} context
+ * @param {Screen} screen
+ * @param {SampleColumns} columns
+ * @param {Track} track
+ * @param {number} nowMs
+ */
+function drawTrail(context, { toX, toY }, columns, track, nowMs) {
+    const { time, [track.x]: x, [track.y]: y } = columns;
+    const from = columns.indexAt(nowMs - trailMs);
+    const limitMs = gapLimitMs(time, from, columns.length);
+    let start = from + 1;
+    for (let piece = 1; piece <= pieceCount; ++piece) {
+        const end = columns.indexAt(nowMs - trailMs + (piece * trailMs) / pieceCount);
+        context.globalAlpha = (piece / pieceCount) ** 2 * 0.7;
         context.beginPath();
-        // From the end of the piece before, so that they join.
-        for (let i = Math.max(from + 1, begin); i < end; ++i) {
-            if (time[i] - time[i - 1] > limitMs) continue;
-            context.moveTo(toX(xs[i - 1]), toY(ys[i - 1]));
-            context.lineTo(toX(xs[i]), toY(ys[i]));
+        for (let i = start; i < end; ++i) {
+            // A canvas ignores points with NaN, so a single polyline would continue across the loss.
+            if (Number.isNaN(x[i - 1]) || Number.isNaN(x[i]) || time[i] - time[i - 1] > limitMs) continue;
+            context.moveTo(toX(x[i - 1]), toY(y[i - 1]));
+            context.lineTo(toX(x[i]), toY(y[i]));
         }
         context.stroke();
-        begin = end;
+        start = Math.max(start, end);
     }
-    drawHead(context, columns, nowMs, xs, ys, toX, toY, track, colour);
 }
 
-/** Where the gaze is at `nowMs`, unless it is lost; it fades when nothing follows. */
-function drawHead(context, columns, nowMs, xs, ys, toX, toY, track, colour) {
+/**
+ * Draws a dot or a ring at the position in the newest sample, unless the position is missing. The mark fades if no new
+ * samples arrive.
+ *
+ * @param {CanvasRenderingContext2D} context
+ * @param {Screen} screen
+ * @param {SampleColumns} columns
+ * @param {Track} track
+ * @param {number} nowMs
+ */
+function drawHead(context, { toX, toY }, columns, track, nowMs) {
     const last = columns.indexAt(nowMs) - 1;
-    if (last < 0 || Number.isNaN(xs[last])) return;
-    const age = nowMs - columns.time[last];
-    context.globalAlpha = Math.min(1, Math.max(0, 1.25 - age / trailMs));
+    const [x, y] = [columns[track.x][last], columns[track.y][last]];
+    if (last < 0 || Number.isNaN(x)) return;
+    const ageMs = nowMs - columns.time[last];
+    context.globalAlpha = Math.min(1, Math.max(0, 1.25 - ageMs / trailMs));
     context.beginPath();
-    context.arc(toX(xs[last]), toY(ys[last]), track.radius, 0, 2 * Math.PI);
-    context.fillStyle = colour;
+    context.arc(toX(x), toY(y), track.radius, 0, 2 * Math.PI);
     if (track.ring) context.stroke();
     else context.fill();
 }

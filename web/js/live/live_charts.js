@@ -1,45 +1,66 @@
-import { prepare } from '../shared/canvas.js';
-import { chartFrame, drawAxes, drawNote, drawSeries } from '../shared/chart.js';
+// @ts-check
+import { prepareCanvas } from '../shared/canvas.js';
+import { Chart } from '../shared/chart.js';
+import { byId } from '../shared/dom.js';
 import { number, text } from '../shared/language.js';
 import { rangeOf } from '../shared/ticks.js';
-import { byId } from '../shared/dom.js';
 import { spanMs } from './sample_stream.js';
+/** @import { Colour, Palette } from '../shared/canvas.js' */
+/** @import { Label } from '../shared/chart.js' */
+/** @import { ColumnName, SampleColumns } from '../shared/sample_columns.js' */
 
-const gazeRange = [0, 100];
+/**
+ * The value axis has the fixed `range`. Without `range`, it covers all values, extended to multiples of `step`.
+ *
+ * @typedef {{ id: string, series: [ColumnName, Colour][], range?: [number, number], step: number }} ChartDescription
+ */
 
-/** The combined gaze runs between the two eyes: a broad band that does not hide them. */
-const lineWidths = { band: 6 };
-
-/** `range` or, in steps of `step`, that of the values. */
+/** @type {ChartDescription[]} */
 const charts = [
-    { id: 'chart-x', series: { x: 'band', leftX: 'left', rightX: 'right' }, range: gazeRange },
-    { id: 'chart-y', series: { y: 'band', leftY: 'left', rightY: 'right' }, range: gazeRange },
-    { id: 'chart-pupil', series: { leftPupil: 'left', rightPupil: 'right' }, step: 1 },
-    { id: 'chart-distance', series: { distance: 'accent' }, step: 10, hidesEmpty: true },
+    { id: 'chart-x', series: [['x', 'band'], ['leftX', 'left'], ['rightX', 'right']], range: [0, 100], step: 0 },
+    { id: 'chart-y', series: [['y', 'band'], ['leftY', 'left'], ['rightY', 'right']], range: [0, 100], step: 0 },
+    { id: 'chart-pupil', series: [['leftPupil', 'left'], ['rightPupil', 'right']], step: 1 },
+    { id: 'chart-distance', series: [['distance', 'accent']], step: 10 },
 ];
 
-function seconds(timeMs, digits) {
-    return text('seconds', { value: number(timeMs / 1000, digits) });
-}
+/** This chart is hidden if it has no values, because not all trackers measure the distance. */
+const hiddenIfEmpty = 'chart-distance';
 
-/** Draws the last ten seconds before `nowMs` of the columns' time. */
+/** The combined gaze is drawn first, as a wide band, so that the lines of the two eyes are visible on it. */
+const bandWidth = 6;
+
+/** @type {Label} */
+const secondsLabel = (timeMs, decimals) => text('seconds', { value: number(timeMs / 1000, decimals) });
+
+/**
+ * Draws the ten seconds before `nowMs`.
+ *
+ * @param {SampleColumns} columns
+ * @param {number} nowMs in the columns' time
+ * @param {Palette} palette
+ */
 export function drawCharts(columns, nowMs, palette) {
     for (const chart of charts) drawChart(chart, columns, nowMs, palette);
 }
 
-function drawChart(chart, columns, nowMs, palette) {
-    const figure = byId(chart.id);
-    const names = Object.keys(chart.series);
-    const range = chart.range ?? rangeOf(names.map(name => columns[name]), 0, columns.length, chart.step);
-    figure.hidden = !range && Boolean(chart.hidesEmpty);
+/**
+ * @param {ChartDescription} chart
+ * @param {SampleColumns} columns
+ * @param {number} nowMs
+ * @param {Palette} palette
+ */
+function drawChart({ id, series, range, step }, columns, nowMs, palette) {
+    const figure = byId(id);
+    const values = range ?? rangeOf(series.map(([name]) => columns[name]), 0, columns.length, step);
+    figure.hidden = !values && id === hiddenIfEmpty;
     if (figure.hidden) return;
 
-    const { context, width, height } = prepare(figure.querySelector('canvas'), palette.surface);
-    const frame = chartFrame(width, height, -spanMs, 0, ...(range ?? [0, 1]));
-    drawAxes(context, frame, palette, seconds, number);
-    if (!range) drawNote(context, frame, palette, text('notMeasured'));
-    const moving = { ...frame, toX: timeMs => frame.toX(timeMs - nowMs) };
-    const { time, length } = columns;
-    for (const [name, colour] of Object.entries(chart.series))
-        drawSeries(context, moving, time, columns[name], 0, length, palette[colour], lineWidths[colour]);
+    const canvas = /** @type {HTMLCanvasElement} */ (figure.querySelector('canvas'));
+    const surface = prepareCanvas(canvas, palette);
+    const axes = new Chart(surface, { fromMs: -spanMs, toMs: 0 }, values ?? [0, 1]);
+    axes.drawAxes(secondsLabel, number);
+    if (!values) axes.drawNote(text('notMeasured'));
+    const chart = new Chart(surface, { fromMs: nowMs - spanMs, toMs: nowMs }, values ?? [0, 1]);
+    for (const [name, colour] of series)
+        chart.drawSeries(columns, name, palette[colour], colour === 'band' ? { lineWidth: bandWidth } : {});
 }

@@ -1,19 +1,40 @@
+// @ts-check
 import { ask } from './api.js';
-import { pauseMs } from './poll_pace.js';
+/** @import { Answer } from './sample_stream.js' */
+
+const minIntervalMs = 160;
+const idleIntervalMs = 400;
+const maxIntervalMs = 1000;
+const firstRetryMs = 250;
+const maxRetryMs = 4000;
+
+/** Requests and their answers take at most this share of the time, unless that needs more than `maxIntervalMs`. */
+const maxBusyShare = 0.3;
 
 /**
- * Asks for the last samples again and again, at a pace that suits the service and this machine. Rests while the page is
- * hidden: what it would draw nobody sees.
+ * Returns the pause before the next request, in ms.
+ *
+ * @param {number} failureCount the number of failed requests since the last answer
+ * @param {number} tookMs the time from the last request until its answer was processed
+ * @param {boolean} changed whether the last answer had new samples
  */
+export function pauseMs(failureCount, tookMs, changed) {
+    if (failureCount > 0) return Math.min(firstRetryMs * 2 ** (failureCount - 1), maxRetryMs);
+    const intervalMs = Math.max(changed ? minIntervalMs : idleIntervalMs, tookMs / maxBusyShare);
+    return Math.max(0, Math.min(intervalMs, maxIntervalMs) - tookMs);
+}
+
+/** Requests the last samples periodically. Pauses while the page is hidden. */
 export class Poller {
     #take;
-    #failures = 0;
-    #timer = 0;
+    #failureCount = 0;
+    /** @type {ReturnType<typeof setTimeout> | undefined} */
+    #timer;
     #asking = false;
 
     /**
-     * @param take called with the answer, or null when there is none, and the ms that it took; returns whether it
-     *     brought anything new
+     * @param {(answer: Answer | null, tookMs: number) => boolean} take called after each request, with null if there
+     *     was no answer; returns whether the answer has new samples
      */
     constructor(take) {
         this.#take = take;
@@ -21,6 +42,7 @@ export class Poller {
         this.#schedule(0);
     }
 
+    /** @param {number} delayMs */
     #schedule(delayMs) {
         clearTimeout(this.#timer);
         if (!document.hidden && !this.#asking) this.#timer = setTimeout(() => this.#poll(), delayMs);
@@ -31,11 +53,12 @@ export class Poller {
         this.#asking = true;
         const answer = await this.#lastSamples();
         this.#asking = false;
-        this.#failures = answer ? 0 : this.#failures + 1;
+        this.#failureCount = answer ? 0 : this.#failureCount + 1;
         const changed = this.#take(answer, performance.now() - startedMs);
-        this.#schedule(pauseMs(this.#failures, performance.now() - startedMs, changed));
+        this.#schedule(pauseMs(this.#failureCount, performance.now() - startedMs, changed));
     }
 
+    /** @returns {Promise<Answer | null>} */
     async #lastSamples() {
         try {
             const answer = await ask('/lastsamples');

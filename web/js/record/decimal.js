@@ -1,12 +1,18 @@
+// @ts-check
+
 const [plus, minus, point, zero, nine] = ['+', '-', '.', '0', '9'].map(character => character.charCodeAt(0));
 
-/** Most digits behind the point whose power of ten is exact. */
-const mostDecimals = 22;
+/** A double cannot represent higher powers of ten exactly. */
+const maxDecimals = 22;
 
 /**
- * The number that stands in `bytes` from `from` to `to` (excluded), NaN for one that is none by name ("nan", "inf"),
- * undefined when it is no number at all. Numbers with a point may differ in the last of their 16 digits from the
- * exact one. Much quicker than making a text of each of the millions of cells of a record.
+ * Returns the number in `bytes` from `from` to `to` (excluded): NaN for "nan" and "inf", undefined for other text. The
+ * result for a number with a decimal point may differ from Number() in the 16th digit. This is much faster than converting the
+ * millions of cells of a record file to strings.
+ *
+ * @param {Uint8Array} bytes
+ * @param {number} from
+ * @param {number} to
  */
 export function parseDecimal(bytes, from, to) {
     const first = bytes[from];
@@ -21,11 +27,17 @@ export function parseDecimal(bytes, from, to) {
     }
     const decimals = to - 1 - pointAt;
     const isEmpty = to - start - (bytes[pointAt] === point ? 1 : 0) <= 0;
-    if (isEmpty || decimals > mostDecimals) return parseText(bytes, from, to);
+    if (isEmpty || decimals > maxDecimals) return parseText(bytes, from, to);
     return (first === minus ? -value : value) / 10 ** decimals;
 }
 
-/** Exponents, and what is rare or wrong. */
+/**
+ * Handles exponents and other rare forms.
+ *
+ * @param {Uint8Array} bytes
+ * @param {number} from
+ * @param {number} to
+ */
 function parseText(bytes, from, to) {
     const text = new TextDecoder().decode(bytes.subarray(from, to));
     if (/^[-+]?(nan|inf(inity)?)$/i.test(text)) return NaN;

@@ -1,72 +1,122 @@
+// @ts-check
 import { number, text } from '../shared/language.js';
 import { canvasAspect } from '../shared/screen.js';
-import { drawPupils, drawValidity } from './record_charts.js';
+import { drawPupils, drawValidity, stages } from './record_charts.js';
 import { figuresOf } from './record_texts.js';
-import { drawStage } from './stage.js';
+/** @import { Colour, Palette, Surface } from '../shared/canvas.js' */
+/** @import { TextKey } from '../shared/language.js' */
+/** @import { StageMode } from './record_charts.js' */
+/** @import { RecordView } from './record_view.js' */
 
-/** In the units of the drawing, each of which becomes two pixels. */
-const [width, scale, edge] = [1000, 2, 24];
+/** Lengths. One unit is `scale` pixels of the image. */
+const [width, edge, scale] = [1000, 24, 2];
 const [titleHeight, chartHeight, captionHeight] = [64, 150, 24];
+const innerWidth = width - 2 * edge;
 
-/** What draws each chart, and the colours of its lines by their names. */
+/** @typedef {[TextKey, Colour][]} Captions Texts with their colours. */
+
+/** @type {{ draw: (surface: Surface, view: RecordView) => void, captions: Captions }[]} */
 const charts = [
-    ['chartPupil', drawPupils, { leftEye: 'left', rightEye: 'right' }],
-    ['chartValid', drawValidity, {}],
+    { draw: drawPupils, captions: [['chartPupil', 'ink'], ['leftEye', 'left'], ['rightEye', 'right']] },
+    { draw: drawValidity, captions: [['chartValid', 'ink']] },
 ];
 
-/** Offers a picture of what is shown, with its figures, as a file beside the record's name. */
-export async function savePicture(view, mode, palette) {
-    const canvas = pictureOf(view, mode, palette);
+/**
+ * Saves the shown range and its figures as a PNG file with the base name of the record file.
+ *
+ * @param {RecordView} view
+ * @param {StageMode} mode
+ * @param {Palette} palette
+ */
+export async function savePng(view, mode, palette) {
+    const canvas = imageOf(view, mode, palette);
+    /** @type {Blob | null} */
     const blob = await new Promise(resolve => canvas.toBlob(resolve, 'image/png'));
+    if (!blob) return;
     const link = document.createElement('a');
     link.href = URL.createObjectURL(blob);
     link.download = `${view.fileName.replace(/\.csv$/i, '')}.png`;
     link.click();
-    // The browser may look at the address a little later.
+    // The browser may start the download after click() has returned.
     setTimeout(() => URL.revokeObjectURL(link.href), 60000);
 }
 
-function pictureOf(view, mode, palette) {
-    const stageHeight = Math.round((width - 2 * edge) / canvasAspect(view.aspect));
+/**
+ * @param {RecordView} view
+ * @param {StageMode} mode
+ * @param {Palette} palette
+ */
+function imageOf(view, mode, palette) {
+    const stageHeight = Math.round(innerWidth / canvasAspect(view.aspect));
     const height = titleHeight + stageHeight + charts.length * (captionHeight + chartHeight) + edge;
     const canvas = Object.assign(document.createElement('canvas'), { width: width * scale, height: height * scale });
-    const context = canvas.getContext('2d');
+    const context = /** @type {CanvasRenderingContext2D} */ (canvas.getContext('2d'));
     context.scale(scale, scale);
     context.fillStyle = palette.surface;
     context.fillRect(0, 0, width, height);
     drawTitle(context, view, palette);
     context.translate(edge, titleHeight);
-    drawStage(context, width - 2 * edge, stageHeight, mode, view, palette);
+    stages[mode]({ context, width: innerWidth, height: stageHeight, palette }, view);
     context.translate(0, stageHeight);
-    for (const chart of charts) drawCaptioned(context, ...chart, view, palette);
+    for (const { draw, captions } of charts) {
+        drawCaptions(context, captions, palette);
+        context.translate(0, captionHeight);
+        draw({ context, width: innerWidth, height: chartHeight, palette }, view);
+        context.translate(0, chartHeight);
+    }
     return canvas;
 }
 
+/**
+ * @param {CanvasRenderingContext2D} context
+ * @param {RecordView} view
+ * @param {Palette} palette
+ */
 function drawTitle(context, view, palette) {
     const { fromMs, toMs } = view.range;
-    const seconds = ms => text('seconds', { value: number(ms / 1000, 1) });
+    const seconds = (/** @type {number} */ ms) => text('seconds', { value: number(ms / 1000, 1) });
     const { rate, valid, 'fixation-count': count, 'mean-fixation': mean } = figuresOf(view);
     const figures = [
         `${seconds(fromMs)} – ${seconds(toMs)}`, rate, `${text('validShare')}: ${valid}`,
         `${text('fixations')}: ${count}`, `${text('meanFixation')}: ${mean}`,
     ];
-    write(context, view.fileName, edge, 30, palette.ink, palette.font.replace(/^\d+px/, '600 17px'));
-    write(context, figures.join('  ·  '), edge, 52, palette.muted, palette.font.replace(/^\d+px/, '13px'));
+    write(context, view.fileName, edge, 30, palette.ink, fontOf(palette, '600 17px'));
+    write(context, figures.join('  ·  '), edge, 52, palette.muted, fontOf(palette, '13px'));
 }
 
-function drawCaptioned(context, caption, drawChart, lines, view, palette) {
-    const font = palette.font.replace(/^\d+px/, '600 13px');
-    let end = 0;
-    for (const [key, colour] of [[caption, 'ink'], ...Object.entries(lines)])
-        end += write(context, text(key), end, captionHeight - 6, palette[colour], font) + edge;
-    context.translate(0, captionHeight);
-    drawChart(context, width - 2 * edge, chartHeight, view, palette);
-    context.translate(0, chartHeight);
+/**
+ * @param {CanvasRenderingContext2D} context
+ * @param {Captions} captions
+ * @param {Palette} palette
+ */
+function drawCaptions(context, captions, palette) {
+    let x = 0;
+    for (const [key, colour] of captions)
+        x += write(context, text(key), x, captionHeight - 6, palette[colour], fontOf(palette, '600 13px')) + edge;
 }
 
-/** Returns how wide the text is. */
+/**
+ * Returns the charts' font with another weight and size.
+ *
+ * @param {Palette} palette
+ * @param {string} size
+ */
+function fontOf({ font }, size) {
+    return font.replace(/^\d+px/, size);
+}
+
+/**
+ * Writes a line of text and returns its width.
+ *
+ * @param {CanvasRenderingContext2D} context
+ * @param {string} content
+ * @param {number} x
+ * @param {number} y
+ * @param {string} colour
+ * @param {string} font
+ */
 function write(context, content, x, y, colour, font) {
     Object.assign(context, { font, fillStyle: colour, textAlign: 'left', textBaseline: 'alphabetic' });
-    context.fillText(content, x, y, width - 2 * edge);
+    context.fillText(content, x, y, innerWidth);
     return context.measureText(content).width;
 }

@@ -1,12 +1,20 @@
-/** Lengths in ms; the dispersion in percent of the screen's width. */
-export const usualParameters = { dispersion: 3, shortestMs: 100, longestGapMs: 75 };
+// @ts-check
+/** @import { SampleColumns } from '../shared/sample_columns.js' */
+
+/** @typedef {{ startMs: number, durationMs: number, x: number, y: number }} Fixation The centre is in percent. */
+
+/** The dispersion is in percent of the screen's width. */
+export const defaultParameters = { maxDispersion: 3, minDurationMs: 100, maxLossMs: 75 };
+
+/** @typedef {typeof defaultParameters} FixationParameters */
 
 /**
- * The fixations of a record by dispersion threshold: stretches of at least `shortestMs` in which the gaze's extent
- * across and down, added, is `dispersion` at most. The gaze may be lost in between for `longestGapMs`.
+ * Finds fixations by dispersion threshold: time ranges of at least `minDurationMs` in which the width and the height of
+ * the gaze's bounding box add up to at most `maxDispersion`. The gaze may be lost for up to `maxLossMs`.
  *
- * @param aspect the screen's width by its height, as the columns' percent are of either
- * @returns a list of { from, to, startMs, durationMs, x, y }: samples `from` to `to` (excluded), the centre in percent
+ * @param {SampleColumns} columns
+ * @param {FixationParameters} parameters
+ * @param {number} aspect the screen's width divided by its height
  */
 export function findFixations(columns, parameters, aspect) {
     const search = new Search(columns, parameters, aspect);
@@ -17,87 +25,115 @@ export function findFixations(columns, parameters, aspect) {
     return search.fixations;
 }
 
-/** Holds the window of samples, from `#start` to `#end` (included), that fit together so far. */
+/** @typedef {{ left: number, right: number, top: number, bottom: number }} Box */
+
+/** Holds a window of samples, from `#start` to `#end` (included), that are within the maximum dispersion. */
 class Search {
+    /** @type {Fixation[]} */
     fixations = [];
     #columns;
     #parameters;
-    #downScale;
+    #aspect;
     #start = -1;
     #end = -1;
-    #extent;
+    /** @type {Box} */
+    #box = { left: 0, right: 0, top: 0, bottom: 0 };
 
+    /**
+     * @param {SampleColumns} columns
+     * @param {FixationParameters} parameters
+     * @param {number} aspect
+     */
     constructor(columns, parameters, aspect) {
         this.#columns = columns;
         this.#parameters = parameters;
-        this.#downScale = 1 / aspect;
+        this.#aspect = aspect;
     }
 
+    /** @param {number} i a sample with a valid gaze */
     add(i) {
         const { time } = this.#columns;
-        if (this.#start >= 0 && time[i] - time[this.#end] > this.#parameters.longestGapMs) this.close();
-        if (this.#start < 0) this.#beginAt(i);
-        else if (this.#fits(this.#extent, i)) this.#extend(i);
-        else this.#moveOnTo(i);
+        if (this.#start >= 0 && time[i] - time[this.#end] > this.#parameters.maxLossMs) this.close();
+        if (this.#start < 0) this.#openAt(i);
+        else if (this.#fits(i)) this.#extendTo(i);
+        else this.#moveTo(i);
     }
 
-    /** Ends the window, which is a fixation if it is long enough. */
+    /** Closes the window. It is a fixation if it is long enough. */
     close() {
         if (this.#start >= 0 && this.#isLongEnough()) this.fixations.push(this.#fixation());
         this.#start = -1;
     }
 
-    #beginAt(i) {
+    /** @param {number} i */
+    #openAt(i) {
+        const [x, y] = [this.#columns.x[i], this.#columns.y[i]];
         this.#start = this.#end = i;
-        this.#extent = this.#extentOf(i);
+        this.#box = { left: x, right: x, top: y, bottom: y };
     }
 
-    #extend(i) {
-        this.#extent = grown(this.#extent, this.#columns.x[i], this.#columns.y[i]);
+    /** @param {number} i */
+    #extendTo(i) {
+        this.#box = this.#boxWith(i);
         this.#end = i;
     }
 
-    /** A window that was too short loses its oldest samples, just so many that the new one fits. */
-    #moveOnTo(i) {
+    /**
+     * Starts a new window at a sample that does not fit. If the previous window is not a fixation, the new one
+     * keeps as many of the previous samples as fit.
+     *
+     * @param {number} i
+     */
+    #moveTo(i) {
         const oldStart = this.#start;
         const wasFixation = this.#isLongEnough();
         if (wasFixation) this.close();
-        this.#beginAt(i);
+        this.#openAt(i);
         if (wasFixation) return;
-        for (let j = i - 1; j > oldStart && (Number.isNaN(this.#columns.x[j]) || this.#fits(this.#extent, j)); --j) {
+        for (let j = i - 1; j > oldStart; --j) {
             if (Number.isNaN(this.#columns.x[j])) continue;
-            this.#extent = grown(this.#extent, this.#columns.x[j], this.#columns.y[j]);
+            if (!this.#fits(j)) return;
+            this.#box = this.#boxWith(j);
             this.#start = j;
         }
     }
 
-    #extentOf(i) {
+    /**
+     * @param {number} i
+     * @returns {Box}
+     */
+    #boxWith(i) {
+        const { left, right, top, bottom } = this.#box;
         const [x, y] = [this.#columns.x[i], this.#columns.y[i]];
-        return { left: x, right: x, top: y, bottom: y };
+        return { left: Math.min(left, x), right: Math.max(right, x), top: Math.min(top, y), bottom: Math.max(bottom, y) };
     }
 
-    #fits(extent, i) {
-        const { left, right, top, bottom } = grown(extent, this.#columns.x[i], this.#columns.y[i]);
-        return right - left + (bottom - top) * this.#downScale <= this.#parameters.dispersion;
+    /** @param {number} i */
+    #fits(i) {
+        const { left, right, top, bottom } = this.#boxWith(i);
+        return right - left + (bottom - top) / this.#aspect <= this.#parameters.maxDispersion;
     }
 
     #isLongEnough() {
         const { time } = this.#columns;
-        return time[this.#end] - time[this.#start] >= this.#parameters.shortestMs;
+        return time[this.#end] - time[this.#start] >= this.#parameters.minDurationMs;
     }
 
     #fixation() {
         const { time, x, y } = this.#columns;
         const [from, to] = [this.#start, this.#end + 1];
         const startMs = time[from];
-        return { from, to, startMs, durationMs: time[this.#end] - startMs, x: mean(x, from, to), y: mean(y, from, to) };
+        return { startMs, durationMs: time[this.#end] - startMs, x: mean(x, from, to), y: mean(y, from, to) };
     }
 }
 
-function grown({ left, right, top, bottom }, x, y) {
-    return { left: Math.min(left, x), right: Math.max(right, x), top: Math.min(top, y), bottom: Math.max(bottom, y) };
-}
-
+/**
+ * Returns the mean of the values that are not missing.
+ *
+ * @param {Float32Array} values
+ * @param {number} from
+ * @param {number} to
+ */
 function mean(values, from, to) {
     let sum = 0;
     let count = 0;

@@ -1,27 +1,48 @@
-/** Cells across the screen; as many down as make them square. */
-const across = 160;
-
-/** Half the width of the moving average, in cells, and how often it is taken, so that its corners wear off. */
-const blurCells = 2;
-const passes = 5;
+// @ts-check
+/** @import { SampleColumns } from '../shared/sample_columns.js' */
 
 /**
- * How often the gaze was where, smoothed, as shares of the most frequented cell.
+ * A grid of cells, row by row, from the top left. `shares` are relative to the highest cell, from 0 to 1.
  *
- * @returns { width, height, shares }: rows from the top, each from the left
+ * @typedef {{ width: number, height: number, shares: Float32Array }} HeatMap
+ */
+
+/** The number of cells across the screen. Cells are square. */
+const cellsAcross = 160;
+
+/** Repeated moving averages are close to a Gaussian blur. The radius is in cells. */
+const blurRadius = 2;
+const blurPasses = 5;
+
+/**
+ * Returns the smoothed number of samples in each cell of the screen, relative to the highest cell.
+ *
+ * @param {SampleColumns} columns
+ * @param {number} from
+ * @param {number} to
+ * @param {number} aspect
+ * @returns {HeatMap}
  */
 export function heatMapOf(columns, from, to, aspect) {
-    const [width, height] = [across, Math.round(across / aspect)];
+    const [width, height] = [cellsAcross, Math.round(cellsAcross / aspect)];
     let cells = countIn(columns, from, to, width, height);
-    for (let pass = 0; pass < passes; ++pass) {
-        cells = blurred(cells, width, height, 1, width);
-        cells = blurred(cells, height, width, width, 1);
+    for (let pass = 0; pass < blurPasses; ++pass) {
+        cells = blurred(cells, { count: height, step: width }, { count: width, step: 1 });
+        cells = blurred(cells, { count: width, step: 1 }, { count: height, step: width });
     }
-    const most = cells.reduce((a, b) => Math.max(a, b), 0);
-    return { width, height, shares: most > 0 ? cells.map(count => count / most) : cells };
+    const highest = cells.reduce((a, b) => Math.max(a, b), 0);
+    return { width, height, shares: highest > 0 ? cells.map(count => count / highest) : cells };
 }
 
-/** Gaze beyond the screen is left out. */
+/**
+ * Counts the samples in each cell. Gaze beyond the screen is ignored.
+ *
+ * @param {SampleColumns} columns
+ * @param {number} from
+ * @param {number} to
+ * @param {number} width
+ * @param {number} height
+ */
 function countIn(columns, from, to, width, height) {
     const cells = new Float32Array(width * height);
     for (let i = from; i < to; ++i) {
@@ -32,15 +53,24 @@ function countIn(columns, from, to, width, height) {
     return cells;
 }
 
-/** The moving average along one direction: lines of `length` cells, `step` apart, and the lines `lineStep` apart. */
-function blurred(cells, length, lines, step, lineStep) {
+/** @typedef {{ count: number, step: number }} Axis `step` is the distance between neighbouring cells in the array. */
+
+/**
+ * Returns the moving average along one axis.
+ *
+ * @param {Float32Array} cells
+ * @param {Axis} across
+ * @param {Axis} along
+ */
+function blurred(cells, across, along) {
     const result = new Float32Array(cells.length);
-    for (let line = 0; line < lines; ++line) {
-        const at = i => (i >= 0 && i < length ? cells[line * lineStep + i * step] : 0);
+    for (let line = 0; line < across.count; ++line) {
+        const indexOf = (/** @type {number} */ i) => line * across.step + i * along.step;
+        const at = (/** @type {number} */ i) => (i >= 0 && i < along.count ? cells[indexOf(i)] : 0);
         let sum = 0;
-        for (let i = -blurCells; i < length + blurCells; ++i) {
-            sum += at(i + blurCells) - at(i - blurCells - 1);
-            if (i >= 0 && i < length) result[line * lineStep + i * step] = sum / (2 * blurCells + 1);
+        for (let i = -blurRadius; i < along.count; ++i) {
+            sum += at(i + blurRadius) - at(i - blurRadius - 1);
+            if (i >= 0) result[indexOf(i)] = sum / (2 * blurRadius + 1);
         }
     }
     return result;

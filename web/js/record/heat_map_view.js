@@ -1,7 +1,12 @@
-import { drawScreen, screenIn } from '../shared/screen.js';
+// @ts-check
+import { drawScreen } from '../shared/canvas.js';
+import { screenIn } from '../shared/screen.js';
+/** @import { Surface } from '../shared/canvas.js' */
+/** @import { HeatMap } from './heat_map.js' */
+/** @import { RecordView } from './record_view.js' */
 
-/** Red, green, blue and opacity, from rare to frequent; rare is see-through. */
-const ramp = [
+/** Red, green, blue and opacity, from the lowest to the highest share. */
+const colours = [
     [70, 120, 190, 0],
     [60, 150, 190, 110],
     [120, 190, 110, 170],
@@ -9,24 +14,33 @@ const ramp = [
     [205, 40, 40, 240],
 ];
 
+/** @param {number} share */
 function colourOf(share) {
-    const at = Math.min(share, 1) * (ramp.length - 1);
-    const step = Math.min(Math.floor(at), ramp.length - 2);
-    return ramp[step].map((part, i) => part + (ramp[step + 1][i] - part) * (at - step));
+    const position = Math.min(share, 1) * (colours.length - 1);
+    const step = Math.min(Math.floor(position), colours.length - 2);
+    return colours[step].map((part, i) => part + (colours[step + 1][i] - part) * (position - step));
 }
 
-/** Draws what heatMapOf() has counted. */
-export function drawHeatMap(context, width, height, heatMap, aspect, palette) {
-    const screen = screenIn(width, height, aspect);
-    drawScreen(context, screen, palette);
+/**
+ * @param {Surface} surface
+ * @param {RecordView} view
+ */
+export function drawHeatMap(surface, { heatMap, aspect }) {
+    const { context } = surface;
+    const screen = screenIn(surface, aspect);
+    drawScreen(surface, screen);
     context.imageSmoothingEnabled = true;
-    context.drawImage(pictureOf(heatMap), screen.left, screen.top, screen.width, screen.height);
+    context.drawImage(imageOf(heatMap), screen.left, screen.top, screen.width, screen.height);
 }
 
-/** A pixel a cell. The square root shows the rare beside the frequent. */
-function pictureOf({ width, height, shares }) {
+/**
+ * Returns an image with one pixel for each cell. The square root makes low shares visible.
+ *
+ * @param {HeatMap} heatMap
+ */
+function imageOf({ width, height, shares }) {
     const canvas = Object.assign(document.createElement('canvas'), { width, height });
-    const context = canvas.getContext('2d');
+    const context = /** @type {CanvasRenderingContext2D} */ (canvas.getContext('2d'));
     const image = context.createImageData(width, height);
     shares.forEach((share, i) => image.data.set(colourOf(Math.sqrt(share)), 4 * i));
     context.putImageData(image, 0, 0);

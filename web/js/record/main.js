@@ -1,124 +1,95 @@
-import { usualAspect } from '../shared/aspect.js';
-import { prepare } from '../shared/canvas.js';
-import { byId } from '../shared/dom.js';
+// @ts-check
+import { onPaletteChange, prepareCanvas, readPalette } from '../shared/canvas.js';
+import { allOf, byId, canvasById } from '../shared/dom.js';
 import { onLanguage, startLanguage } from '../shared/language.js';
-import { onPaletteChange, readPalette } from '../shared/palette.js';
-import { SampleColumns } from '../shared/sample_columns.js';
 import { canvasAspect } from '../shared/screen.js';
-import { savePicture } from './export_png.js';
-import { findFixations } from './fixations.js';
-import { heatMapOf } from './heat_map.js';
+import { savePng } from './export_png.js';
 import { startOpening } from './open_file.js';
-import { controlRange } from './range_control.js';
-import { startParameters } from './parameters.js';
-import { drawOverview, drawPupils, drawValidity } from './record_charts.js';
-import { spreadTimes } from './record_builder.js';
-import { showFile, showProblem, showProgress, showRange, showSummary } from './record_texts.js';
-import { drawStage } from './stage.js';
-import { fixationsIn, summaryOf } from './summary.js';
+import { assumedRateHz, fixationParameters, startParameters } from './parameters.js';
+import { controlRange, dragToMove, dragToSelect } from './range_control.js';
+import { drawOverview, drawPupils, drawValidity, stages } from './record_charts.js';
+import { showFile, showProblem, showProgress, showRange } from './record_texts.js';
+import { RecordView } from './record_view.js';
 import { between } from './time_range.js';
+/** @import { Chart } from '../shared/chart.js' */
+/** @import { StageMode } from './record_charts.js' */
 
-/** What is shown; null until a record is open, and while another is being read. The range is in ms from the record's first sample. */
+/** The shown record file; null until one is open, and while another one is read. @type {RecordView | null} */
 let view = null;
-let palette = readPalette();
+/** @type {StageMode} */
 let mode = 'scanPath';
-const frames = new Map();
+let palette = readPalette();
+let frameRequest = 0;
 
-function open(record, file) {
-    view = { ...record, columns: SampleColumns.from(record.columns), fileName: file.name };
-    byId('stage').style.aspectRatio = String(canvasAspect(view.aspect ?? usualAspect));
-    byId('assumed').hidden = !view.timeless;
-    layOutTimes();
-    showFile(view);
-}
+const charts = [
+    { canvas: canvasById('overview'), draw: drawOverview, drag: dragToSelect },
+    { canvas: canvasById('pupils'), draw: drawPupils, drag: dragToMove },
+    { canvas: canvasById('validity'), draw: drawValidity, drag: dragToMove },
+];
 
-/** After a change of what the times or the fixations depend on. */
-function layOutTimes() {
-    if (!view) return;
-    const { columns } = view;
-    if (view.timeless) spreadTimes(columns, parameters.assumedRateHz());
-    view.wholeMs = columns.time[columns.length - 1] - columns.time[0];
-    view.range = between(0, view.wholeMs, view.wholeMs);
-    detect();
-}
+/** The charts as they were drawn last. @type {Map<HTMLCanvasElement, Chart>} */
+const drawn = new Map();
 
-function detect() {
-    if (!view) return;
-    view.allFixations = findFixations(view.columns, parameters.detection(), view.aspect);
-    changeRange(view.range);
-}
-
-function changeRange(range) {
-    if (!view) return;
-    const { first, list } = fixationsIn(view.allFixations, range);
-    Object.assign(view, { range, firstFixation: first, fixations: list, heatMap: null });
-    drawSoon();
-}
-
-let drawing = 0;
-
-function drawSoon() {
-    cancelAnimationFrame(drawing);
-    drawing = requestAnimationFrame(draw);
+/**
+ * Calls `change` with the view, if a record file is shown, and redraws the page in the next frame.
+ *
+ * @param {(view: RecordView) => void} change
+ */
+function update(change = () => {}) {
+    if (view) change(view);
+    cancelAnimationFrame(frameRequest);
+    frameRequest = requestAnimationFrame(draw);
 }
 
 function draw() {
     if (!view) return;
-    const { columns, range } = view;
-    view.summary = summaryOf(columns, view.fixations, range);
-    const [from, to] = [columns.indexAt(range.fromMs), columns.indexAt(range.toMs)];
-    if (mode === 'heatMap') view.heatMap ??= heatMapOf(columns, from, to, view.aspect);
-    const stage = prepare(byId('stage'), palette.surface);
-    drawStage(stage.context, stage.width, stage.height, mode, view, palette);
-    for (const [id, drawChart] of [['overview', drawOverview], ['pupils', drawPupils], ['validity', drawValidity]]) {
-        const { context, width, height } = prepare(byId(id), palette.surface);
-        frames.set(byId(id), drawChart(context, width, height, view, palette));
-    }
-    showRange(view);
-    showSummary(view, mode);
+    stages[mode](prepareCanvas(canvasById('stage'), palette), view);
+    for (const { canvas, draw: drawChart } of charts) drawn.set(canvas, drawChart(prepareCanvas(canvas, palette), view));
+    showRange(view, mode);
 }
 
+/** @param {StageMode} chosen */
 function chooseMode(chosen) {
     mode = chosen;
-    for (const button of document.querySelectorAll('[data-mode]'))
+    for (const button of allOf('[data-mode]'))
         button.setAttribute('aria-pressed', String(button.dataset.mode === mode));
-    drawSoon();
+    update();
 }
 
-const rangeView = {
-    get range() { return view.range; },
-    get wholeMs() { return view.wholeMs; },
-    frame: canvas => frames.get(canvas),
-    change: changeRange,
-};
-
-const parameters = startParameters({
-    detection: detect,
-    rate: layOutTimes,
-    range: (fromMs, toMs) => view && changeRange(between(fromMs, toMs, view.wholeMs)),
-});
 startLanguage();
+startParameters({
+    detection: () => update(shown => shown.detect(fixationParameters())),
+    rate: () => update(shown => shown.assumeRate(assumedRateHz())),
+    range: (fromMs, toMs) => update(shown => shown.show(between(fromMs, toMs, shown.wholeMs))),
+});
 startOpening({
     progress: share => {
         view = null;
         showProgress(share);
     },
-    record: open,
-    error: showProblem,
+    record: (file, fileName) => {
+        view = new RecordView(file, fileName, fixationParameters(), assumedRateHz());
+        byId('stage').style.aspectRatio = String(canvasAspect(view.aspect));
+        byId('assumed').hidden = !view.timeless;
+        showFile(view);
+        update();
+    },
+    problem: showProblem,
 });
-controlRange(byId('overview'), 'mark', rangeView);
-controlRange(byId('pupils'), 'move', rangeView);
-controlRange(byId('validity'), 'move', rangeView);
-byId('whole').addEventListener('click', () => changeRange(between(0, view.wholeMs, view.wholeMs)));
-byId('export').addEventListener('click', () => savePicture(view, mode, palette));
-for (const button of document.querySelectorAll('[data-mode]'))
-    button.addEventListener('click', () => chooseMode(button.dataset.mode));
-onLanguage(() => {
-    if (view) showFile(view);
-    drawSoon();
-});
+for (const { canvas, drag } of charts) {
+    const access = () => {
+        const chart = drawn.get(canvas);
+        return view && chart ? { range: view.range, wholeMs: view.wholeMs, chart } : null;
+    };
+    controlRange(canvas, drag, access, range => update(shown => shown.show(range)));
+}
+byId('whole').addEventListener('click', () => update(shown => shown.show(shown.whole)));
+byId('export').addEventListener('click', () => view && savePng(view, mode, palette));
+for (const button of allOf('[data-mode]'))
+    button.addEventListener('click', () => chooseMode(/** @type {StageMode} */ (button.dataset.mode)));
+onLanguage(() => update(showFile));
 onPaletteChange(() => {
     palette = readPalette();
-    drawSoon();
+    update();
 });
-new ResizeObserver(drawSoon).observe(byId('view'));
+new ResizeObserver(() => update()).observe(byId('view'));

@@ -1,42 +1,67 @@
-import { byId } from '../shared/dom.js';
+// @ts-check
+import { allOf, inputById } from '../shared/dom.js';
+/** @import { Problem, RecordFile, WorkerMessage } from './parse_worker.js' */
 
+/**
+ * @typedef {object} Handlers
+ * @property {(share: number) => void} progress called while a file is read, first with 0
+ * @property {(file: RecordFile, fileName: string) => void} record called with the content of a record file
+ * @property {(problem: Problem, fileName: string) => void} problem called for a file that cannot be shown
+ */
+
+/** @type {Worker | null} */
 let worker = null;
 
 /**
- * Reads a file beside the page, so that the page stays fluid. A file that is being read when another one is chosen
- * counts no more.
+ * Reads a file in a worker, so that the page stays responsive. Cancels the reading of a previous file.
  *
- * @param show { progress(share), record(record, file), error({ key, values }, file) }
+ * @param {File} file
+ * @param {Handlers} handlers
  */
-function read(file, show) {
+function read(file, handlers) {
     worker?.terminate();
     worker = new Worker(new URL('./parse_worker.js', import.meta.url), { type: 'module' });
-    worker.onmessage = ({ data }) => {
-        if (data.progress !== undefined) show.progress(data.progress);
-        if (data.record) show.record(data.record, file);
-        if (data.error) show.error(data.error, file);
-    };
-    worker.onerror = event => show.error({ key: 'unreadable', values: { reason: event.message } }, file);
-    show.progress(0);
+    worker.onmessage = ({ data }) => handle(data, file.name, handlers);
+    worker.onerror = ({ message }) => handlers.problem({ key: 'unreadable', values: { reason: message } }, file.name);
+    handlers.progress(0);
     worker.postMessage(file);
 }
 
-/** Lets a record be chosen with a button or dropped anywhere on the page. */
-export function startOpening(show) {
-    const input = byId('file');
-    for (const button of document.querySelectorAll('.open-file')) button.addEventListener('click', () => input.click());
-    input.addEventListener('change', () => {
-        if (input.files.length > 0) read(input.files[0], show);
-        // So that the same file can be chosen again.
-        input.value = '';
-    });
-    for (const type of ['dragenter', 'dragover', 'dragleave', 'drop'])
-        document.addEventListener(type, event => drag(event, show));
+/**
+ * @param {WorkerMessage} message
+ * @param {string} fileName
+ * @param {Handlers} handlers
+ */
+function handle(message, fileName, handlers) {
+    if ('progress' in message) handlers.progress(message.progress);
+    else if ('record' in message) handlers.record(message.record, fileName);
+    else handlers.problem(message.problem, fileName);
 }
 
-function drag(event, show) {
+/**
+ * Connects the buttons that open a file, and accepts files that are dropped anywhere on the page.
+ *
+ * @param {Handlers} handlers
+ */
+export function startOpening(handlers) {
+    const input = inputById('file');
+    for (const button of allOf('.open-file')) button.addEventListener('click', () => input.click());
+    input.addEventListener('change', () => {
+        if (input.files?.[0]) read(input.files[0], handlers);
+        // Otherwise, choosing the same file again would not cause a change event.
+        input.value = '';
+    });
+    for (const type of /** @type {const} */ (['dragenter', 'dragover', 'dragleave', 'drop']))
+        document.addEventListener(type, event => drag(event, handlers));
+}
+
+/**
+ * @param {DragEvent} event
+ * @param {Handlers} handlers
+ */
+function drag(event, handlers) {
     event.preventDefault();
     document.body.classList.toggle('dropping', event.type === 'dragenter' || event.type === 'dragover');
-    const file = event.type === 'drop' ? event.dataTransfer.files[0] : undefined;
-    if (file) read(file, show);
+    const file = event.type === 'drop' ? event.dataTransfer?.files[0] : undefined;
+    if (file) read(file, handlers);
 }

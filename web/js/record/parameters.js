@@ -1,27 +1,45 @@
-import { byId } from '../shared/dom.js';
-import { usualParameters } from './fixations.js';
+// @ts-check
+import { inputById } from '../shared/dom.js';
+import { defaultParameters } from './fixations.js';
+/** @import { FixationParameters } from './fixations.js' */
 
-const fields = { dispersion: 'dispersion', shortestMs: 'shortest', longestGapMs: 'longest-gap' };
+/** @type {[keyof FixationParameters, HTMLInputElement][]} */
+const fields = [
+    ['maxDispersion', inputById('dispersion')],
+    ['minDurationMs', inputById('min-duration')],
+    ['maxLossMs', inputById('max-loss')],
+];
+const rate = inputById('assumed-rate');
+const range = [inputById('from'), inputById('to')];
 
-/**
- * The numbers that a user sets. Only what the fields allow is passed on: { detection(), rate(), range(fromMs, toMs) }
- * are called when it changes.
- */
-export function startParameters(changed) {
-    for (const [name, id] of Object.entries(fields)) {
-        byId(id).value = usualParameters[name];
-        byId(id).addEventListener('change', () => byId(id).reportValidity() && changed.detection());
-    }
-    const rate = byId('assumed-rate');
-    rate.addEventListener('change', () => rate.reportValidity() && changed.rate());
-    for (const id of ['from', 'to']) byId(id).addEventListener('change', () => takeRange(changed));
-    return {
-        detection: () => Object.fromEntries(Object.entries(fields).map(([name, id]) => [name, byId(id).valueAsNumber])),
-        assumedRateHz: () => rate.valueAsNumber,
-    };
+/** @returns {FixationParameters} */
+export function fixationParameters() {
+    const entries = fields.map(([name, field]) => [name, field.valueAsNumber]);
+    return Object.fromEntries(entries);
 }
 
-function takeRange(changed) {
-    const [from, to] = [byId('from').valueAsNumber, byId('to').valueAsNumber];
-    if (Number.isFinite(from) && Number.isFinite(to)) changed.range(1000 * from, 1000 * to);
+export function assumedRateHz() {
+    return rate.valueAsNumber;
+}
+
+/**
+ * Sets the defaults, and connects the fields. Values that a field does not accept are ignored.
+ *
+ * @param {object} changed called after a change of the fixation parameters, the assumed rate, or the time range
+ * @param {() => void} changed.detection
+ * @param {() => void} changed.rate
+ * @param {(fromMs: number, toMs: number) => void} changed.range
+ */
+export function startParameters(changed) {
+    for (const [name, field] of fields) {
+        field.value = String(defaultParameters[name]);
+        field.addEventListener('change', () => field.reportValidity() && changed.detection());
+    }
+    rate.addEventListener('change', () => rate.reportValidity() && changed.rate());
+    for (const field of range) {
+        field.addEventListener('change', () => {
+            const [fromMs, toMs] = range.map(({ valueAsNumber }) => 1000 * valueAsNumber);
+            if (Number.isFinite(fromMs + toMs)) changed.range(fromMs, toMs);
+        });
+    }
 }

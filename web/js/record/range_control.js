@@ -1,63 +1,98 @@
+// @ts-check
 import { between, moved, zoomed } from './time_range.js';
+/** @import { Chart, TimeRange } from '../shared/chart.js' */
 
 const keyStep = 0.1;
 const keyZoom = 0.7;
 const wheelZoom = 1.0015;
 
-/** What a key does to the range, of the whole that is `wholeMs` long. */
+/** A shorter movement of the pointer is a click. */
+const minDragPx = 3;
+
+/**
+ * The shown range, the duration of the recording, and the chart as it was last drawn.
+ *
+ * @typedef {{ range: TimeRange, wholeMs: number, chart: Chart }} Shown
+ */
+
+/**
+ * Functions that return the new range, by key.
+ *
+ * @type {Record<string, (range: TimeRange, widthMs: number, wholeMs: number) => TimeRange>}
+ */
 const keys = {
-    ArrowLeft: (range, width, whole) => moved(range, -keyStep * width, whole),
-    ArrowRight: (range, width, whole) => moved(range, keyStep * width, whole),
-    '+': (range, width, whole) => zoomed(range, keyZoom, range.fromMs + width / 2, whole),
-    '=': (range, width, whole) => zoomed(range, keyZoom, range.fromMs + width / 2, whole),
-    '-': (range, width, whole) => zoomed(range, 1 / keyZoom, range.fromMs + width / 2, whole),
-    Home: (range, width, whole) => moved(range, -whole, whole),
-    End: (range, width, whole) => moved(range, whole, whole),
-    0: (range, width, whole) => between(0, whole, whole),
+    ArrowLeft: (range, widthMs, wholeMs) => moved(range, -keyStep * widthMs, wholeMs),
+    ArrowRight: (range, widthMs, wholeMs) => moved(range, keyStep * widthMs, wholeMs),
+    '+': (range, widthMs, wholeMs) => zoomed(range, keyZoom, range.fromMs + widthMs / 2, wholeMs),
+    '=': (range, widthMs, wholeMs) => zoomed(range, keyZoom, range.fromMs + widthMs / 2, wholeMs),
+    '-': (range, widthMs, wholeMs) => zoomed(range, 1 / keyZoom, range.fromMs + widthMs / 2, wholeMs),
+    Home: (range, _, wholeMs) => moved(range, -wholeMs, wholeMs),
+    End: (range, _, wholeMs) => moved(range, wholeMs, wholeMs),
+    0: (_range, _, wholeMs) => between(0, wholeMs, wholeMs),
 };
 
 /**
- * Lets a chart change the range: the wheel zooms, keys move and zoom, and a double click shows the whole. Dragging
- * moves what is under the pointer along (`drag` 'move'), or marks a new range ('mark').
+ * Returns the range during a drag, from the range at the start of the drag and the times under the pointer at the start
+ * and now.
  *
- * @param view { range, wholeMs, frame(canvas), change(range) }: `frame` is what chartFrame() gave for the chart
+ * @typedef {(range: TimeRange, startMs: number, nowMs: number, wholeMs: number) => TimeRange} Drag
  */
-export function controlRange(canvas, drag, view) {
+
+/** @type {Drag} */
+export const dragToMove = (range, startMs, nowMs, wholeMs) => moved(range, startMs - nowMs, wholeMs);
+/** @type {Drag} */
+export const dragToSelect = (_, startMs, nowMs, wholeMs) => between(startMs, nowMs, wholeMs);
+
+/**
+ * Connects the wheel, keyboard, double click and drag on a chart to the shown range.
+ *
+ * @param {HTMLCanvasElement} canvas
+ * @param {Drag} drag
+ * @param {() => Shown | null} access returns null if no record file is shown
+ * @param {(range: TimeRange) => void} change called with the new range
+ */
+export function controlRange(canvas, drag, access, change) {
     canvas.addEventListener('keydown', event => {
-        const act = event.ctrlKey || event.altKey || event.metaKey ? null : keys[event.key];
-        if (!act) return;
+        const shown = access();
+        const next = event.ctrlKey || event.altKey || event.metaKey ? null : keys[event.key];
+        if (!shown || !next) return;
         event.preventDefault();
-        view.change(act(view.range, view.range.toMs - view.range.fromMs, view.wholeMs));
+        const { range, wholeMs } = shown;
+        change(next(range, range.toMs - range.fromMs, wholeMs));
     });
     canvas.addEventListener('wheel', event => {
-        const atMs = view.frame(canvas).toTime(event.offsetX);
-        const range = zoomed(view.range, wheelZoom ** event.deltaY, atMs, view.wholeMs);
-        // What cannot be zoomed any further leaves the wheel to the page.
-        if (range.fromMs === view.range.fromMs && range.toMs === view.range.toMs) return;
+        const shown = access();
+        if (!shown) return;
+        const { range, wholeMs, chart } = shown;
+        const next = zoomed(range, wheelZoom ** event.deltaY, chart.toTime(event.offsetX), wholeMs);
+        // At the limits of the zoom, the wheel scrolls the page.
+        if (next.fromMs === range.fromMs && next.toMs === range.toMs) return;
         event.preventDefault();
-        view.change(range);
+        change(next);
     }, { passive: false });
-    canvas.addEventListener('dblclick', () => view.change(between(0, view.wholeMs, view.wholeMs)));
-    canvas.addEventListener('pointerdown', event => beginDrag(canvas, event, drags[drag], view));
+    canvas.addEventListener('dblclick', () => {
+        const shown = access();
+        if (shown) change(between(0, shown.wholeMs, shown.wholeMs));
+    });
+    canvas.addEventListener('pointerdown', event => {
+        const shown = access();
+        if (shown) startDrag(canvas, event, drag, shown, change);
+    });
 }
 
-/** Ranges during a drag, from its begin: the range and the time under the pointer there, and the time there now. */
-const drags = {
-    move: (range, beginMs, nowMs, whole) => moved(range, beginMs - nowMs, whole),
-    mark: (range, beginMs, nowMs, whole) => between(beginMs, nowMs, whole),
-};
-
-/** A click that hardly moves is none of it. */
-const leastPx = 3;
-
-function beginDrag(canvas, begin, rangeOf, view) {
-    const { range } = view;
-    const frame = view.frame(canvas);
-    const move = event => {
-        if (Math.abs(event.offsetX - begin.offsetX) < leastPx) return;
-        view.change(rangeOf(range, frame.toTime(begin.offsetX), frame.toTime(event.offsetX), view.wholeMs));
+/**
+ * @param {HTMLCanvasElement} canvas
+ * @param {PointerEvent} start
+ * @param {Drag} drag
+ * @param {Shown} shown
+ * @param {(range: TimeRange) => void} change
+ */
+function startDrag(canvas, start, drag, { range, wholeMs, chart }, change) {
+    const move = (/** @type {PointerEvent} */ event) => {
+        if (Math.abs(event.offsetX - start.offsetX) < minDragPx) return;
+        change(drag(range, chart.toTime(start.offsetX), chart.toTime(event.offsetX), wholeMs));
     };
-    canvas.setPointerCapture(begin.pointerId);
+    canvas.setPointerCapture(start.pointerId);
     canvas.addEventListener('pointermove', move);
     for (const end of ['pointerup', 'pointercancel'])
         canvas.addEventListener(end, () => canvas.removeEventListener('pointermove', move), { once: true });

@@ -1,70 +1,106 @@
-import { chartFrame, drawAxes, drawBand, drawNote, drawSeries } from '../shared/chart.js';
+// @ts-check
+import { Chart } from '../shared/chart.js';
 import { clock, number, text } from '../shared/language.js';
-import { validShares } from './validity.js';
 import { rangeOf } from '../shared/ticks.js';
+import { drawHeatMap } from './heat_map_view.js';
+import { drawScanPath } from './scan_path_view.js';
+import { validShares } from './validity.js';
+/** @import { Surface } from '../shared/canvas.js' */
+/** @import { Label, TimeRange } from '../shared/chart.js' */
+/** @import { SampleColumns } from '../shared/sample_columns.js' */
+/** @import { RecordView } from './record_view.js' */
 
-/** Longer ranges have their times in minutes. */
-export const longestInSecondsMs = 120000;
+/** Longer durations are shown in minutes. */
+export const maxInSecondsMs = 120000;
 
-/** Fixations closer together than this are not told apart behind a chart. */
-const fewestPxPerFixation = 3;
+/** Bands for fixations are drawn only if the chart has at least this width for each fixation. */
+const minFixationPx = 3;
 
-function timeText(frame) {
-    if (frame.t1 - frame.t0 > longestInSecondsMs) return clock;
-    return (timeMs, digits) => text('seconds', { value: number(timeMs / 1000, digits) });
+/** The functions that draw the stage, by mode. */
+export const stages = { scanPath: drawScanPath, heatMap: drawHeatMap };
+
+/** @typedef {keyof typeof stages} StageMode */
+
+/**
+ * @param {TimeRange} range
+ * @returns {Label}
+ */
+function timeLabel({ fromMs, toMs }) {
+    if (toMs - fromMs > maxInSecondsMs) return clock;
+    return (timeMs, decimals) => text('seconds', { value: number(timeMs / 1000, decimals) });
 }
 
-/** The pupils in a range of the record, with the fixations behind them. */
-export function drawPupils(context, width, height, { columns, range, fixations }, palette) {
-    // With a neighbour at each end, so that lines reach the edges.
+/**
+ * Draws the pupil diameters in the shown range, with bands behind them for the fixations.
+ *
+ * @param {Surface} surface
+ * @param {RecordView} view
+ */
+export function drawPupils(surface, { columns, range, fixations }) {
+    // One more sample at each end, so that the lines reach the edges.
     const from = Math.max(columns.indexAt(range.fromMs) - 1, 0);
     const to = Math.min(columns.indexAt(range.toMs) + 1, columns.length);
     const values = rangeOf([columns.leftPupil, columns.rightPupil], from, to, 0.5);
-    const frame = chartFrame(width, height, range.fromMs, range.toMs, ...(values ?? [0, 1]));
-    if (fixations.length * fewestPxPerFixation < width) drawFixations(context, frame, fixations, palette.screen);
-    drawAxes(context, frame, palette, timeText(frame), number);
-    if (!values) drawNote(context, frame, palette, text('notMeasured'));
-    for (const [name, colour] of [['leftPupil', 'left'], ['rightPupil', 'right']])
-        drawSeries(context, frame, columns.time, columns[name], from, to, palette[colour]);
-    return frame;
+    const { palette } = surface;
+    const chart = new Chart(surface, range, values ?? [0, 1]);
+    if (fixations.length * minFixationPx < surface.width) {
+        for (const { startMs, durationMs } of fixations)
+            chart.drawBand({ fromMs: startMs, toMs: startMs + durationMs }, palette.screen);
+    }
+    chart.drawAxes(timeLabel(range), number);
+    if (!values) chart.drawNote(text('notMeasured'));
+    chart.drawSeries(columns, 'leftPupil', palette.left, { from, to });
+    chart.drawSeries(columns, 'rightPupil', palette.right, { from, to });
+    return chart;
 }
 
-function drawFixations(context, frame, fixations, colour) {
-    for (const { startMs, durationMs } of fixations) drawBand(context, frame, startMs, startMs + durationMs, colour);
+/**
+ * Draws the share of valid samples in the shown range.
+ *
+ * @param {Surface} surface
+ * @param {RecordView} view
+ */
+export function drawValidity(surface, { columns, range }) {
+    const chart = new Chart(surface, range, [0, 100]);
+    chart.drawAxes(timeLabel(range), number);
+    drawShares(surface, chart, columns, range, surface.palette.accent);
+    return chart;
 }
 
-/** The share of valid samples over the time of a range. */
-export function drawValidity(context, width, height, { columns, range }, palette) {
-    const frame = chartFrame(width, height, range.fromMs, range.toMs, 0, 100);
-    drawAxes(context, frame, palette, timeText(frame), number);
-    drawShares(context, frame, columns, palette.accent);
-    return frame;
-}
-
-/** The validity of the whole record, small, with the range marked in it. */
-export function drawOverview(context, width, height, { columns, range, wholeMs }, palette) {
-    const frame = chartFrame(width, height, 0, wholeMs, 0, 100);
-    drawAxes(context, frame, palette, timeText(frame), () => '');
-    drawShares(context, frame, columns, palette.band);
+/**
+ * Draws the share of valid samples in the whole recording, with a frame around the shown range.
+ *
+ * @param {Surface} surface
+ * @param {RecordView} view
+ */
+export function drawOverview(surface, { columns, range, whole }) {
+    const { context, palette } = surface;
+    const chart = new Chart(surface, whole, [0, 100]);
+    chart.drawAxes(timeLabel(whole), () => '');
+    drawShares(surface, chart, columns, whole, palette.band);
     context.globalAlpha = 0.15;
-    drawBand(context, frame, range.fromMs, range.toMs, palette.accent);
+    chart.drawBand(range, palette.accent);
     context.globalAlpha = 1;
-    context.strokeStyle = palette.accent;
-    context.lineWidth = 2;
-    const [left, right] = [frame.toX(range.fromMs), frame.toX(range.toMs)];
-    context.strokeRect(left, frame.top, Math.max(right - left, 2), frame.bottom - frame.top);
-    return frame;
+    chart.drawFrame(range, palette.accent);
+    return chart;
 }
 
-/** A bar a pixel, as high as the share of valid samples in it. */
-function drawShares(context, frame, columns, colour) {
-    const count = Math.max(1, Math.floor(frame.right - frame.left));
-    const shares = validShares(columns, frame.t0, frame.t1, count);
+/**
+ * Draws a bar for each column of pixels.
+ *
+ * @param {Surface} surface
+ * @param {Chart} chart
+ * @param {SampleColumns} columns
+ * @param {TimeRange} range
+ * @param {string} colour
+ */
+function drawShares({ context }, chart, columns, range, colour) {
+    const shares = validShares(columns, range, Math.max(1, Math.floor(chart.width)));
     context.fillStyle = colour;
     context.globalAlpha = 0.7;
     shares.forEach((share, i) => {
-        const top = frame.toY(100 * share);
-        if (share > 0) context.fillRect(frame.left + i, top, 1, frame.bottom - top);
+        const top = chart.toY(100 * share);
+        if (share > 0) context.fillRect(chart.left + i, top, 1, chart.bottom - top);
     });
     context.globalAlpha = 1;
 }

@@ -1,37 +1,61 @@
+// @ts-check
 import { parseDecimal } from './decimal.js';
-import { RecordError, excerpt } from './record_error.js';
+/** @import { TextKey, TextValues } from '../shared/language.js' */
 
-const eye = side => ['X', 'Y', 'X_px', 'Y_px', 'Pupil_mm', 'PupilX_px', 'PupilY_px'].map(name => `${side}_${name}`);
+/** @typedef {(cells: Float64Array, line: number) => void} TakeRow Called for each row, with its line, counted from 1. */
 
-/** The columns of a record, in their order. */
+const eyeHeaders = (/** @type {string} */ eye) =>
+    ['X', 'Y', 'X_px', 'Y_px', 'Pupil_mm', 'PupilX_px', 'PupilY_px'].map(name => `${eye}_${name}`);
+
+/** The columns of a record file. */
 export const headers = [
-    'Timestamp', 'Time', 'Valid', 'X', 'Y', 'X_px', 'Y_px', 'Distance_cm', ...eye('L'), ...eye('R'), 'Focus',
+    'Timestamp', 'Time', 'Valid', 'X', 'Y', 'X_px', 'Y_px', 'Distance_cm', ...eyeHeaders('L'), ...eyeHeaders('R'), 'Focus',
 ];
 
 const [lineFeed, carriageReturn, comma] = [10, 13, 44];
 
-/** No line of a record comes near this; a file without line ends must not be gathered whole. */
-const longestLine = 65536;
+/** Much longer than any line of a record file. A file without line ends must not fill the memory. */
+const maxLineBytes = 65536;
 
-/**
- * Reads a record from its bytes, in pieces that may end anywhere, and calls `take(cells, line)` for each row with its
- * numbers in the order of the headers; `cells` is used again for the next row. Throws a RecordError at the first line
- * that does not belong to a record. Lines may end with LF alone, and a byte order mark is passed over, as editors leave
- * files like this.
- */
+/** Error messages show the start of an unexpected text. */
+const maxExcerptLength = 60;
+
+/** The reason why a file is refused: the key of its text, and the text's values with the line, counted from 1. */
+export class RecordError extends Error {
+    /**
+     * @param {TextKey} key
+     * @param {number} line
+     * @param {TextValues} values
+     */
+    constructor(key, line, values = {}) {
+        super(key);
+        this.key = key;
+        this.values = { line, ...values };
+    }
+}
+
+/** A parser for record files. It also accepts LF line ends and a byte order mark, which some editors write. */
 export class RecordParser {
-    /** The line at which the file ends too early; 0: it does not. The rows before it have been taken. */
+    /** The line in which the file was cut off; 0 if it is complete. */
     cutOffLine = 0;
     #take;
     #line = 0;
-    #rows = 0;
+    #rowCount = 0;
+    /** The start of a line that continues in the next piece. */
     #rest = new Uint8Array(0);
     #cells = new Float64Array(headers.length);
 
+    /** @param {TakeRow} take called with the numbers of each row, in the order of the headers; the array is reused */
     constructor(take) {
         this.#take = take;
     }
 
+    /**
+     * Parses the next piece of the file, which may end anywhere. Throws a RecordError at the first line that does not
+     * belong to a record file.
+     *
+     * @param {Uint8Array} piece
+     */
     push(piece) {
         const bytes = joined(this.#rest, piece);
         let from = 0;
@@ -40,37 +64,42 @@ export class RecordParser {
             from = end + 1;
         }
         this.#rest = bytes.slice(from);
-        if (this.#rest.length > longestLine) throw this.#notARecordOr('lineTooLong', this.#rest);
+        if (this.#rest.length > maxLineBytes) throw this.#tooLong();
     }
 
-    /** The end of the file. */
+    /** Parses the last line. If it is invalid, the file is cut off in it. Throws a RecordError if the file has no rows. */
     finish() {
         if (this.#rest.length > 0) this.#readLastLine();
         if (this.#line === 0) throw new RecordError('emptyFile', 1);
-        if (this.#rows === 0) throw new RecordError('noRows', 2);
+        if (this.#rowCount === 0) throw new RecordError('noRows', 2);
     }
 
     #readLastLine() {
         try {
             this.#readLine(this.#rest, 0, this.#rest.length);
         } catch (error) {
-            if (this.#rows === 0) throw error;
+            if (this.#rowCount === 0) throw error;
             this.cutOffLine = this.#line;
         }
     }
 
+    /**
+     * @param {Uint8Array} bytes
+     * @param {number} from
+     * @param {number} end
+     */
     #readLine(bytes, from, end) {
         ++this.#line;
         const to = bytes[end - 1] === carriageReturn ? end - 1 : end;
-        if (this.#line === 1) this.#readHeader(bytes.subarray(from, to));
+        if (this.#line === 1) readHeader(bytes.subarray(from, to));
         else if (to > from) this.#readRow(bytes, from, to);
     }
 
-    #readHeader(bytes) {
-        // The decoder drops a byte order mark.
-        if (new TextDecoder().decode(bytes) !== headers.join()) throw notARecord(bytes);
-    }
-
+    /**
+     * @param {Uint8Array} bytes
+     * @param {number} from
+     * @param {number} to
+     */
     #readRow(bytes, from, to) {
         let column = 0;
         for (let start = from; start <= to; ++column) {
@@ -79,10 +108,16 @@ export class RecordParser {
             start = end + 1;
         }
         if (column !== headers.length) throw this.#wrongColumns(column);
-        ++this.#rows;
+        ++this.#rowCount;
         this.#take(this.#cells, this.#line);
     }
 
+    /**
+     * @param {number} column
+     * @param {Uint8Array} bytes
+     * @param {number} from
+     * @param {number} to
+     */
     #readCell(column, bytes, from, to) {
         const value = parseDecimal(bytes, from, to);
         if (value !== undefined) return value;
@@ -90,25 +125,53 @@ export class RecordParser {
         throw new RecordError('noNumber', this.#line, values);
     }
 
+    /** @param {number} columns */
     #wrongColumns(columns) {
         return new RecordError('wrongColumns', this.#line, { columns, expected: headers.length });
     }
 
-    #notARecordOr(key, bytes) {
-        return this.#line === 0 ? notARecord(bytes) : new RecordError(key, this.#line + 1);
+    #tooLong() {
+        return this.#line === 0 ? notARecord(this.#rest) : new RecordError('lineTooLong', this.#line + 1);
     }
 }
 
+/** @param {Uint8Array} bytes */
+function readHeader(bytes) {
+    // The decoder removes a byte order mark.
+    if (new TextDecoder().decode(bytes) !== headers.join()) throw notARecord(bytes);
+}
+
+/** @param {Uint8Array} bytes */
 function notARecord(bytes) {
     return new RecordError('notARecord', 1, { expected: headers.slice(0, 3).join(), found: excerpt(bytes) });
 }
 
+/**
+ * Returns the start of a text, without control characters.
+ *
+ * @param {Uint8Array} bytes
+ */
+function excerpt(bytes) {
+    const start = new TextDecoder().decode(bytes.subarray(0, 4 * maxExcerptLength));
+    const text = start.replace(/[\p{Cc}\uFFFD]+/gu, '\uFFFD');
+    return text.length > maxExcerptLength ? `${text.slice(0, maxExcerptLength)}…` : text;
+}
+
+/**
+ * @param {Uint8Array} bytes
+ * @param {number} from
+ * @param {number} to
+ */
 function endOfCell(bytes, from, to) {
     let end = from;
     while (end < to && bytes[end] !== comma) ++end;
     return end;
 }
 
+/**
+ * @param {Uint8Array} a
+ * @param {Uint8Array} b
+ */
 function joined(a, b) {
     if (a.length === 0) return b;
     const both = new Uint8Array(a.length + b.length);

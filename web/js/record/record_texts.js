@@ -1,36 +1,52 @@
-import { byId, element, setText } from '../shared/dom.js';
+// @ts-check
+import { byId, element, inputById, setText } from '../shared/dom.js';
 import { clock, number, onLanguage, quantity, text } from '../shared/language.js';
-import { longestInSecondsMs } from './record_charts.js';
+import { maxInSecondsMs } from './record_charts.js';
 import { showsNumbers } from './scan_path_view.js';
+/** @import { Problem } from './parse_worker.js' */
+/** @import { StageMode } from './record_charts.js' */
+/** @import { RecordView } from './record_view.js' */
 
-/** Shows that a file is being read, and how far. */
+/** @type {{ problem: Problem, fileName: string } | null} */
+let shownProblem = null;
+onLanguage(writeProblem);
+
+/** @param {number} share the share of the file that has been read, from 0 to 1 */
 export function showProgress(share) {
-    problem = null;
+    shownProblem = null;
     showOnly('progress');
-    byId('progress-bar').value = share;
+    byId('progress-bar').setAttribute('value', String(share));
 }
 
-let problem = null;
-onLanguage(() => problem && showProblemText());
-
-/** Says why a file cannot be shown. */
-export function showProblem(error, file) {
-    problem = { error, name: file.name };
+/**
+ * Shows why a file cannot be opened.
+ *
+ * @param {Problem} problem
+ * @param {string} fileName
+ */
+export function showProblem(problem, fileName) {
+    shownProblem = { problem, fileName };
     showOnly('problem');
-    showProblemText();
+    writeProblem();
 }
 
-function showProblemText() {
-    const { error, name } = problem;
-    setText('problem', text('cannotShow', { name, reason: text(error.key, error.values) }));
+function writeProblem() {
+    if (!shownProblem) return;
+    const { problem: { key, values }, fileName } = shownProblem;
+    setText('problem', text('cannotShow', { name: fileName, reason: text(key, values) }));
 }
 
+/** @param {'progress' | 'problem' | 'view'} id */
 function showOnly(id) {
     for (const part of ['progress', 'problem', 'view']) byId(part).hidden = part !== id;
     byId('welcome').hidden = id === 'view';
 }
 
-/** What is to say about the file as a whole. */
+/**
+ * Shows the texts about the whole file.
+ *
+ * @param {RecordView} view
+ */
 export function showFile(view) {
     showOnly('view');
     setText('file-name', view.fileName);
@@ -38,37 +54,54 @@ export function showFile(view) {
     byId('remarks').replaceChildren(...remarksOf(view).map(remark => element('li', remark)));
 }
 
-function remarksOf({ cutOffLine, setBackLine, timeless, crossed }) {
-    return [
-        cutOffLine > 0 && text('cutOff', { line: cutOffLine }),
-        setBackLine > 0 && text('setBack', { line: setBackLine }),
-        timeless && text('timeless'),
-        crossed && text('crossed'),
-    ].filter(Boolean);
+/** @param {RecordView} view */
+function remarksOf({ file: { cutOffLine, setBackLine, timeless, crossed } }) {
+    const remarks = [];
+    if (cutOffLine > 0) remarks.push(text('cutOff', { line: cutOffLine }));
+    if (setBackLine > 0) remarks.push(text('setBack', { line: setBackLine }));
+    if (timeless) remarks.push(text('timeless'));
+    if (crossed) remarks.push(text('crossed'));
+    return remarks;
 }
 
-/** The texts of the range's figures, by the ids of their places. */
-export function figuresOf({ summary, timeless }) {
+/**
+ * Returns the texts of the range's figures, by the ids of their elements.
+ *
+ * @param {RecordView} view
+ */
+export function figuresOf({ summary, file }) {
     const { durationMs } = summary;
     return {
-        duration: durationMs > longestInSecondsMs ? clock(durationMs) : quantity('seconds', durationMs / 1000, 1),
-        rate: timeless ? text('unknown') : quantity('hz', summary.rateHz, 1),
+        duration: durationMs > maxInSecondsMs ? clock(durationMs) : quantity('seconds', durationMs / 1000, 1),
+        rate: file.timeless ? text('unknown') : quantity('hz', summary.rateHz, 1),
         valid: quantity('percent', 100 * summary.validShare, 1),
         'fixation-count': number(summary.fixationCount),
         'mean-fixation': quantity('ms', summary.meanFixationMs),
     };
 }
 
-export function showSummary(view, mode) {
+/**
+ * Shows the figures and the limits of the range.
+ *
+ * @param {RecordView} view
+ * @param {StageMode} mode
+ */
+export function showRange(view, mode) {
     for (const [id, value] of Object.entries(figuresOf(view))) setText(id, value);
     const { clientWidth: width, clientHeight: height } = byId('stage');
-    const all = mode !== 'scanPath' || showsNumbers(view.fixations.length, width, height, view.aspect);
-    setText('stage-note', all ? '' : text('zoomForNumbers'));
+    const isComplete = mode !== 'scanPath' || showsNumbers(view.fixations.length, { width, height }, view.aspect);
+    setText('stage-note', isComplete ? '' : text('zoomForNumbers'));
+    writeSeconds('from', view.range.fromMs);
+    writeSeconds('to', view.range.toMs);
 }
 
-/** The range in the fields, unless one of them is being written. */
-export function showRange({ range }) {
-    for (const [id, ms] of [['from', range.fromMs], ['to', range.toMs]]) {
-        if (document.activeElement !== byId(id)) byId(id).value = (ms / 1000).toFixed(3);
-    }
+/**
+ * Fills a field, unless the user is editing it.
+ *
+ * @param {string} id
+ * @param {number} ms
+ */
+function writeSeconds(id, ms) {
+    const field = inputById(id);
+    if (document.activeElement !== field) field.value = (ms / 1000).toFixed(3);
 }

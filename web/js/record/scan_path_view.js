@@ -1,77 +1,110 @@
-import { drawScreen, placesIn, screenIn } from '../shared/screen.js';
+// @ts-check
+import { drawScreen } from '../shared/canvas.js';
+import { screenIn } from '../shared/screen.js';
+/** @import { Surface } from '../shared/canvas.js' */
+/** @import { RecordView } from './record_view.js' */
 
-/** More fixations than this are dots, each with so much opacity, or they would be a blot. */
-const mostCircles = 150;
+/** More fixations are drawn as dots, because their circles would cover each other. */
+const maxCircleCount = 150;
 const dotPx = 2;
 const dotOpacity = 0.45;
 
-/** So much of the screen's width is needed for each number to be read. */
-const numberPx = 7;
+/** Numbers are drawn only if the screen has at least this width for each fixation. */
+const minNumberPx = 7;
 
-const smallestPx = 4;
-const largestShare = 0.05;
+const minRadiusPx = 4;
+const maxRadiusShare = 0.05;
 
-/** The radius of a fixation's circle: its area is in proportion to the duration, up to a limit. */
+/** @typedef {{ x: number, y: number, radius: number }} Circle */
+
+/**
+ * Returns the radius of a fixation's circle. Between its limits, it grows with the square root of the duration.
+ *
+ * @param {number} durationMs
+ * @param {number} screenWidth
+ */
 function radiusOf(durationMs, screenWidth) {
-    return Math.min(smallestPx + Math.sqrt(durationMs) * (screenWidth / 1600), largestShare * screenWidth);
+    return Math.min(minRadiusPx + Math.sqrt(durationMs) * (screenWidth / 1600), maxRadiusShare * screenWidth);
 }
 
 /**
- * Draws the fixations of a range, in their order, with lines between them.
+ * Draws the fixations of the shown time range, with lines between them. They are numbered from the start of the recording.
  *
- * @param first how many fixations the record has before them: their numbers count from its beginning
+ * @param {Surface} surface
+ * @param {RecordView} view
  */
-export function drawScanPath(context, width, height, fixations, first, aspect, palette) {
-    const screen = screenIn(width, height, aspect);
-    drawScreen(context, screen, palette);
-    const { toX, toY } = placesIn(screen);
-    const places = fixations.map(({ x, y, durationMs }) => (
-        { x: toX(x), y: toY(y), radius: radiusOf(durationMs, screen.width) }));
-    drawWay(context, places, palette);
-    if (places.length > mostCircles) drawDots(context, places, palette);
-    else drawCircles(context, places, palette);
-    if (showsNumbers(places.length, width, height, aspect)) drawNumbers(context, places, first, palette);
+export function drawScanPath(surface, { fixations, firstFixation, aspect }) {
+    const screen = screenIn(surface, aspect);
+    const circles = fixations.map(({ x, y, durationMs }) => (
+        { x: screen.toX(x), y: screen.toY(y), radius: radiusOf(durationMs, screen.width) }));
+    drawScreen(surface, screen);
+    drawLines(surface, circles);
+    if (circles.length > maxCircleCount) drawDots(surface, circles);
+    else drawCircles(surface, circles);
+    if (showsNumbers(circles.length, surface, aspect)) drawNumbers(surface, circles, firstFixation);
 }
 
-/** Whether all fixations of so many are drawn with their numbers on a canvas of this width. */
-export function showsNumbers(count, width, height, aspect) {
-    return count * numberPx <= screenIn(width, height, aspect).width;
+/**
+ * Returns whether the numbers of the fixations are drawn.
+ *
+ * @param {number} count
+ * @param {{ width: number, height: number }} size of the canvas
+ * @param {number} aspect
+ */
+export function showsNumbers(count, size, aspect) {
+    return count * minNumberPx <= screenIn(size, aspect).width;
 }
 
-function drawDots(context, places, palette) {
-    context.fillStyle = palette.accent;
-    context.globalAlpha = dotOpacity;
-    for (const { x, y } of places) context.fillRect(x - dotPx / 2, y - dotPx / 2, dotPx, dotPx);
-    context.globalAlpha = 1;
-}
-
-function drawWay(context, places, palette) {
+/**
+ * @param {Surface} surface
+ * @param {Circle[]} circles
+ */
+function drawLines({ context, palette }, circles) {
     context.strokeStyle = palette.accent;
-    // The more there are, the fainter, as long as they can be seen.
-    context.globalAlpha = Math.min(0.55, Math.max(60 / places.length, 0.04));
+    context.globalAlpha = Math.min(0.55, Math.max(60 / circles.length, 0.04));
     context.lineWidth = 1;
     context.beginPath();
-    for (const { x, y } of places) context.lineTo(x, y);
+    for (const { x, y } of circles) context.lineTo(x, y);
     context.stroke();
     context.globalAlpha = 1;
 }
 
-function drawCircles(context, places, palette) {
+/**
+ * @param {Surface} surface
+ * @param {Circle[]} circles
+ */
+function drawDots({ context, palette }, circles) {
+    context.fillStyle = palette.accent;
+    context.globalAlpha = dotOpacity;
+    for (const { x, y } of circles) context.fillRect(x - dotPx / 2, y - dotPx / 2, dotPx, dotPx);
+    context.globalAlpha = 1;
+}
+
+/**
+ * @param {Surface} surface
+ * @param {Circle[]} circles
+ */
+function drawCircles({ context, palette }, circles) {
     context.lineWidth = 1.5;
-    for (const { x, y, radius } of places) {
+    context.strokeStyle = context.fillStyle = palette.accent;
+    for (const { x, y, radius } of circles) {
         context.beginPath();
         context.arc(x, y, radius, 0, 2 * Math.PI);
         context.globalAlpha = 0.28;
-        context.fillStyle = palette.accent;
         context.fill();
         context.globalAlpha = 1;
-        context.strokeStyle = palette.accent;
         context.stroke();
     }
 }
 
-/** With a rim in the screen's colour, so that they can be read on circles and lines. */
-function drawNumbers(context, places, first, palette) {
+/**
+ * Draws numbers with an outline in the screen's colour, so that they are legible on circles and lines.
+ *
+ * @param {Surface} surface
+ * @param {Circle[]} circles
+ * @param {number} first
+ */
+function drawNumbers({ context, palette }, circles, first) {
     context.font = palette.font;
     context.textAlign = 'center';
     context.textBaseline = 'middle';
@@ -79,7 +112,7 @@ function drawNumbers(context, places, first, palette) {
     context.lineWidth = 3;
     context.strokeStyle = palette.screen;
     context.fillStyle = palette.ink;
-    places.forEach(({ x, y }, i) => {
+    circles.forEach(({ x, y }, i) => {
         const number = String(first + i + 1);
         context.strokeText(number, x, y);
         context.fillText(number, x, y);

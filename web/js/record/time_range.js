@@ -1,25 +1,64 @@
-/** The narrowest range to zoom to, in ms. */
-const narrowestMs = 100;
+// @ts-check
+/** @import { TimeRange } from '../shared/chart.js' */
 
-/** A range of this width that begins at `fromMs`, moved into the whole and no wider. */
+/** The shortest range, unless the recording is shorter. */
+const minRangeMs = 100;
+
+/**
+ * Returns `widthMs` within its limits.
+ *
+ * @param {number} widthMs
+ * @param {number} wholeMs
+ */
+function limited(widthMs, wholeMs) {
+    return Math.min(Math.max(widthMs, minRangeMs), wholeMs);
+}
+
+/**
+ * Returns a range that is moved into the recording and not wider than the recording.
+ *
+ * @param {number} fromMs
+ * @param {number} widthMs
+ * @param {number} wholeMs the duration of the recording
+ * @returns {TimeRange}
+ */
 function within(fromMs, widthMs, wholeMs) {
-    const width = Math.min(Math.max(widthMs, Math.min(narrowestMs, wholeMs)), wholeMs);
+    const width = limited(widthMs, wholeMs);
     const from = Math.min(Math.max(fromMs, 0), wholeMs - width);
     return { fromMs: from, toMs: from + width };
 }
 
-/** The range `factor` times as wide, with what is at `atMs` staying where it is. */
+/**
+ * Returns a range that is `factor` times as wide. The time `atMs` keeps its relative position in the range.
+ *
+ * @param {TimeRange} range
+ * @param {number} factor
+ * @param {number} atMs
+ * @param {number} wholeMs
+ */
 export function zoomed({ fromMs, toMs }, factor, atMs, wholeMs) {
-    const width = Math.min(Math.max((toMs - fromMs) * factor, Math.min(narrowestMs, wholeMs)), wholeMs);
+    const width = limited((toMs - fromMs) * factor, wholeMs);
     return within(atMs - ((atMs - fromMs) * width) / (toMs - fromMs || 1), width, wholeMs);
 }
 
-/** The range moved by so much, as far as the whole allows. */
+/**
+ * Returns the range moved by `byMs`, within the recording.
+ *
+ * @param {TimeRange} range
+ * @param {number} byMs
+ * @param {number} wholeMs
+ */
 export function moved({ fromMs, toMs }, byMs, wholeMs) {
     return within(fromMs + byMs, toMs - fromMs, wholeMs);
 }
 
-/** The range between two times, whichever comes first. */
+/**
+ * Returns the range between two times in any order, within the recording.
+ *
+ * @param {number} aMs
+ * @param {number} bMs
+ * @param {number} wholeMs
+ */
 export function between(aMs, bMs, wholeMs) {
     return within(Math.min(aMs, bMs), Math.abs(bMs - aMs), wholeMs);
 }

@@ -1,29 +1,24 @@
+// @ts-check
+import { gapLimitMs } from '../shared/polyline.js';
+import { validShareOf } from '../shared/statistics.js';
+/** @import { TimeRange } from '../shared/chart.js' */
+/** @import { SampleColumns } from '../shared/sample_columns.js' */
+
 /**
- * The shares of valid samples in `count` equal parts of the time from `t0` to `t1`. A part in which no sample happens
- * to lie has the share of the sample before it, if that is near enough for it to be no gap; NaN otherwise.
+ * Returns the shares of valid samples in `count` equal parts of a time range. A part without samples has the share of
+ * the sample before it, or NaN in a gap.
+ *
+ * @param {SampleColumns} columns
+ * @param {TimeRange} range
+ * @param {number} count
  */
-export function validShares(columns, t0, t1, count) {
-    const partMs = (t1 - t0) / count;
-    const edges = Array.from({ length: count + 1 }, (_, i) => columns.indexAt(t0 + i * partMs));
+export function validShares(columns, { fromMs, toMs }, count) {
+    const partMs = (toMs - fromMs) / count;
+    const edges = Array.from({ length: count + 1 }, (_, i) => columns.indexAt(fromMs + i * partMs));
+    const gapMs = gapLimitMs(columns.time, 0, columns.length);
     return edges.slice(1).map((to, i) => {
-        const from = edges[i];
-        return to > from ? shareIn(columns, from, to) : shareBefore(columns, to, t0 + i * partMs);
+        if (to > edges[i]) return validShareOf(columns, edges[i], to);
+        const ageMs = fromMs + i * partMs - columns.time[to - 1];
+        return to > 0 && ageMs < gapMs ? validShareOf(columns, to - 1, to) : NaN;
     });
-}
-
-/** Samples further apart than this leave a gap, in ms. */
-const gapMs = 40;
-
-function isValid(columns, i) {
-    return Number.isNaN(columns.x[i]) ? 0 : 1;
-}
-
-function shareIn(columns, from, to) {
-    let valid = 0;
-    for (let i = from; i < to; ++i) valid += isValid(columns, i);
-    return valid / (to - from);
-}
-
-function shareBefore(columns, i, timeMs) {
-    return i > 0 && timeMs - columns.time[i - 1] < gapMs ? isValid(columns, i - 1) : NaN;
 }

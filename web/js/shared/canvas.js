@@ -1,16 +1,71 @@
+// @ts-check
+/** @import { Screen } from './screen.js' */
+
+const colourNames = /** @type {const} */ ([
+    'ink', 'muted', 'line', 'surface', 'screen', 'edge', 'gaze', 'band', 'left', 'right', 'accent',
+]);
+
+/** @typedef {(typeof colourNames)[number]} Colour */
+/** @typedef {Record<Colour | 'font', string>} Palette */
+
 /**
- * The drawing context of a canvas that fills its place in the layout, filled with `background`, with CSS pixels as
- * unit. `width` and `height` are its size in them.
+ * A drawing area. Its unit is the CSS pixel.
+ *
+ * @typedef {{ context: CanvasRenderingContext2D, width: number, height: number, palette: Palette }} Surface
  */
-export function prepare(canvas, background) {
+
+/** Returns the style sheet's colours, which are different in light and dark mode. */
+export function readPalette() {
+    const style = getComputedStyle(document.documentElement);
+    const colours = colourNames.map(name => [name, style.getPropertyValue(`--${name}`).trim()]);
+    const font = style.getPropertyValue('--chart-font').trim();
+    return /** @type {Palette} */ ({ ...Object.fromEntries(colours), font });
+}
+
+/** @param {() => void} changed called after a change between light and dark mode */
+export function onPaletteChange(changed) {
+    matchMedia('(prefers-color-scheme: dark)').addEventListener('change', changed);
+}
+
+/**
+ * Clears a canvas, and adapts it to its size in the layout.
+ *
+ * @param {HTMLCanvasElement} canvas
+ * @param {Palette} palette
+ * @returns {Surface}
+ */
+export function prepareCanvas(canvas, palette) {
     const { clientWidth: width, clientHeight: height } = canvas;
     const ratio = window.devicePixelRatio || 1;
     const size = [Math.round(width * ratio), Math.round(height * ratio)];
     if (canvas.width !== size[0] || canvas.height !== size[1]) [canvas.width, canvas.height] = size;
-    // Opaque pictures are shown with less work.
-    const context = canvas.getContext('2d', { alpha: false });
+    // The browser composites an opaque canvas faster.
+    const context = /** @type {CanvasRenderingContext2D} */ (canvas.getContext('2d', { alpha: false }));
     context.setTransform(ratio, 0, 0, ratio, 0, 0);
-    context.fillStyle = background;
+    context.fillStyle = palette.surface;
     context.fillRect(0, 0, width, height);
-    return { context, width, height };
+    return { context, width, height, palette };
+}
+
+/**
+ * Draws the screen with lines at its quarters.
+ *
+ * @param {Surface} surface
+ * @param {Screen} screen
+ */
+export function drawScreen({ context, palette }, { left, top, width, height }) {
+    context.fillStyle = palette.screen;
+    context.strokeStyle = palette.line;
+    context.lineWidth = 1;
+    context.fillRect(left, top, width, height);
+    context.beginPath();
+    for (const part of [0.25, 0.5, 0.75]) {
+        context.moveTo(left + part * width, top);
+        context.lineTo(left + part * width, top + height);
+        context.moveTo(left, top + part * height);
+        context.lineTo(left + width, top + part * height);
+    }
+    context.stroke();
+    context.strokeStyle = palette.edge;
+    context.strokeRect(left, top, width, height);
 }

@@ -1,9 +1,13 @@
-const fewest = 30;
-const clearly = 2;
+// @ts-check
+
+const minSampleCount = 30;
+
+/** Near the diagonal, both orders of the axes fit. A decision needs one order to be this many times closer than the other. */
+const clearRatio = 2;
 
 /**
- * Some trackers deliver the right eye's two axes exchanged. Nothing in the data says so, but the combined gaze shows
- * it: the exchanged eye is far from it, and close to it once its axes are put right.
+ * Detects a tracker that exchanges the axes of the right eye: the right eye is far from the combined gaze as delivered, and
+ * close to it after an exchange. docs/records.md describes the rule. The simulators use the same rule.
  */
 export class CrossedEye {
     crossed = false;
@@ -12,26 +16,32 @@ export class CrossedEye {
     #asDelivered = 0;
     #exchanged = 0;
 
-    /** @param decay what one sample leaves of the weight of those before it; 1: all count alike */
+    /** @param {number} decay the factor by which a sample reduces the weight of earlier ones; 1 means equal weights */
     constructor(decay = 1) {
         this.#decay = decay;
     }
 
-    /** Takes a sample's combined gaze and its right eye's as delivered; returns whether the axes are exchanged. */
+    /**
+     * Adds a sample's combined gaze and its right eye as delivered. Returns whether the axes are exchanged.
+     *
+     * @param {number} x
+     * @param {number} y
+     * @param {number} rightX
+     * @param {number} rightY
+     */
     add(x, y, rightX, rightY) {
         const asDelivered = Math.abs(rightX - x) + Math.abs(rightY - y);
         const exchanged = Math.abs(rightY - x) + Math.abs(rightX - y);
-        if (Number.isNaN(asDelivered + exchanged)) return this.crossed;
+        if (!Number.isFinite(asDelivered + exchanged)) return this.crossed;
         ++this.#count;
         this.#asDelivered = this.#asDelivered * this.#decay + asDelivered;
         this.#exchanged = this.#exchanged * this.#decay + exchanged;
-        if (this.#count >= fewest) this.#decide();
+        if (this.#count >= minSampleCount) this.#decide();
         return this.crossed;
     }
 
-    /** Near the diagonal both fit alike: only a clear difference counts. */
     #decide() {
-        if (this.#exchanged * clearly < this.#asDelivered) this.crossed = true;
-        if (this.#asDelivered * clearly < this.#exchanged) this.crossed = false;
+        if (this.#exchanged * clearRatio < this.#asDelivered) this.crossed = true;
+        if (this.#asDelivered * clearRatio < this.#exchanged) this.crossed = false;
     }
 }

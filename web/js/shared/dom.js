@@ -1,15 +1,39 @@
-export const byId = id => document.getElementById(id);
+// @ts-check
 
-/** Writes only what differs, so that nothing is laid out, or read aloud, for nothing. */
+/** @param {string} id */
+export const byId = id => /** @type {HTMLElement} */ (document.getElementById(id));
+/** @param {string} id */
+export const inputById = id => /** @type {HTMLInputElement} */ (byId(id));
+/** @param {string} id */
+export const canvasById = id => /** @type {HTMLCanvasElement} */ (byId(id));
+
+/**
+ * Returns the elements for a CSS selector.
+ *
+ * @param {string} selector
+ * @returns {NodeListOf<HTMLElement>}
+ */
+export const allOf = selector => document.querySelectorAll(selector);
+
+/**
+ * Sets an element's text. An unchanged text is not written, which saves a layout and keeps screen readers silent.
+ *
+ * @param {string} id
+ * @param {string} value
+ */
 export function setText(id, value) {
-    const element = byId(id);
-    if (element.textContent !== value) element.textContent = value;
+    const target = byId(id);
+    if (target.textContent !== value) target.textContent = value;
 }
 
-/** A new element with a text in it, which never becomes markup. */
-export function element(tag, content, className = '') {
+/**
+ * Creates an element. Its content is plain text, never markup.
+ *
+ * @param {string} tag
+ * @param {string} content
+ */
+export function element(tag, content = '') {
     const created = document.createElement(tag);
     created.textContent = content;
-    created.className = className;
     return created;
 }

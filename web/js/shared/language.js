@@ -1,35 +1,65 @@
+// @ts-check
 import en from '../texts/en.js';
 import ru from '../texts/ru.js';
+import { allOf } from './dom.js';
 
 const dictionaries = { en, ru };
 const storageKey = 'language';
+
+/** @typedef {keyof typeof dictionaries} Language */
+/** @typedef {keyof typeof en} TextKey */
+/** @typedef {Record<string, string | number>} TextValues */
+
+/** @type {Language} */
 let current = 'en';
-const followers = [];
 
-/** The text of `key` in the chosen language, with `{name}` replaced by the values of those names. */
+/** @type {(() => void)[]} */
+const listeners = [];
+
+/**
+ * Returns the text of `key` in the current language. `{name}` is replaced by `values.name`.
+ *
+ * @param {TextKey} key
+ * @param {TextValues} values
+ */
 export function text(key, values = {}) {
-    return dictionaries[current][key].replace(/\{(\w+)\}/g, (_, name) => values[name]);
+    return dictionaries[current][key].replace(/\{(\w+)\}/g, (_, name) => String(values[name]));
 }
 
-/** A number with so many digits behind the decimal sign, in the text of `key`; a dash for NaN. */
-export function quantity(key, value, digits = 0) {
-    return Number.isFinite(value) ? text(key, { value: number(value, digits) }) : text('unknown');
+/**
+ * Returns the text of `key`, which consists of `value` and its unit. A non-finite value is shown as a dash.
+ *
+ * @param {TextKey} key
+ * @param {number} value
+ * @param {number} decimals
+ */
+export function quantity(key, value, decimals = 0) {
+    return Number.isFinite(value) ? text(key, { value: number(value, decimals) }) : text('unknown');
 }
 
-export function number(value, digits = 0) {
-    // Not "-0", and a minus as wide as a digit.
-    return numberFormat(digits).format(Number(value.toFixed(digits)) || 0).replace('-', '−');
+/**
+ * @param {number} value
+ * @param {number} decimals
+ */
+export function number(value, decimals = 0) {
+    // "|| 0" turns -0 into 0. Unlike the hyphen, the minus sign is as wide as a digit.
+    return numberFormat(decimals).format(Number(value.toFixed(decimals)) || 0).replace('-', '−');
 }
 
-/** Kept, as they take long to make. */
+/** @type {Record<string, Intl.NumberFormat>} */
 const numberFormats = {};
 
-function numberFormat(digits) {
-    const digit = { minimumFractionDigits: digits, maximumFractionDigits: digits };
-    return (numberFormats[current + digits] ??= new Intl.NumberFormat(current, digit));
+/** @param {number} decimals */
+function numberFormat(decimals) {
+    const digits = { minimumFractionDigits: decimals, maximumFractionDigits: decimals };
+    return (numberFormats[current + decimals] ??= new Intl.NumberFormat(current, digits));
 }
 
-/** A length of time as minutes or hours, like 12:05 or 1:00:00. */
+/**
+ * Returns a duration as minutes and seconds, or with hours, for example 12:05 or 1:00:00.
+ *
+ * @param {number} ms
+ */
 export function clock(ms) {
     const seconds = Math.round(ms / 1000);
     const parts = [Math.floor(seconds / 3600), Math.floor(seconds / 60) % 60, seconds % 60];
@@ -37,51 +67,62 @@ export function clock(ms) {
     return shown.map((part, i) => String(part).padStart(i > 0 ? 2 : 1, '0')).join(':');
 }
 
+/** @param {Date} date */
 export function timeOfDay(date) {
     return date.toLocaleTimeString(current);
 }
 
-/** Calls `follow` at every change of the language, for texts that are not in the page's markup. */
-export function onLanguage(follow) {
-    followers.push(follow);
+/** @param {() => void} changed called after each change of the language, for texts that are not in the page's markup */
+export function onLanguage(changed) {
+    listeners.push(changed);
 }
 
-/** Translates the page and makes its language buttons work. */
+/** Translates the page and connects its language buttons. */
 export function startLanguage() {
-    for (const button of languageButtons()) button.addEventListener('click', () => choose(button.dataset.language));
-    use(remembered() ?? (navigator.language.startsWith('ru') ? 'ru' : 'en'));
+    for (const button of languageButtons())
+        button.addEventListener('click', () => choose(languageOf(button.dataset.language) ?? current));
+    use(storedLanguage() ?? (navigator.language.startsWith('ru') ? 'ru' : 'en'));
 }
 
 function languageButtons() {
-    return document.querySelectorAll('[data-language]');
+    return allOf('[data-language]');
 }
 
-/** Browsers may refuse to store anything; the choice then lasts as long as the page. */
-function remembered() {
+/**
+ * @param {string | null | undefined} name
+ * @returns {Language | null}
+ */
+function languageOf(name) {
+    return name === 'en' || name === 'ru' ? name : null;
+}
+
+/** A browser may refuse access to the storage. The language is then chosen for the current page only. */
+function storedLanguage() {
     try {
-        const language = localStorage.getItem(storageKey);
-        return language in dictionaries ? language : null;
+        return languageOf(localStorage.getItem(storageKey));
     } catch {
         return null;
     }
 }
 
+/** @param {Language} language */
 function choose(language) {
     try {
         localStorage.setItem(storageKey, language);
     } catch {
-        // As said above.
+        // See storedLanguage().
     }
     use(language);
 }
 
+/** @param {Language} language */
 function use(language) {
     current = language;
     document.documentElement.lang = language;
-    for (const element of document.querySelectorAll('[data-i18n]')) element.textContent = text(element.dataset.i18n);
-    for (const element of document.querySelectorAll('[data-i18n-label]'))
-        element.setAttribute('aria-label', text(element.dataset.i18nLabel));
+    for (const element of allOf('[data-i18n]')) element.textContent = text(/** @type {TextKey} */ (element.dataset.i18n));
+    for (const element of allOf('[data-i18n-label]'))
+        element.setAttribute('aria-label', text(/** @type {TextKey} */ (element.dataset.i18nLabel)));
     for (const button of languageButtons())
         button.setAttribute('aria-pressed', String(button.dataset.language === language));
-    for (const follow of followers) follow();
+    for (const changed of listeners) changed();
 }

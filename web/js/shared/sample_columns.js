@@ -1,26 +1,45 @@
-/** What is kept of a sample beside its time. Gaze in percent of the calibrated area, pupils in mm, distance in cm. */
-export const columnNames = [
-    'x', 'y', 'leftX', 'leftY', 'rightX', 'rightY', 'leftPupil', 'rightPupil', 'distance',
-];
+// @ts-check
 
-const smallestCapacity = 1024;
+/** The columns other than the time. Gaze is in percent of the calibrated area, pupils are in mm, the distance in cm. */
+export const columnNames = /** @type {const} */ ([
+    'x', 'y', 'leftX', 'leftY', 'rightX', 'rightY', 'leftPupil', 'rightPupil', 'distance',
+]);
+
+/** @typedef {(typeof columnNames)[number]} ColumnName */
+/** @typedef {Record<ColumnName, number>} Row A sample without its time. */
+
+const minCapacity = 1024;
 
 /**
- * A series of samples in typed arrays, oldest first. `time` is in ms and never decreases. NaN is what was not measured:
- * gaps stay gaps in whatever is computed or drawn from it. Only the first `length` elements count.
+ * A series of samples in typed arrays, oldest first. `time` is in ms and never decreases. NaN is a missing value. Only
+ * the first `length` elements are samples.
  */
 export class SampleColumns {
-    constructor() {
-        this.length = 0;
-        this.time = new Float64Array(smallestCapacity);
-        for (const name of columnNames) this[name] = new Float32Array(smallestCapacity);
+    length = 0;
+    time = new Float64Array(minCapacity);
+    x = new Float32Array(minCapacity);
+    y = new Float32Array(minCapacity);
+    leftX = new Float32Array(minCapacity);
+    leftY = new Float32Array(minCapacity);
+    rightX = new Float32Array(minCapacity);
+    rightY = new Float32Array(minCapacity);
+    leftPupil = new Float32Array(minCapacity);
+    rightPupil = new Float32Array(minCapacity);
+    distance = new Float32Array(minCapacity);
+
+    /**
+     * Restores columns that postMessage() copied without their methods.
+     *
+     * @param {SampleColumns} copy
+     */
+    static from(copy) {
+        return Object.assign(new SampleColumns(), copy);
     }
 
-    /** The same columns behind a postMessage(), which takes methods away. */
-    static from(plain) {
-        return Object.assign(new SampleColumns(), plain);
-    }
-
+    /**
+     * @param {number} timeMs
+     * @param {Row} row
+     */
     append(timeMs, row) {
         if (this.length === this.time.length) this.#resize(2 * this.length);
         this.time[this.length] = timeMs;
@@ -32,15 +51,24 @@ export class SampleColumns {
         this.length = 0;
     }
 
-    /** Forgets what is older than `timeMs`. */
+    /**
+     * Removes the samples before `timeMs`.
+     *
+     * @param {number} timeMs
+     */
     dropBefore(timeMs) {
         const first = this.indexAt(timeMs);
         if (first === 0) return;
-        for (const name of ['time', ...columnNames]) this[name].copyWithin(0, first, this.length);
+        this.time.copyWithin(0, first, this.length);
+        for (const name of columnNames) this[name].copyWithin(0, first, this.length);
         this.length -= first;
     }
 
-    /** The index of the first sample that is not before `timeMs`; `length` if there is none. */
+    /**
+     * Returns the index of the first sample at or after `timeMs`, or `length`.
+     *
+     * @param {number} timeMs
+     */
     indexAt(timeMs) {
         let low = 0;
         let high = this.length;
@@ -52,11 +80,15 @@ export class SampleColumns {
         return low;
     }
 
+    /** @param {number} capacity */
     #resize(capacity) {
-        for (const name of ['time', ...columnNames]) {
-            const grown = new this[name].constructor(capacity);
-            grown.set(this[name]);
-            this[name] = grown;
+        const time = new Float64Array(capacity);
+        time.set(this.time);
+        this.time = time;
+        for (const name of columnNames) {
+            const values = new Float32Array(capacity);
+            values.set(this[name]);
+            this[name] = values;
         }
     }
 }

@@ -1,47 +1,76 @@
-/** So many equal values in a row are no measurement: the noise of a real one changes its last digits. */
-const mostRepeats = 3;
+// @ts-check
+/** @import { Row } from './sample_columns.js' */
 
-/** null (what JSON has for an infinite number) and whatever else is no number. */
+/**
+ * A sample with the names of the API. In JSON, null is a non-finite number.
+ *
+ * @typedef {'x' | 'y' | 'x_px' | 'y_px' | 'l_x' | 'l_y' | 'r_x' | 'r_y'} GazeKey
+ * @typedef {Record<GazeKey | 'l_pupil_mm' | 'r_pupil_mm' | 'distance_cm', number | null>} Measured
+ * @typedef {Measured & { timestamp: number, valid: boolean | number }} Sample
+ */
+
+/** Noise changes measured values in every sample. An eye whose values repeat more often than this is lost. */
+const maxRepeatCount = 2;
+
+/**
+ * @param {number | null} value
+ * @returns {number} NaN for null and non-finite numbers
+ */
 function finite(value) {
-    return Number.isFinite(value) ? value : NaN;
+    return value !== null && Number.isFinite(value) ? value : NaN;
 }
 
+/** @param {number | null} value */
 function positive(value) {
-    return value > 0 ? finite(value) : NaN;
-}
-
-/** Trackers write 0, 0 for a gaze that they do not have; a measured one is never exactly that. */
-function point(x, y) {
-    const known = Number.isFinite(x) && Number.isFinite(y) && (x !== 0 || y !== 0);
-    return known ? [x, y] : [NaN, NaN];
+    const number = finite(value);
+    return number > 0 ? number : NaN;
 }
 
 /**
- * Neither the API nor the record tells whether an eye was seen, so its values have to: an eye that is lost is all zero
- * with some trackers, and stays at its last values with others.
+ * Returns the two coordinates. Trackers send 0, 0 for a missing gaze.
+ *
+ * @param {number | null} x
+ * @param {number | null} y
+ */
+function point(x, y) {
+    const values = [finite(x), finite(y)];
+    return values.some(Number.isNaN) || values.every(value => value === 0) ? [NaN, NaN] : values;
+}
+
+/**
+ * Detects a lost eye by its values, because neither the API nor the record file has a flag for each eye. For a lost eye,
+ * some trackers send zeros, and others repeat the last values.
  */
 class Eye {
-    #x = NaN;
-    #y = NaN;
-    #pupil = NaN;
-    #repeats = 0;
+    /** @type {(number | null)[]} */
+    #last = [];
+    #repeatCount = 0;
 
+    /**
+     * Returns x, y and the pupil; NaN for missing values.
+     *
+     * @param {number | null} x
+     * @param {number | null} y
+     * @param {number | null} pupil
+     */
     read(x, y, pupil) {
-        const same = x === this.#x && y === this.#y && pupil === this.#pupil;
-        this.#repeats = same ? this.#repeats + 1 : 0;
-        [this.#x, this.#y, this.#pupil] = [x, y, pupil];
-        return this.#repeats < mostRepeats ? [...point(x, y), positive(pupil)] : [NaN, NaN, NaN];
+        const values = [x, y, pupil];
+        const repeats = values.every((value, i) => value === this.#last[i]);
+        this.#repeatCount = repeats ? this.#repeatCount + 1 : 0;
+        this.#last = values;
+        return this.#repeatCount > maxRepeatCount ? [NaN, NaN, NaN] : [...point(x, y), positive(pupil)];
     }
 }
 
-/**
- * Turns samples, as the API has them, into rows of SampleColumns: NaN for what was not measured. One reader a stream,
- * as it remembers the last values.
- */
+/** Converts samples to rows. Use one reader for each stream, because it compares a sample with the previous ones. */
 export class SampleReader {
     #left = new Eye();
     #right = new Eye();
 
+    /**
+     * @param {Sample} sample
+     * @returns {Row}
+     */
     read(sample) {
         const [x, y] = sample.valid ? [finite(sample.x), finite(sample.y)] : [NaN, NaN];
         const [leftX, leftY, leftPupil] = this.#left.read(sample.l_x, sample.l_y, sample.l_pupil_mm);

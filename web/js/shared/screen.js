@@ -1,42 +1,72 @@
-/** Gaze may leave the screen: so much of its width is shown around it. */
+// @ts-check
+/** @import { Sample } from './sample_reader.js' */
+
+export const defaultAspect = 16 / 9;
+const minAspect = 0.4;
+const maxAspect = 5;
+
+/** Pixels are truncated to integers, so a quotient of smaller numbers is too inaccurate. */
+const minPixels = 50;
+
+/** The margin around the screen, for gaze beyond the edges, as a share of the screen's width. */
 const margin = 0.05;
 
-/** Width by height of a canvas that a screen of this shape fills with its margin. */
+/** @param {number[]} numbers */
+function median(numbers) {
+    return numbers.sort((a, b) => a - b)[numbers.length >> 1];
+}
+
+/**
+ * Returns the length of one side of the calibrated area in pixels.
+ *
+ * @param {Sample[]} samples
+ * @param {'x' | 'y'} percentKey
+ * @param {'x_px' | 'y_px'} pixelKey
+ */
+function sideLength(samples, percentKey, pixelKey) {
+    const lengths = [];
+    for (const sample of samples) {
+        const [percent, pixels] = [Number(sample[percentKey]), Number(sample[pixelKey])];
+        if (sample.valid && percent !== 0 && Math.abs(pixels) >= minPixels) lengths.push((pixels * 100) / percent);
+    }
+    return median(lengths);
+}
+
+/**
+ * Returns the aspect ratio (width divided by height) of the calibrated area, computed from samples that have their gaze in
+ * percent and in pixels. Returns the default if there are none, or if the result is out of range.
+ *
+ * @param {Sample[]} samples
+ */
+export function aspectOf(samples) {
+    const aspect = sideLength(samples, 'x', 'x_px') / sideLength(samples, 'y', 'y_px');
+    return aspect >= minAspect && aspect <= maxAspect ? aspect : defaultAspect;
+}
+
+/**
+ * Returns the aspect ratio of a canvas that exactly holds a screen and its margin.
+ *
+ * @param {number} aspect
+ */
 export function canvasAspect(aspect) {
     return (1 + 2 * margin) / (1 / aspect + 2 * margin);
 }
 
-/** The largest rectangle of this shape that leaves the margin free. */
-export function screenIn(width, height, aspect) {
-    const across = Math.min(width / (1 + 2 * margin), height / (1 / aspect + 2 * margin));
-    const down = across / aspect;
-    return { left: (width - across) / 2, top: (height - down) / 2, width: across, height: down };
-}
-
-/** The screen with lines at its quarters. */
-export function drawScreen(context, screen, palette) {
-    context.fillStyle = palette.screen;
-    context.strokeStyle = palette.line;
-    context.lineWidth = 1;
-    context.beginPath();
-    context.rect(screen.left, screen.top, screen.width, screen.height);
-    context.fill();
-    context.beginPath();
-    for (const part of [0.25, 0.5, 0.75]) {
-        context.moveTo(screen.left + part * screen.width, screen.top);
-        context.lineTo(screen.left + part * screen.width, screen.top + screen.height);
-        context.moveTo(screen.left, screen.top + part * screen.height);
-        context.lineTo(screen.left + screen.width, screen.top + part * screen.height);
-    }
-    context.stroke();
-    context.strokeStyle = palette.edge;
-    context.strokeRect(screen.left, screen.top, screen.width, screen.height);
-}
-
-/** How percent of the screen become places on the canvas. */
-export function placesIn(screen) {
+/**
+ * Returns the largest screen that fits with its margin, and functions that convert percent of it to coordinates.
+ *
+ * @param {{ width: number, height: number }} available
+ * @param {number} aspect
+ */
+export function screenIn(available, aspect) {
+    const width = Math.min(available.width / (1 + 2 * margin), available.height / (1 / aspect + 2 * margin));
+    const height = width / aspect;
+    const [left, top] = [(available.width - width) / 2, (available.height - height) / 2];
     return {
-        toX: percent => screen.left + (percent * screen.width) / 100,
-        toY: percent => screen.top + (percent * screen.height) / 100,
+        left, top, width, height,
+        toX: (/** @type {number} */ percent) => left + (percent * width) / 100,
+        toY: (/** @type {number} */ percent) => top + (percent * height) / 100,
     };
 }
+
+/** @typedef {ReturnType<typeof screenIn>} Screen */

@@ -1,45 +1,89 @@
-const steps = [1, 2, 5, 10];
+// @ts-check
 
-/** The smallest of 1, 2, 5 times a power of ten that divides `span` into at most `most` parts. */
-export function niceStep(span, most) {
-    const raw = span / most;
-    const power = 10 ** Math.floor(Math.log10(raw));
-    return power * steps.find(step => step * power >= raw * (1 - 1e-9));
+const factors = [1, 2, 5, 10];
+const minuteMs = 60000;
+const timeSteps = [1, 2, 5, 10, 20, 30, 60, 120, 300, 600].map(minutes => minutes * minuteMs);
+
+/** Compensates for rounding errors in divisions. */
+const epsilon = 1e-9;
+
+/**
+ * Returns the smallest step of 1, 2 or 5 times a power of ten that divides `span` into at most `maxCount` parts.
+ *
+ * @param {number} span
+ * @param {number} maxCount
+ */
+function niceStep(span, maxCount) {
+    const minStep = span / maxCount;
+    const power = 10 ** Math.floor(Math.log10(minStep));
+    return power * (factors.find(factor => factor * power >= minStep * (1 - epsilon)) ?? 10);
 }
 
-/** How many digits behind the decimal sign tell apart what is `step` apart. */
+/**
+ * Returns a step for times. If it must be longer than 30 s, it is a whole number of minutes, up to ten hours.
+ *
+ * @param {number} spanMs
+ * @param {number} maxCount
+ */
+function niceTimeStepMs(spanMs, maxCount) {
+    const minStepMs = spanMs / maxCount;
+    const wholeMinutes = minStepMs > minuteMs / 2 && timeSteps.find(step => step >= minStepMs);
+    return wholeMinutes || niceStep(spanMs, maxCount);
+}
+
+/**
+ * Returns the number of decimals that distinguish numbers with the difference `step`.
+ *
+ * @param {number} step NaN for a single number
+ */
 export function decimalsOf(step) {
-    // Of no step at all, too: a single tick has none.
-    return Math.min(3, Math.max(0, -Math.floor(Math.log10(step) + 1e-9))) || 0;
+    return Math.min(3, Math.max(0, -Math.floor(Math.log10(step) + epsilon))) || 0;
 }
 
-/** Round lengths of time from a minute up, in ms. */
-const timeSteps = [1, 2, 5, 10, 20, 30, 60, 120, 300, 600].map(minutes => minutes * 60000);
-
-/** The step between round times, in ms: whole minutes and hours where they fit. */
-export function timeStepMs(spanMs, most) {
-    const raw = spanMs / most;
-    return raw > 30000 ? (timeSteps.find(step => step >= raw) ?? niceStep(spanMs, most)) : niceStep(spanMs, most);
+/**
+ * Returns at most `maxCount` + 1 round numbers from `low` to `high`.
+ *
+ * @param {number} low
+ * @param {number} high
+ * @param {number} maxCount
+ */
+export function ticks(low, high, maxCount) {
+    return high > low ? multiples(niceStep(high - low, maxCount), low, high) : [];
 }
 
-/** Round numbers from `low` to `high`, at most `most` + 1 of them. */
-export function ticks(low, high, most) {
-    return high > low ? multiples(niceStep(high - low, most), low, high) : [];
+/**
+ * Returns at most `maxCount` + 1 round times.
+ *
+ * @param {number} lowMs
+ * @param {number} highMs
+ * @param {number} maxCount
+ */
+export function timeTicks(lowMs, highMs, maxCount) {
+    return highMs > lowMs ? multiples(niceTimeStepMs(highMs - lowMs, maxCount), lowMs, highMs) : [];
 }
 
-/** The same of times in ms. */
-export function timeTicks(lowMs, highMs, most) {
-    return highMs > lowMs ? multiples(timeStepMs(highMs - lowMs, most), lowMs, highMs) : [];
-}
-
+/**
+ * @param {number} step
+ * @param {number} low
+ * @param {number} high
+ */
 function multiples(step, low, high) {
-    const first = Math.ceil(low / step - 1e-9);
-    // Counted beforehand: numbers may be so large that one more makes no difference.
-    const count = Math.floor(high / step + 1e-9) - first + 1;
+    const first = Math.ceil(low / step - epsilon);
+    // A loop that adds the step would not end for a very large number, because the sum would not change.
+    const count = Math.floor(high / step + epsilon) - first + 1;
     return Array.from({ length: count }, (_, i) => (first + i) * step);
 }
 
-/** The range of the values of several columns, widened to whole multiples of `step`; null if there are none. */
+/**
+ * Returns the lowest and the highest value of several columns, extended to multiples of `step`. Returns null if all
+ * values are missing.
+ *
+ * @param {Float32Array[]} columnList
+ * @param {number} from
+ * @param {number} to
+ * @param {number} step
+ * @returns {[number, number] | null}
+ */
 export function rangeOf(columnList, from, to, step) {
     let low = Infinity;
     let high = -Infinity;

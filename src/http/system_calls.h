@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QHostAddress>
+#include <string_view>
+
+/// A socket of the operating system. Registered as a meta type, so that queued calls can carry it.
+using tSocketDescriptor = qint64;
+
+/// Calls to the operating system that Qt does not offer, one source file per platform. The caller keeps ownership of
+/// the sockets that it passes.
+namespace system_calls {
+
+/// The maximum time that receive() and send() block.
+constexpr int maxWaitMs = 250;
+/// Returned by receive() and send() after maxWaitMs, or if a signal has interrupted them.
+constexpr qint64 tryAgain = -2;
+
+/// Sets up a connected socket for the calls below and disables Nagle's algorithm. Returns false if it is not a socket.
+[[nodiscard]] bool prepareSocket(tSocketDescriptor socket);
+/// Returns the number of bytes received, 0 at the end of the stream, -1 if the connection has failed, or tryAgain.
+[[nodiscard]] qint64 receive(tSocketDescriptor socket, char *to, qint64 capacity);
+/// Sends the pieces in order. Returns the number of bytes sent, -1 if the connection has failed, or tryAgain.
+[[nodiscard]] qint64 send(tSocketDescriptor socket, const std::string_view *pieces, int count);
+/// Waits until receive() would return at once. Returns false after `timeoutMs`.
+[[nodiscard]] bool waitReadable(tSocketDescriptor socket, int timeoutMs);
+void shutdownWriting(tSocketDescriptor socket);
+void closeSocket(tSocketDescriptor socket);
+[[nodiscard]] QHostAddress peerAddress(tSocketDescriptor socket);
+/// Raises the backlog of pending connections from Qt's 50 to the system's maximum. Has no effect on Windows.
+void raiseBacklog(tSocketDescriptor listener);
+
+/// Makes the process return large freed blocks to the system at once. Must be called before the first connection.
+void configureAllocator();
+/// Returns free memory to the system. Takes milliseconds.
+void trimHeap();
+
+}  // namespace system_calls

@@ -1,0 +1,104 @@
+#include "http/system_calls.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <fcntl.h>
+#include <malloc.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
+namespace system_calls {
+namespace {
+
+/// The maximum number of pieces per call. A response with 2000 samples has 35.
+constexpr std::size_t maxPieceCount = 64;
+
+int number(tSocketDescriptor socket) {
+    return static_cast<int>(socket);
+}
+
+template <typename Value>
+bool setOption(tSocketDescriptor socket, int level, int option, const Value &value) {
+    return ::setsockopt(number(socket), level, option, &value, sizeof value) == 0;
+}
+
+/// Returns `result`, or tryAgain or -1 if the call has failed.
+qint64 checked(ssize_t result) {
+    if (result >= 0)
+        return result;
+    return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR ? tryAgain : -1;
+}
+
+}  // namespace
+
+bool prepareSocket(tSocketDescriptor socket) {
+    const int flags = ::fcntl(number(socket), F_GETFL);
+    if (flags < 0 || ::fcntl(number(socket), F_SETFL, flags & ~O_NONBLOCK) != 0)
+        return false;
+    timeval timeout{};
+    timeout.tv_usec = maxWaitMs * 1000L;
+    const bool ready =
+        setOption(socket, SOL_SOCKET, SO_RCVTIMEO, timeout) && setOption(socket, SOL_SOCKET, SO_SNDTIMEO, timeout);
+    setOption(socket, IPPROTO_TCP, TCP_NODELAY, 1);
+    return ready;
+}
+
+qint64 receive(tSocketDescriptor socket, char *to, qint64 capacity) {
+    return checked(::recv(number(socket), to, static_cast<std::size_t>(capacity), 0));
+}
+
+qint64 send(tSocketDescriptor socket, const std::string_view *pieces, int count) {
+    std::array<iovec, maxPieceCount> vectors;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
+    const std::size_t used = std::min(static_cast<std::size_t>(count), maxPieceCount);
+    std::transform(pieces, pieces + used, vectors.begin(), [](std::string_view piece) {
+        return iovec{const_cast<char *>(piece.data()), piece.size()};
+    });
+    msghdr message{};
+    message.msg_iov = vectors.data();
+    message.msg_iovlen = used;
+    return checked(::sendmsg(number(socket), &message, MSG_NOSIGNAL));
+}
+
+bool waitReadable(tSocketDescriptor socket, int timeoutMs) {
+    pollfd request{number(socket), POLLIN, 0};
+    return ::poll(&request, 1, timeoutMs) > 0;
+}
+
+void shutdownWriting(tSocketDescriptor socket) {
+    ::shutdown(number(socket), SHUT_WR);
+}
+
+void closeSocket(tSocketDescriptor socket) {
+    ::close(number(socket));
+}
+
+QHostAddress peerAddress(tSocketDescriptor socket) {
+    sockaddr_storage address{};
+    socklen_t size = sizeof address;
+    auto *generic = reinterpret_cast<sockaddr *>(&address);
+    return ::getpeername(number(socket), generic, &size) == 0 ? QHostAddress(generic) : QHostAddress();
+}
+
+void raiseBacklog(tSocketDescriptor listener) {
+    ::listen(number(listener), SOMAXCONN);
+}
+
+// By default, glibc raises its thresholds after the first large block is freed, and then keeps the memory of a short
+// burst of requests forever.
+void configureAllocator() {
+    constexpr int largeBlockBytes = 4 * 1024 * 1024;
+    mallopt(M_MMAP_THRESHOLD, largeBlockBytes);
+    mallopt(M_TRIM_THRESHOLD, 2 * largeBlockBytes);
+}
+
+void trimHeap() {
+    malloc_trim(0);
+}
+
+}  // namespace system_calls

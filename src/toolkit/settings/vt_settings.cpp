@@ -1,0 +1,80 @@
+#include "toolkit/settings/vt_settings.h"
+
+#include "toolkit/base/toolkit_log.h"
+#include "toolkit/settings/property_value.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QHash>
+#include <QScopedValueRollback>
+#include <utility>
+
+namespace {
+
+QString native(const QString &path) {
+    return QDir::toNativeSeparators(path);
+}
+
+}  // namespace
+
+VTSettings::VTSettings(QString filePath, bool saveOnChange, QObject *parent, VTSettingsFormat /*format*/)
+    : AbstractSettings(parent), filePath_(std::move(filePath)) {
+    if (!saveOnChange)
+        return;
+    connect(this, &VTSettings::changedProperty, this, [this] {
+        if (!reloading_)
+            save();
+    });
+}
+
+bool VTSettings::reload() {
+    const QScopedValueRollback<bool> guard(reloading_, true);
+    settings_file::Contents file;
+    if (QFileInfo::exists(filePath_))
+        file = settings_file::read(filePath_);
+    if (!file.error.isEmpty())
+        setAside(file.error);
+    restore(file.entries);
+    return file.error.isEmpty();
+}
+
+bool VTSettings::save() {
+    QVector<settings_file::Entry> entries;
+    for (const PropertyDescriptor &descriptor : metaDescriptor())
+        entries.append({descriptor.name, property_value::toText(descriptor, getValue(descriptor.name))});
+    const QString error = settings_file::write(filePath_, entries + unknown_);
+    if (!error.isEmpty())
+        qCWarning(lcSettings).noquote() << "Settings were not saved to" << native(filePath_) + ":" << error;
+    return error.isEmpty();
+}
+
+void VTSettings::setAside(const QString &reason) const {
+    const QString kept = settings_file::moveAside(filePath_);
+    const QString outcome = kept.isEmpty() ? QStringLiteral("it could not be renamed") : "kept as " + native(kept);
+    qCWarning(lcSettings).noquote() << "Settings file" << native(filePath_) << "cannot be used:" << reason + ";"
+                                    << outcome + "; the defaults apply";
+}
+
+void VTSettings::restore(const QVector<settings_file::Entry> &entries) {
+    QHash<QString, QString> texts;
+    unknown_.clear();
+    for (const settings_file::Entry &entry : entries) {
+        if (containsProperty(entry.name))
+            texts.insert(entry.name, entry.text);
+        else
+            unknown_.append(entry);
+    }
+    for (const PropertyDescriptor &descriptor : metaDescriptor()) {
+        const auto text = texts.constFind(descriptor.name);
+        restoreProperty(descriptor.name, text == texts.constEnd() ? nullptr : &*text);
+    }
+}
+
+void VTSettings::restoreProperty(const QString &name, const QString *text) {
+    if (text != nullptr && setValue(name, *text))
+        return;
+    if (text != nullptr)
+        qCWarning(lcSettings).noquote() << native(filePath_) + ":" << name << "has the invalid value"
+                                        << *text + "; the default applies";
+    resetValue(name);
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "toolkit/settings/abstract_settings.h"
+#include "toolkit/settings/settings_file.h"
+
+#include <QString>
+#include <QVector>
+
+enum class VTSettingsFormat { Xml };
+
+/// Settings that are stored in a file. GUI thread.
+///
+/// Only `reload()` reads the file, so the owner can connect the signals before or after it. With `saveOnChange`, each
+/// `changedProperty` writes the file. A failed save keeps the values in memory and logs one warning. The next change
+/// saves again.
+class VTSettings : public AbstractSettings {
+    Q_OBJECT
+
+public:
+    VTSettings(QString filePath, bool saveOnChange, QObject *parent, VTSettingsFormat format = VTSettingsFormat::Xml);
+
+    [[nodiscard]] QString filePath() const { return filePath_; }
+
+    /// Sets the properties to the values in the file, or to their defaults if the file does not contain them or does
+    /// not exist. The setters emit their signals, and nothing is written. Properties in the file that the class does
+    /// not declare are written again by the next save.
+    ///
+    /// If the file is damaged or cannot be read, sets the defaults, renames the file to "...damaged", logs one warning
+    /// and returns false.
+    bool reload();
+
+    /// Writes the file. Required only without `saveOnChange`.
+    bool save();
+
+private:
+    void setAside(const QString &reason) const;
+    void restore(const QVector<settings_file::Entry> &entries);
+    void restoreProperty(const QString &name, const QString *text);
+
+    const QString filePath_;
+    QVector<settings_file::Entry> unknown_;
+    bool reloading_ = false;
+};

@@ -1,0 +1,86 @@
+#include "toolkit/table/numeric_rows.h"
+
+#include "toolkit/table/number_text.h"
+
+#include <cstring>
+#include <type_traits>
+
+namespace {
+
+quint64 bitsOf(const NumericCell &cell) {
+    quint64 bits = 0;
+    std::visit([&](auto value) { std::memcpy(&bits, &value, sizeof value); }, cell);
+    return bits;
+}
+
+template <typename T>
+T fromBits(quint64 bits) {
+    T value;
+    std::memcpy(&value, &bits, sizeof value);
+    return value;
+}
+
+NumericCell cell(quint64 bits, quint8 type) {
+    switch (type) {
+        case 0:
+            return fromBits<int>(bits);
+        case 1:
+            return fromBits<qint64>(bits);
+        case 2:
+            return fromBits<float>(bits);
+        default:
+            return fromBits<double>(bits);
+    }
+}
+
+char *writeCell(char *to, const NumericCell &cell) {
+    return std::visit(
+        [to](auto value) {
+            using Widest = std::conditional_t<std::is_integral_v<decltype(value)>, qint64, double>;
+            return number_text::write(to, static_cast<Widest>(value));
+        },
+        cell);
+}
+
+}  // namespace
+
+void NumericRows::clear() {
+    *this = NumericRows();
+}
+
+QVariantList NumericRows::at(std::size_t row) const {
+    QVariantList cells;
+    forEachCell(
+        row, [&](const NumericCell &cell) { cells << std::visit([](auto value) { return QVariant(value); }, cell); });
+    return cells;
+}
+
+std::string NumericRows::text(std::size_t row, char separator) const {
+    const std::size_t cellCount = rowEnds_[row] - rowBegin(row);
+    std::string text(cellCount * (number_text::maxBytes + 1), '\0');
+    char *end = text.data();
+    forEachCell(row, [&](const NumericCell &cell) {
+        if (end != text.data())
+            *end++ = separator;
+        end = writeCell(end, cell);
+    });
+    text.resize(static_cast<std::size_t>(end - text.data()));
+    return text;
+}
+
+void NumericRows::append(const NumericCell *first, const NumericCell *last) {
+    for (const NumericCell *cell = first; cell != last; ++cell) {
+        values_.push_back(bitsOf(*cell));
+        types_.push_back(static_cast<quint8>(cell->index()));
+    }
+    rowEnds_.push_back(values_.size());
+}
+
+template <typename Take>
+void NumericRows::forEachCell(std::size_t row, Take take) const {
+    const auto begin = static_cast<std::ptrdiff_t>(rowBegin(row));
+    const auto end = values_.begin() + static_cast<std::ptrdiff_t>(rowEnds_[row]);
+    auto type = types_.begin() + begin;
+    for (auto value = values_.begin() + begin; value != end; ++value, ++type)
+        take(cell(*value, *type));
+}

@@ -1,0 +1,120 @@
+#include "toolkit/table/numeric_table_csv.h"
+
+#include "toolkit/base/file_utilities.h"
+#include "toolkit/table/csv_text.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QLoggingCategory>
+#include <QSaveFile>
+#include <optional>
+
+namespace {
+
+Q_LOGGING_CATEGORY(lcCsv, "ocela.csv")
+
+constexpr char separator = ',';
+constexpr char lineEnd[] = "\r\n";
+constexpr std::size_t writeSizeBytes = 1 << 18;
+
+bool refuse(const char *what, const QString &path, const QString &reason) {
+    qCWarning(lcCsv, "Cannot %s %s: %s", what, qUtf8Printable(path), qUtf8Printable(reason));
+    return false;
+}
+
+bool write(const std::string &text, QSaveFile &file) {
+    return FileUtilities::writeAll(file, text.data(), static_cast<qint64>(text.size()));
+}
+
+bool writeTable(const QStringList &headers, const NumericRows &rows, QSaveFile &file) {
+    std::string text = csv::headerLine(headers, separator) + lineEnd;
+    text.reserve(2 * writeSizeBytes);
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+        text += rows.text(row, separator) + lineEnd;
+        if (text.size() < writeSizeBytes)
+            continue;
+        if (!write(text, file))
+            return false;
+        text.clear();
+    }
+    return write(text, file);
+}
+
+/// Returns the first of name_1.csv, name_2.csv, ... that does not exist, for the path name.csv.
+QString freeName(const QString &path) {
+    const QFileInfo file(path);
+    const QString stem = file.path() + '/' + file.completeBaseName();
+    const QString suffix = file.suffix().isEmpty() ? QString() : '.' + file.suffix();
+    for (int number = 1;; ++number) {
+        QString candidate = stem + '_' + QString::number(number) + suffix;
+        if (!QFileInfo::exists(candidate))
+            return candidate;
+    }
+}
+
+std::optional<NumericCell> parseCell(const QString &text, std::optional<int> type) {
+    bool valid = false;
+    if (!type || *type == QMetaType::LongLong || *type == QMetaType::UInt) {
+        const qint64 integer = text.toLongLong(&valid);
+        if (valid || type)
+            return valid ? std::optional<NumericCell>(integer) : std::nullopt;
+    }
+    const double real = text.toDouble(&valid);
+    return valid ? std::optional<NumericCell>(real) : std::nullopt;
+}
+
+}  // namespace
+
+NumericTableCSV::NumericTableCSV(QObject *parent) : QObject(parent) {}
+
+void NumericTableCSV::setHeaders(const QStringList &headers) {
+    headers_ = headers;
+}
+
+bool NumericTableCSV::save(const QString &path, bool keepExisting) {
+    QSaveFile file(path);
+    if (!FileUtilities::openUnbuffered(file) || !writeTable(headers_, rows_, file))
+        return refuse("save", path, file.errorString());
+
+    // The earlier file is renamed as late as possible, and renamed back if the commit fails.
+    QFile earlier(path);
+    const bool keeps = keepExisting && earlier.exists();
+    if (keeps && !earlier.rename(freeName(path)))
+        return refuse("save", path, "the earlier file cannot be renamed: " + earlier.errorString());
+    if (file.commit())
+        return true;
+    if (keeps)
+        earlier.rename(path);
+    return refuse("save", path, file.errorString());
+}
+
+bool NumericTableCSV::load(const QString &path) {
+    headers_.clear();
+    rows_.clear();
+    filePath_ = path;
+
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return refuse("load", path, file.errorString());
+    const QList<csv::Record> records = csv::parse(QString::fromUtf8(file.readAll()), separator);
+
+    std::vector<NumericCell> row;
+    for (int record = 1; record < records.size(); ++record) {
+        const QStringList &fields = records[record].fields;
+        row.clear();
+        for (int column = 0; column < fields.size(); ++column) {
+            const auto type = columnTypes_.find(column);
+            const auto cell =
+                parseCell(fields[column], type == columnTypes_.end() ? std::nullopt : std::optional<int>(*type));
+            if (!cell) {
+                rows_.clear();
+                return refuse("load", path,
+                              QString("line %1, column %2 is not a number").arg(records[record].line).arg(column + 1));
+            }
+            row.push_back(*cell);
+        }
+        rows_.append(row);
+    }
+    headers_ = records.value(0).fields;
+    return true;
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "toolkit/settings/property_descriptor.h"
+
+#include <QWidget>
+#include <vector>
+
+class PropertyEditor;
+class QGridLayout;
+class QLabel;
+class QToolButton;
+class QVBoxLayout;
+class VTSettings;
+
+/// Edits settings. Each visible property that is editable or read-only has a row with a label, an editor and a button
+/// that resets the value to its default. The rows are grouped by category. See vt_property.h for the class-info. GUI
+/// thread.
+///
+/// An edit changes the settings immediately, and the control shows all changes of the settings. The settings are not
+/// owned and must outlive the control.
+///
+/// Object names: "propertyHeaderLabel" for the labels, the property's name for the editors, and "reset" followed by the
+/// property's name for the reset buttons.
+class PropertyListControl : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit PropertyListControl(VTSettings *settings, QWidget *parent = nullptr);
+
+    /// Adds a widget below all properties and takes ownership of it.
+    void addRow(QWidget *widget);
+
+protected:
+    void changeEvent(QEvent *event) override;
+
+private:
+    struct Row {
+        PropertyDescriptor descriptor;
+        QLabel *label = nullptr;
+        PropertyEditor *editor = nullptr;
+        QToolButton *reset = nullptr;  ///< null in a read-only row
+    };
+    struct Category {
+        QString name;
+        QLabel *label = nullptr;
+    };
+
+    void buildLayout();
+    void buildRows();
+    void buildCategory(const QString &name, const MetaDescriptor &properties);
+    void buildRow(const PropertyDescriptor &descriptor);
+    QToolButton *buildResetButton(const QString &name);
+    void edit(const Row &row, const QVariant &value);
+    void showValue(const Row &row);
+    void retranslate();
+    void retranslateRow(const Row &row);
+
+    VTSettings *settings_;
+    QGridLayout *grid_ = nullptr;
+    QVBoxLayout *lastRows_ = nullptr;
+    std::vector<Category> categories_;
+    std::vector<Row> rows_;
+};

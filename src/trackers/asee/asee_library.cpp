@@ -1,0 +1,42 @@
+#include "trackers/asee/asee_library.h"
+
+#include "toolkit/platform/vendor_library.h"
+#include "trackers/asee/asee_log.h"
+
+namespace {
+
+enum EntryPoint : std::size_t {
+#define OCELA_INDEX(name, parameters, arguments) index_##name,
+    OCELA_ASEE_FUNCTIONS(OCELA_INDEX)
+#undef OCELA_INDEX
+};
+
+constexpr const char *entryPoints[] = {
+#define OCELA_NAME(name, parameters, arguments) #name,
+    OCELA_ASEE_FUNCTIONS(OCELA_NAME)
+#undef OCELA_NAME
+};
+
+VendorLibrary *load() {
+    // Never destroyed: the library's threads and the calibration worker may run until the process ends.
+    auto *library = new VendorLibrary("aSeeX", {std::begin(entryPoints), std::end(entryPoints)});
+    if (!library->load())
+        library->error()->log(lcAsee(), "aSee Pro trackers cannot be used");
+    return library;
+}
+
+template <typename Function>
+Function function(EntryPoint index) {
+    static const VendorLibrary *const library = load();
+    return library->function<Function>(index);
+}
+
+}  // namespace
+
+#define OCELA_FORWARD(name, parameters, arguments)                         \
+    int asee_sdk::name parameters {                                        \
+        const auto entryPoint = function<int(*) parameters>(index_##name); \
+        return entryPoint ? entryPoint arguments : notAvailable;           \
+    }
+OCELA_ASEE_FUNCTIONS(OCELA_FORWARD)
+#undef OCELA_FORWARD

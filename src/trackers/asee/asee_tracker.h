@@ -1,0 +1,68 @@
+#pragma once
+
+#include "core/eyetracker_interface.h"
+#include "trackers/asee/asee_frame_buffer.h"
+
+#include <QImage>
+#include <atomic>
+
+class aSeeProSettings;
+class CalibrationWidget;
+
+/// The back-end for aSee Pro trackers. The vendor's library delivers gaze records and camera images on its own threads.
+/// Each record is converted to a sample and added on that thread. LiveObjects protects against callbacks after the
+/// destructor.
+///
+/// Created and owned by the main window, and used on the GUI thread. Owns its settings and, between calibrate() and
+/// stopCalibration(), the calibration screen. If the library is missing, every call of the library fails with error -1.
+class aSeePro : public EyetrackerInterface {
+    Q_OBJECT
+
+public:
+    /// Copies installed model files and coefficients that `dataFolder` lacks from the program's folder. Stops the
+    /// device, so that it is in a known state.
+    aSeePro(const QString &dataFolder, QObject *parent);
+    ~aSeePro() override;
+
+    [[nodiscard]] QString name() const override { return QStringLiteral("aSee Pro"); }
+    [[nodiscard]] VTSettings *settings() override;
+    /// Returns an aSeeProPreviewWidget, which the caller owns.
+    [[nodiscard]] QWidget *createViewWidget() override;
+
+    /// Sets whether camera images are copied. The default is false.
+    void setPreviewEnabled(bool on) { previewEnabled_ = on; }
+    /// Returns a copy of the last camera image, or a null image before the first. Callable from any thread.
+    [[nodiscard]] QImage previewImage() const { return frameBuffer_.image(); }
+
+Q_SIGNALS:
+    /// Emitted on a thread of the library after a camera image was copied.
+    void previewImageReady();
+
+public Q_SLOTS:
+    /// Connects to the device and starts tracking. Returns false if the connection fails, which a modal box reports, if
+    /// the library does not start, or without coefficients of a calibration. The result of the call that starts
+    /// tracking is ignored. After a success, further calls only return true.
+    bool start() override;
+    /// Stops the device. It changes neither the connected state nor the result of start(): that is intended.
+    void stop() override;
+    /// Shows the calibration screen on the screen with the top-left corner of `area`.
+    void calibrate(QRect area) override;
+    void stopCalibration() override;
+
+private:
+    static void onImage(const unsigned char *image, int size, int width, int height, long long stamp, void *context);
+    static void onGaze(const void *record, void *context);
+
+    void copyInstalledFiles() const;
+    bool startTracking();
+    void takeImage(const unsigned char *image, int size, int width, int height, long long stamp);
+    void takeGaze(const void *record);
+
+    const QString folder_;  ///< the data folder, with a slash at its end
+    aSeeProSettings *settings_;
+    bool started_ = false;
+    std::atomic<bool> previewEnabled_{false};
+    asee::FrameBuffer frameBuffer_;
+    /// Null without a calibration screen. Threads of the library access it only through LiveObjects.
+    std::atomic<CalibrationWidget *> calibrationWidget_{nullptr};
+};

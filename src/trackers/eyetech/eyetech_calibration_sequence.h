@@ -1,0 +1,75 @@
+#pragma once
+
+#include "trackers/eyetech/eyetech_calibration_layout.h"
+#include "trackers/eyetech/eyetech_settings.h"
+
+#include <QObject>
+#include <optional>
+#include <vector>
+
+namespace eyetech {
+
+/// The durations of the steps of a calibration.
+struct CalibrationTimings {
+    int animationMs;    ///< maximum duration of the movement to a target
+    int delayMs;        ///< maximum delay between the movement and the measurement
+    int calibrationMs;  ///< duration of the measurement
+};
+
+/// Calibrates a device: shows one target after another, has the device measure each of them, and reads the scores.
+///
+/// Owned by the calibration screen, which paints isBusy(), targetPosition() and targets(). GUI thread. run() processes
+/// events while it waits, so stop() and cancel() may be called during run(), which then returns soon.
+class CalibrationSequence : public QObject {
+    Q_OBJECT
+
+public:
+    /// The timings of all calibrations. A change takes effect with the next target.
+    static CalibrationTimings timings;
+
+    explicit CalibrationSequence(EyetechSettings::CalibrationType type) : type_(type) {}
+
+    /// Runs a calibration on a window of the size `area`. Returns false, after cancelling it on the device, if it
+    /// failed or was stopped.
+    [[nodiscard]] bool run(int device, QSize area);
+    /// Makes run() cancel the calibration and return.
+    void stop() { isCancelled_ = true; }
+    /// Cancels the calibration on the device, and makes run() return.
+    void cancel();
+    /// Completes the calibration on the device.
+    void finalize();
+
+    [[nodiscard]] int calibrationId() const { return calibrationId_; }
+    /// Returns whether targets are still being measured. True before the first run().
+    [[nodiscard]] bool isBusy() const { return isBusy_; }
+    [[nodiscard]] QPoint targetPosition() const { return targetPosition_; }
+    /// Returns one entry for each measurement, with the scores after a successful run().
+    [[nodiscard]] const std::vector<calibration_layout::Target> &targets() const { return targets_; }
+
+Q_SIGNALS:
+    /// Emitted when targetPosition() has changed. The receiver must repaint at once.
+    void targetMoved();
+
+private:
+    using DeviceTargets = std::vector<quicklink2::QLTarget>;
+
+    [[nodiscard]] bool initialize(int device);
+    [[nodiscard]] std::optional<DeviceTargets> fetchTargets() const;
+    [[nodiscard]] bool runTargets(const DeviceTargets &targets);
+    [[nodiscard]] bool runTarget(const quicklink2::QLTarget &target);
+    [[nodiscard]] bool measure(const quicklink2::QLTarget &target);
+    void addMeasurement(const quicklink2::QLTarget &target, QPoint position);
+    void moveTo(QPoint position);
+    void waitForResult(const quicklink2::QLTarget &target) const;
+    void readScores(const DeviceTargets &targets);
+
+    const EyetechSettings::CalibrationType type_;
+    int calibrationId_ = 0;
+    bool isCancelled_ = false;
+    bool isBusy_ = true;
+    QSize area_;
+    QPoint targetPosition_{0, 0};
+    std::vector<calibration_layout::Target> targets_;
+};
+
+}  // namespace eyetech

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "trackers/eyetech/sdk/quicklink2.h"
+
+#include <QString>
+
+/// The vendor's functions, resolved at run time. Each one returns `notLoaded` while the library is not loaded. Callable
+/// from any thread.
+namespace quicklink2 {
+
+constexpr int notLoaded = 10;
+
+#define OCELA_DECLARE(name, parameters, arguments) int name parameters;
+OCELA_QUICKLINK2_FUNCTIONS(OCELA_DECLARE)
+#undef OCELA_DECLARE
+
+}  // namespace quicklink2
+
+namespace eyetech {
+
+/// Loads the library from the system's search path. If it was loaded, first stops all devices and unloads it. If the
+/// library or one of its entry points is missing, logs the reason and returns false; the library is not loaded then.
+/// Called on the GUI thread, while no other thread is in a function of the library.
+///
+/// With a `path`, that file is loaded first. The system then finds it under the library's name, so it stays loaded
+/// until the program ends.
+[[nodiscard]] bool loadQuickLink2(const QString &path = QString());
+
+}  // namespace eyetech

@@ -1,0 +1,3 @@
+#include "trackers/eyetech/eyetech_log.h"
+
+Q_LOGGING_CATEGORY(lcEyetech, "ocela.eyetech")

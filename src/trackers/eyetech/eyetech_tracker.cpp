@@ -1,0 +1,225 @@
+#include "trackers/eyetech/eyetech_tracker.h"
+
+#include "trackers/eyetech/eyetech_calibration_screen.h"
+#include "trackers/eyetech/eyetech_camera_view.h"
+#include "trackers/eyetech/eyetech_device_selection.h"
+#include "trackers/eyetech/eyetech_library.h"
+#include "trackers/eyetech/eyetech_log.h"
+#include "trackers/eyetech/eyetech_settings.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QPointer>
+#include <QtConcurrent>
+#include <algorithm>
+#include <array>
+
+namespace {
+
+/// In the working directory.
+constexpr char deviceSettingsFile[] = "QL2Settings.txt";
+
+constexpr int pollIntervalMs = 10;
+constexpr int emptyFrameDelayMs = 1000;
+constexpr int frameTimeoutMs = 10000;
+constexpr int maxDevices = 100;
+
+/// The task that fetches a frame. The result of the call is ignored: that is intended.
+QLFrameData frameOf(int device) {
+    QLFrameData frame;
+    quicklink2::QLDevice_GetFrame(device, frameTimeoutMs, &frame.record);
+    frame.copyImage();
+    return frame;
+}
+
+QByteArray libraryVersion() {
+    std::array<char, 32> buffer{};
+    quicklink2::QLAPI_GetVersion(static_cast<int>(buffer.size()), buffer.data());
+    return QByteArray(buffer.data(), static_cast<int>(qstrnlen(buffer.data(), buffer.size())));
+}
+
+/// Limits a coordinate from the settings file to a range that is larger than any desktop.
+int desktopPixels(int value) {
+    constexpr int limit = 1000000;
+    return std::clamp(value, -limit, limit);
+}
+
+}  // namespace
+
+EyetechGrabber::EyetechGrabber(const QString &dataFolder, QObject *parent) : EyetrackerInterface(dataFolder, parent) {
+    qRegisterMetaType<QLFrameData>("QLFrameData");
+    buildSettings();
+    findLibrary();
+    buildPolling();
+}
+
+EyetechGrabber::~EyetechGrabber() {
+    closeCalibrationWidget();
+}
+
+void EyetechGrabber::buildSettings() {
+    eyetechSettings_ = new EyetechSettings(dataFolder() + QDir::separator() + "EyeTechSettings.xml", this);
+    eyetechSettings_->reload();
+    for (const auto change :
+         {&EyetechSettings::changedCalibrationTimeMs, &EyetechSettings::changedCalibrationAnimationMs,
+          &EyetechSettings::changedCalibrationDelayMs})
+        connect(eyetechSettings_, change, this, &EyetechGrabber::takeTimings);
+    connect(eyetechSettings_, &EyetechSettings::changedCalibration, this, &EyetechGrabber::takeTimings);
+    takeTimings();
+
+    setCalibratedArea(desktopPixels(eyetechSettings_->getLastCalibratedAreaX()),
+                      desktopPixels(eyetechSettings_->getLastCalibratedAreaY()),
+                      desktopPixels(eyetechSettings_->getLastCalibratedAreaW()),
+                      desktopPixels(eyetechSettings_->getLastCalibratedAreaH()));
+    connect(this, &EyetrackerInterface::calibrated, this, &EyetechGrabber::storeCalibratedArea, Qt::DirectConnection);
+}
+
+void EyetechGrabber::findLibrary() {
+    if (!eyetech::loadQuickLink2()) {
+        qCDebug(lcEyetech, "QL not loaded");
+        return;
+    }
+    qCDebug(lcEyetech) << "Quick Link 2 loaded. Version:" << libraryVersion().constData();
+    deviceId_ = eyetech::selectDevice(deviceSettingsFile);
+    if (deviceId_ == 0)
+        qCDebug(lcEyetech, "Device not found");
+}
+
+void EyetechGrabber::buildPolling() {
+    QTimer::singleShot(emptyFrameDelayMs, this, [this] { Q_EMIT newFrame(lastFrame_); });
+    connect(&frameWatcher_, &QFutureWatcher<QLFrameData>::finished, this, &EyetechGrabber::takeFrame);
+    connect(&pollTimer_, &QTimer::timeout, this, &EyetechGrabber::poll);
+    pollTimer_.start(pollIntervalMs);
+}
+
+VTSettings *EyetechGrabber::settings() {
+    return eyetechSettings_;
+}
+
+QWidget *EyetechGrabber::createViewWidget() {
+    return new EyetechVideoDisplayWidget(this);
+}
+
+void EyetechGrabber::takeTimings() {
+    eyetech::CalibrationSequence::timings = {eyetechSettings_->getCalibrationAnimationMs(),
+                                             eyetechSettings_->getCalibrationDelayMs(),
+                                             eyetechSettings_->getCalibrationTimeMs()};
+}
+
+void EyetechGrabber::storeCalibratedArea() {
+    const QRect area = calibratedArea();
+    eyetechSettings_->setLastCalibratedAreaX(area.x());
+    eyetechSettings_->setLastCalibratedAreaY(area.y());
+    eyetechSettings_->setLastCalibratedAreaW(area.width());
+    eyetechSettings_->setLastCalibratedAreaH(area.height());
+}
+
+bool EyetechGrabber::start() {
+    startRequested_ = true;
+    if (quicklink2::QLDevice_Start(deviceId_) == 0)
+        return true;
+    qCDebug(lcEyetech, "Device not started successfully!");
+    return false;
+}
+
+void EyetechGrabber::stop() {
+    // Makes the poll start the device again, although it was stopped: that is intended.
+    startRequested_ = true;
+    quicklink2::QLDevice_Stop(deviceId_);
+    closeCalibrationWidget();
+}
+
+void EyetechGrabber::poll() {
+    if (deviceId_ == 0 && !findDevice())
+        return;
+    const int status = deviceStatus();
+    setConnected(status == quicklink2::deviceStopped || status == quicklink2::deviceRunning);
+    if (status == quicklink2::deviceStopped && startRequested_)
+        quicklink2::QLDevice_Start(deviceId_);
+    else if (status == quicklink2::deviceRunning && !frameAwaited_)
+        fetchFrame();
+}
+
+// The result is not checked: that is intended. A call that fails leaves the count unchanged, and selectDevice() then
+// prints the failure.
+bool EyetechGrabber::findDevice() {
+    std::array<int, maxDevices> devices{};
+    int count = maxDevices;
+    quicklink2::QLDevice_Enumerate(&count, devices.data());
+    if (count == 0)
+        return false;
+    deviceId_ = eyetech::selectDevice(deviceSettingsFile);
+    return true;
+}
+
+int EyetechGrabber::deviceStatus() const {
+    constexpr int unknown = 0;
+    int status = unknown;
+    return quicklink2::QLDevice_GetStatus(deviceId_, &status) == 0 ? status : unknown;
+}
+
+void EyetechGrabber::fetchFrame() {
+    frameAwaited_ = true;
+    frameFuture_ = QtConcurrent::run(frameOf, deviceId_);
+    frameWatcher_.setFuture(frameFuture_);
+}
+
+void EyetechGrabber::takeFrame() {
+    frameAwaited_ = false;
+    lastFrame_ = frameWatcher_.result();
+    warnOfInvalidImage();
+    Q_EMIT newData(lastFrame_.gazeValid(), static_cast<double>(lastFrame_.x()), static_cast<double>(lastFrame_.y()));
+    Q_EMIT newFrame(lastFrame_);
+    addSample(eyetech::sampleOf(lastFrame_, calibratedArea().size(), QDateTime::currentMSecsSinceEpoch()));
+}
+
+void EyetechGrabber::warnOfInvalidImage() {
+    if (!lastImageInvalid_ && lastFrame_.hasInvalidImage())
+        qCWarning(lcEyetech, "The device sends camera images of an invalid size, or without pixels");
+    lastImageInvalid_ = lastFrame_.hasInvalidImage();
+}
+
+void EyetechGrabber::calibrate(QRect area) {
+    if (deviceId_ == 0)
+        return;
+    setCalibratedArea(area);
+    closeCalibrationWidget();
+    openCalibrationWidget(area);
+    runCalibration();
+}
+
+void EyetechGrabber::openCalibrationWidget(QRect area) {
+    calibrationWidget_ = std::make_shared<EyetechCalibrationWidget>(this, area, eyetechSettings_->getCalibration());
+    connect(
+        calibrationWidget_.get(), &EyetechCalibrationWidget::calibrated, this,
+        [this](int calibrationId) {
+            quicklink2::QLDevice_ApplyCalibration(deviceId_, calibrationId);
+            Q_EMIT calibrated();
+        },
+        Qt::DirectConnection);
+    // Queued, so that the calibration does not run inside the handler of the button's click.
+    connect(calibrationWidget_.get(), &EyetechCalibrationWidget::calibrationWanted, this,
+            &EyetechGrabber::runCalibration, Qt::QueuedConnection);
+}
+
+void EyetechGrabber::closeCalibrationWidget() {
+    if (calibrationWidget_)
+        calibrationWidget_->close();
+}
+
+void EyetechGrabber::runCalibration() {
+    if (isCalibrating_)
+        return;
+    const QPointer<EyetechGrabber> self(this);
+    isCalibrating_ = true;
+    while (self && calibrationWidget_ && calibrationWidget_->isCalibrationWanted()) {
+        const std::shared_ptr<EyetechCalibrationWidget> widget = calibrationWidget_;
+        widget->startCalibration();
+    }
+    if (self)
+        isCalibrating_ = false;
+}
+
+void EyetechGrabber::stopCalibration() {
+    Q_EMIT stopCalibrationRequest();
+}

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "core/eyetracker_interface.h"
+#include "trackers/eyetech/eyetech_record_reader.h"
+
+#include <QFuture>
+#include <QFutureWatcher>
+#include <QTimer>
+#include <memory>
+
+class EyetechCalibrationWidget;
+class EyetechSettings;
+
+/// The back-end for EyeTech trackers, which uses the vendor's QuickLink2 library.
+///
+/// Created and owned by the main window. A timer looks for a device and polls its status. A task on the global thread
+/// pool fetches one frame at a time. The task does not access this object, and the destructor does not wait for it,
+/// because the library's call may block for 10 s. Everything else runs on the GUI thread.
+///
+/// Owns its settings and its calibration screen. The last screen is kept, open or closed, until the next one replaces
+/// it or the tracker is destroyed. If its calibration is still running further up the call stack, the screen lives
+/// until that calibration returns.
+class EyetechGrabber : public EyetrackerInterface {
+    Q_OBJECT
+
+public:
+    EyetechGrabber(const QString &dataFolder, QObject *parent);
+    ~EyetechGrabber() override;
+
+    [[nodiscard]] QString name() const override { return QStringLiteral("eyetech"); }
+    [[nodiscard]] VTSettings *settings() override;
+    [[nodiscard]] QWidget *createViewWidget() override;
+
+    /// Returns 0 while no device is chosen.
+    [[nodiscard]] int deviceId() const { return deviceId_; }
+
+Q_SIGNALS:
+    /// Emitted for every frame, between newData() and newSample(). Also emitted once, one second after the tracker was
+    /// created, with the last frame or an empty one.
+    void newFrame(QLFrameData frame);
+
+public Q_SLOTS:
+    bool start() override;
+    void stop() override;
+    /// Shows the calibration screen over `area`, and processes events until the calibration has ended. If a calibration
+    /// is already running, this call cancels it and returns, and the call that started it then runs the new one. So
+    /// nested calls do not accumulate on the call stack.
+    void calibrate(QRect area) override;
+    void stopCalibration() override;
+    [[nodiscard]] QLFrameData getLastFrame() const { return lastFrame_; }
+
+private:
+    void buildSettings();
+    void buildPolling();
+    void findLibrary();
+    void takeTimings();
+    void storeCalibratedArea();
+
+    void poll();
+    [[nodiscard]] bool findDevice();
+    [[nodiscard]] int deviceStatus() const;
+    void fetchFrame();
+    void takeFrame();
+    void warnOfInvalidImage();
+
+    void openCalibrationWidget(QRect area);
+    void closeCalibrationWidget();
+    void runCalibration();
+
+    QLFrameData lastFrame_;
+    int deviceId_ = 0;
+    std::shared_ptr<EyetechCalibrationWidget> calibrationWidget_;
+    bool isCalibrating_ = false;  ///< a calibration is running further up the call stack
+    QTimer pollTimer_;
+    QFuture<QLFrameData> frameFuture_;
+    QFutureWatcher<QLFrameData> frameWatcher_;
+    bool frameAwaited_ = false;  ///< from the start of a frame task until its frame is taken
+    bool startRequested_ = false;
+    bool lastImageInvalid_ = false;
+    EyetechSettings *eyetechSettings_ = nullptr;
+};

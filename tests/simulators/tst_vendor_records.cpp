@@ -1,0 +1,150 @@
+#include "asee/calibration.h"
+#include "asee/gaze_record.h"
+#include "eyetech/calibration.h"
+#include "eyetech/frame_record.h"
+#include "eyetech/results.h"
+#include "simulators/distinct_eyes.h"
+#include "support/test_main.h"
+
+#include <QTest>
+#include <chrono>
+#include <cmath>
+#include <cstring>
+#include <thread>
+
+using namespace sim;
+
+namespace {
+
+namespace asee_at = asee_sdk::gaze_record;
+namespace eyetech_at = quicklink2::frame_record;
+
+template <typename T>
+T valueAt(const unsigned char *record, std::size_t offset) {
+    T value{};
+    std::memcpy(&value, record + offset, sizeof value);
+    return value;
+}
+
+/// Returns the points at these offsets.
+QString pointsAt(const unsigned char *record, std::initializer_list<std::size_t> offsets) {
+    QString text;
+    for (const std::size_t offset : offsets)
+        text += QString("(%1, %2) ")
+                    .arg(double(valueAt<float>(record, offset)))
+                    .arg(double(valueAt<float>(record, offset + 4)));
+    return text.trimmed();
+}
+
+}  // namespace
+
+/// The records that the simulated vendor libraries create from the state of the person.
+class TestVendorRecords : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void asee_has_each_value_in_its_field();
+    void asee_reports_the_states_of_the_eyes();
+    void asee_distinguishes_fixations_from_saccades();
+    void asee_scores_each_eye();
+    void eyetech_has_each_value_in_its_field();
+    void eyetech_scores_each_eye();
+};
+
+void TestVendorRecords::asee_has_each_value_in_its_field() {
+    const auto record = asee_pro::GazeRecorder({}).record(distinctEyes(), true);
+    QCOMPARE(pointsAt(record.data(), {asee_at::gaze, asee_at::leftGaze, asee_at::rightGaze}),
+             QString("(0.3, 0.4) (0.1, 0.2) (0.5, 0.6)"));
+    QCOMPARE(pointsAt(record.data(), {asee_at::leftEye, asee_at::rightEye}), QString("(0.3, 0.4) (0.7, 0.8)"));
+    QCOMPARE(valueAt<float>(record.data(), asee_at::leftPupil_mm), 3.0F);
+    QCOMPARE(valueAt<float>(record.data(), asee_at::rightPupil_mm), 4.0F);
+}
+
+/// The eye flags, gaze flags and status, left and right.
+void TestVendorRecords::asee_reports_the_states_of_the_eyes() {
+    const auto statesOf = [](bool rightVisible, bool tracking) {
+        EyeState eyes = distinctEyes();
+        eyes.right.visible = rightVisible;
+        const auto record = asee_pro::GazeRecorder({}).record(eyes, tracking);
+        QVector<int> states;
+        for (const std::size_t offset : {asee_at::leftEyeFlags, asee_at::rightEyeFlags, asee_at::leftGazeFlags,
+                                         asee_at::rightGazeFlags, asee_at::leftStatus, asee_at::rightStatus})
+            states << valueAt<int>(record.data(), offset);
+        return states;
+    };
+    QCOMPARE(statesOf(true, true), (QVector<int>{1, 1, 1, 1, 0, 0}));
+    QCOMPARE(statesOf(false, true), (QVector<int>{1, 0, 1, 0, 0, 3}));
+    QCOMPARE(statesOf(true, false), (QVector<int>{1, 1, 0, 0, 2, 2}));
+}
+
+void TestVendorRecords::asee_distinguishes_fixations_from_saccades() {
+    asee_pro::GazeRecorder recorder({});
+    const auto stateAt = [&](Point gaze, bool tracking = true) {
+        EyeState eyes = distinctEyes();
+        eyes.left.gaze = eyes.right.gaze = gaze;
+        return valueAt<int>(recorder.record(eyes, tracking).data(), asee_at::fixationState);
+    };
+    for (int i = 0; i < 50; ++i)
+        stateAt({0.5, 0.5});
+    QCOMPARE(stateAt({0.5, 0.5}), 1);
+    QCOMPARE(stateAt({0.8, 0.5}), 3);
+    QCOMPARE(stateAt({0.5, 0.5}, false), 0);
+}
+
+void TestVendorRecords::asee_scores_each_eye() {
+    asee_pro::Calibration calibration(2);
+    for (const int number : {1, 2}) {
+        TargetMeasurement measurement({0.1, 0.2});
+        EyeState eyes = distinctEyes();
+        eyes.right.gaze = {0.1 + 0.03 * number, 0.2 - 0.04 * number};
+        measurement.add(eyes);
+        QVERIFY(!calibration.complete() && !calibration.hasPoint(3));
+        calibration.setMeasured(number, measurement);
+    }
+    QVERIFY(calibration.complete());
+    QCOMPARE(calibration.score().left, 0.0F);
+    QCOMPARE(calibration.score().right, 7.5F);
+}
+
+void TestVendorRecords::eyetech_has_each_value_in_its_field() {
+    const unsigned char pixel = 0;
+    const quicklink2::QLFrameRecord frame = eyetech::makeFrameRecord(distinctEyes(), {&pixel, 7, -8}, {1000, 500});
+    QCOMPARE(pointsAt(frame.bytes, {eyetech_at::gaze, eyetech_at::leftEye + eyetech_at::eyeGaze,
+                                    eyetech_at::rightEye + eyetech_at::eyeGaze}),
+             QString("(30, 40) (10, 20) (50, 60)"));
+    QCOMPARE(pointsAt(frame.bytes, {eyetech_at::leftEye + eyetech_at::eyePupilCentre,
+                                    eyetech_at::rightEye + eyetech_at::eyePupilCentre}),
+             QString("(300, 200) (700, 400)"));
+    QCOMPARE(valueAt<float>(frame.bytes, eyetech_at::leftEye + eyetech_at::eyePupil_mm), 3.0F);
+    QCOMPARE(valueAt<float>(frame.bytes, eyetech_at::rightEye + eyetech_at::eyePupil_mm), 4.0F);
+    QCOMPARE(valueAt<float>(frame.bytes, eyetech_at::distance_cm), 50.0F);
+    QCOMPARE(valueAt<const unsigned char *>(frame.bytes, eyetech_at::imagePixels), &pixel);
+    QCOMPARE(valueAt<int>(frame.bytes, eyetech_at::imageWidth), 7);
+    QCOMPARE(valueAt<int>(frame.bytes, eyetech_at::imageHeight), -8);
+}
+
+void TestVendorRecords::eyetech_scores_each_eye() {
+    eyetech::Calibration calibration;
+    QVERIFY(calibration.initialize(101, 0, {}));
+    QCOMPARE(calibration.score(1, 0).result, int(eyetech::NotCalibrated));
+    EyeState eyes = distinctEyes();
+    // A busy machine may take too few samples in the first attempts.
+    for (std::chrono::milliseconds duration(20); calibration.status(1) != eyetech::Done; duration *= 2) {
+        const Point place = calibration.start(1, duration).value;
+        eyes.left.gaze = place + Point{0.03, 0.04};
+        eyes.right.gaze = place - Point{0.06, 0.08};
+        while (calibration.status(1) == eyetech::Running) {
+            calibration.observe(eyes);
+            std::this_thread::yield();
+        }
+    }
+    for (const int eye : {0, 1}) {
+        const quicklink2::QLScore score = calibration.score(1, eye).value;
+        const float side = eye == 0 ? 1 : -2;
+        QVERIFY(std::abs(score.x - 3 * side) < 0.05F && std::abs(score.y - 4 * side) < 0.05F);
+        QVERIFY(std::abs(score.score - 5 * std::abs(side)) < 0.05F);
+    }
+}
+
+OCELA_TEST(TestVendorRecords)
+#include "tst_vendor_records.moc"

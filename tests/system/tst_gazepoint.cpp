@@ -1,0 +1,115 @@
+#include "support/gazepoint_wire.h"
+#include "support/test_main.h"
+#include "system/desktop.h"
+#include "system/program.h"
+#include "system/server.h"
+#include "system/timeout.h"
+
+#include <QCursor>
+#include <QTest>
+
+namespace {
+
+QByteArray gazeAt(double x, double y, bool valid = true) {
+    return QString("<REC FPOGX=\"%1\" FPOGY=\"%2\" FPOGV=\"%3\" />").arg(x).arg(y).arg(valid ? 1 : 0).toLatin1();
+}
+
+}  // namespace
+
+/// The messages of one connection to a GazePoint server, and the gaze as mouse cursor.
+class TestGazePointSession : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void sends_the_documented_messages();
+    void gaze_moves_the_cursor_between_two_presses_of_F10();
+
+private:
+    /// Starts the program and answers its question for the screen size.
+    void connectProgram();
+    /// Sends a gaze at another place and returns whether the cursor is there as soon as the window shows the gaze.
+    [[nodiscard]] bool cursorFollows(bool valid = true);
+
+    std::unique_ptr<Home> home_;
+    std::unique_ptr<Program> program_;
+    std::unique_ptr<ScriptedServer> server_;
+    QByteArray conversation_;
+    int gazeCount_ = 0;
+};
+
+void TestGazePointSession::init() {
+    home_ = std::make_unique<Home>();
+    program_ = std::make_unique<Program>(*home_);
+    server_ = std::make_unique<ScriptedServer>();
+}
+
+void TestGazePointSession::cleanup() {
+    program_.reset();
+    server_.reset();
+}
+
+void TestGazePointSession::connectProgram() {
+    conversation_ = wire::enableData;
+    QVERIFY(server_->listen());
+    QVERIFY(program_->startWindow());
+    QTRY_COMPARE_WITH_TIMEOUT(server_->received(), conversation_, timeoutMs);
+
+    server_->send(gazeAt(0.9, 0.9));
+    conversation_ += wire::askScreenSize;
+    QTRY_COMPARE_WITH_TIMEOUT(server_->received(), conversation_, timeoutMs);
+    server_->send(QByteArray(wire::screenSize).trimmed());
+}
+
+bool TestGazePointSession::cursorFollows(bool valid) {
+    constexpr int placeCount = 16;  // a power of two, so that the fractions are exact
+    const double place = static_cast<double>(++gazeCount_ % placeCount) / placeCount;
+    const QPoint start(5, 5);
+    const QPoint expected(static_cast<int>(1920 * place), 540);
+    QCursor::setPos(start);
+    // The reply of the X server shows that this move is complete before the program moves the cursor.
+    if (QCursor::pos() != start)
+        return false;
+    server_->send(gazeAt(place, 0.5, valid));
+    const bool shown = !desktop::waitFor(QString::asprintf("x:%6.1f%%", 100 * place)).isEmpty();
+    return shown && QCursor::pos() == expected;
+}
+
+void TestGazePointSession::sends_the_documented_messages() {
+    connectProgram();
+    if (QTest::currentTestFailed())
+        return;
+    QTRY_VERIFY_WITH_TIMEOUT(desktop::showsIndicator(desktop::connectedColour), timeoutMs);
+    QVERIFY(desktop::click("Calibrate"));
+    conversation_ += wire::calibrate;
+    QTRY_COMPARE_WITH_TIMEOUT(server_->received(), conversation_, timeoutMs);
+
+    QCOMPARE(program_->close(), 0);
+    conversation_ += wire::disableData;
+    QTRY_VERIFY_WITH_TIMEOUT(!server_->isConnected(), timeoutMs);
+    QCOMPARE(server_->received(), conversation_);
+    QCOMPARE(program_->problems(), QStringList());
+    QVERIFY2(home_->readLogFile().contains("Z debug ocela.gazepoint [1] GazePoint connected\n"),
+             qPrintable(home_->readLogFile()));
+}
+
+void TestGazePointSession::gaze_moves_the_cursor_between_two_presses_of_F10() {
+    connectProgram();
+    if (QTest::currentTestFailed())
+        return;
+    QVERIFY(!cursorFollows());
+    desktop::press("F10");
+    // The key and the gaze arrive on different connections, so their order is not defined.
+    QVERIFY(QTest::qWaitFor([this] { return cursorFollows(); }, timeoutMs));
+    QVERIFY(!cursorFollows(false));
+    desktop::save(desktop::screenshot(), "gaze-controls-cursor");
+    desktop::press("F10");
+    QVERIFY(QTest::qWaitFor([this] { return !cursorFollows(); }, timeoutMs));
+    QCOMPARE(program_->close(), 0);
+    QCOMPARE(program_->problems(), QStringList());
+}
+
+OCELA_TEST(TestGazePointSession)
+#include "tst_gazepoint.moc"

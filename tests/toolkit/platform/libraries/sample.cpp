@@ -1,0 +1,3 @@
+extern "C" __attribute__((visibility("default"))) int sampleSum(int one, int other) {
+    return one + other;
+}

@@ -1,0 +1,238 @@
+#include "asee_fixture.h"
+#include "support/test_main.h"
+#include "trackers/asee/asee_calibration_screen.h"
+#include "trackers/asee/asee_tracker.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <future>
+#include <thread>
+
+Q_DECLARE_METATYPE(asee::CalibrationPace)
+
+/// Tests a calibration from the first key press to the coefficients, and each way to cancel it.
+class TestCalibrationWidget : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void visits_nine_points_centre_first_and_saves();
+    void failed_calls_of_the_library_data();
+    void failed_calls_of_the_library();
+    void can_be_cancelled_at_any_time_data();
+    void can_be_cancelled_at_any_time();
+    void blocked_library_does_not_block_the_screen();
+    void late_callbacks_are_ignored();
+    void is_closed_by_the_tracker();
+
+private:
+    void open(asee::CalibrationPace pace);
+    void press(Qt::Key key) { QTest::keyClick(widget_.get(), key); }
+    [[nodiscard]] QStringList callsOfACalibration();
+    [[nodiscard]] QByteArray coefficients() const { return contentOf(folder_->filePath("coefficient.dat")); }
+
+    std::unique_ptr<QTemporaryDir> folder_;
+    std::unique_ptr<CalibrationWidget> widget_;
+};
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds endTimeout(60000);
+constexpr asee::CalibrationPace quick{milliseconds(1), milliseconds(0), endTimeout};
+
+const QStringList measuring{
+    "start_calibration 9",
+    "start_calibration_point 1 50 50",
+    "start_calibration_point 2 85 50",
+    "start_calibration_point 3 15 85",
+    "start_calibration_point 4 50 85",
+    "start_calibration_point 5 85 85",
+    "start_calibration_point 6 15 15",
+    "start_calibration_point 7 50 15",
+    "start_calibration_point 8 85 15",
+    "start_calibration_point 9 15 50",
+    "compute_calibration",
+    "complete_calibration",
+    "get_calibration_score",
+};
+const char *const firstPoint = "start_calibration_point 1 50 50";
+
+}  // namespace
+
+void TestCalibrationWidget::init() {
+    library().reset();
+    folder_ = std::make_unique<QTemporaryDir>();
+    open(quick);
+}
+
+void TestCalibrationWidget::cleanup() {
+    widget_.reset();
+    QTRY_VERIFY_WITH_TIMEOUT(!CalibWorker::isBusy(), maxWaitMs);
+}
+
+void TestCalibrationWidget::open(asee::CalibrationPace pace) {
+    widget_ = std::make_unique<CalibrationWidget>(nullptr, pace);
+    widget_->setDataFolder(folder_->path() + '/');
+    widget_->showOn(QRect(0, 0, 640, 480));
+}
+
+QStringList TestCalibrationWidget::callsOfACalibration() {
+    (void)takeCalls();
+    press(Qt::Key_Space);
+    const auto ended = [] { return library().wasCalled("get_calibration_score") && !CalibWorker::isBusy(); };
+    return QTest::qWaitFor(ended, maxWaitMs) ? takeCalls() : QStringList();
+}
+
+void TestCalibrationWidget::visits_nine_points_centre_first_and_saves() {
+    const QSignalSpy moves(widget_.get(), &CalibrationWidget::signal_calib_move_point);
+    press(Qt::Key_A);
+    QCOMPARE(callsOfACalibration(), measuring + QStringList("start_tracking measured"));
+    QCOMPARE(coefficients(), QByteArray("measured").leftJustified(1024, '\0'));
+    QTRY_COMPARE_WITH_TIMEOUT(moves.count(), 9 * 29, maxWaitMs);
+    QCOMPARE(moves.first().first().toFloat(), 0.01F);
+    QCOMPARE(moves.last().first().toFloat(), 0.29F);
+
+    press(Qt::Key_Space);  // no effect, because the thread runs until Escape
+    press(Qt::Key_Escape);
+    QVERIFY(!widget_->isVisible());
+    QCOMPARE(takeCalls(), QStringList());
+}
+
+void TestCalibrationWidget::failed_calls_of_the_library_data() {
+    QTest::addColumn<QString>("function");
+    QTest::addColumn<QStringList>("calls");
+    QTest::addColumn<int>("bytes");
+    QTest::newRow("computation") << "_7i_compute_calibration" << measuring << 0;
+    QTest::newRow("tracking with the new coefficients")
+        << "_7i_start_tracking" << measuring + QStringList("start_tracking measured") << 1024;
+}
+
+void TestCalibrationWidget::failed_calls_of_the_library() {
+    QFETCH(QString, function);
+    library().results[function.toStdString()] = 108;
+    QTEST(callsOfACalibration(), "calls");
+    QTEST(coefficients().size(), "bytes");
+}
+
+void TestCalibrationWidget::can_be_cancelled_at_any_time_data() {
+    QTest::addColumn<QString>("lastCall");
+    QTest::addColumn<asee::CalibrationPace>("pace");
+    QTest::addColumn<QString>("action");
+    const asee::CalibrationPace stuckBefore{milliseconds(60000), milliseconds(60000), endTimeout};
+    const asee::CalibrationPace stuckAfter{milliseconds(1), milliseconds(60000), endTimeout};
+    for (const char *action : {"Escape", "Escape twice", "close", "delete"}) {
+        QTest::addRow("%s before the start", action) << QString() << quick << action;
+        QTest::addRow("%s directly after Space", action) << "no call yet" << quick << action;
+        QTest::addRow("%s before the first point is measured", action) << measuring.first() << stuckBefore << action;
+        QTest::addRow("%s while a point is measured", action) << firstPoint << quick << action;
+        QTest::addRow("%s during the move to the next point", action) << firstPoint << stuckAfter << action;
+    }
+}
+
+void TestCalibrationWidget::can_be_cancelled_at_any_time() {
+    QFETCH(QString, lastCall);
+    QFETCH(asee::CalibrationPace, pace);
+    QFETCH(QString, action);
+    open(pace);
+    library().pointsFinish = pace.moveStep != quick.moveStep;
+    if (!lastCall.isEmpty())
+        press(Qt::Key_Space);
+    if (measuring.contains(lastCall))
+        QTRY_VERIFY_WITH_TIMEOUT(library().wasCalled(lastCall.toStdString()), maxWaitMs);
+
+    QElapsedTimer timer;
+    timer.start();
+    if (action == "delete")
+        widget_.reset();
+    else if (action == "close")
+        widget_->close();
+    else
+        press(Qt::Key_Escape);
+    if (action == "Escape twice")
+        press(Qt::Key_Escape);
+    QVERIFY(timer.elapsed() < maxWaitMs / 2);
+    QVERIFY(!CalibWorker::isBusy());
+    const QStringList calls = takeCalls();
+    if (!calls.isEmpty())
+        QCOMPARE(calls.mid(calls.size() - 2), QList<QString>({"cancel_calibration", "complete_calibration"}));
+    QCOMPARE(coefficients(), QByteArray());
+
+    library().pointsFinish = true;
+    if (action == "delete" || pace.moveStep != quick.moveStep)
+        open(quick);
+    widget_->show();
+    QCOMPARE(callsOfACalibration().mid(0, measuring.size()), QList<QString>(measuring));
+}
+
+void TestCalibrationWidget::blocked_library_does_not_block_the_screen() {
+    constexpr milliseconds shortEndTimeout(2000);
+    open({milliseconds(1), milliseconds(0), shortEndTimeout});
+    std::promise<void> computed;
+    library().whileComputing = [&] { computed.get_future().wait(); };
+    press(Qt::Key_Space);
+    QTRY_VERIFY_WITH_TIMEOUT(library().wasCalled("compute_calibration"), maxWaitMs);
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("blocks the calibration"));
+    QElapsedTimer timer;
+    timer.start();
+    press(Qt::Key_Escape);
+    widget_.reset();
+    QVERIFY(timer.elapsed() < 2 * shortEndTimeout.count());  // waits only once
+
+    open(quick);
+    (void)takeCalls();
+    press(Qt::Key_Space);  // the library is still busy
+    computed.set_value();
+    QTRY_VERIFY_WITH_TIMEOUT(!CalibWorker::isBusy(), maxWaitMs);
+    QCOMPARE(takeCalls(), QStringList({"complete_calibration", "get_calibration_score"}));
+    QCOMPARE(coefficients(), QByteArray());
+    library().whileComputing = nullptr;
+    QVERIFY(!callsOfACalibration().isEmpty());
+}
+
+void TestCalibrationWidget::late_callbacks_are_ignored() {
+    library().pointsFinish = false;
+    press(Qt::Key_Space);
+    QTRY_VERIFY_WITH_TIMEOUT(library().wasCalled(firstPoint), maxWaitMs);
+    std::atomic<bool> running{true};
+    std::thread device([&] {
+        while (running)
+            library().progress(1, 50, library().pointContext);
+    });
+    widget_.reset();
+    running = false;
+    device.join();
+    library().progress(1, 100, library().pointContext);
+    library().finish(1, 0, library().pointContext);
+}
+
+void TestCalibrationWidget::is_closed_by_the_tracker() {
+    widget_.reset();
+    library().pointsFinish = false;
+    auto tracker = std::make_unique<aSeePro>(folder_->path(), nullptr);
+    const auto isShown = [] { return !QApplication::topLevelWidgets().isEmpty(); };
+    for (const bool isAsked : {true, false}) {
+        tracker->calibrate(QRect(0, 0, 640, 480));
+        QVERIFY(isShown());
+        QTest::keyClick(QApplication::topLevelWidgets().first(), Qt::Key_Space);
+        QTRY_VERIFY_WITH_TIMEOUT(library().wasCalled(firstPoint), maxWaitMs);
+        if (isAsked)
+            tracker->stopCalibration();
+        else
+            tracker.reset();
+        QVERIFY(!CalibWorker::isBusy());
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!isShown());
+        (void)takeCalls();
+    }
+}
+
+OCELA_TEST(TestCalibrationWidget)
+#include "tst_asee_calibration_sequence.moc"

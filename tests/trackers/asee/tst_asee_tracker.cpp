@@ -1,0 +1,194 @@
+#include "asee_fixture.h"
+#include "support/test_main.h"
+#include "trackers/asee/asee_live_objects.h"
+#include "trackers/asee/asee_settings.h"
+#include "trackers/asee/asee_tracker.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QMessageBox>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <future>
+#include <thread>
+
+class TestAseePro : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup() { tracker_.reset(); }
+
+    void starts_once_and_stays_started();
+    void failed_start_data();
+    void failed_start();
+    void stop_clears_the_folder_of_unpacked_files();
+    void delivered_files_are_copied_but_not_overwritten();
+    void remembers_the_calibrated_area();
+    void late_callbacks_are_ignored();
+    void new_callbacks_do_not_delay_the_destructor();
+
+private:
+    void create() { tracker_ = std::make_unique<aSeePro>(folder_->path(), nullptr); }
+    [[nodiscard]] QString path(const char *name) const { return folder_->filePath(name); }
+
+    std::unique_ptr<QTemporaryDir> folder_;
+    std::unique_ptr<aSeePro> tracker_;
+};
+
+void TestAseePro::init() {
+    library().reset();
+    folder_ = std::make_unique<QTemporaryDir>();
+    write(path("coefficient.dat"), "coefficients");
+    create();
+    QCOMPARE(takeCalls(), QStringList("stop"));
+}
+
+void TestAseePro::starts_once_and_stays_started() {
+    const QSignalSpy changes(tracker_.get(), &EyetrackerInterface::connectedChanged);
+    QVERIFY(tracker_->start());
+    QCOMPARE(takeCalls(), QStringList({"device_connect", "set_image_callback", "set_gaze_callback",
+                                       "start " + path("config"), "start_tracking coefficients"}));
+    tracker_->stop();
+    QVERIFY(tracker_->start());
+    QCOMPARE(takeCalls(), QStringList("stop"));
+    QVERIFY(tracker_->isConnected());
+    QCOMPARE(changes.count(), 1);
+}
+
+void TestAseePro::failed_start_data() {
+    QTest::addColumn<QString>("function");
+    QTest::addColumn<bool>("started");
+    QTest::addColumn<QString>("box");
+    QTest::newRow("no device") << "_7i_device_connect" << false << "others error!!! code: 7";
+    QTest::newRow("library does not start") << "_7i_start" << false << QString();
+    QTest::newRow("no coefficients") << QString() << false << QString();
+    QTest::newRow("refused coefficients") << "_7i_start_tracking" << true << QString();
+}
+
+void TestAseePro::failed_start() {
+    QFETCH(QString, function);
+    QString box;
+    QTimer::singleShot(0, this, [&] {
+        if (auto *shown = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+            box = shown->windowTitle() + ' ' + shown->text();
+            shown->accept();
+        }
+    });
+    if (function.isEmpty())
+        QVERIFY(QFile::remove(path("coefficient.dat")));
+    library().results[function.toStdString()] = 7;
+    QTEST(tracker_->start(), "started");
+    QTEST(tracker_->isConnected(), "started");
+    QCoreApplication::processEvents();
+    QTEST(box, "box");
+
+    library().results.clear();
+    write(path("coefficient.dat"), "coefficients");
+    QVERIFY(tracker_->start());
+    QVERIFY(tracker_->isConnected());
+}
+
+void TestAseePro::stop_clears_the_folder_of_unpacked_files() {
+    QVERIFY(QDir(folder_->path()).mkpath("config/armeabi/deeper"));
+    write(path("config/armeabi/deeper/model"), "unpacked");
+    write(path("config/kept"), "model");
+    tracker_->stop();
+    QVERIFY(QDir(path("config/armeabi")).isEmpty());
+    QVERIFY(QFile::exists(path("config/kept")));
+}
+
+void TestAseePro::delivered_files_are_copied_but_not_overwritten() {
+    const QDir program(QCoreApplication::applicationDirPath());
+    QVERIFY(program.mkpath("config"));
+    const QStringList names{"config/detectEye.mnn", "config/pupildet_radius.mnn", "coefficient.dat"};
+    for (const QString &name : names)
+        write(program.filePath(name), "delivered");
+    QFile::setPermissions(program.filePath(names.last()), QFileDevice::ReadOwner);
+    write(path("config/detectEye.mnn"), "the user's own");
+    QVERIFY(QFile::remove(path("coefficient.dat")));
+
+    create();
+    for (const QString &name : names)
+        QFile::remove(program.filePath(name));
+    QCOMPARE(contentOf(path("config/detectEye.mnn")), QByteArray("the user's own"));
+    QCOMPARE(contentOf(path("config/pupildet_radius.mnn")), QByteArray("delivered"));
+    QVERIFY(QFileInfo(path("coefficient.dat")).isWritable());
+    QVERIFY(!QFile::exists(path("config/pupildet.mnn")));
+}
+
+void TestAseePro::remembers_the_calibrated_area() {
+    QCOMPARE(tracker_->calibratedArea(), QRect(0, 0, 1920, 1024));
+    const QSignalSpy changes(tracker_->settings(), &VTSettings::changedProperty);
+    const QRect area(-1280, 0, 1280, 1024);
+    for (int i = 0; i < 2; ++i)
+        tracker_->calibrate(area);
+    QCOMPARE(changes, QList<QList<QVariant>>({{"LastCalibratedAreaX"}, {"LastCalibratedAreaW"}}));
+    QCOMPARE(takeCalls(), QStringList({"set_calibration_mode 0", "set_calibration_mode 0"}));
+    create();
+    QCOMPARE(tracker_->calibratedArea(), area);
+
+    // A position outside all screens, and a size that would overflow.
+    for (const char *name : {"LastCalibratedAreaX", "LastCalibratedAreaW"})
+        QVERIFY(tracker_->settings()->setValue(name, 2147483647));
+    create();
+    QCOMPARE(tracker_->calibratedArea(), QRect(1000000, 0, 1000000, 1024));
+}
+
+void TestAseePro::late_callbacks_are_ignored() {
+    QVERIFY(tracker_->start());
+    tracker_->setPreviewEnabled(true);
+    std::atomic<bool> running{true};
+    std::atomic<int> sent{0};
+    std::thread device([&] {
+        const TestRecord record;
+        const std::array<unsigned char, 64> pixels{};
+        for (; running; ++sent) {
+            library().gaze(sent % 2 == 0 ? record.data() : nullptr, library().context);
+            library().image(pixels.data(), 64, 8, 8, 0, library().context);
+        }
+    });
+    const auto sendMore = [&] {
+        for (const int before = sent; sent < before + 100;)
+            std::this_thread::yield();
+    };
+    for (int i = 0; i < 20; ++i) {
+        tracker_->calibrate(QRect(0, 0, 640, 480));
+        sendMore();
+        tracker_->stopCalibration();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    QVERIFY(tracker_->getLastSample().valid);
+    tracker_->stop();
+    tracker_->calibrate(QRect(0, 0, 640, 480));
+    sendMore();
+    tracker_.reset();
+    sendMore();
+    running = false;
+    device.join();
+}
+
+void TestAseePro::new_callbacks_do_not_delay_the_destructor() {
+    int object = 0;
+    std::promise<void> entered, left;
+    asee::LiveObjects<int>::add(&object);
+    const auto call = [&](auto use) { return asee::LiveObjects<int>::with(&object, use); };
+    const auto wait = [&](int &) {
+        entered.set_value();
+        left.get_future().wait();
+    };
+    std::thread callback([&] { call(wait); });
+    entered.get_future().wait();
+    std::future<void> end = std::async(std::launch::async, [&] { asee::LiveObjects<int>::remove(&object); });
+    const bool isRefused = QTest::qWaitFor([&] { return !call([](int &) {}); }, maxWaitMs);
+    const bool hasWaited = end.wait_for(std::chrono::seconds(0)) == std::future_status::timeout;
+    left.set_value();
+    callback.join();
+    end.wait();
+    QVERIFY(isRefused && hasWaited);
+}
+
+OCELA_TEST(TestAseePro)
+#include "tst_asee_tracker.moc"

@@ -1,0 +1,281 @@
+#include "support/test_main.h"
+#include "toolkit/platform/global_keyboard.h"
+#include "trackers/eyetech/eyetech_calibration_screen.h"
+#include "trackers/eyetech/eyetech_tracker.h"
+#include "trackers/eyetech/script.h"
+
+#include <QApplication>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <memory>
+
+// The macro declares a function, which must be in the global namespace.
+static void initResources() {
+    Q_INIT_RESOURCE(ocela);
+}
+
+using Calls = QList<QByteArray>;
+
+/// Tests calibrations with a fake library whose device has the targets 1 and 2.
+class TestEyetechCalibrationWidget : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { initResources(); }
+    void init();
+    void cleanup() { tracker_.reset(); }
+
+    void runs_the_whole_sequence();
+    void shows_the_scores_and_the_gaze();
+    void recalibrates_and_saves();
+    void failed_target_is_repeated();
+    void failing_call_closes_the_screen_data();
+    void failing_call_closes_the_screen();
+    void can_be_cancelled_at_any_time_data();
+    void can_be_cancelled_at_any_time();
+    void nested_calibrations_do_not_accumulate();
+
+private:
+    void attachDevice();
+    /// Calls calibrate() from the event loop, as the HTTP API does.
+    void calibrate();
+    void act(const QString &action);
+    [[nodiscard]] QWidget *screen() const;
+    [[nodiscard]] QPushButton *button(const QString &text) const;
+
+    QTemporaryDir folder_;
+    std::unique_ptr<EyetechGrabber> tracker_;
+    Script *script_ = nullptr;
+    int calibratedCount_ = 0;
+    QList<int> statuses_;  ///< results of QLCalibration_GetStatus, one per call; 0 afterwards
+    QList<int> times_;     ///< the requested durations of measurements
+    const QRect area_{40, 30, 500, 400};
+};
+
+void TestEyetechCalibrationWidget::attachDevice() {
+    script_->QLDevice_Enumerate = [](int *count, int *devices) { return *devices = 7, *count = 1, 0; };
+    script_->QLDevice_GetStatus = [](int, int *status) { return *status = 2, 0; };
+    script_->QLCalibration_Create = [](int, int *calibration) { return *calibration = 9, 0; };
+    script_->QLCalibration_Initialize = [](int device, int calibration, int type) {
+        return calibration == 0 ? 3 : (device == 7 && calibration == 9 && type == 0 ? 0 : 1);
+    };
+    script_->QLCalibration_GetTargets = [](int, int *count, quicklink2::QLTarget *targets) {
+        targets[0] = {1, 20, 25};
+        targets[1] = {2, 80, 75};
+        return *count = 2, 0;
+    };
+    script_->QLCalibration_Calibrate = [this](int, int, int ms, bool) { return times_ << ms, 0; };
+    script_->QLCalibration_GetStatus = [this](int, int, int *status) {
+        *status = statuses_.isEmpty() ? 0 : statuses_.takeFirst();
+        return 0;
+    };
+    script_->QLCalibration_GetScoring = [](int, int target, int eye, quicklink2::QLScore *score) {
+        *score = {eye == 0 ? -10.0F : 10.0F, 0, target == 2 ? 12.5F : 5.25F};
+        return 0;
+    };
+}
+
+void TestEyetechCalibrationWidget::init() {
+    script_ = &freshScript();
+    attachDevice();
+    statuses_ = {1, 1};
+    times_.clear();
+    calibratedCount_ = 0;
+    tracker_ = std::make_unique<EyetechGrabber>(folder_.path(), nullptr);
+    eyetech::CalibrationSequence::timings = {0, 100, 499};
+    connect(tracker_.get(), &EyetrackerInterface::calibrated, this, [this] { ++calibratedCount_; });
+    (void)script_->takeCalls();
+}
+
+void TestEyetechCalibrationWidget::calibrate() {
+    QTimer::singleShot(0, this, [this] {
+        tracker_->calibrate(area_);
+        QCoreApplication::quit();
+    });
+    QCoreApplication::exec();
+}
+
+void TestEyetechCalibrationWidget::act(const QString &action) {
+    const QHash<QString, std::function<void()>> acts{
+        {"Escape", [] { Q_EMIT GlobalKeyboard::Instance()->keyPressed(Qt::Key_Escape); }},
+        {"stopCalibration()", [this] { tracker_->stopCalibration(); }},
+        {"stop()", [this] { tracker_->stop(); }},
+        {"another calibrate()", [this] { tracker_->calibrate(area_); }},
+        {"quitting", [] { QCoreApplication::quit(); }},
+        {"destroying the tracker", [this] { tracker_.reset(); }},
+    };
+    acts[action]();
+}
+
+QWidget *TestEyetechCalibrationWidget::screen() const {
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (widget->isVisible() && qobject_cast<EyetechCalibrationWidget *>(widget))
+            return widget;
+    }
+    return nullptr;
+}
+
+QPushButton *TestEyetechCalibrationWidget::button(const QString &text) const {
+    for (QPushButton *candidate : screen()->findChildren<QPushButton *>()) {
+        if (candidate->text() == text && candidate->isVisible())
+            return candidate;
+    }
+    return nullptr;
+}
+
+void TestEyetechCalibrationWidget::runs_the_whole_sequence() {
+    int applied = 0;
+    script_->QLDevice_ApplyCalibration = [&](int device, int calibration) {
+        return applied = 10 * device + calibration, 0;
+    };
+    calibrate();
+    QCOMPARE(script_->takeCalls(),
+             (Calls{"QLCalibration_Initialize", "QLCalibration_Create", "QLCalibration_Initialize",
+                    "QLCalibration_GetTargets", "QLCalibration_Calibrate", "QLCalibration_Calibrate",
+                    "QLCalibration_GetScoring", "QLCalibration_GetScoring", "QLCalibration_GetScoring",
+                    "QLCalibration_GetScoring", "QLCalibration_Finalize", "QLDevice_ApplyCalibration"}));
+    QCOMPARE(applied, 79);
+    QCOMPARE(times_, (QList<int>{500, 500}));  // the minimum
+    QCOMPARE(calibratedCount_, 1);
+    QCOMPARE(tracker_->calibratedArea(), area_);
+    QVERIFY(screen() && screen()->geometry() == area_);
+}
+
+void TestEyetechCalibrationWidget::shows_the_scores_and_the_gaze() {
+    calibrate();
+    const auto pixel = [&](int x, int y) { return screen()->grab().toImage().pixelColor(x, y); };
+    QCOMPARE(pixel(250, 20), QColor("#333"));
+    QCOMPARE(pixel(100, 100 + 6), QColor("#3C0"));  // beside the dot in the centre
+    QCOMPARE(pixel(100, 100 - 17), QColor("#FFF"));
+    QCOMPARE(pixel(400, 300 + 6), QColor("#C30"));
+    QCOMPARE(pixel(50, 100), QColor("#3C0"));    // the gaze of the left eye
+    QVERIFY(pixel(370, 300) != QColor("#333"));  // the line to the gaze of the right eye
+
+    EyeTrackingSample sample;
+    sample.valid = sample.r_valid = true;
+    sample.x = 50;
+    sample.y = 200;
+    tracker_->addSample(sample);
+    QVERIFY(pixel(250, 395).red() > 150);      // the gaze marker, limited to the area
+    QVERIFY(pixel(10, 10).red() > 0x33 + 20);  // the shade of the lost eye
+    QCOMPARE(pixel(490, 10), QColor("#333"));
+    QVERIFY(button("Save") && button("Recalibrate"));
+}
+
+void TestEyetechCalibrationWidget::recalibrates_and_saves() {
+    calibrate();
+    (void)script_->takeCalls();
+    button("Recalibrate")->click();
+    QVERIFY(!button("Save"));
+    QTRY_COMPARE(calibratedCount_, 2);
+    QCOMPARE(script_->takeCalls().mid(0, 2), (Calls{"QLCalibration_Initialize", "QLCalibration_GetTargets"}));
+    button("Save")->click();
+    QVERIFY(!screen());
+    QCOMPARE(script_->takeCalls().last(), QByteArray("QLCalibration_Finalize"));
+    // A later key press must not cancel the saved calibration.
+    act("Escape");
+    QCOMPARE(script_->takeCalls(), Calls());
+}
+
+void TestEyetechCalibrationWidget::failed_target_is_repeated() {
+    statuses_ = {1, 5, 5};
+    calibrate();
+    QCOMPARE(times_.size(), 3);
+    // The second measurement of the first target has the scores of the second target.
+    const QImage shown = screen()->grab().toImage();
+    QCOMPARE(shown.pixelColor(100, 100 + 6), QColor("#C30"));
+    QCOMPARE(shown.pixelColor(400, 300 + 6), QColor("#3C0"));
+}
+
+void TestEyetechCalibrationWidget::failing_call_closes_the_screen_data() {
+    QTest::addColumn<int>("initialised");
+    QTest::addColumn<int>("targets");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<bool>("calibrates");
+    QTest::newRow("initialisation fails") << 1 << 0 << 2 << false;
+    QTest::newRow("initialisation returns another result") << 2 << 0 << 2 << true;
+    QTest::newRow("too many targets") << 0 << 11 << 25 << false;
+    QTest::newRow("fetching targets fails") << 0 << 10 << 20 << false;
+    QTest::newRow("count above the maximum") << 0 << 0 << 1000000 << true;
+    QTest::newRow("negative count") << 0 << 0 << -1 << true;
+}
+
+void TestEyetechCalibrationWidget::failing_call_closes_the_screen() {
+    QFETCH(const int, initialised);
+    QFETCH(const int, targets);
+    QFETCH(const int, count);
+    QFETCH(const bool, calibrates);
+    script_->QLCalibration_Initialize = [&](int, int, int) { return initialised; };
+    script_->QLCalibration_GetTargets = [&](int, int *number, quicklink2::QLTarget *) {
+        return *number = count, targets;
+    };
+    calibrate();
+    QCOMPARE(calibratedCount_ == 1, calibrates);
+    QCOMPARE(screen() != nullptr, calibrates);
+    QCOMPARE(script_->takeCalls().last(), calibrates ? "QLDevice_ApplyCalibration" : "QLCalibration_Cancel");
+}
+
+void TestEyetechCalibrationWidget::can_be_cancelled_at_any_time_data() {
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<int>("polls");
+    for (const char *action :
+         {"Escape", "stopCalibration()", "stop()", "another calibrate()", "quitting", "destroying the tracker"}) {
+        QTest::addRow("%s during the move to a target", action) << action << 1 << 0;
+        QTest::addRow("%s during a measurement", action) << action << 1 << 4;
+        QTest::addRow("%s while a target is repeated", action) << action << 5 << 9;
+    }
+}
+
+void TestEyetechCalibrationWidget::can_be_cancelled_at_any_time() {
+    QFETCH(const QString, action);
+    QFETCH(const int, status);
+    QFETCH(const int, polls);
+    eyetech::CalibrationSequence::timings.animationMs = 90;
+    const bool restarts = action.startsWith("another");
+    bool acted = false;
+    const auto actLater = [&] {
+        QTimer::singleShot(0, this, [&] {
+            acted = true;
+            act(action);
+        });
+    };
+    int count = 0;
+    script_->QLCalibration_GetStatus = [&](int, int, int *state) {
+        if (++count == polls)
+            actLater();
+        return *state = acted && restarts ? 0 : status, 0;
+    };
+    if (polls == 0)
+        QTimer::singleShot(0, this, actLater);
+    calibrate();
+    QVERIFY(acted);
+    QCOMPARE(calibratedCount_, restarts ? 1 : 0);
+    QCOMPARE(screen() != nullptr, restarts);
+}
+
+/// A call during a calibration replaces it, at the same depth of the call stack.
+void TestEyetechCalibrationWidget::nested_calibrations_do_not_accumulate() {
+    int depth = 0;
+    int maxDepth = 0;
+    int left = 20;
+    script_->QLCalibration_Calibrate = [&](int, int, int, bool) {
+        if (left-- > 0)
+            QTimer::singleShot(0, this, [&] {
+                maxDepth = std::max(maxDepth, ++depth);
+                tracker_->calibrate(area_);
+                --depth;
+            });
+        return 0;
+    };
+    script_->QLCalibration_GetStatus = [&](int, int, int *status) { return *status = left < 0 ? 0 : 1, 0; };
+    calibrate();
+    QCOMPARE(maxDepth, 1);
+    QCOMPARE(calibratedCount_, 1);
+}
+
+OCELA_TEST(TestEyetechCalibrationWidget)
+#include "tst_eyetech_calibration.moc"

@@ -1,0 +1,180 @@
+#include "support/test_main.h"
+#include "trackers/eyetech/eyetech_calibration_screen.h"
+#include "trackers/eyetech/eyetech_tracker.h"
+#include "trackers/eyetech/record_builder.h"
+#include "trackers/eyetech/script.h"
+
+#include <QElapsedTimer>
+#include <QSemaphore>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <atomic>
+#include <memory>
+
+/// Tests the back-end with a fake library.
+class TestEyetechGrabber : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup() { tracker_.reset(); }
+
+    void status_controls_connection_and_frames_data();
+    void status_controls_connection_and_frames();
+    void waits_for_a_device();
+    void frame_becomes_a_sample();
+    void fetches_one_frame_at_a_time_and_does_not_wait_at_destruction();
+    void keeps_its_settings();
+
+private:
+    void open() { tracker_ = std::make_unique<EyetechGrabber>(folder_->path(), nullptr); }
+
+    std::unique_ptr<QTemporaryDir> folder_;
+    std::unique_ptr<EyetechGrabber> tracker_;
+    Script *script_ = nullptr;
+    std::atomic<int> devices_{1};
+    std::atomic<int> status_{3};
+    std::atomic<int> result_{0};
+};
+
+void TestEyetechGrabber::init() {
+    folder_ = std::make_unique<QTemporaryDir>();
+    script_ = &freshScript();
+    devices_ = 1;
+    status_ = 3;
+    result_ = 0;
+    script_->QLDevice_Enumerate = [this](int *count, int *devices) { return *devices = 7, *count = devices_, 0; };
+    script_->QLDevice_GetStatus = [this](int device, int *status) {
+        *status = device == 7 ? status_.load() : 0;
+        return result_.load();
+    };
+}
+
+void TestEyetechGrabber::status_controls_connection_and_frames_data() {
+    QTest::addColumn<int>("status");
+    QTest::addColumn<int>("result");
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<bool>("connected");
+    QTest::addColumn<bool>("restarted");
+    QTest::addColumn<bool>("frames");
+    QTest::newRow("stopped") << 2 << 0 << "" << true << false << false;
+    QTest::newRow("stopped, after start()") << 2 << 0 << "start" << true << true << false;
+    QTest::newRow("stopped, after stop()") << 2 << 0 << "stop" << true << true << false;
+    QTest::newRow("running") << 3 << 0 << "start" << true << false << true;
+    QTest::newRow("other status") << 1 << 0 << "start" << false << false << false;
+    QTest::newRow("status call fails") << 3 << 5 << "start" << false << false << false;
+}
+
+void TestEyetechGrabber::status_controls_connection_and_frames() {
+    QFETCH(const int, status);
+    QFETCH(const int, result);
+    QFETCH(const QString, action);
+    status_ = status;
+    result_ = result;
+    open();
+    const QSignalSpy samples(tracker_.get(), &EyetrackerInterface::newSample);
+    if (action == "start")
+        QVERIFY(tracker_->start());
+    if (action == "stop")
+        tracker_->stop();
+    (void)script_->takeCalls();
+    int polls = 0;
+    script_->QLDevice_GetStatus = [&, this](int, int *state) { return *state = status_, ++polls, result_.load(); };
+    QTRY_VERIFY(polls > 5);
+    QTEST(tracker_->isConnected(), "connected");
+    QTEST(script_->takeCalls().contains("QLDevice_Start"), "restarted");
+    QTEST(samples.count() > 0, "frames");
+    tracker_.reset();
+}
+
+void TestEyetechGrabber::waits_for_a_device() {
+    devices_ = 0;
+    open();
+    QVERIFY(QTest::qWaitFor([this] { return script_->takeCalls().count("QLDevice_Enumerate") >= 1; }));
+    QCOMPARE(tracker_->deviceId(), 0);
+    tracker_->calibrate(QRect(0, 0, 100, 100));
+    QVERIFY(!script_->takeCalls().contains("QLCalibration_Initialize"));
+    devices_ = 1;
+    QTRY_COMPARE(tracker_->deviceId(), 7);
+    QTRY_VERIFY(tracker_->isConnected());
+    QVERIFY(script_->takeCalls().contains("QLDevice_ImportSettings"));
+}
+
+void TestEyetechGrabber::frame_becomes_a_sample() {
+    quicklink2::QLFrameRecord record{};
+    put(record, 160, true);
+    put(record, 496, true);
+    int number = 0;
+    // left, right: pupil, centre, gaze; combined gaze; focus, distance
+    for (const int offset : {164, 168, 172, 192, 196, 332, 336, 340, 360, 364, 500, 504, 648, 652})
+        put(record, offset, static_cast<float>(++number) + 0.5F);
+    script_->QLDevice_GetFrame = [&](int, int, quicklink2::QLFrameRecord *frame) { return *frame = record, 4; };
+    open();
+    tracker_->setCalibratedArea(100, 200, 1000, 2000);
+    const QSignalSpy samples(tracker_.get(), &EyetrackerInterface::newSample);
+    const QSignalSpy data(tracker_.get(), &EyetrackerInterface::newData);
+    QTRY_VERIFY(samples.count() > 0);
+    QCOMPARE(data.first(), (QVariantList{true, 11.5, 12.5}));
+    const EyeTrackingSample s = tracker_->getLastSample();
+    QVERIFY(qAbs(s.timestamp - QDateTime::currentMSecsSinceEpoch()) < 60000);
+    QCOMPARE((QList<bool>{s.valid, s.l_valid, s.r_valid}), (QList<bool>{true, true, false}));
+    QCOMPARE((QList<float>{s.l_pupil_mm, s.l_x, s.l_y, s.r_pupil_mm, s.r_x, s.r_y, s.x, s.y, s.focus, s.distance_cm}),
+             (QList<float>{1.5F, 4.5F, 5.5F, 6.5F, 9.5F, 10.5F, 11.5F, 12.5F, 13.5F, 14.5F}));
+    QCOMPARE((QList<int>{s.l_pupil_x, s.l_pupil_y, s.r_pupil_x, s.r_pupil_y}), (QList<int>{2, 3, 7, 8}));
+    QCOMPARE((QList<int>{s.x_px, s.y_px, s.l_x_px, s.l_y_px, s.r_x_px, s.r_y_px}),
+             (QList<int>{115, 250, 45, 110, 95, 210}));
+    QCOMPARE(tracker_->getLastFrame().focus(), 13.5F);
+    tracker_.reset();
+    freshScript();
+}
+
+void TestEyetechGrabber::fetches_one_frame_at_a_time_and_does_not_wait_at_destruction() {
+    QSemaphore released;
+    std::atomic<int> calls{0};
+    int polls = 0;
+    script_->QLDevice_GetStatus = [&](int, int *status) { return *status = 3, ++polls, 0; };
+    script_->QLDevice_GetFrame = [&](int, int waitMs, quicklink2::QLFrameRecord *) {
+        ++calls;
+        return released.tryAcquire(1, waitMs), 0;
+    };
+    open();
+    QTRY_VERIFY(calls == 1 && polls > 10);
+    QCOMPARE(calls.load(), 1);
+    QElapsedTimer time;
+    time.start();
+    tracker_.reset();
+    QVERIFY(time.elapsed() < 5000);
+    released.release();
+    freshScript();
+    QCOMPARE(calls.load(), 1);
+}
+
+void TestEyetechGrabber::keeps_its_settings() {
+    status_ = 2;
+    open();
+    auto *settings = qobject_cast<EyetechSettings *>(tracker_->settings());
+    settings->setCalibrationTimeMs(3000);
+    settings->setCalibrationAnimationMs(2000);
+    QCOMPARE(eyetech::CalibrationSequence::timings.calibrationMs, 3000);
+    settings->setCalibration(EyetechSettings::Calibration_16_points);
+    tracker_->setCalibratedArea(-10, 20, 300, 200);
+    Q_EMIT tracker_->calibrated();
+    QStringList shown;
+    for (const PropertyDescriptor &property : settings->metaDescriptor())
+        shown << (property.visible ? property.name : QString());
+    shown.removeAll(QString());
+    QCOMPARE(shown, QStringList({"Calibration", "CalibrationTimeMs", "CalibrationAnimationMs", "CalibrationDelayMs"}));
+
+    eyetech::CalibrationSequence::timings = {};
+    open();
+    QCOMPARE(eyetech::CalibrationSequence::timings.calibrationMs, 3000);
+    QCOMPARE(eyetech::CalibrationSequence::timings.animationMs, 2000);
+    QCOMPARE(eyetech::CalibrationSequence::timings.delayMs, 1000);
+    QCOMPARE(tracker_->calibratedArea(), QRect(-10, 20, 300, 200));
+    QCOMPARE(qobject_cast<EyetechSettings *>(tracker_->settings())->getCalibration(),
+             EyetechSettings::Calibration_16_points);
+}
+
+OCELA_TEST(TestEyetechGrabber)
+#include "tst_eyetech_tracker.moc"

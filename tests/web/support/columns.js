@@ -1,0 +1,13 @@
+import { SampleColumns, columnNames } from '../../../web/js/shared/sample_columns.js';
+
+const emptyRow = Object.fromEntries(columnNames.map(name => [name, NaN]));
+
+/** Returns columns with the given times and values. All other values are missing. */
+export function columnsOf(times, rowOf) {
+    const columns = new SampleColumns();
+    times.forEach((time, i) => columns.append(time, { ...emptyRow, ...rowOf(i) }));
+    return columns;
+}
+
+/** Returns the values of `valueOf` for 0 to `count` (excluded). */
+export const listOf = (count, valueOf) => Array.from({ length: count }, (_, i) => valueOf(i));

@@ -1,0 +1,114 @@
+// @ts-check
+import { SampleColumns } from '../shared/sample_columns.js';
+import { statisticsOf } from '../shared/statistics.js';
+import { findFixations } from './fixations.js';
+import { heatMapOf } from './heat_map.js';
+import { between } from './time_range.js';
+/** @import { TimeRange } from '../shared/chart.js' */
+/** @import { Fixation, FixationParameters } from './fixations.js' */
+/** @import { HeatMap } from './heat_map.js' */
+/** @import { RecordFile } from './parse_worker.js' */
+
+/** An open record file: the shown time range, and the fixations, the heat map and the figures of that range. */
+export class RecordView {
+    /** The shown range, in ms from the first sample. */
+    range;
+    /** The fixations that start in the range. @type {Fixation[]} */
+    fixations = [];
+    /** The number of fixations before the range, which is the index of the first fixation in it. */
+    firstFixation = 0;
+    #parameters;
+    /** @type {Fixation[]} */
+    #allFixations = [];
+    /** @type {HeatMap | null} */
+    #heatMap = null;
+
+    /**
+     * @param {RecordFile} file
+     * @param {string} fileName
+     * @param {FixationParameters} parameters
+     * @param {number} assumedRateHz the sample rate of a file without timestamps
+     */
+    constructor(file, fileName, parameters, assumedRateHz) {
+        this.file = file;
+        this.fileName = fileName;
+        this.aspect = file.aspect;
+        this.timeless = file.timeless;
+        this.columns = SampleColumns.from(file.columns);
+        this.#parameters = parameters;
+        this.range = this.whole;
+        if (this.timeless) this.assumeRate(assumedRateHz);
+        else this.detect(parameters);
+    }
+
+    get wholeMs() {
+        return this.columns.time[this.columns.length - 1];
+    }
+
+    get whole() {
+        return between(0, this.wholeMs, this.wholeMs);
+    }
+
+    /**
+     * Sets the sample rate of a file without timestamps, and shows the whole recording.
+     *
+     * @param {number} rateHz
+     */
+    assumeRate(rateHz) {
+        const { time, length } = this.columns;
+        for (let i = 0; i < length; ++i) time[i] = (i * 1000) / rateHz;
+        this.range = this.whole;
+        this.detect(this.#parameters);
+    }
+
+    /**
+     * Finds the fixations with other parameters.
+     *
+     * @param {FixationParameters} parameters
+     */
+    detect(parameters) {
+        this.#parameters = parameters;
+        this.#allFixations = findFixations(this.columns, parameters, this.aspect);
+        this.show(this.range);
+    }
+
+    /**
+     * Shows another time range.
+     *
+     * @param {TimeRange} range
+     */
+    show(range) {
+        const { fromMs, toMs } = range;
+        const next = this.#allFixations.findIndex(({ startMs }) => startMs >= fromMs);
+        this.range = range;
+        this.firstFixation = next < 0 ? this.#allFixations.length : next;
+        this.fixations = this.#allFixations.slice(this.firstFixation).filter(({ startMs }) => startMs <= toMs);
+        this.#heatMap = null;
+    }
+
+    /** Computed on demand, because the computation takes longer than that of the other figures. */
+    get heatMap() {
+        const [from, to] = this.#sampleRange();
+        return (this.#heatMap ??= heatMapOf(this.columns, from, to, this.aspect));
+    }
+
+    /** Returns the figures of the range. */
+    get summary() {
+        const [from, to] = this.#sampleRange();
+        const totalMs = this.fixations.reduce((sum, { durationMs }) => sum + durationMs, 0);
+        return {
+            ...statisticsOf(this.columns, from, to),
+            durationMs: this.range.toMs - this.range.fromMs,
+            fixationCount: this.fixations.length,
+            meanFixationMs: totalMs / this.fixations.length,
+        };
+    }
+
+    /** Returns the indexes of the first sample in the range and of the first sample after it. Both ends are included. */
+    #sampleRange() {
+        const { columns, range } = this;
+        let to = columns.indexAt(range.toMs);
+        while (to < columns.length && columns.time[to] <= range.toMs) ++to;
+        return [columns.indexAt(range.fromMs), to];
+    }
+}
