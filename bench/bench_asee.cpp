@@ -1,5 +1,5 @@
-// Measures an aSee Pro tracker with a library that only calls the callbacks: the time of a callback, the time until a
-// sample reaches the GUI thread, and the CPU share of the camera view.
+// Measures an aSee Pro tracker with a library that only stores the callbacks, which the benchmark calls: the time of a
+// callback, the time until a sample reaches the GUI thread, and the CPU share of the camera view.
 
 #include "support/bare_asee.h"
 #include "support/bare_tracker.h"

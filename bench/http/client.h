@@ -35,7 +35,7 @@ public:
 
     [[nodiscard]] const std::vector<float> &microseconds() const { return microseconds_; }
     [[nodiscard]] int errors() const { return errors_; }
-    /// Returns the time since the current request was sent.
+    /// Returns the time since the current request, or the new connection for it, was started.
     [[nodiscard]] float waitedMicroseconds() const;
 
 private:

@@ -11,7 +11,7 @@ class ResponseParser {
 public:
     enum class State { Incomplete, Complete, Broken };
 
-    /// Returns Broken for a status other than 200, a missing length, too long a header, or more bytes than announced.
+    /// Returns Broken for a status other than 200, a missing length, an overlong header, or more bytes than announced.
     State feed(std::string_view bytes);
 
 private:

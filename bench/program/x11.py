@@ -79,7 +79,7 @@ class Screen:
         raise SystemExit(f"no window {title!r} within {timeout_s} s")
 
     def request_close(self):
-        """Asks the window that wait_for_window() found to close, like the close button of its frame."""
+        """Sends a close request to the window of the last wait_for_window(), like the close button of its frame."""
         event = Event()
         event.client = ClientMessage(type=CLIENT_MESSAGE, window=self._window, message=self._atom(b"WM_PROTOCOLS"),
                                      format=32)

@@ -9,7 +9,7 @@ struct Memory {
     std::size_t allocated;  ///< bytes allocated by malloc
 };
 
-/// Returns freed memory to the system, and then the memory that this process uses.
+/// Releases freed memory to the system. Returns the memory that this process uses.
 [[nodiscard]] Memory memoryInUse();
 
 }  // namespace bench

@@ -96,7 +96,7 @@ Function refuseForeignFolder
   ${EndIf}
 FunctionEnd
 
-; The program serves the web pages from its working folder.
+; The program serves the web pages from its working directory.
 Function startProgram
   SetOutPath "$INSTDIR"
   Exec '"$INSTDIR\Ocela.exe"'
@@ -110,7 +110,7 @@ Section "Ocela" program
   File "/oname=installed-files.txt" "${LIST}"
   File /r "${FOLDER}/*"
   WriteUninstaller "$INSTDIR\uninstall.exe"
-  ; The shortcut's working folder is the output folder.
+  ; The shortcut's working directory is the output folder.
   CreateShortcut "$SMPROGRAMS\Ocela.lnk" "$INSTDIR\Ocela.exe"
   WriteRegStr HKCU "${UNINSTALL_KEY}" "DisplayName" "Ocela"
   WriteRegStr HKCU "${UNINSTALL_KEY}" "DisplayVersion" "${VERSION}"

@@ -26,7 +26,7 @@ mkdir -p "$HOME"
 export WINEPATH=$search
 # Disables Wine's debug messages and its offers to install Mono and Gecko.
 export WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES="mscoree,mshtml=${WINEDLLOVERRIDES:+;$WINEDLLOVERRIDES}"
-# Wine passes QT_ variables to the program only with this prefix.
+# Wine passes QT_ variables to the program only with the prefix WINE.
 for name in $(compgen -e QT_); do export "WINE$name=${!name}"; done
 # Wine's services outlive the last program by some seconds. Start them without the output of the program: its reader
 # would wait until they have closed it, too.

@@ -149,7 +149,7 @@ int Tracker::_7i_start_tracking(const void *coefficients) {
     return Ok;
 }
 
-// The threads are moved out under the lock and joined after it is released, because a callback may be waiting for it.
+// The threads are moved out under the lock and joined after it is released, because a callback may wait for the lock.
 int Tracker::_7i_stop() {
     std::optional<Streams> streams;
     std::unique_ptr<Ticker> point;

@@ -48,7 +48,7 @@ void quitOnSignals(QTimer &poll) {
 /// Replaces Qt's message when it aborts because there is no display.
 void explainMissingDisplay(QtMsgType type, const QMessageLogContext & /*context*/, const QString & /*text*/) {
     if (type == QtFatalMsg)
-        std::_Exit(fail("--follow-mouse needs a display, and none can be opened"));
+        std::_Exit(fail("--follow-mouse needs a display, but no display can be opened"));
 }
 
 std::unique_ptr<QCoreApplication> makeApplication(int &argc, char **argv, bool withDisplay) {
@@ -110,7 +110,7 @@ int main(int argc, char *argv[]) {
     const auto parsed = parseOptions(argumentList(argc, argv));
     if (const auto *error = std::get_if<QString>(&parsed))
         return fail(*error + "\nTry --help.", exitBadOptions);
-    const auto &options = std::get<Options>(parsed);
+    const Options &options = *std::get_if<Options>(&parsed);
 
     const auto application = makeApplication(argc, argv, options.followMouse && !options.help);
     if (options.help) {

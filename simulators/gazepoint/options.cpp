@@ -93,7 +93,7 @@ void declareOptions(QCommandLineParser &parser) {
         {"seed", "Seed of the simulated person. The same seed gives the same gaze.", "NUMBER", "1"},
         {"blink-interval", "Median seconds between blinks; 0: no blinks.", "SECONDS", "4"},
         {"follow-mouse", "The person looks at the mouse pointer. Needs a display."},
-        {"record", "The person plays back a recording from a CSV file.", "FILE"},
+        {"record", "The person plays back a record file.", "FILE"},
         {"lines",
          "Send the <REC .../> lines of a file instead of simulated records. ENABLE_SEND_DATA starts them;\n"
          "the other switches have no effect.",

@@ -11,7 +11,7 @@ namespace sim::gazepoint {
 
 namespace {
 
-/// Returns the monotonic clock of the machine, so that programs on it can compare TIME_TICK with their own times.
+/// Returns the time of the machine's monotonic clock, so that other programs can compare TIME_TICK with it.
 std::int64_t ticksNow() {
     const auto sinceBoot = std::chrono::steady_clock::now().time_since_epoch();
     return std::chrono::duration_cast<std::chrono::nanoseconds>(sinceBoot).count() *

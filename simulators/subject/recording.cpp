@@ -104,7 +104,7 @@ std::variant<Recording, QString> Recording::load(const QString &path) {
     Recording recording;
     recording.rows_ = reader.rows();
     if (!reader.error().isEmpty())
-        return QString("%1 is not a recording: %2").arg(path, reader.error());
+        return QString("%1 is not a record file: %2").arg(path, reader.error());
     recording.uncrossRightEye();
     recording.fillMissingGaze();
     return recording;

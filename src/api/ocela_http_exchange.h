@@ -39,8 +39,8 @@ public:
     /// selected, and until all running requests are answered.
     void setTracker(EyetrackerInterface *tracker) { tracker_ = tracker; }
 
-    /// Returns the answer to a request. It depends only on the path. If the answer is a file, sets `filePath` to that
-    /// existing file, otherwise to an empty string. May be called from any thread.
+    /// Returns the answer to a request. Of the request, only the path is used. If the answer is a file, sets `filePath`
+    /// to that existing file, otherwise to an empty string. May be called from any thread.
     [[nodiscard]] QJsonDocument processRequest(QString path, HttpRequest &request, QString &filePath);
 
     /// Returns the same answer before it is serialized.

@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Reserves memory for a file until it is destroyed.
+/// Reserves memory for a file, for the lifetime of this object.
 class FileMemory {
 public:
     FileMemory(std::atomic<qint64> &usedBytes, qint64 fileBytes)

@@ -9,7 +9,7 @@
 ///
 /// The exchange owns it, and its listener calls service() on the connections' threads. The status is always 200. Files
 /// are read completely and sent in one write, without support for ranges. If a file cannot be sent (a folder, a pipe,
-/// no permission, more than `maxFileBytes`), the reason is logged, and its JSON document is sent instead.
+/// no permission, more than `maxFileBytes`), the reason is logged, and the JSON document of the answer is sent instead.
 class OcelaHTTPRequestHandler : public HttpRequestHandler {
     Q_OBJECT
 

@@ -16,7 +16,7 @@ public:
     [[nodiscard]] QByteArray toByteArray() const { return QByteArray(data(), size()); }
 
 private:
-    /// The keys take 222 bytes, and the longest numbers 365.
+    /// The keys take 221 bytes, and the longest numbers 365.
     static constexpr std::size_t maxSizeBytes = 1024;
 
     std::array<char, maxSizeBytes> text_;

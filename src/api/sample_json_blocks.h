@@ -17,7 +17,7 @@ public:
 
     struct List {
         int sampleCount = 0;
-        QVector<QByteArray> pieces;  ///< concatenated, the objects with commas between them
+        QVector<QByteArray> pieces;  ///< concatenated: the JSON objects, separated by commas
     };
 
     /// Returns the number of the newest sample, or 0 before the first sample.

@@ -18,7 +18,7 @@ public:
 private:
     struct Last {
         quint64 number = 0;
-        QByteArray text;  ///< empty before the first
+        QByteArray text;  ///< empty before the first call of lastSample()
     };
     struct All {
         const EyetrackerInterface *tracker = nullptr;

@@ -16,7 +16,7 @@ struct NumberedSample {
 
 /// The samples of a tracker with a number above N.
 struct SamplesSince {
-    std::vector<NumberedSample> samples;  ///< those that are in the window, oldest first
+    std::vector<NumberedSample> samples;  ///< still in the window, oldest first
     /// How many samples with a number above N have left the window. If not 0, the reader was too slow. A gap in the
     /// numbers does not mean that samples were missed: another tracker may have delivered at the same time.
     quint64 missedCount = 0;

@@ -21,8 +21,8 @@ public:
 
     /// Numbers and appends a sample, and drops the samples that are more than `lengthMs` older than it.
     ///
-    /// Returns the list that samples() returned until now. Release the guard before you destroy it, because that takes
-    /// time.
+    /// Returns the list that samples() returned until now. Destroy the list after the guard is released, because its
+    /// destructor takes time.
     [[nodiscard]] QList<EyeTrackingSample> add(const EyeTrackingSample &sample,
                                                std::chrono::steady_clock::time_point arrival);
 

@@ -17,7 +17,7 @@ using namespace byte_text;
 
 namespace {
 
-/// A QByteArray holds less than 2 GiB. With half of that, the sum of two sizes fits into an int.
+/// A QByteArray holds less than 2 GiB. Half of that leaves room for additions to a size, which is an int.
 constexpr int maxLimitBytes = 1 << 30;
 
 constexpr qint64 maxMultiPartBlockBytes = 65536;

@@ -12,7 +12,7 @@ public:
     /// `settings` must be positioned on the engine's group and outlive this object.
     explicit HttpSettings(const QSettings *settings) : settings_(settings) {}
 
-    /// Returns the integer value of `key`, or 0 if the value is not an integer.
+    /// Returns the integer value of `key`, `defaultValue` if it is not set, or 0 if its value is not an integer.
     [[nodiscard]] int number(const QString &key, int defaultValue) const;
     [[nodiscard]] QString text(const QString &key) const;
     [[nodiscard]] bool flag(const QString &key) const;

@@ -16,7 +16,7 @@
 namespace system_calls {
 namespace {
 
-/// The maximum number of pieces per call. A response with 2000 samples has 35.
+/// The maximum number of pieces per call. A response with 2000 samples has up to 36.
 constexpr std::size_t maxPieceCount = 64;
 
 int number(tSocketDescriptor socket) {

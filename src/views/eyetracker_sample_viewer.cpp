@@ -16,9 +16,9 @@ constexpr char captionName[] = "eyeHeader";
 /// In characters. The texts for gaze on the screen are shorter.
 constexpr int maxNormalLength = 12;
 
-/// Gives the label a fixed size that grows with its text, so that the columns do not move and a new text does not lay
-/// out the whole window. Layouts are expensive at hundreds of samples per second. The label shrinks only if its
-/// previous text was longer than normal.
+/// Gives the label a fixed size that grows with its text, so that the columns do not move and a new text does not
+/// trigger a layout of the whole window. Layouts are expensive at hundreds of samples per second. The label shrinks
+/// only if its previous text was longer than normal.
 void showText(QLabel *label, const QString &text) {
     if (label->text() == text)
         return;

@@ -13,7 +13,8 @@ struct EyeTexts;
 /// Shows the last sample in three columns: common gaze, left eye and right eye. GUI thread. Samples
 /// arrive through a queued connection.
 ///
-/// Every sample is shown. After a change of the tracker, the labels keep their values until the next sample.
+/// Every sample is shown. After a change to another tracker, the labels keep their values until the next sample.
+/// Without a tracker, the labels show an empty sample.
 class EyetrackerSampleViewer : public BaseEyetrackerWidget {
     Q_OBJECT
 

@@ -60,7 +60,7 @@ bool isConsistent(const QJsonObject &sample) {
     return sample["x"] == sample["timestamp"] && sample["r_pupil_y"] == sample["timestamp"];
 }
 
-/// Whether an answer has consistent samples without a gap, or says that no tracker is selected.
+/// Returns whether an answer has consistent samples without a gap, or says that no tracker is selected.
 bool isConsistentAnswer(const QJsonObject &answer) {
     if (!answer["result"].toBool())
         return answer.keys() == QStringList("result");
@@ -109,7 +109,7 @@ void TestOcelaHttpExchange::endpoints_data() {
 
     row("hello", "/hello", R"({"hello":"there","result":true})", R"({"hello":"there","result":true})", {});
     row("hello must match exactly", "/hello2", answerAbout("hello2"), answerAbout("hello2"), {});
-    row("record to the default", "/startrecord", done, undone, {"record"});
+    row("record to the default path", "/startrecord", done, undone, {"record"});
     row("no recording to stop", "/stoprecord", done, undone, {});
     row("no samples", "/lastsamples", R"({"result":true,"sampleCount":0,"samples":[]})", undone, {});
     row("no sample", "/lastsample", R"({"result":true,"sample":)" + sample + "}", undone, {});

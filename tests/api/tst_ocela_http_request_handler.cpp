@@ -141,7 +141,7 @@ void TestOcelaHttpRequestHandler::file_that_cannot_be_sent_is_answered_with_a_do
     QVERIFY(reply.head.contains("\r\nAccess-Control-Allow-Origin: *\r\n"));
     QCOMPARE(reply.answer()["result"].toBool(), exists);
     QCOMPARE(reply.answer().contains("error"), !exists);
-    QVERIFY2(!client_.get("/large").isDocument(), "a refused file must not use memory for files");
+    QVERIFY2(!client_.get("/large").isDocument(), "a refused file must not keep its reserved memory");
 }
 
 OCELA_TEST(TestOcelaHttpRequestHandler)

@@ -24,7 +24,7 @@ constexpr int recordingCount = 20;
 constexpr int devicesPerTracker = 2;
 constexpr int samplesPerDevice = 2000;
 
-/// Reads all samples of a tracker, like a client that follows it, until after `stopping`.
+/// Reads all samples of a tracker, like a client that follows it, until `stopping` is set, and once more after that.
 SamplesSince follow(const EyetrackerInterface &tracker, const std::atomic<bool> &stopping) {
     SamplesSince all;
     bool isLast = false;

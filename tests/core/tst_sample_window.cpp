@@ -89,7 +89,7 @@ void TestSampleWindow::samples_since_a_number_data() {
     QTest::addColumn<Stamps>("newer");
     QTest::addColumn<int>("missedCount");
     // Ten samples were added. The numbers count from the first of them, and numbers 7 to 10 are in the window.
-    QTest::newRow("from the start of the program") << -1000 << Stamps{70, 80, 90, 100} << 6;
+    QTest::newRow("before the window was created") << -1000 << Stamps{70, 80, 90, 100} << 6;
     QTest::newRow("before the first sample") << 0 << Stamps{70, 80, 90, 100} << 6;
     QTest::newRow("the next sample is dropped") << 5 << Stamps{70, 80, 90, 100} << 1;
     QTest::newRow("the newest dropped sample") << 6 << Stamps{70, 80, 90, 100} << 0;

@@ -35,7 +35,7 @@ class EchoServer:
         self.url = f"{'https' if tls else 'http'}://localhost:{self.port}"
 
     def stop(self):
-        """Returns the server's log. A failed server adds its exit code."""
+        """Stops the server. Returns its log, followed by the exit code if it is not 0."""
         log = self._process.communicate("\n", TIMEOUT_S)[1]
         self._temporary.cleanup()
         return log + (f"exit code {self._process.returncode}" if self._process.returncode else "")

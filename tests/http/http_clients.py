@@ -156,7 +156,7 @@ class RefusedClients(unittest.TestCase):
 
     def check_refusal(self, response, connection):
         self.assertEqual(read_to_end(connection), response)
-        # The server has closed only its direction: a reset could destroy the response before the client reads it.
+        # The server has half-closed the connection: a reset could destroy the response before the client reads it.
         connection.sendall(b"x")
         connection.sendall(b"x")
         deadline = time.monotonic() + MAX_LINGER_S

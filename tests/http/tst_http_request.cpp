@@ -127,7 +127,7 @@ void TestHttpRequest::limits_data() {
         row(QByteArray("content length ") + length, header + length + "\r\n\r\n", 2147483647, "too large", tooLarge);
     const QByteArray body = post("multipart/form-data; boundary=xyz", QByteArray(200, 'x'));
     row("a form one byte below its limit", body, 100, "complete", {}, 201);
-    row("a form of exactly its limit", body, 100, "too large", "received too many multipart bytes", 200);
+    row("a form exactly at its limit", body, 100, "too large", "received too many multipart bytes", 200);
     row("a form over its limit", body, 100, "too large", "expected multipart body is too large", 199);
 
     const int maxEntryCount = 10000;

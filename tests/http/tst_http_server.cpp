@@ -143,7 +143,7 @@ void TestHttpServer::exchanges_data() {
         "HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n" + ok, false);
     row("the handler receives the body", "POST /body HTTP/1.1\r\nContent-Length: 3\r\n\r\nabcGET / HTTP/1.1\r\n\r\n",
         "HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\nabc" + ok, false);
-    row("a handler without service() is not implemented", "GET /default HTTP/1.1\r\n\r\n",
+    row("a handler that does not override service() sends 501", "GET /default HTTP/1.1\r\n\r\n",
         "HTTP/1.1 501 not implemented\r\nContent-Length: 19\r\n\r\n501 not implemented", false);
 }
 
@@ -203,7 +203,7 @@ void TestHttpServer::slowReadersReceiveEveryByte() {
     Client client(server, "GET /large HTTP/1.1\r\n\r\n");
     client.setReadBufferSize(1);
     QTRY_VERIFY(client.bytesAvailable() > 0);
-    QTest::qWait(600);  // long enough for the server's send() to return with a part of a piece sent
+    QTest::qWait(600);  // long enough for the server's send() to return after a part of a piece
     client.setReadBufferSize(0);
     QByteArray expected = "HTTP/1.1 200 OK\r\nContent-Length: 20000000\r\n\r\n";
     for (const QByteArray &piece : largeBody())

@@ -119,7 +119,8 @@ void TestAseeLibrary::initTestCase() {
     QCOMPARE(_7i_stop(), 0);  // the first call, which creates the simulated person
 }
 
-/// Connects, calibrates with one point and starts tracking. Returns the step that fails, or "gaze".
+/// Connects, calibrates with one point and starts tracking. Returns the step that fails, or "gaze". Appends
+/// ", immediately" if the point finished before its call returned.
 QString TestAseeLibrary::session() {
     if (const int code = _7i_device_connect(); code != 0)
         return QString("connect: %1").arg(code);

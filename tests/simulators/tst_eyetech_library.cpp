@@ -23,11 +23,11 @@ T field(const quicklink2::QLFrameRecord &record, int offset) {
 
 /// Returns whether the dark pupil in the image extends equally far from its reported centre in opposite directions.
 bool isPupilInImage(const quicklink2::QLFrameRecord &frame, int eye) {
-    const int width = field<int>(frame, at::imageWidth);
+    const auto width = ptrdiff_t(field<int>(frame, at::imageWidth));
     const int x = int(field<float>(frame, eye + at::eyePupilCentre));
     const int y = int(field<float>(frame, eye + at::eyePupilCentre + 4));
     const auto *centre = field<const unsigned char *>(frame, at::imagePixels) + y * width + x;
-    const auto extent = [centre](int step) {
+    const auto extent = [centre](ptrdiff_t step) {
         int pixelCount = 0;
         while (centre[pixelCount * step] <= 30)
             ++pixelCount;

@@ -83,7 +83,8 @@ void TestRecording::detects_crossed_eyes() {
     QVERIFY(!cases.isEmpty());
     for (const QJsonValue &testCase : cases) {
         CrossedEye eye;
-        for (const QJsonValue &sample : testCase["samples"].toArray()) {
+        const QJsonArray samples = testCase["samples"].toArray();
+        for (const QJsonValue &sample : samples) {
             const auto value = [&](int index) { return sample[index].toDouble(qQNaN()); };
             for (int i = 0; i < sample[0].toInt(); ++i)
                 eye.add({value(1), value(2)}, {value(3), value(4)});

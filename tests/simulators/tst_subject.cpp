@@ -15,7 +15,7 @@ private Q_SLOTS:
     void eyes_have_fixation_noise_and_their_own_errors();
     void blinks_every_few_seconds();
     void depends_on_the_seed_but_not_on_the_sample_rate();
-    void looks_at_targets_before_the_pointer();
+    void looks_at_targets_rather_than_at_the_pointer();
 };
 
 void TestSubject::eyes_have_fixation_noise_and_their_own_errors() {
@@ -78,7 +78,7 @@ void TestSubject::depends_on_the_seed_but_not_on_the_sample_rate() {
     QVERIFY(equal < 20 * 60 / 2);
 }
 
-void TestSubject::looks_at_targets_before_the_pointer() {
+void TestSubject::looks_at_targets_rather_than_at_the_pointer() {
     Subject subject;
     double now_s = 3;
     const auto degreesFrom = [&](Point target) {

@@ -49,7 +49,7 @@ QImage draw(const QLabel &label, double offset) {
     return image;
 }
 
-/// The text at every offset within a pixel: centred text can start anywhere.
+/// Returns the text drawn at different offsets within a pixel, because centred text can start anywhere.
 std::vector<TextPicture> drawPictures(const QString &text, desktop::Look look) {
     constexpr int offsetCount = 20;
     useStyle(look);

@@ -3,7 +3,7 @@
 #include <QImage>
 #include <QPoint>
 
-/// The shape of a text, with a blank margin. Finds the text in a picture, whatever its two colours are there.
+/// The shape of a text, with a blank margin. Finds the text in a picture, in any two colours.
 class TextPicture {
 public:
     /// Takes the shape from a drawing of the text on a plain background.

@@ -41,7 +41,7 @@ private Q_SLOTS:
 private:
     void giveCoefficients();
     void startCalibration();
-    void checkRecord();
+    void checkRecordFile();
     /// Waits until the window has changed several times, as it does while the device sends data.
     [[nodiscard]] bool waitForNewPictures();
     [[nodiscard]] QString coefficientFile() const { return home_->dataFolder() + "/coefficient.dat"; }
@@ -93,7 +93,7 @@ bool TestAseeProSession::waitForNewPictures() {
     return QTest::qWaitFor(changedOften, timeoutMs);
 }
 
-void TestAseeProSession::checkRecord() {
+void TestAseeProSession::checkRecordFile() {
     const RecordFile record(home_->recordFile());
     QVERIFY(record.rows.size() > 20);
     int valid = 0;
@@ -141,7 +141,7 @@ void TestAseeProSession::calibrates_nine_points_and_records_the_gaze() {
     QVERIFY(waitForNewPictures());
     QVERIFY(desktop::click("Stop record"));
     QTRY_VERIFY_WITH_TIMEOUT(!home_->recordFile().isEmpty(), timeoutMs);
-    checkRecord();
+    checkRecordFile();
 
     QCOMPARE(program_->close(), 0);
     QCOMPARE(program_->problems(), QStringList());

@@ -42,7 +42,7 @@ private Q_SLOTS:
 
 private:
     void startCalibration();
-    void checkRecord();
+    void checkRecordFile();
     [[nodiscard]] QByteArray screen() const { return program_->window("^Calibration$"); }
     [[nodiscard]] QImage picture() const { return desktop::screenshot(screen().toUInt()); }
     [[nodiscard]] bool showsScores() const;
@@ -81,7 +81,7 @@ bool TestEyetechSession::showsScores() const {
     });
 }
 
-void TestEyetechSession::checkRecord() {
+void TestEyetechSession::checkRecordFile() {
     const RecordFile record(home_->recordFile());
     QVERIFY(record.rows.size() > 5);
     for (const QStringList &row : record.rows) {
@@ -118,7 +118,7 @@ void TestEyetechSession::first_start_shows_calibrates_and_records() {
     QTest::qWait(recordingMs);
     QVERIFY(desktop::click("Stop record"));
     QTRY_VERIFY_WITH_TIMEOUT(!home_->recordFile().isEmpty(), timeoutMs);
-    checkRecord();
+    checkRecordFile();
 
     startCalibration();
     QTRY_VERIFY_WITH_TIMEOUT(showsScores(), timeoutMs);

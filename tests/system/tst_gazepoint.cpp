@@ -16,7 +16,7 @@ QByteArray gazeAt(double x, double y, bool valid = true) {
 
 }  // namespace
 
-/// The messages of one connection to a GazePoint server, and the gaze as mouse cursor.
+/// The messages of one connection to a GazePoint server, and the control of the mouse cursor by gaze.
 class TestGazePointSession : public QObject {
     Q_OBJECT
 
@@ -28,7 +28,7 @@ private Q_SLOTS:
     void gaze_moves_the_cursor_between_two_presses_of_F10();
 
 private:
-    /// Starts the program and answers its question for the screen size.
+    /// Starts the program and answers its request for the screen size.
     void connectProgram();
     /// Sends a gaze at another place and returns whether the cursor is there as soon as the window shows the gaze.
     [[nodiscard]] bool cursorFollows(bool valid = true);

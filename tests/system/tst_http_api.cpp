@@ -20,7 +20,7 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void recorded_file_contains_the_served_sample();
+    void record_file_contains_the_served_sample();
     void runs_the_documented_examples_data();
     void runs_the_documented_examples();
     void ends_while_clients_do_not_read();
@@ -50,7 +50,7 @@ void TestHttpApi::cleanup() {
     client_.forgetConnections();
 }
 
-void TestHttpApi::recorded_file_contains_the_served_sample() {
+void TestHttpApi::record_file_contains_the_served_sample() {
     QVERIFY(simulator_->listen({"--rate", "60"}));
     QVERIFY(program_->startWindow());
     QTRY_VERIFY_WITH_TIMEOUT(client_.lastSample()["timestamp"].toDouble() > 0, timeoutMs);

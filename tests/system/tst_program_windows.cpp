@@ -65,8 +65,8 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void recorded_file_contains_the_served_sample_data();
-    void recorded_file_contains_the_served_sample();
+    void record_file_contains_the_served_sample_data();
+    void record_file_contains_the_served_sample();
     void does_not_ask_without_a_console();
     void refuses_a_second_instance();
     void chooses_the_name_of_a_record_file();
@@ -88,7 +88,7 @@ private:
 
 void TestProgramOnWindows::initTestCase() {
     QVERIFY2(!QFile::exists(localData_ + "Settings.xml"),
-             "These tests delete the settings and records of the Windows user.");
+             "These tests delete the settings and the data folder of the Windows user.");
 }
 
 void TestProgramOnWindows::init() {
@@ -133,13 +133,13 @@ QStringList TestProgramOnWindows::problems() const {
     return log().split('\n').filter(problem);
 }
 
-void TestProgramOnWindows::recorded_file_contains_the_served_sample_data() {
+void TestProgramOnWindows::record_file_contains_the_served_sample_data() {
     QTest::addColumn<QString>("tracker");
     for (const char *tracker : {"eyetech", "gazepoint", "aSee Pro"})
         QTest::newRow(tracker) << tracker;
 }
 
-void TestProgramOnWindows::recorded_file_contains_the_served_sample() {
+void TestProgramOnWindows::record_file_contains_the_served_sample() {
     QFETCH(const QString, tracker);
     selectTracker(tracker);
     QVERIFY(tracker != "gazepoint" || startSimulator());

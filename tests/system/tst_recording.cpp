@@ -54,7 +54,7 @@ int linesInRow(const QStringList &row, const QList<QByteArray> &lines, int line)
     return 0;
 }
 
-/// Returns whether the rows are the lines in a loop, from any line on, with a row for at least 10 of 11 lines.
+/// Returns whether the rows repeat the lines in order, starting at any line, with at least 10 rows for 11 lines.
 bool isCycleOf(const RecordFile &file, const QList<QByteArray> &lines) {
     for (int start = 0; start < lines.size(); ++start) {
         int line = start;
@@ -69,7 +69,8 @@ bool isCycleOf(const RecordFile &file, const QList<QByteArray> &lines) {
     return false;
 }
 
-/// Checks the two times of every row: milliseconds since 1970, from `from` to `to`, and since the first row.
+/// Checks the two times of every row, in milliseconds: the time since 1970, which must be between `from` and `to`, and
+/// the time since the first row.
 void checkTimes(const RecordFile &file, qint64 from, qint64 to) {
     qint64 last = from;
     for (int row = 0; row < file.rows.size(); ++row) {
@@ -82,7 +83,7 @@ void checkTimes(const RecordFile &file, qint64 from, qint64 to) {
 
 }  // namespace
 
-/// Samples on their way from the GazePoint server to the window and the record file.
+/// The path of the samples from the GazePoint server to the window and the record file.
 class TestRecording : public QObject {
     Q_OBJECT
 
@@ -91,7 +92,7 @@ private Q_SLOTS:
     void cleanup();
 
     void shows_and_records_captured_lines();
-    void reports_a_record_that_cannot_be_saved();
+    void reports_a_recording_that_cannot_be_saved();
 
 private:
     /// Starts a recording with the button, waits for `done` and stops it with the button.
@@ -154,7 +155,7 @@ void TestRecording::shows_and_records_captured_lines() {
     QCOMPARE(program_->problems(), QStringList());
 }
 
-void TestRecording::reports_a_record_that_cannot_be_saved() {
+void TestRecording::reports_a_recording_that_cannot_be_saved() {
     Simulator simulator;
     QVERIFY(simulator.listen({}));
     QVERIFY(program_->startWindow());

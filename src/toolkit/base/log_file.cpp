@@ -14,8 +14,8 @@ namespace {
 constexpr qint64 maxFileBytes = 4 << 20;
 constexpr int maxTextLength = 16 << 10;
 
-/// The log file is never deleted. Both variables are set before the handler is installed, because other threads may
-/// already be logging.
+/// The LogFile object is never destroyed. Both variables are set before the handler is installed, because other threads
+/// may already be logging.
 std::atomic<LogFile *> installed{nullptr};
 std::atomic<QtMessageHandler> previousHandler{nullptr};
 
@@ -45,7 +45,7 @@ int threadNumber() {
 QString truncated(const QString &text) {
     if (text.size() <= maxTextLength)
         return text;
-    return text.left(maxTextLength) + QString(" ... (cut, %1 characters)").arg(text.size());
+    return text.left(maxTextLength) + QString(" ... (truncated from %1 characters)").arg(text.size());
 }
 
 QByteArray lineOf(const QByteArray &head, QString text) {

@@ -105,7 +105,7 @@ bool removeShortcut(const QString &path) {
 bool AutorunHelper::setAppInAutorunUsingExe(const QString &exeName, bool enable, bool allUsers) {
     const QString folder = startupFolder(allUsers);
     if (folder.isEmpty())
-        return fail("Cannot add to autostart", exeName, "there is no Startup folder");
+        return fail("Cannot change the autostart of", exeName, "there is no Startup folder");
     const QString program = QCoreApplication::applicationDirPath() + '/' + exeName;
     const QString path = folder + '/' + QFileInfo(exeName).completeBaseName() + ".lnk";
     return enable ? addShortcut(path, program) : removeShortcut(path);

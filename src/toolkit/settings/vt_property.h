@@ -52,7 +52,7 @@
 /// - ReadOnly "true": the editor shows the property read-only.
 /// - NotVisible "true": the editor does not show the property.
 /// - Category: the group of the property in the editor.
-/// - DisplayName: the name of the property, repeated for lupdate.
+/// - DisplayName: the source text of the label, usually the property's name. QT_TRANSLATE_NOOP is for lupdate.
 /// - Minimum, Maximum, Step: the range and step of a number. Values from a file or the editor are clamped to the range.
 /// - Suffix: the unit shown after a number.
 ///

@@ -25,8 +25,8 @@ public:
     /// not exist. The setters emit their signals, and nothing is written. Properties in the file that the class does
     /// not declare are written again by the next save.
     ///
-    /// If the file is damaged or cannot be read, sets the defaults, renames the file to "...damaged", logs one warning
-    /// and returns false.
+    /// If the file is damaged or cannot be read, sets the defaults, adds ".damaged" to the file's name, logs one
+    /// warning and returns false.
     bool reload();
 
     /// Writes the file. Required only without `saveOnChange`.

@@ -25,9 +25,9 @@ public:
     /// name_2.csv or the next free name. Otherwise it is replaced.
     bool save(const QString &path, bool keepExisting);
 
-    /// Replaces the headers and rows with those of the file. The cells of a column in `columnTypes_` have that type.
-    /// Other cells are integers if possible, and doubles otherwise. A cell that is not a number is a failure. The table
-    /// is empty after a failure.
+    /// Replaces the headers and rows with those of the file. A column of type LongLong or UInt in `columnTypes_`
+    /// gets qint64 cells, and one of another type gets doubles. Other cells are integers if possible, and doubles
+    /// otherwise. A cell that is not a number is a failure. The table is empty after a failure.
     bool load(const QString &path);
 
     /// Returns the path of the table's file, or an empty text if it has none.

@@ -12,9 +12,9 @@ class QToolButton;
 class QVBoxLayout;
 class VTSettings;
 
-/// Edits settings. Each visible property that is editable or read-only has a row with a label, an editor and a button
-/// that resets the value to its default. The rows are grouped by category. See vt_property.h for the class-info. GUI
-/// thread.
+/// Edits settings. Each visible property that is editable or read-only has a row with a label and an editor. Unless the
+/// property is read-only, a button resets the value to its default. The rows are grouped by category. See vt_property.h
+/// for the class-info. GUI thread.
 ///
 /// An edit changes the settings immediately, and the control shows all changes of the settings. The settings are not
 /// owned and must outlive the control.

@@ -6,8 +6,8 @@
 
 namespace asee {
 
-/// The waits of the calibration sequence, which the screen ends with finishPoint() or cancel(). Owned by both.
-/// Thread-safe.
+/// The waits of the calibration sequence, which the screen ends with finishPoint() or cancel(). The sequence and the
+/// screen share it. Thread-safe.
 class CalibrationGate {
 public:
     /// Clears the cancellation. Called before a calibration starts.
@@ -16,7 +16,8 @@ public:
     void cancel();
     [[nodiscard]] bool isCancelled() const;
 
-    /// Clears finishPoint(). Called before the device measures a point, because it may finish before waitForPoint().
+    /// Clears an earlier finishPoint(). Called before the device measures a point, because the device may finish before
+    /// waitForPoint() is called.
     void expectPoint();
     /// Ends waitForPoint(): the device has measured the point.
     void finishPoint();

@@ -166,7 +166,7 @@ void CalibrationWidget::endCalibration() {
     if (!workerThread_->wait(endTimeoutMs_))
         qCWarning(lcAsee,
                   "A call of the vendor's library blocks the calibration, which ends after its screen is closed");
-    // Otherwise the next calibration would also run a start that is still queued.
+    // Removes a start that is still queued, because the next calibration would also run it.
     QCoreApplication::removePostedEvents(worker_, QEvent::MetaCall);
 }
 
@@ -225,7 +225,7 @@ void CalibrationWidget::paintTarget(QPainter &painter, asee::FractionPoint posit
     drawDisc(painter, centre, layout::dotRadius);
 }
 
-/// In other states, it uses the brush of the previous shape: that is intended.
+/// A state that is neither green nor red keeps the brush of the previous shape: that is intended.
 void CalibrationWidget::paintGaze(QPainter &painter) const {
     if (gazeState_ == layout::greenState)
         painter.setBrush(QColor(layout::greenGazeColour));

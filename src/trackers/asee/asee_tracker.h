@@ -19,7 +19,7 @@ class aSeePro : public EyetrackerInterface {
     Q_OBJECT
 
 public:
-    /// Copies installed model files and coefficients that `dataFolder` lacks from the program's folder. Stops the
+    /// Copies the model files and coefficients from the program's folder, unless they exist in `dataFolder`. Stops the
     /// device, so that it is in a known state.
     aSeePro(const QString &dataFolder, QObject *parent);
     ~aSeePro() override;

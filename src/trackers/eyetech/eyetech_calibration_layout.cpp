@@ -8,7 +8,7 @@ namespace layout = eyetech::calibration_layout;
 
 namespace {
 
-constexpr float maxGoodScore = 10.0F;  // excluded
+constexpr float maxGoodScore = 10.0F;  // a good score is below this
 constexpr int cellCount = 5;           // columns and rows of the grid that places the buttons
 constexpr QPointF textOffset(10, 10);
 /// Larger than any window, but small enough for QPainter.

@@ -13,9 +13,10 @@ struct EyeTrackingSample;
 /// The calibration screen of an EyeTech tracker: a window over the calibrated area. It shows the targets, and then the
 /// scores of each eye at each target.
 ///
-/// Owned by the tracker, which outlives the screen and calls startCalibration(). That function processes events while
-/// it waits. Escape, the tracker's stopCalibrationRequest(), close() and the end of the program cancel the calibration,
-/// and the function returns soon afterwards. A closed screen ignores all signals and is not deleted. GUI thread.
+/// Owned by the tracker, which closes the screen in its destructor. The tracker calls startCalibration(), which
+/// processes events while it waits. Escape, the tracker's stopCalibrationRequest(), close() and the end of the program
+/// cancel the calibration, and the function returns soon afterwards. A closed screen ignores all signals and is not
+/// deleted. GUI thread.
 class EyetechCalibrationWidget : public QWidget {
     Q_OBJECT
 

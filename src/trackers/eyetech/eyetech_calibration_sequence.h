@@ -18,13 +18,13 @@ struct CalibrationTimings {
 
 /// Calibrates a device: shows one target after another, has the device measure each of them, and reads the scores.
 ///
-/// Owned by the calibration screen, which paints isBusy(), targetPosition() and targets(). GUI thread. run() processes
-/// events while it waits, so stop() and cancel() may be called during run(), which then returns soon.
+/// Owned by the calibration screen, which paints targetPosition() while isBusy(), and targets() afterwards. GUI thread.
+/// run() processes events while it waits, so stop() and cancel() may be called during run(), which then returns soon.
 class CalibrationSequence : public QObject {
     Q_OBJECT
 
 public:
-    /// The timings of all calibrations. A change takes effect with the next target.
+    /// The timings of all calibrations. A change takes effect at the next step.
     static CalibrationTimings timings;
 
     explicit CalibrationSequence(EyetechSettings::CalibrationType type) : type_(type) {}

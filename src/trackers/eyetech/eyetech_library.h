@@ -22,8 +22,8 @@ namespace eyetech {
 /// library or one of its entry points is missing, logs the reason and returns false; the library is not loaded then.
 /// Called on the GUI thread, while no other thread is in a function of the library.
 ///
-/// With a `path`, that file is loaded first. The system then finds it under the library's name, so it stays loaded
-/// until the program ends.
+/// With a `path`, that file is loaded first, and stays loaded until the program ends. The system then finds it under
+/// the library's name.
 [[nodiscard]] bool loadQuickLink2(const QString &path = QString());
 
 }  // namespace eyetech

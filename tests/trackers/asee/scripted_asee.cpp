@@ -13,17 +13,17 @@ ScriptedAsee &library() {
 
 // Return the text of an argument for the list of calls.
 
-std::string take(long number) {
+std::string textOf(long number) {
     return ' ' + std::to_string(number);
 }
-std::string take(const char *text) {
+std::string textOf(const char *text) {
     return std::string(" ") + text;
 }
-std::string take(const void *coefficients) {
-    return take(static_cast<const char *>(coefficients));
+std::string textOf(const void *coefficients) {
+    return textOf(static_cast<const char *>(coefficients));
 }
-std::string take(const float *xy) {
-    return take(std::lround(100 * xy[0])) + take(std::lround(100 * xy[1]));
+std::string textOf(const float *xy) {
+    return textOf(std::lround(100 * xy[0])) + textOf(std::lround(100 * xy[1]));
 }
 
 /// Runs the fake function `name`. The types of the arguments select the overload.
@@ -48,7 +48,7 @@ struct Call {
         library().pointContext = context;
         if (library().pointsFinish)
             finish(number, 0, context);
-        return library().note(name, take(number) + take(xy));
+        return library().note(name, textOf(number) + textOf(xy));
     }
 
     int operator()(void *coefficients) const {
@@ -66,7 +66,7 @@ struct Call {
 
     template <typename... Arguments>
     int operator()(Arguments... arguments) const {
-        return library().note(name, (std::string() + ... + take(arguments)));
+        return library().note(name, (std::string() + ... + textOf(arguments)));
     }
 };
 

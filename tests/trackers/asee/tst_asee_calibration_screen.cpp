@@ -55,7 +55,7 @@ void TestCalibrationScreen::intro_shows_nine_points_and_a_box_for_the_eyes() {
         QCOMPARE(picture.pixelColor(960 + inside, 600 + inside), box);
     for (const int outside : {-121, 120})
         QCOMPARE(picture.pixelColor(960 + outside, 600 + outside), background);
-    // The prompt is below the box, centred in the area from 240 pixels downwards.
+    // The prompt is below the box, centred between y = 240 and y = 1320.
     const QImage text = picture.copy(600, 770, 720, 20);
     QVERIFY(text != picture.copy(600, 740, 720, 20));
 }

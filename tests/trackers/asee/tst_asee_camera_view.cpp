@@ -59,7 +59,7 @@ void TestAseeProPreviewWidget::shows_each_image_centred_and_black_before_the_fir
     view->resize(400, 400);
     view->show();
     const auto colourAt = [&](int x, int y) { return view->grab().toImage().pixelColor(x, y); };
-    QCOMPARE(colourAt(399, 41), QColor(Qt::black));  // 400 x 320 of 100 x 80
+    QCOMPARE(colourAt(399, 41), QColor(Qt::black));  // 100 x 80 pixels, scaled to 400 x 320
     QCOMPARE(colourAt(200, 38), QColor(Qt::red));
 
     const QColor grey(0xAA, 0xAA, 0xAA);

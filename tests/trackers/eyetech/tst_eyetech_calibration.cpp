@@ -257,7 +257,7 @@ void TestEyetechCalibrationWidget::can_be_cancelled_at_any_time() {
     QCOMPARE(screen() != nullptr, restarts);
 }
 
-/// A call during a calibration replaces it, at the same depth of the call stack.
+/// calibrate() during a calibration replaces the running one, without nested calls.
 void TestEyetechCalibrationWidget::nested_calibrations_do_not_accumulate() {
     int depth = 0;
     int maxDepth = 0;

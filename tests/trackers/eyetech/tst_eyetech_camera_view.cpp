@@ -55,7 +55,7 @@ void TestEyetechCameraView::frame_fits_into_the_widget_data() {
     QTest::addColumn<QSize>("widget");
     QTest::addColumn<QRect>("image");
     QTest::newRow("wider") << QSize(1001, 270) << QRect(244, 0, 512, 270);
-    QTest::newRow("higher") << QSize(512, 401) << QRect(0, 65, 512, 270);
+    QTest::newRow("taller") << QSize(512, 401) << QRect(0, 65, 512, 270);
     QTest::newRow("truncated to pixels") << QSize(100, 100) << QRect(0, 24, 100, 52);
 }
 

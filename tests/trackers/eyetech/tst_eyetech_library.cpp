@@ -17,7 +17,7 @@ private Q_SLOTS:
     void calls_go_through_while_the_library_is_loaded();
     void chooses_a_device_data();
     void chooses_a_device();
-    void asks_once_at_the_end_of_input();
+    void does_not_repeat_a_question_after_the_end_of_input();
 
 private:
     /// Returns the result of selectDevice() with `input` on standard input. Its output is in `printed_`.
@@ -107,7 +107,9 @@ void TestEyetechLibrary::chooses_a_device() {
     QFETCH(const int, chosen);
     attach(result, devices);
     QList<int> given;
-    script_->QLSettings_Load = [&](const char *path, int *settings) { return given << qstrlen(path) << *settings, 0; };
+    script_->QLSettings_Load = [&](const char *path, int *settings) {
+        return given << int(qstrlen(path)) << *settings, 0;
+    };
     script_->QLDevice_ImportSettings = [&](int device, int settings) { return given << device << settings, 0; };
     script_->QLAPI_ImportSettings = [&](int settings) { return given << settings, 0; };
     QCOMPARE(select(input), chosen);
@@ -115,7 +117,7 @@ void TestEyetechLibrary::chooses_a_device() {
     QCOMPARE(given, chosen == 0 ? QList<int>() : (QList<int>{15, 42, chosen, 42, 42}));
 }
 
-void TestEyetechLibrary::asks_once_at_the_end_of_input() {
+void TestEyetechLibrary::does_not_repeat_a_question_after_the_end_of_input() {
     attach(0, {1, 2, 3});
     QCOMPARE(select(QByteArray()), 0);
     QCOMPARE(select("1"), 0);

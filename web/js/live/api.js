@@ -10,7 +10,7 @@ export function encodeParameter(text) {
     return encodeURIComponent(text).replace(/[!'()*]/g, c => `%${c.charCodeAt(0).toString(16).toUpperCase()}`);
 }
 
-/** The server refused the request with an HTTP status, for example "503 too many connections". */
+/** The error for a request that the server refused with an HTTP status, for example "503 too many connections". */
 export class Refusal extends Error {}
 
 /**

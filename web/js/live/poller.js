@@ -8,7 +8,7 @@ const maxIntervalMs = 1000;
 const firstRetryMs = 250;
 const maxRetryMs = 4000;
 
-/** Requests and their answers take at most this share of the time, unless that needs more than `maxIntervalMs`. */
+/** Requests and their answers take at most this share of the time, unless the interval would exceed `maxIntervalMs`. */
 const maxBusyShare = 0.3;
 
 /**

@@ -7,8 +7,8 @@ const maxDecimals = 22;
 
 /**
  * Returns the number in `bytes` from `from` to `to` (excluded): NaN for "nan" and "inf", undefined for other text. The
- * result for a number with a decimal point may differ from Number() in the 16th digit. This is much faster than converting the
- * millions of cells of a record file to strings.
+ * result for a number with a decimal point may differ from Number() in the 16th digit. This function is much faster
+ * than converting the millions of cells of a record file to strings.
  *
  * @param {Uint8Array} bytes
  * @param {number} from

@@ -55,7 +55,8 @@ function intervalsOf(time, from, to) {
 }
 
 /**
- * Returns the longest time from a valid sample to the next one, or to the last sample, with invalid samples in between.
+ * Returns the longest time without a valid sample, from the valid sample before it to the one after it. If there is no such
+ * sample, the time is counted from the first or to the last sample.
  *
  * @param {SampleColumns} columns
  * @param {number} from
