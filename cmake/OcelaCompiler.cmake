@@ -1,15 +1,19 @@
 # Warnings, sanitizers and Qt defines of every target in this project, and the compiler cache.
 
+# The cache works for all clones: it ignores their paths, and those are not in the debug information.
 find_program(CCACHE ccache)
 if(CCACHE)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+    CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE})
+  add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
 endif()
 
 set(OCELA_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undefined or thread")
 
 add_library(ocela_options INTERFACE)
 target_include_directories(ocela_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
-target_compile_options(ocela_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+target_compile_options(ocela_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+  -Wzero-as-null-pointer-constant -Werror)
 # Clang's -Wconversion includes sign conversions, and its -Wpedantic rejects Qt's logging macros with one argument.
 target_compile_options(ocela_options INTERFACE
   $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion -Wno-gnu-zero-variadic-macro-arguments>)

@@ -1,0 +1,1 @@
+// The target of the precompiled header needs a source.
