@@ -34,8 +34,10 @@ class Probe(threading.Thread):
         with self._round:  # waits until the last new connection is closed
             pass
         time.sleep(10 * INTERVAL)
-        yield
-        self._may_connect.set()
+        try:
+            yield
+        finally:
+            self._may_connect.set()
 
     def run(self):
         while not self._stopped.wait(INTERVAL):

@@ -30,7 +30,7 @@ private:
     [[nodiscard]] QString file(const QString &name) const { return folder_->filePath(name); }
 
     std::unique_ptr<Home> home_;
-    std::unique_ptr<QTemporaryDir> folder_;  ///< the working folder of the program
+    std::unique_ptr<QTemporaryDir> folder_;  ///< the working directory of the program
     std::unique_ptr<Program> program_;
     std::unique_ptr<Simulator> simulator_;
     HttpClient client_;

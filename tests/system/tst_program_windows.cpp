@@ -96,7 +96,7 @@ void TestProgramOnWindows::init() {
     QVERIFY(QDir().mkpath(localData_));
     program_ = std::make_unique<Child>();
     program_->setProgram(programFolder + "/Ocela.exe");
-    // The shortcuts set this working folder, too.
+    // The shortcuts set this working directory, too.
     program_->setWorkingDirectory(programFolder);
     program_->setVariable("OCELA_SIM_BLINK_INTERVAL", "0");
     simulator_ = std::make_unique<Child>();

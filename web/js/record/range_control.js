@@ -83,17 +83,18 @@ export function controlRange(canvas, drag, access, change) {
 /**
  * @param {HTMLCanvasElement} canvas
  * @param {PointerEvent} start
- * @param {Drag} drag
+ * @param {Drag} toRange
  * @param {Shown} shown
  * @param {(range: TimeRange) => void} change
  */
-function startDrag(canvas, start, drag, { range, wholeMs, chart }, change) {
+function startDrag(canvas, start, toRange, { range, wholeMs, chart }, change) {
     const move = (/** @type {PointerEvent} */ event) => {
         if (Math.abs(event.offsetX - start.offsetX) < minDragPx) return;
-        change(drag(range, chart.toTime(start.offsetX), chart.toTime(event.offsetX), wholeMs));
+        change(toRange(range, chart.toTime(start.offsetX), chart.toTime(event.offsetX), wholeMs));
     };
     canvas.setPointerCapture(start.pointerId);
-    canvas.addEventListener('pointermove', move);
+    const drag = new AbortController();
+    canvas.addEventListener('pointermove', move, { signal: drag.signal });
     for (const end of ['pointerup', 'pointercancel'])
-        canvas.addEventListener(end, () => canvas.removeEventListener('pointermove', move), { once: true });
+        canvas.addEventListener(end, () => drag.abort(), { signal: drag.signal });
 }
