@@ -24,8 +24,11 @@ void showText(QLabel *label, const QString &text) {
         return;
     const bool wasNormal = label->text().size() <= maxNormalLength;
     label->setText(text);
-    const QSize needed = wasNormal ? label->sizeHint().expandedTo(label->minimumSize()) : label->sizeHint();
-    if (needed != label->maximumSize())
+    if (!wasNormal)
+        label->setMinimumSize(0, 0);
+    // At least the minimum size, which is the previous size.
+    const QSize needed = label->sizeHint();
+    if (needed != label->minimumSize())
         label->setFixedSize(needed);
 }
 

@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QTest>
 #include <QTranslator>
+#include <limits>
 #include <thread>
 
 class TestEyetrackerSampleViewer : public QObject {
@@ -16,6 +17,7 @@ private Q_SLOTS:
     void shows_a_sample();
     void samples_of_the_old_tracker_are_not_shown();
     void keeps_its_layout_while_values_change();
+    void shrinks_again_after_a_wide_value();
     void shows_another_language_immediately();
 };
 
@@ -118,6 +120,23 @@ void TestEyetrackerSampleViewer::keeps_its_layout_while_values_change() {
     QTRY_COMPARE(valuesOf(viewer, 0)[4], QString("x:    9px"));
     QCoreApplication::processEvents();
     QCOMPARE(layouts.count, 0);
+}
+
+void TestEyetrackerSampleViewer::shrinks_again_after_a_wide_value() {
+    FakeTracker tracker;
+    EyetrackerSampleViewer viewer;
+    viewer.setEyetracker(&tracker);
+    QList<int> widths;
+    for (const qint32 xPixel : {1000, std::numeric_limits<qint32>::max(), 1000}) {
+        tracker.addSample(sampleAt(10, xPixel));
+        QCoreApplication::processEvents();
+        for (const QLabel *label : viewer.findChildren<QLabel *>()) {
+            if (label->text().endsWith("px") && label->text().startsWith("x:"))
+                widths << label->maximumWidth();
+        }
+    }
+    QVERIFY(widths[1] > widths[0]);
+    QVERIFY(widths[2] < widths[1]);
 }
 
 void TestEyetrackerSampleViewer::shows_another_language_immediately() {
