@@ -1,18 +1,24 @@
 #include "app/main_window.h"
 #include "support/file_content.h"
+#include "support/gazepoint_wire.h"
 #include "support/test_main.h"
 
 #include <QComboBox>
 #include <QDir>
 #include <QFileInfo>
 #include <QLabel>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QStandardPaths>
+#include <QSystemTrayIcon>
 #include <QTabWidget>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTest>
 #include <QTimer>
+#include <memory>
 
 namespace {
 
@@ -22,6 +28,16 @@ Settings &settingsOf(MainWindow &window) {
 
 QComboBox &trackersOf(MainWindow &window) {
     return *window.findChild<QComboBox *>("trackers");
+}
+
+/// Returns the texts and the tool tips of the visible widgets.
+QStringList shownOn(const QWidget &page) {
+    QStringList texts;
+    for (const QWidget *widget : page.findChildren<QWidget *>()) {
+        if (widget->isVisibleTo(&page))
+            texts << widget->property("text").toString() << widget->toolTip();
+    }
+    return texts;
 }
 
 void store(const QByteArray &tracker) {
@@ -42,6 +58,7 @@ private Q_SLOTS:
 
     void first_tracker_is_selected_and_stored_for_an_unknown_name();
     void missing_vendor_library_shows_an_error_and_keeps_the_selection();
+    void selected_tracker_is_shown_until_another_is_selected_or_the_window_is_closed();
     void changing_the_language_changes_all_texts_immediately();
     void enabling_autorun_adds_the_program_to_autostart();
 };
@@ -79,6 +96,45 @@ void TestMainWindow::missing_vendor_library_shows_an_error_and_keeps_the_selecti
     QVERIFY(readFile(Settings::defaultFilePath()).contains("aSee Pro"));
 }
 
+void TestMainWindow::selected_tracker_is_shown_until_another_is_selected_or_the_window_is_closed() {
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost, 4242));
+    MainWindow window;
+    const QWidget &page = *trackersOf(window).parentWidget();
+    std::unique_ptr<QTcpSocket> peer;
+    const auto connects = [&] {
+        trackersOf(window).setCurrentText("gazepoint");
+        const bool connected = server.waitForNewConnection(5000);
+        peer.reset(server.nextPendingConnection());
+        return connected && QTest::qWaitFor([&] { return shownOn(page).contains("Connected"); });
+    };
+    const auto isStopped = [&] { return peer->state() == QTcpSocket::UnconnectedState; };
+    QVERIFY(connects());
+    peer->write(wire::screenSize);
+    const auto showsGaze = [&] {
+        peer->write("<REC FPOGX=\"0.5\" />\r\n");
+        return shownOn(page).contains("x:  50.0%");
+    };
+    QVERIFY(QTest::qWaitFor(showsGaze));
+    for (QPushButton *button : page.findChildren<QPushButton *>()) {
+        if (button->text() == "Calibrate" || button->text() == "Start record")
+            button->click();
+    }
+    QVERIFY(shownOn(page).contains("Stop record"));
+    QByteArray received;
+    QTRY_VERIFY((received += peer->readAll()).endsWith(wire::calibrate));
+
+    trackersOf(window).setCurrentText("eyetech");
+    QTRY_VERIFY(isStopped());
+    QVERIFY(shownOn(page).contains("Disconnected") && shownOn(page).contains("Start record"));
+
+    QVERIFY(connects());
+    QTimer::singleShot(0, &window, &MainWindow::close);
+    QCOMPARE(QCoreApplication::exec(), 0);
+    QTRY_VERIFY(isStopped());
+    QVERIFY(window.isClosed());
+}
+
 void TestMainWindow::changing_the_language_changes_all_texts_immediately() {
     MainWindow window;
     auto *pages = qobject_cast<QTabWidget *>(window.centralWidget());
@@ -88,16 +144,24 @@ void TestMainWindow::changing_the_language_changes_all_texts_immediately() {
             all << button->text();
         for (const QLabel *label : window.findChildren<QLabel *>("eyeH1"))
             all << label->text();
+        for (const QAction *action : window.findChild<QSystemTrayIcon *>()->contextMenu()->actions())
+            all << action->text();
+        for (const QWidget *widget : pages->widget(0)->findChildren<QWidget *>())
+            all << widget->toolTip();
+        all.removeAll(QString());
         return all;
     };
     const QStringList english = texts();
     QCOMPARE(pages->tabText(0), QString("Main"));
 
     settingsOf(window).setLanguage("ru_RU");
+    QVERIFY(readFile(Settings::defaultFilePath()).contains("ru_RU"));
     QTRY_VERIFY(texts() != english);
     const QStringList russian = texts();
     for (int i = 0; i < english.size(); ++i)
         QVERIFY2(russian[i] != english[i], qPrintable(english[i]));
+
+    QCOMPARE(qobject_cast<QTabWidget *>(MainWindow().centralWidget())->tabText(0), russian.first());
 
     settingsOf(window).setLanguage("en_US");
     QTRY_COMPARE(texts(), english);
