@@ -24,9 +24,10 @@ void TestGlobalKeyboard::reports_a_press_once_for_several_receivers() {
     QTest::keyClick(inner, Qt::Key_F10);
     QKeyEvent held(QEvent::KeyPress, Qt::Key_F8, Qt::NoModifier, QString(), true);
     QCoreApplication::sendEvent(inner, &held);
-    QTest::keyClick(&window, Qt::Key_Escape);
+    for (int i = 0; i < 2; ++i)
+        QTest::keyClick(&window, Qt::Key_Escape);
     QTest::keyClick(window.windowHandle(), Qt::Key_F9);  // like a key event of the platform
-    QTRY_COMPARE(keys.size(), 3);
+    QTRY_COMPARE(keys.size(), 4);
     QCOMPARE(keys[1].at(0).value<Qt::Key>(), Qt::Key_Escape);
 }
 

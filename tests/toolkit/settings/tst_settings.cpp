@@ -84,10 +84,11 @@ void TestSettings::keeps_unknown_properties() {
         "<property name=\"TimeMs\">1500</property></settings>");
     SampleSettings settings(path());
     QVERIFY(settings.reload());
+    QVERIFY(settings.reload());
     settings.setTimeMs(1600);
 
     const QByteArray contents = readFile(path());
-    QVERIFY(contents.contains("<property name=\"FutureProperty\">a &amp; b</property>"));
+    QCOMPARE(contents.count("<property name=\"FutureProperty\">a &amp; b</property>"), 1);
     QVERIFY(contents.contains("<property name=\"TimeMs\">1600</property>"));
 }
 

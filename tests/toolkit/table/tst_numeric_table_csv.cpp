@@ -18,6 +18,7 @@ public:
         for (const auto &row : rows)
             rows_.append(row);
     }
+    void append(int cell) { rows_.append({cell}); }
 };
 
 }  // namespace
@@ -29,6 +30,7 @@ private Q_SLOTS:
     void init() { folder_ = std::make_unique<QTemporaryDir>(); }
 
     void writes_the_same_bytes_in_every_locale();
+    void writes_each_row_of_a_large_table_once();
     void renames_an_existing_file();
     void failed_save_changes_no_file();
     void loads_a_saved_table();
@@ -51,6 +53,17 @@ void TestNumericTableCSV::writes_the_same_bytes_in_every_locale() {
     QCOMPARE(
         readFile(path("t.csv")),
         QByteArray("\"a,b\",\"say \"\"x\"\"\",Взгляд\r\n1,12.5,-0.25\r\n1700000000123,12.300000190734863,1e-09\r\n"));
+}
+
+void TestNumericTableCSV::writes_each_row_of_a_large_table_once() {
+    Table table({"A"}, {});
+    QByteArray expected("A\r\n");
+    for (int row = 0; row < 100000; ++row) {
+        table.append(row);
+        expected += QByteArray::number(row) + "\r\n";
+    }
+    QVERIFY(table.save(path("t.csv"), false));
+    QVERIFY(readFile(path("t.csv")) == expected);
 }
 
 void TestNumericTableCSV::renames_an_existing_file() {
