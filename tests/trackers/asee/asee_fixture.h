@@ -1,8 +1,8 @@
 #pragma once
 
 #include "scripted_asee.h"
+#include "support/file_content.h"
 
-#include <QFile>
 #include <QStringList>
 #include <array>
 #include <cstring>
@@ -36,15 +36,4 @@ inline QStringList takeCalls() {
     for (const std::string &call : library().takeCalls())
         calls << QString::fromStdString(call);
     return calls;
-}
-
-inline QByteArray contentOf(const QString &path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-inline void write(const QString &path, const QByteArray &content) {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("cannot write %s", qPrintable(path));
 }

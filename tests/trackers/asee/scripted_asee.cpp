@@ -60,7 +60,8 @@ struct Call {
     }
 
     int operator()(float *left, float *right) const {
-        *left = *right = 0.5F;
+        *left = 0.25F;
+        *right = 0.75F;
         return library().note(name, {});
     }
 

@@ -1,4 +1,5 @@
 #include "asee_fixture.h"
+#include "support/redirected.h"
 #include "support/test_main.h"
 #include "trackers/asee/asee_calibration_screen.h"
 #include "trackers/asee/asee_tracker.h"
@@ -35,7 +36,7 @@ private:
     void open(asee::CalibrationPace pace);
     void press(Qt::Key key) { QTest::keyClick(widget_.get(), key); }
     [[nodiscard]] QStringList callsOfACalibration();
-    [[nodiscard]] QByteArray coefficients() const { return contentOf(folder_->filePath("coefficient.dat")); }
+    [[nodiscard]] QByteArray coefficients() const { return readFile(folder_->filePath("coefficient.dat")); }
 
     std::unique_ptr<QTemporaryDir> folder_;
     std::unique_ptr<CalibrationWidget> widget_;
@@ -93,8 +94,14 @@ QStringList TestCalibrationWidget::callsOfACalibration() {
 
 void TestCalibrationWidget::visits_nine_points_centre_first_and_saves() {
     const QSignalSpy moves(widget_.get(), &CalibrationWidget::signal_calib_move_point);
+    QFile output(folder_->filePath("output"));
+    QVERIFY(output.open(QIODevice::WriteOnly));
     press(Qt::Key_A);
-    QCOMPARE(callsOfACalibration(), measuring + QStringList("start_tracking measured"));
+    {
+        const Redirected printed(STDOUT_FILENO, output.handle());
+        QCOMPARE(callsOfACalibration(), measuring + QStringList("start_tracking measured"));
+    }
+    QVERIFY(readFile(output.fileName()).contains("\n0.25 0.75\n"));  // the scores of the left and the right eye
     QCOMPARE(coefficients(), QByteArray("measured").leftJustified(1024, '\0'));
     QTRY_COMPARE_WITH_TIMEOUT(moves.count(), 9 * 29, maxWaitMs);
     QCOMPARE(moves.first().first().toFloat(), 0.01F);

@@ -48,7 +48,7 @@ void send(int width, int height, int shade) {
 
 void TestAseeProPreviewWidget::init() {
     library().reset();
-    write(folder_.filePath("coefficient.dat"), "coefficients");
+    writeFile(folder_.filePath("coefficient.dat"), "coefficients");
     tracker_ = std::make_unique<aSeePro>(folder_.path(), nullptr);
     QVERIFY(tracker_->start());
 }

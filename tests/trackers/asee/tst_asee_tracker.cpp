@@ -41,7 +41,7 @@ private:
 void TestAseePro::init() {
     library().reset();
     folder_ = std::make_unique<QTemporaryDir>();
-    write(path("coefficient.dat"), "coefficients");
+    writeFile(path("coefficient.dat"), "coefficients");
     create();
     QCOMPARE(takeCalls(), QStringList("stop"));
 }
@@ -86,15 +86,15 @@ void TestAseePro::failed_start() {
     QTEST(box, "box");
 
     library().results.clear();
-    write(path("coefficient.dat"), "coefficients");
+    writeFile(path("coefficient.dat"), "coefficients");
     QVERIFY(tracker_->start());
     QVERIFY(tracker_->isConnected());
 }
 
 void TestAseePro::stop_clears_the_folder_of_unpacked_files() {
     QVERIFY(QDir(folder_->path()).mkpath("config/armeabi/deeper"));
-    write(path("config/armeabi/deeper/model"), "unpacked");
-    write(path("config/kept"), "model");
+    writeFile(path("config/armeabi/deeper/model"), "unpacked");
+    writeFile(path("config/kept"), "model");
     tracker_->stop();
     QVERIFY(QDir(path("config/armeabi")).isEmpty());
     QVERIFY(QFile::exists(path("config/kept")));
@@ -105,16 +105,16 @@ void TestAseePro::delivered_files_are_copied_but_not_overwritten() {
     QVERIFY(program.mkpath("config"));
     const QStringList names{"config/detectEye.mnn", "config/pupildet_radius.mnn", "coefficient.dat"};
     for (const QString &name : names)
-        write(program.filePath(name), "delivered");
+        writeFile(program.filePath(name), "delivered");
     QFile::setPermissions(program.filePath(names.last()), QFileDevice::ReadOwner);
-    write(path("config/detectEye.mnn"), "the user's own");
+    writeFile(path("config/detectEye.mnn"), "the user's own");
     QVERIFY(QFile::remove(path("coefficient.dat")));
 
     create();
     for (const QString &name : names)
         QFile::remove(program.filePath(name));
-    QCOMPARE(contentOf(path("config/detectEye.mnn")), QByteArray("the user's own"));
-    QCOMPARE(contentOf(path("config/pupildet_radius.mnn")), QByteArray("delivered"));
+    QCOMPARE(readFile(path("config/detectEye.mnn")), QByteArray("the user's own"));
+    QCOMPARE(readFile(path("config/pupildet_radius.mnn")), QByteArray("delivered"));
     QVERIFY(QFileInfo(path("coefficient.dat")).isWritable());
     QVERIFY(!QFile::exists(path("config/pupildet.mnn")));
 }

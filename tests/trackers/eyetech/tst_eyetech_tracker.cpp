@@ -5,6 +5,7 @@
 #include "trackers/eyetech/script.h"
 
 #include <QElapsedTimer>
+#include <QRegularExpression>
 #include <QSemaphore>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -24,6 +25,7 @@ private Q_SLOTS:
     void status_controls_connection_and_frames();
     void waits_for_a_device();
     void frame_becomes_a_sample();
+    void invalid_images_are_reported_again_after_a_valid_one();
     void fetches_one_frame_at_a_time_and_does_not_wait_at_destruction();
     void keeps_its_settings();
 
@@ -125,6 +127,21 @@ void TestEyetechGrabber::frame_becomes_a_sample() {
     QCOMPARE((QList<int>{s.x_px, s.y_px, s.l_x_px, s.l_y_px, s.r_x_px, s.r_y_px}),
              (QList<int>{115, 250, 45, 110, 95, 210}));
     QCOMPARE(tracker_->getLastFrame().focus(), 13.5F);
+    tracker_.reset();
+    freshScript();
+}
+
+void TestEyetechGrabber::invalid_images_are_reported_again_after_a_valid_one() {
+    const unsigned char pixel = 0;
+    int number = 0;
+    script_->QLDevice_GetFrame = [&](int, int, quicklink2::QLFrameRecord *frame) {
+        return putImage(*frame, &pixel, ++number == 3 ? 1 : -1, 1), 0;
+    };
+    for (int i = 0; i < 2; ++i)
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("images of an invalid size"));
+    open();
+    const QSignalSpy samples(tracker_.get(), &EyetrackerInterface::newSample);
+    QTRY_VERIFY(samples.count() > 5);
     tracker_.reset();
     freshScript();
 }

@@ -74,6 +74,7 @@ void TestGazepointRecordReader::reads_one_attribute_data() {
     row("two equals signs are skipped", "FPOGX=\"=0.5\"", "x", 0);
     row("keys are case-sensitive", "fpogx=\"0.5\"", "x", 0);
     row("plus sign", "LPMM=\"+1.5\"", "l_pupil_mm", 1.5);
+    row("two signs", "LPMM=\"+-1.5\"", "l_pupil_mm", 0);
     row("no leading digit", "LPMM=\".5\"", "l_pupil_mm", 0.5);
     row("exponent", "LPMM=\"-25e-1\"", "l_pupil_mm", -2.5);
     row("decimal comma", "LPMM=\"1,5\"", "l_pupil_mm", 0);

@@ -8,6 +8,8 @@
 #include <QTcpSocket>
 #include <QTest>
 
+constexpr qint64 halfSendTimeoutMs = 15000;
+
 /// Tests the back-end with a server on a loopback socket.
 class TestGazePoint : public QObject {
     Q_OBJECT
@@ -18,6 +20,7 @@ private Q_SLOTS:
 
     void record_before_the_switches_does_not_block();
     void asks_for_the_screen_size_until_it_is_known();
+    void asks_for_no_screen_size_while_the_server_does_not_read();
     void split_record_yields_the_fields_of_its_first_part();
     void stop_disables_the_data_and_disconnects();
     void calibrate_starts_the_calibration_of_the_server();
@@ -76,7 +79,6 @@ QByteArray TestGazePoint::received(int bytes) {
 }
 
 void TestGazePoint::record_before_the_switches_does_not_block() {
-    constexpr qint64 halfSendTimeoutMs = 15000;
     QVERIFY(tracker_->start());
     QVERIFY(server_->waitForNewConnection(5000));
     peer_ = server_->nextPendingConnection();
@@ -108,6 +110,23 @@ void TestGazePoint::asks_for_the_screen_size_until_it_is_known() {
     QVERIFY(tracker_->getLastSample().valid);
     const qint64 age = QDateTime::currentMSecsSinceEpoch() - tracker_->getLastSample().timestamp;
     QVERIFY(age >= 0 && age < 60000);
+
+    // The next server may track another screen.
+    tracker_->stop();
+    connectServer();
+    sendScreenSize();
+}
+
+void TestGazePoint::asks_for_no_screen_size_while_the_server_does_not_read() {
+    connectServer();
+    peer_->setReadBufferSize(1);
+    auto &socket = *tracker_->findChild<QTcpSocket *>();
+    socket.write(QByteArray(32 << 20, ' '));
+    QElapsedTimer timer;
+    timer.start();
+    serve("<REC FPOGX=\"0.5\" />\r\n");
+    QVERIFY(timer.elapsed() < halfSendTimeoutMs);
+    QVERIFY(socket.bytesToWrite() > 0);
 }
 
 void TestGazePoint::split_record_yields_the_fields_of_its_first_part() {
