@@ -5,6 +5,8 @@
 #include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTest>
+#include <array>
+#include <atomic>
 #include <thread>
 #include <vector>
 
@@ -57,25 +59,34 @@ void TestHttpSessions::threadsShareAStore() {
     // Every session logs its deletion, and Qt Test ignores all messages after the first 2000.
     QLoggingCategory::setFilterRules("ocela.http.debug=false");
     const auto restore = qScopeGuard([] { QLoggingCategory::setFilterRules({}); });
-    const int count = 5000;
+    constexpr int count = 5000;
     HttpSessionStore store(1000000);
     HttpSession shared = store.createSession();
-    const auto work = [&store, id = shared.getId()](int thread) {
+    constexpr int threadCount = 4;
+    std::array<std::atomic<int>, threadCount> valueCounts{};
+    const auto keyOf = [](int thread, int i) { return QByteArray::number(thread * count + i); };
+    const auto work = [&, id = shared.getId()](int thread) {
         for (int i = 0; i < count; ++i) {
-            store.getSession(id).setValue(QByteArray::number(thread * count + i), i);
+            store.getSession(id).setValue(keyOf(thread, i), i);
+            valueCounts[thread] = i + 1;
             if (store.getSession(store.createSession().getId()).isNull())
                 qFatal("a session was lost");
         }
     };
-    constexpr int threadCount = 4;
     std::vector<std::thread> threads;
-    threads.reserve(threadCount);
     for (int thread = 0; thread < threadCount; ++thread)
         threads.emplace_back(work, thread);
+    // The newest values are next to the ones that are being stored.
+    int lostCount = 0;
+    for (int thread = 0; valueCounts[thread] < count; thread = (thread + 1) % threadCount) {
+        const int newest = valueCounts[thread] - 1;
+        lostCount += newest >= 0 && shared.value(keyOf(thread, newest)) != newest ? 1 : 0;
+    }
     for (std::thread &thread : threads)
         thread.join();
+    QCOMPARE(lostCount, 0);
     for (int i = 0; i < threadCount * count; ++i)
-        QCOMPARE(shared.value(QByteArray::number(i)), QVariant(i % count));
+        QCOMPARE(shared.value(keyOf(0, i)), QVariant(i % count));
 }
 
 OCELA_TEST(TestHttpSessions)
