@@ -26,7 +26,6 @@ private Q_SLOTS:
     void start_after_the_given_time();
     void splitting_and_joining_keep_all_records();
     void odd_values_take_turns();
-    void the_endless_line_has_ten_megabytes();
 };
 
 void TestGazepointFaults::replace_a_record() {
@@ -71,15 +70,6 @@ void TestGazepointFaults::odd_values_take_turns() {
     }
     for (const char *value : {"\"NaN\"", "\"-inf\"", "\"1e999\"", "\"\"", "\"1,5\"", "XYZZY"})
         QVERIFY2(all.contains(value), value);
-}
-
-void TestGazepointFaults::the_endless_line_has_ten_megabytes() {
-    FaultInjector injector({{Fault::Endless}, 0}, 1);
-    QByteArray sent;
-    for (int i = 0; i < 100; ++i)
-        sent += bytesOf(injector.deliver(line, 0)).join();
-    QCOMPARE(sent.size(), 10'000'000);
-    QVERIFY(sent.startsWith("<REC ") && !sent.contains('\n'));
 }
 
 OCELA_TEST(TestGazepointFaults)

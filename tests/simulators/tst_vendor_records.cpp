@@ -1,15 +1,23 @@
 #include "asee/calibration.h"
 #include "asee/gaze_record.h"
+#include "asee/tracker.h"
+#include "device/camera.h"
+#include "device/ticker.h"
 #include "eyetech/calibration.h"
 #include "eyetech/frame_record.h"
 #include "eyetech/results.h"
 #include "simulators/distinct_eyes.h"
+#include "simulators/fault_rows.h"
 #include "support/test_main.h"
 
+#include <QTemporaryDir>
 #include <QTest>
+#include <algorithm>
+#include <array>
 #include <chrono>
 #include <cmath>
 #include <cstring>
+#include <future>
 #include <thread>
 
 using namespace sim;
@@ -38,7 +46,7 @@ QString pointsAt(const unsigned char *record, std::initializer_list<std::size_t>
 
 }  // namespace
 
-/// The records that the simulated vendor libraries create from the state of the person.
+/// The records, images and scores that the simulated vendor libraries create from the state of the person.
 class TestVendorRecords : public QObject {
     Q_OBJECT
 
@@ -47,8 +55,11 @@ private Q_SLOTS:
     void asee_reports_the_states_of_the_eyes();
     void asee_distinguishes_fixations_from_saccades();
     void asee_scores_each_eye();
+    void asee_reports_the_scores_of_its_coefficients();
     void eyetech_has_each_value_in_its_field();
     void eyetech_scores_each_eye();
+    void closed_eye_has_lashes_and_no_iris();
+    void ticker_calls_at_its_rate();
 };
 
 void TestVendorRecords::asee_has_each_value_in_its_field() {
@@ -106,6 +117,25 @@ void TestVendorRecords::asee_scores_each_eye() {
     QCOMPARE(calibration.score().right, 7.5F);
 }
 
+void TestVendorRecords::asee_reports_the_scores_of_its_coefficients() {
+    const ScopedVariables options("OCELA_SIM_ASEE_FAULT=instant-point OCELA_SIM_BLINK_INTERVAL=0");
+    const QTemporaryDir folder;
+    auto &tracker = asee_pro::Tracker::instance();
+    const float place[] = {0.5F, 0.5F};
+    QCOMPARE(tracker._7i_device_connect() + tracker._7i_start(qPrintable(folder.path())), 0);
+    QCOMPARE(tracker._7i_start_calibration(1), 0);
+    QCOMPARE(tracker._7i_start_calibration_point(1, place, nullptr, nullptr, nullptr, nullptr), 0);
+    std::array<unsigned char, asee_sdk::coefficientBytes> coefficients{};
+    QCOMPARE(tracker._7i_compute_calibration(coefficients.data()), 0);
+    QCOMPARE(tracker._7i_stop(), 0);
+
+    std::array<float, 2> scores{};
+    QCOMPARE(tracker._7i_get_calibration_score(&scores[0], &scores[1]), 0);
+    QVERIFY(scores[0] != scores[1]);
+    const auto *bytes = reinterpret_cast<const unsigned char *>(scores.data());
+    QVERIFY(std::search(coefficients.begin(), coefficients.end(), bytes, bytes + sizeof scores) != coefficients.end());
+}
+
 void TestVendorRecords::eyetech_has_each_value_in_its_field() {
     const unsigned char pixel = 0;
     const quicklink2::QLFrameRecord frame = eyetech::makeFrameRecord(distinctEyes(), {&pixel, 7, -8}, {1000, 500});
@@ -138,12 +168,57 @@ void TestVendorRecords::eyetech_scores_each_eye() {
             std::this_thread::yield();
         }
     }
-    for (const int eye : {0, 1}) {
-        const quicklink2::QLScore score = calibration.score(1, eye).value;
-        const float side = eye == 0 ? 1 : -2;
-        QVERIFY(std::abs(score.x - 3 * side) < 0.05F && std::abs(score.y - 4 * side) < 0.05F);
-        QVERIFY(std::abs(score.score - 5 * std::abs(side)) < 0.05F);
+    const QTemporaryDir folder;
+    eyetech::Calibration loaded;
+    QVERIFY(calibration.save(folder.filePath("saved")) && loaded.load(folder.filePath("saved")));
+    for (eyetech::Calibration *scored : {&calibration, &loaded}) {
+        for (const int eye : {0, 1}) {
+            const quicklink2::QLScore score = scored->score(1, eye).value;
+            const float side = eye == 0 ? 1 : -2;
+            QVERIFY(std::abs(score.x - 3 * side) < 0.05F && std::abs(score.y - 4 * side) < 0.05F);
+            QVERIFY(std::abs(score.score - 5 * std::abs(side)) < 0.05F);
+        }
     }
+}
+
+void TestVendorRecords::closed_eye_has_lashes_and_no_iris() {
+    constexpr int width = 400, height = 200;
+    const Camera camera(width, height, {});
+    EyeState eyes = distinctEyes();
+    const auto paint = [&] {
+        std::vector<unsigned char> pixels(camera.sizeBytes());
+        camera.paint(eyes, pixels.data());
+        return pixels;
+    };
+    const std::size_t left = 80 * width + 120, right = 160 * width + 280;
+    const auto open = paint();
+    eyes.left.visible = false;
+    const auto closed = paint();
+    eyes.left.pupilCentre = {0.1, 0.1};
+    const auto elsewhere = paint();
+    QVERIFY(open[left] < 30 && open[right] < 30 && closed[right] < 30);
+    QCOMPARE(closed[left], elsewhere[left]);  // the skin
+    QVERIFY(closed != elsewhere);
+}
+
+/// A call is never early. A busy machine may delay calls, so the test repeats until an attempt has the full rate.
+void TestVendorRecords::ticker_calls_at_its_rate() {
+    constexpr double rateHz = 150;
+    constexpr int intervalCount = 45;
+    constexpr double nominal_s = intervalCount / rateHz;
+    double taken_s = 2 * nominal_s;
+    for (int attempt = 0; attempt < 20 && taken_s > 1.1 * nominal_s; ++attempt) {
+        std::promise<double> taken;
+        const auto start = std::chrono::steady_clock::now();
+        const Ticker ticker(rateHz, [&, left = intervalCount]() mutable {
+            if (left-- > 0)
+                return true;
+            taken.set_value(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+            return false;
+        });
+        taken_s = taken.get_future().get();
+    }
+    QVERIFY2(taken_s >= nominal_s && taken_s <= 1.1 * nominal_s, qPrintable(QString::number(taken_s)));
 }
 
 OCELA_TEST(TestVendorRecords)
