@@ -2,7 +2,7 @@ import assert from 'node:assert/strict';
 import { describe, test } from 'node:test';
 import { drawGaze } from '../../web/js/live/gaze_view.js';
 import { overlap } from '../../web/js/live/overlap.js';
-import { pauseMs } from '../../web/js/live/poller.js';
+import { Poller, pauseMs } from '../../web/js/live/poller.js';
 import { SampleStream } from '../../web/js/live/sample_stream.js';
 import { screenIn } from '../../web/js/shared/screen.js';
 import { columnsOf, listOf } from './support/columns.js';
@@ -172,6 +172,51 @@ describe('gaze view', () => {
         const context = draw([0, 10, 20], rowOf, 20.5);
         assert.deepEqual(context.circles, [[toX(32), toY(35)], [toX(42), toY(45)], [toX(22), toY(25)]]);
         assert.deepEqual(context.lines.right[0], [toX(40), toY(45), toX(41), toY(45)]);
+    });
+});
+
+describe('poller', () => {
+    /**
+     * Polls with the answers of a fake service, which refuses further requests. Returns the reports of the poller.
+     * `beforeTick` is called five times, with a function that hides or shows the page.
+     */
+    async function poll(t, answers, beforeTick = () => {}) {
+        const reports = [];
+        let [nowMs, timers, changed] = [0, [], undefined];
+        t.mock.method(globalThis, 'setTimeout', (run, ms) => timers[timers.push({ run, dueMs: nowMs + ms }) - 1]);
+        t.mock.method(globalThis, 'clearTimeout', timer => { timers = timers.filter(other => other !== timer); });
+        globalThis.document = { hidden: false, addEventListener: (_, listener) => { changed = listener; } };
+        t.mock.method(globalThis, 'fetch', async () => ({ ok: answers.length > 0, json: async () => answers.shift() }));
+        new Poller(answer => reports.push(answer) > 0);
+        for (let i = 0; i < 5; ++i) {
+            beforeTick(i, hidden => { globalThis.document.hidden = hidden; changed(); });
+            nowMs += 200;
+            const due = timers.filter(({ dueMs }) => dueMs <= nowMs);
+            timers = timers.filter(timer => !due.includes(timer));
+            for (const { run } of due) run();
+            await new Promise(setImmediate);
+        }
+        return reports;
+    }
+
+    const samples = [clocked(0)];
+    for (const [name, answers, expected] of [
+        ['the samples', [{ result: true, samples, sampleCount: 1 }], { result: true, samples }],
+        ['no samples without a tracker', [{ result: false }], { result: false, samples: [] }],
+        ['no samples without an array', [{ result: 'true', samples: { length: 1 } }], { result: false, samples: [] }],
+        ['an invalid answer', [null], null],
+        ['a refused request', [], null],
+    ])
+        test(`reports ${name}`, async t => assert.deepEqual((await poll(t, answers))[0], expected));
+
+    test('waits longer after each failure', async t => assert.equal((await poll(t, [])).length, 2));
+
+    test('sends one request at a time, and none while the page is hidden', async t => {
+        const answers = listOf(20, i => ({ result: true, samples: [clocked(i)] }));
+        const reports = await poll(t, answers, (i, hide) => {
+            for (const hidden of i === 2 ? [true] : [true, false, true, false]) hide(hidden);
+        });
+        assert.deepEqual(reports.map(report => report.samples[0]), listOf(4, clocked));
     });
 });
 

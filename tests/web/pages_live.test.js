@@ -80,7 +80,6 @@ describe('the live page', () => {
     });
 
     for (const [name, answer, state] of [
-        ['an unexpected value', [], 'noTracker'],
         ['extreme values', extreme, 'live'],
     ])
         test(`shows the state for ${name}`, async () => {
@@ -133,22 +132,6 @@ describe('the live page', () => {
         assert.equal(await page.text('#jitter'), '–');
     });
 
-    test('sends no requests while it is hidden', async () => {
-        service.answers = { '/lastsamples': running(i => 10 * i) };
-        const page = await browser.open(service.address);
-        await page.until(stateIs('live'));
-        const hide = hidden => page.evaluate(`
-            Object.defineProperty(document, 'hidden', { value: ${hidden}, configurable: true });
-            document.dispatchEvent(new Event('visibilitychange'))`);
-        await hide(true);
-        await page.evaluate('new Promise(done => setTimeout(done, 500))');
-        const count = service.requests.length;
-        await page.evaluate('new Promise(done => setTimeout(done, 1500))');
-        assert.equal(service.requests.length, count);
-        await hide(false);
-        await waitFor(() => service.requests.length > count + 2, 'new requests');
-    });
-
     test('shows errors as plain text', async () => {
         const error = '<img src=x onerror="document.title = 1">';
         const no = { result: false };
@@ -169,15 +152,6 @@ describe('the live page', () => {
         service.answers = {};
         await page.click('#stop-calibration');
         await page.until(`${lastRequest}.includes('Refused: 404')`);
-    });
-
-    test('waits longer after each failed request', async () => {
-        service.answers = { '/lastsamples': null };
-        await browser.open(service.address);
-        const count = service.requests.length;
-        await waitFor(() => service.requests.length >= count + 4, 'four requests');
-        const times = service.requests.map(({ timeMs }) => timeMs);
-        assert.ok(times[count + 3] - times[count + 2] >= 900);
     });
 });
 

@@ -35,7 +35,7 @@ export class FakeService {
     async #answer(path, response) {
         const key = Object.keys(this.answers).find(start => path.startsWith(start));
         if (!key) return this.#sendFile(path === '/' ? 'index.html' : path.slice(1), response);
-        this.requests.push({ path, timeMs: performance.now() });
+        this.requests.push({ path });
         const answer = this.answers[key];
         if (answer === null) return response.writeHead(503).end();
         response.setHeader('Content-Type', 'text/json; charset=UTF-8');
