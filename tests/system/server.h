@@ -34,7 +34,6 @@ public:
     ScriptedServer();
 
     [[nodiscard]] bool listen() { return server_.listen(QHostAddress::LocalHost, gazepointPort); }
-    [[nodiscard]] bool isConnected() const { return client_ && client_->state() == QAbstractSocket::ConnectedState; }
     /// Returns all bytes received so far.
     [[nodiscard]] QByteArray received();
     void send(const QByteArray &line);

@@ -6,7 +6,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QRegularExpression>
 #include <QTest>
 
 namespace {
@@ -34,9 +33,7 @@ private Q_SLOTS:
     void cleanup();
 
     void calibrates_nine_points_and_records_the_gaze();
-    void reports_a_connection_error_before_the_window_opens();
     void ends_while_the_library_still_calls_back();
-    void closes_during_a_calibration();
 
 private:
     void giveCoefficients();
@@ -152,19 +149,6 @@ void TestAseeProSession::calibrates_nine_points_and_records_the_gaze() {
     QVERIFY(home_->readSettings().contains("aSee Pro"));
 }
 
-void TestAseeProSession::reports_a_connection_error_before_the_window_opens() {
-    giveCoefficients();
-    program_->setVariable("OCELA_SIM_ASEE_CONNECT_ERROR", "7");
-    program_->start();
-    QVERIFY(!desktop::waitFor("code: 7").isEmpty());
-    desktop::save(desktop::screenshot(), "asee-connect-error");
-    desktop::press("Return", program_->window("^others error!!!$"));
-    QTRY_VERIFY_WITH_TIMEOUT(!program_->window().isEmpty(), timeoutMs);
-    QTRY_VERIFY_WITH_TIMEOUT(desktop::showsIndicator(desktop::disconnectedColour), timeoutMs);
-    QCOMPARE(program_->close(), 0);
-    QCOMPARE(program_->problems(), QStringList());
-}
-
 void TestAseeProSession::ends_while_the_library_still_calls_back() {
     giveCoefficients();
     program_->setVariable("OCELA_SIM_ASEE_LATE_CALLBACKS_MS", "60000");
@@ -173,16 +157,6 @@ void TestAseeProSession::ends_while_the_library_still_calls_back() {
     QVERIFY(waitForNewPictures());
     QCOMPARE(program_->close(), 0);
     QCOMPARE(program_->problems(), QStringList());
-}
-
-void TestAseeProSession::closes_during_a_calibration() {
-    program_->setVariable("OCELA_SIM_ASEE_FAULT", "endless-point");
-    QVERIFY(program_->startWindow());
-    startCalibration();
-    QCOMPARE(program_->close(), 0);
-    QCOMPARE(program_->problems(), QStringList());
-    QVERIFY(program_->process().log().contains("_7i_cancel_calibration"));
-    QVERIFY(!QFile::exists(coefficientFile()));
 }
 
 OCELA_TEST(TestAseeProSession)

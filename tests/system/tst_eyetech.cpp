@@ -35,9 +35,7 @@ private Q_SLOTS:
 
     void first_start_shows_calibrates_and_records();
     void recording_continues_when_the_device_is_plugged_in_again();
-    void asks_at_the_console_which_device_to_use();
     void closes_while_the_device_blocks();
-    void closes_during_a_calibration();
     void runs_without_standard_streams();
 
 private:
@@ -157,17 +155,6 @@ void TestEyetechSession::recording_continues_when_the_device_is_plugged_in_again
     QCOMPARE(program_->problems(), QStringList());
 }
 
-void TestEyetechSession::asks_at_the_console_which_device_to_use() {
-    program_->setVariable("OCELA_SIM_EYETECH_DEVICES", "2");
-    program_->start();
-    program_->process().write("1");
-    program_->process().closeWriteChannel();
-    QTRY_VERIFY_WITH_TIMEOUT(desktop::showsIndicator(desktop::connectedColour), timeoutMs);
-    QVERIFY(program_->process().waitForLog("Which device would you like to use? "));
-    QCOMPARE(program_->close(), 0);
-    QCOMPARE(program_->problems(), QStringList());
-}
-
 void TestEyetechSession::closes_while_the_device_blocks() {
     program_->setVariable("OCELA_SIM_EYETECH_FRAME_BLOCKS_MS", "10000");
     QVERIFY(program_->startWindow());
@@ -176,17 +163,6 @@ void TestEyetechSession::closes_while_the_device_blocks() {
     time.start();
     QCOMPARE(program_->close(), 0);
     QVERIFY2(time.elapsed() < 5000, "The program must not wait for the device.");
-    QCOMPARE(program_->problems(), QStringList());
-}
-
-void TestEyetechSession::closes_during_a_calibration() {
-    program_->setVariable("OCELA_SIM_EYETECH_FAULT", "target-fails");
-    QVERIFY(program_->startWindow());
-    QVERIFY(desktop::choose("Screen #1 (1920x1080)", "Screen #2 (1024x768)"));
-    startCalibration();
-    QTRY_COMPARE_WITH_TIMEOUT(picture().pixel(targets[1]), movingTarget, timeoutMs);
-    desktop::save(picture(), "eyetech-target-fails");
-    QCOMPARE(program_->close(), 0);
     QCOMPARE(program_->problems(), QStringList());
 }
 

@@ -2,15 +2,12 @@
 #include "system/desktop.h"
 #include "system/http_client.h"
 #include "system/program.h"
-#include "system/record_file.h"
 #include "system/server.h"
 #include "system/timeout.h"
 
 #include <QFile>
 #include <QRegularExpression>
-#include <QTcpSocket>
 #include <QTest>
-#include <algorithm>
 
 /// The HTTP API of the running program.
 class TestHttpApi : public QObject {
@@ -20,15 +17,11 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void record_file_contains_the_served_sample();
     void runs_the_documented_examples_data();
     void runs_the_documented_examples();
-    void ends_while_clients_do_not_read();
     void runs_while_its_port_is_in_use();
 
 private:
-    [[nodiscard]] QString file(const QString &name) const { return folder_->filePath(name); }
-
     std::unique_ptr<Home> home_;
     std::unique_ptr<QTemporaryDir> folder_;  ///< the working directory of the program
     std::unique_ptr<Program> program_;
@@ -48,29 +41,6 @@ void TestHttpApi::cleanup() {
     program_.reset();
     simulator_.reset();
     client_.forgetConnections();
-}
-
-void TestHttpApi::record_file_contains_the_served_sample() {
-    QVERIFY(simulator_->listen({"--rate", "60"}));
-    QVERIFY(program_->startWindow());
-    QTRY_VERIFY_WITH_TIMEOUT(client_.lastSample()["timestamp"].toDouble() > 0, timeoutMs);
-
-    const QString name = file(QString::fromUtf8("rec 1 & äö.csv"));
-    QVERIFY(client_.ask("/startrecord&path=" + QUrl::toPercentEncoding(name))["result"].toBool());
-    QVERIFY(!desktop::waitFor("Stop record").isEmpty());
-    const double startMs = client_.lastSample()["timestamp"].toDouble();
-    QJsonObject sample;
-    QTRY_VERIFY((sample = client_.lastSample())["timestamp"].toDouble() > startMs + 500);
-    QVERIFY(client_.ask("/stoprecord")["result"].toBool());
-    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(name), timeoutMs);
-
-    const RecordFile record(name);
-    const auto isSample = [&](const QStringList &row) {
-        return row[0] == sample["timestamp"].toVariant().toString() && row[5].toInt() == sample["x_px"].toInt();
-    };
-    QVERIFY(std::any_of(record.rows.begin(), record.rows.end(), isSample));
-    QCOMPARE(program_->close(), 0);
-    QCOMPARE(program_->problems(), QStringList());
 }
 
 void TestHttpApi::runs_the_documented_examples_data() {
@@ -114,24 +84,6 @@ void TestHttpApi::runs_the_documented_examples() {
         QVERIFY2(process.exitCode() == 0, process.readAllStandardError());
         QVERIFY2(QRegularExpression(output).match(printed).hasMatch(), qPrintable(printed));
     }
-}
-
-void TestHttpApi::ends_while_clients_do_not_read() {
-    QVERIFY(simulator_->listen({"--rate", "150"}));
-    QVERIFY(program_->startWindow());
-    QTRY_VERIFY_WITH_TIMEOUT(client_.ask("/lastsamples")["sampleCount"].toInt() > 100, timeoutMs);
-    std::vector<std::unique_ptr<QTcpSocket>> clients;
-    for (int i = 0; i < 20; ++i) {
-        clients.push_back(std::make_unique<QTcpSocket>());
-        // Requests more than the system can buffer, and never reads the responses.
-        clients.back()->setReadBufferSize(1);
-        clients.back()->connectToHost("127.0.0.1", apiPort);
-        clients.back()->write(QByteArray("GET /lastsamples HTTP/1.1\r\n\r\n").repeated(200));
-    }
-    for (const auto &client : clients)
-        QTRY_VERIFY_WITH_TIMEOUT(client->bytesAvailable() > 0, timeoutMs);
-    QCOMPARE(program_->close(), 0);
-    QCOMPARE(program_->problems(), QStringList());
 }
 
 void TestHttpApi::runs_while_its_port_is_in_use() {

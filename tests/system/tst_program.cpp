@@ -21,8 +21,6 @@ private Q_SLOTS:
     void cleanup();
 
     void refuses_a_second_instance();
-    void switches_the_language_at_once_and_stores_it();
-    void ignores_start_hidden_without_a_tray();
     void starts_with_defaults_if_the_settings_file_is_damaged();
 
 private:
@@ -57,33 +55,6 @@ void TestProgram::refuses_a_second_instance() {
     QCOMPARE(home_->readLogFile().count(" Ocela 1."), 1);
 
     QVERIFY(!program_->window().isEmpty());
-    QCOMPARE(program_->close(), 0);
-}
-
-void TestProgram::switches_the_language_at_once_and_stores_it() {
-    home_->writeSettings({{"Language", "en_US"}});
-    QVERIFY(program_->startWindow());
-    QVERIFY(desktop::click("Settings"));
-    QVERIFY(!desktop::waitFor("Language").isEmpty());
-    desktop::save(desktop::screenshot(), "settings-english");
-
-    QVERIFY(desktop::choose("English", "Русский"));
-    QVERIFY(!desktop::waitFor("Папка записей").isEmpty());
-    QVERIFY(!desktop::shows("Language"));
-    desktop::save(desktop::screenshot(), "settings-russian");
-    QCOMPARE(program_->close(), 0);
-    QCOMPARE(program_->problems(), QStringList());
-
-    Program again(*home_);
-    QVERIFY(again.startWindow());
-    QVERIFY(!desktop::waitFor("Настройки").isEmpty());
-    QCOMPARE(again.close(), 0);
-    QCOMPARE(again.problems(), QStringList());
-}
-
-void TestProgram::ignores_start_hidden_without_a_tray() {
-    home_->writeSettings({{"HideWindowOnStart", "true"}});
-    QVERIFY(program_->startWindow());
     QCOMPARE(program_->close(), 0);
 }
 

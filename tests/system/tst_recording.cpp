@@ -7,7 +7,6 @@
 #include "system/timeout.h"
 
 #include <QDateTime>
-#include <QDir>
 #include <QFile>
 #include <QTest>
 #include <algorithm>
@@ -92,7 +91,6 @@ private Q_SLOTS:
     void cleanup();
 
     void shows_and_records_captured_lines();
-    void reports_a_recording_that_cannot_be_saved();
 
 private:
     /// Starts a recording with the button, waits for `done` and stops it with the button.
@@ -153,25 +151,6 @@ void TestRecording::shows_and_records_captured_lines() {
     QTRY_VERIFY_WITH_TIMEOUT(desktop::showsIndicator(desktop::disconnectedColour), timeoutMs);
     QCOMPARE(program_->close(), 0);
     QCOMPARE(program_->problems(), QStringList());
-}
-
-void TestRecording::reports_a_recording_that_cannot_be_saved() {
-    Simulator simulator;
-    QVERIFY(simulator.listen({}));
-    QVERIFY(program_->startWindow());
-    QTRY_VERIFY_WITH_TIMEOUT(desktop::showsIndicator(desktop::connectedColour), timeoutMs);
-
-    QVERIFY(record([&] {
-        QDir(home_->recordsFolder()).removeRecursively();
-        QDir(home_->dataFolder()).removeRecursively();
-        return true;
-    }));
-    QVERIFY(program_->process().waitForLog("Cannot save"));
-    QCOMPARE(program_->problems().size(), 1);
-    QVERIFY2(program_->problems().first().startsWith("[warning] ocela.csv: Cannot save " + home_->recordsFolder()),
-             qPrintable(program_->problems().first()));
-    QVERIFY(desktop::showsIndicator(desktop::connectedColour));
-    QCOMPARE(program_->close(), 0);
 }
 
 OCELA_TEST(TestRecording)
