@@ -74,6 +74,7 @@ void TestHttpSessions::threadsShareAStore() {
         }
     };
     std::vector<std::thread> threads;
+    threads.reserve(threadCount);
     for (int thread = 0; thread < threadCount; ++thread)
         threads.emplace_back(work, thread);
     // The newest values are next to the ones that are being stored.

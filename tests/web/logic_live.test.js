@@ -205,7 +205,6 @@ describe('poller', () => {
         ['no samples without a tracker', [{ result: false }], { result: false, samples: [] }],
         ['no samples without an array', [{ result: 'true', samples: { length: 1 } }], { result: false, samples: [] }],
         ['an invalid answer', [null], null],
-        ['a refused request', [], null],
     ])
         test(`reports ${name}`, async t => assert.deepEqual((await poll(t, answers))[0], expected));
 
