@@ -8,6 +8,7 @@ import http.client
 import json
 import os
 import pathlib
+import re
 import socket
 import ssl
 import subprocess
@@ -48,7 +49,7 @@ def read_to_end(connection):
 
 
 class OtherClients(unittest.TestCase):
-    """curl, Python's http.client and openssl."""
+    """curl, Python's http.client, openssl, wrk and h2load."""
 
     @classmethod
     def setUpClass(cls):
@@ -134,6 +135,14 @@ class OtherClients(unittest.TestCase):
         self.assertIn(b'"path":"/"', curl("--cacert", server.certificate, *own, server.url))
         with self.assertRaises(subprocess.CalledProcessError):
             curl("--cacert", server.certificate, server.url)
+
+    def test_load_generators(self):
+        report = run("wrk", "-t", "1", "-c", "20", "-d", "1s", self.plain.url).decode()
+        self.assertGreater(int(re.search(r"(\d+) requests in", report)[1]), 0)
+        self.assertNotRegex(report, "Socket errors|Non-2xx")
+        for server in (self.plain, self.secure):
+            report = run("h2load", "--h1", "-n", "1000", "-c", "20", "-m", "1", server.url).decode()
+            self.assertIn("1000 succeeded, 0 failed, 0 errored, 0 timeout", report)
 
 
 class RefusedClients(unittest.TestCase):

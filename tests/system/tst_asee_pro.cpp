@@ -34,6 +34,7 @@ private Q_SLOTS:
 
     void calibrates_nine_points_and_records_the_gaze();
     void ends_while_the_library_still_calls_back();
+    void closes_during_a_calibration();
 
 private:
     void giveCoefficients();
@@ -157,6 +158,16 @@ void TestAseeProSession::ends_while_the_library_still_calls_back() {
     QVERIFY(waitForNewPictures());
     QCOMPARE(program_->close(), 0);
     QCOMPARE(program_->problems(), QStringList());
+}
+
+void TestAseeProSession::closes_during_a_calibration() {
+    program_->setVariable("OCELA_SIM_ASEE_FAULT", "endless-point");
+    QVERIFY(program_->startWindow());
+    startCalibration();
+    QCOMPARE(program_->close(), 0);
+    QCOMPARE(program_->problems(), QStringList());
+    QVERIFY(program_->process().log().contains("_7i_cancel_calibration"));
+    QVERIFY(!QFile::exists(coefficientFile()));
 }
 
 OCELA_TEST(TestAseeProSession)

@@ -21,6 +21,7 @@ private Q_SLOTS:
     void cleanup();
 
     void refuses_a_second_instance();
+    void ignores_start_hidden_without_a_tray();
     void starts_with_defaults_if_the_settings_file_is_damaged();
 
 private:
@@ -55,6 +56,12 @@ void TestProgram::refuses_a_second_instance() {
     QCOMPARE(home_->readLogFile().count(" Ocela 1."), 1);
 
     QVERIFY(!program_->window().isEmpty());
+    QCOMPARE(program_->close(), 0);
+}
+
+void TestProgram::ignores_start_hidden_without_a_tray() {
+    home_->writeSettings({{"HideWindowOnStart", "true"}});
+    QVERIFY(program_->startWindow());
     QCOMPARE(program_->close(), 0);
 }
 
