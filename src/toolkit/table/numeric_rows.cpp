@@ -3,6 +3,7 @@
 #include "toolkit/table/number_text.h"
 
 #include <cstring>
+#include <new>
 #include <type_traits>
 
 namespace {
@@ -69,11 +70,19 @@ std::string NumericRows::text(std::size_t row, char separator) const {
 }
 
 void NumericRows::append(const NumericCell *first, const NumericCell *last) {
-    for (const NumericCell *cell = first; cell != last; ++cell) {
-        values_.push_back(bitsOf(*cell));
-        types_.push_back(static_cast<quint8>(cell->index()));
+    const std::size_t begin = values_.size();
+    try {
+        for (const NumericCell *cell = first; cell != last; ++cell) {
+            values_.push_back(bitsOf(*cell));
+            types_.push_back(static_cast<quint8>(cell->index()));
+        }
+        rowEnds_.push_back(values_.size());
+    } catch (const std::bad_alloc &) {
+        // Cells of an incomplete row would belong to the next row.
+        values_.resize(begin);
+        types_.resize(begin);
+        throw;
     }
-    rowEnds_.push_back(values_.size());
 }
 
 template <typename Take>

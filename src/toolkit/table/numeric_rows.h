@@ -13,7 +13,7 @@ using NumericCell = std::variant<int, qint64, float, double>;
 /// The rows of a table of numbers. Rows may have different lengths. Not thread-safe.
 ///
 /// A cell takes 9 bytes, and a row has no separate allocation. One hour at 150 Hz with 23 columns takes 120 MB. A
-/// QVariant would take about 40 bytes per cell.
+/// QVariant would take about 40 bytes per cell. If memory runs out, append() throws std::bad_alloc and changes nothing.
 class NumericRows {
 public:
     void append(std::initializer_list<NumericCell> row) { append(row.begin(), row.end()); }

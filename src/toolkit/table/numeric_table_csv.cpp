@@ -1,6 +1,7 @@
 #include "toolkit/table/numeric_table_csv.h"
 
 #include "toolkit/base/file_utilities.h"
+#include "toolkit/base/new_file.h"
 #include "toolkit/table/csv_text.h"
 
 #include <QFile>
@@ -40,18 +41,6 @@ bool writeTable(const QStringList &headers, const NumericRows &rows, QSaveFile &
     return write(text, file);
 }
 
-/// Returns the first of name_1.csv, name_2.csv, ... that does not exist, for the path name.csv.
-QString freeName(const QString &path) {
-    const QFileInfo file(path);
-    const QString stem = file.path() + '/' + file.completeBaseName();
-    const QString suffix = file.suffix().isEmpty() ? QString() : '.' + file.suffix();
-    for (int number = 1;; ++number) {
-        QString candidate = stem + '_' + QString::number(number) + suffix;
-        if (!QFileInfo::exists(candidate))
-            return candidate;
-    }
-}
-
 std::optional<NumericCell> parseCell(const QString &text, std::optional<int> type) {
     bool valid = false;
     if (!type || *type == QMetaType::LongLong || *type == QMetaType::UInt) {
@@ -71,21 +60,20 @@ void NumericTableCSV::setHeaders(const QStringList &headers) {
     headers_ = headers;
 }
 
-bool NumericTableCSV::save(const QString &path, bool keepExisting) {
-    QSaveFile file(path);
-    if (!FileUtilities::openUnbuffered(file) || !writeTable(headers_, rows_, file))
-        return refuse("save", path, file.errorString());
+bool NumericTableCSV::write(QSaveFile &file) const {
+    return writeTable(headers_, rows_, file);
+}
 
-    // The earlier file is renamed as late as possible, and renamed back if the commit fails.
-    QFile earlier(path);
-    const bool keeps = keepExisting && earlier.exists();
-    if (keeps && !earlier.rename(freeName(path)))
-        return refuse("save", path, "the earlier file cannot be renamed: " + earlier.errorString());
-    if (file.commit())
-        return true;
-    if (keeps)
-        earlier.rename(path);
-    return refuse("save", path, file.errorString());
+bool NumericTableCSV::save(const QString &path, bool keepExisting) {
+    const QString target = file_names::withoutLinks(path);
+    if (!keepExisting) {
+        QSaveFile file(target);
+        return (FileUtilities::openUnbuffered(file) && write(file) && file.commit()) ||
+               refuse("save", path, file.errorString());
+    }
+    NewFile file(QFileInfo(target).path());
+    return (file.write([this](QSaveFile &device) { return write(device); }) && file.takeName(target)) ||
+           refuse("save", path, file.problem());
 }
 
 bool NumericTableCSV::load(const QString &path) {

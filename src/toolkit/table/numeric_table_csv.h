@@ -6,6 +6,8 @@
 #include <QObject>
 #include <QStringList>
 
+class QSaveFile;
+
 /// A table of numbers with named columns that is saved to and loaded from a CSV file. Not thread-safe.
 ///
 /// The file follows RFC 4180: commas, CR LF, a header row, and UTF-8 without a byte order mark. The decimal separator
@@ -21,8 +23,11 @@ public:
     [[nodiscard]] QStringList headers() const { return headers_; }
     [[nodiscard]] const NumericRows &rows() const { return rows_; }
 
-    /// Writes the table to `path` atomically. With `keepExisting`, an existing file is first renamed to name_1.csv,
-    /// name_2.csv or the next free name. Otherwise it is replaced.
+    /// Writes the table to an open file. Returns false after a failure, see QSaveFile::errorString(). Logs nothing.
+    [[nodiscard]] bool write(QSaveFile &file) const;
+
+    /// Writes the table to `path` atomically. A symbolic link stays, and its target is written. With `keepExisting`, an
+    /// existing file is first renamed to name_1.csv, name_2.csv or the next free name. Otherwise it is replaced.
     bool save(const QString &path, bool keepExisting);
 
     /// Replaces the headers and rows with those of the file. A column of type LongLong or UInt in `columnTypes_`

@@ -76,6 +76,8 @@ void TestNumericTableCSV::renames_an_existing_file() {
     QCOMPARE(readFile(path("a.b_2.csv")), QByteArray("first"));
     QCOMPARE(readFile(path("a.b_3.csv")), QByteArray("A\r\n"));
     QCOMPARE(readFile(path("a.b.csv")), QByteArray("A\r\n"));
+    QVERIFY(table.save(path("a.b_1.csv"), false));
+    QCOMPARE(readFile(path("a.b_1.csv")), QByteArray("A\r\n"));
 }
 
 void TestNumericTableCSV::failed_save_changes_no_file() {
