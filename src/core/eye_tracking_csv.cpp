@@ -1,10 +1,16 @@
 #include "core/eye_tracking_csv.h"
 
+#include "core/record_saving.h"
+
+#include <QFileInfo>
 #include <QLoggingCategory>
 
 namespace {
 
 Q_LOGGING_CATEGORY(lcRecord, "ocela.record")
+
+/// Saving and the messages about it need less than this.
+constexpr std::size_t reserveBytes = 4 << 20;
 
 QStringList buildHeaders() {
     QStringList headers{"Timestamp", "Time", "Valid", "X", "Y", "X_px", "Y_px", "Distance_cm"};
@@ -40,15 +46,57 @@ EyeTrackingCSV::EyeTrackingCSV(const QString &path, bool load) {
     } else {
         filePath_ = path;
         setHeaders(sampleHeaders());
+        reserve_.reserve(reserveBytes);
     }
 }
 
-void EyeTrackingCSV::saveFile() {
-    if (!filePath_.isEmpty())
-        save(filePath_, true);
+void EyeTrackingCSV::setFolder(const QString &folder) {
+    filePath_ = folder + '/' + QFileInfo(filePath_).fileName();
+}
+
+void EyeTrackingCSV::discard() {
+    if (phases_)
+        phases_->discarded();
+}
+
+void EyeTrackingCSV::releaseReserve() {
+    // Assigning {} would keep the capacity.
+    std::vector<char>().swap(reserve_);
+}
+
+void EyeTrackingCSV::stopGrowing() {
+    releaseReserve();
+    if (std::exchange(growing_, false))
+        qCWarning(lcRecord).noquote() << "Out of memory: the recording for" << filePath_
+                                      << "gets no samples after the first" << rows().size();
+}
+
+bool EyeTrackingCSV::saveFile() {
+    if (filePath_.isEmpty())
+        return true;
+    releaseReserve();
+    const record_saving::Result result = record_saving::save(
+        filePath_, fallbackFolders_, [this](QSaveFile &file) { return write(file); },
+        [this](const QString &name) {
+            if (phases_)
+                phases_->saving(name, rows().size());
+        });
+    saveProblem_ = result.problem;
+    if (!saveProblem_.isEmpty())
+        qCWarning(lcRecord).noquote() << "Cannot save" << saveProblem_;
+    if (result.path.isEmpty())
+        return false;
+    if (phases_)
+        phases_->saved();
+    if (result.path != filePath_)
+        qCInfo(lcRecord).noquote() << "The recording was saved to" << result.path;
+    filePath_ = result.path;
+    return true;
 }
 
 void EyeTrackingCSV::addSample(const EyeTrackingSample &sample) {
+    if (!growing_)
+        return;
     if (firstTimestamp_ == 0)
         firstTimestamp_ = sample.timestamp;
     // Unsigned, so that any two timestamps of a device can be subtracted without overflow.

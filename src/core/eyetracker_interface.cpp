@@ -2,22 +2,21 @@
 
 #include "core/eye_tracking_csv.h"
 #include "core/pixels.h"
-#include "toolkit/base/text_helper.h"
+#include "core/record_saving.h"
 
-#include <QDateTime>
 #include <QDir>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QStandardPaths>
 #include <algorithm>
 #include <chrono>
+#include <new>
+#include <utility>
 
 namespace {
 
-QString defaultRecordPath() {
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    const QString file = TextHelper::DateTimeFileString(QDateTime(), true) + "_ocela.csv";
-    return QStringList{folder, "Ocela", file}.join(QDir::separator());
+QString defaultRecordsFolder() {
+    return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) + QDir::separator() + "Ocela";
 }
 
 }  // namespace
@@ -28,7 +27,7 @@ EyetrackerInterface::EyetrackerInterface(const QString &dataFolder, QObject *par
     qRegisterMetaType<QList<EyeTrackingSample>>("QList<EyeTrackingSample>");
 }
 
-// Discards a running recording: the record file is written only when the user stops the recording.
+// Drops a running recording and unsaved ones. MainWindow saves or discards them before it destroys a tracker.
 EyetrackerInterface::~EyetrackerInterface() = default;
 
 void EyetrackerInterface::calibrateScreen(int screenIndex) {
@@ -46,22 +45,65 @@ void EyetrackerInterface::setCalibratedArea(QRect area) {
 }
 
 bool EyetrackerInterface::startRecord(QString path) {
-    stopRecord();
     if (path.isEmpty())
-        path = defaultRecordPath();
-    recording_.exchange(std::make_unique<EyeTrackingCSV>(path, false));
+        path = (recordsFolder_.isEmpty() ? defaultRecordsFolder() : recordsFolder_) + QDir::separator() +
+               record_saving::defaultFileName();
+    auto next = std::make_unique<EyeTrackingCSV>(path, false);
+    if (createPhases_)
+        next->setPhases(createPhases_(*next));
+    // The new recording takes samples from now on, also while the old file is written.
+    finish(recording_.exchange(std::move(next)));
     Q_EMIT recordStarted();
     return true;
 }
 
 bool EyetrackerInterface::stopRecord() {
-    // The file is written without the lock, so that addSample() never waits for the disk.
-    const Recording recording = recording_.exchange(nullptr);
+    return finish(recording_.exchange(nullptr));
+}
+
+bool EyetrackerInterface::finish(Recording recording) {
     if (!recording)
         return false;
-    recording->saveFile();
-    Q_EMIT recordStopped(recording->currentFilePath());
+    // The file is written without the lock, so that addSample() never waits for the disk.
+    QString savedPath;
+    if (save(*recording))
+        savedPath = recording->currentFilePath();
+    else
+        unsaved_.push_back(std::move(recording));
+    Q_EMIT recordStopped(savedPath);
     return true;
+}
+
+bool EyetrackerInterface::save(EyeTrackingCSV &recording) const {
+    QStringList folders{defaultRecordsFolder()};
+    if (!recordsFolder_.isEmpty())
+        folders.prepend(recordsFolder_);
+    recording.setFallbackFolders(folders);
+    return recording.saveFile();
+}
+
+QString EyetrackerInterface::unsavedProblem() const {
+    return unsaved_.empty() ? QString() : unsaved_.back()->saveProblem();
+}
+
+bool EyetrackerInterface::saveUnsaved(const QString &folder) {
+    const auto isSaved = [&](const Recording &recording) {
+        if (!folder.isEmpty())
+            recording->setFolder(folder);
+        return save(*recording);
+    };
+    unsaved_.erase(std::remove_if(unsaved_.begin(), unsaved_.end(), isSaved), unsaved_.end());
+    return unsaved_.empty();
+}
+
+void EyetrackerInterface::discardRecords() {
+    const Recording running = recording_.exchange(nullptr);
+    for (const Recording &recording : std::exchange(unsaved_, {}))
+        recording->discard();
+    if (!running)
+        return;
+    running->discard();
+    Q_EMIT recordStopped(QString());
 }
 
 QList<EyeTrackingSample> EyetrackerInterface::getSamples() {
@@ -84,6 +126,19 @@ void EyetrackerInterface::addSample(const EyeTrackingSample &sample) {
     // Read before the signal is emitted, because its receivers may take a while.
     const auto arrival = std::chrono::steady_clock::now();
     Q_EMIT newSample(sample);
+    try {
+        store(sample, arrival);
+    } catch (const std::bad_alloc &) {
+        if (!isRecording())
+            throw;
+        recording_.with([](const Recording &recording) {
+            if (recording)
+                recording->stopGrowing();
+        });
+    }
+}
+
+void EyetrackerInterface::store(const EyeTrackingSample &sample, std::chrono::steady_clock::time_point arrival) {
     // Destroyed after the lock is released, because the list has a heap node for each sample.
     const QList<EyeTrackingSample> outdated =
         samples_.with([&](SampleWindow &window) { return window.add(sample, arrival); });

@@ -9,9 +9,13 @@
 #include <QPoint>
 #include <QRect>
 #include <atomic>
+#include <chrono>
+#include <functional>
 #include <memory>
+#include <vector>
 
 class EyeTrackingCSV;
+class RecordingPhases;
 class VTSettings;
 class QWidget;
 
@@ -57,7 +61,8 @@ Q_SIGNALS:
     /// A calibration was successful. Not every device reports that.
     void calibrated();
     void recordStarted();
-    /// A recording was stopped. `path` is its record file. An error while writing it is only logged.
+    /// A recording was stopped. `path` is the file that was written, which may be another one than startRecord() was
+    /// given. It is empty if the recording was discarded, or if no file could be written; see unsavedProblem().
     void recordStopped(QString path);
     /// Asks the calibration screen to close.
     void stopCalibrationRequest();
@@ -77,11 +82,12 @@ public Q_SLOTS:
     void calibrateScreen(int screenIndex);
     void setCalibratedArea(int x, int y, int w, int h);
     void setCalibratedArea(QRect area);
-    /// Starts a recording. A running recording is stopped first. If `path` is empty, the record file is
-    /// <documents>/Ocela/<date and time>_ocela.csv. Does not create the folder. Always returns true,
-    /// because errors are detected only when stopRecord() writes the file.
+    /// Starts a recording. A running recording is stopped; the new one gets all samples that arrive after the call. If
+    /// `path` is empty, the record file is <date and time>_ocela.csv in the folder of setRecordsFolder(). Does not
+    /// create the folder. Always returns true, because errors are detected only when stopRecord() writes the file.
     bool startRecord(QString path = QString());
-    /// Stops the recording and writes the record file on the calling thread. Returns false if no recording is running.
+    /// Stops the recording and writes the record file on the calling thread, if necessary to another place; see
+    /// EyeTrackingCSV::saveFile(). Returns false if no recording is running.
     bool stopRecord();
     /// Returns the samples of the last two seconds, oldest first. Calls between two samples share one list. Creating it
     /// takes 0.1 ms for 2000 samples.
@@ -96,6 +102,9 @@ public:
     ///
     /// The window is limited only by the age of the samples. The age is the difference of the timestamps or, if the
     /// device gives all samples the same timestamp, of the arrivals.
+    ///
+    /// If memory runs out while a recording is running, the recording keeps its rows, gets no further ones and can be
+    /// saved. A warning is logged once. Without a recording, throws std::bad_alloc.
     void addSample(const EyeTrackingSample &sample);
 
     /// Returns the samples in the window with a number above `number`, oldest first. 0 returns the whole window. To
@@ -111,6 +120,24 @@ public:
 
     /// Whether a recording is running.
     [[nodiscard]] bool isRecording() const;
+
+    /// Returns why the last stopped recording could not be saved anywhere, or an empty text if all were saved. Unsaved
+    /// recordings stay in memory until saveUnsaved() or discardRecords().
+    [[nodiscard]] QString unsavedProblem() const;
+
+    /// Tries again to save the unsaved recordings, in `folder` unless it is empty. Returns whether all are saved.
+    [[nodiscard]] bool saveUnsaved(const QString &folder = QString());
+
+    /// Stops the running recording without a file, and drops the unsaved recordings.
+    void discardRecords();
+
+    /// Sets the folder for recordings without a path. If it is empty, the folder is <documents>/Ocela. Record files
+    /// that cannot be written elsewhere are written to these two folders.
+    void setRecordsFolder(const QString &folder) { recordsFolder_ = folder; }
+
+    using CreatePhases = std::function<std::unique_ptr<RecordingPhases>(const EyeTrackingCSV &recording)>;
+    /// Sets a function that is called at the start of each later recording, before it gets a sample.
+    void setCreatePhases(CreatePhases create) { createPhases_ = std::move(create); }
 
     /// Stores the connection state, and emits the connection signals if it changed.
     void setConnected(bool value);
@@ -132,10 +159,17 @@ protected:
 private:
     using Recording = std::unique_ptr<EyeTrackingCSV>;
 
+    bool finish(Recording recording);
+    [[nodiscard]] bool save(EyeTrackingCSV &recording) const;
+    void store(const EyeTrackingSample &sample, std::chrono::steady_clock::time_point arrival);
+
     const QString dataFolder_;
     PixelUnit pixelUnit_ = PixelUnit::Desktop;
     std::atomic<bool> connected_{false};
     Guarded<QRect> calibratedArea_;
     Guarded<SampleWindow> samples_{SampleWindow(sampleWindowMs)};
     Guarded<Recording> recording_;
+    std::vector<Recording> unsaved_;  ///< stopped, but in no file; GUI thread
+    QString recordsFolder_;
+    CreatePhases createPhases_;
 };

@@ -1,4 +1,6 @@
+#include "core/recording_phases.h"
 #include "support/fake_tracker.h"
+#include "support/file_content.h"
 #include "support/test_main.h"
 
 #include <QDir>
@@ -13,9 +15,36 @@ namespace {
 
 /// The lines of a record file without the header.
 QList<QByteArray> rowsOf(const QString &path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed().split('\n').mid(1) : QList<QByteArray>();
+    return readFile(path).trimmed().split('\n').mid(1);
 }
+
+/// Returns the timestamps in a record file, separated by spaces.
+QByteArray timestampsOf(const QString &path) {
+    QByteArrayList timestamps;
+    for (const QByteArray &row : rowsOf(path))
+        timestamps << row.split(',').first();
+    return timestamps.join(' ');
+}
+
+/// Appends the phases to a list, and calls `duringSaving` in the phase "saving".
+class ListedPhases : public RecordingPhases {
+public:
+    ListedPhases(QStringList &list, std::function<void()> duringSaving)
+        : list_(list), duringSaving_(std::move(duringSaving)) {}
+
+    void saving(const QString &path, std::size_t rowCount) override {
+        list_ << QString("%1 %2 %3")
+                     .arg(QFileInfo::exists(path) ? "exists" : "saving", QFileInfo(path).fileName())
+                     .arg(rowCount);
+        duringSaving_();
+    }
+    void saved() override { list_ << "saved"; }
+    void discarded() override { list_ << "discarded"; }
+
+private:
+    QStringList &list_;
+    const std::function<void()> duringSaving_;
+};
 
 }  // namespace
 
@@ -29,6 +58,11 @@ private Q_SLOTS:
     void percent_becomes_pixels_of_the_calibrated_area();
     void stopping_a_recording_writes_its_samples();
     void starting_again_stops_the_running_recording_and_keeps_its_file();
+    void new_recording_takes_samples_while_the_old_file_is_written();
+    void recording_is_saved_at_the_next_possible_place_data();
+    void recording_is_saved_at_the_next_possible_place();
+    void recording_without_a_place_stays_in_memory();
+    void phases_end_with_saved_or_discarded();
     void empty_path_selects_the_documents_folder();
 };
 
@@ -118,6 +152,108 @@ void TestEyetrackerInterface::starting_again_stops_the_running_recording_and_kee
     QVERIFY(rowsOf(folder.filePath("r_1.csv")).value(0).startsWith("1,"));
 }
 
+void TestEyetrackerInterface::new_recording_takes_samples_while_the_old_file_is_written() {
+    const QTemporaryDir folder;
+    FakeTracker tracker;
+    QStringList phases;
+    qint64 timestamp = 0;
+    const auto deliver = [&] { tracker.addSample({++timestamp}); };
+    tracker.setCreatePhases([&](const EyeTrackingCSV &) { return std::make_unique<ListedPhases>(phases, deliver); });
+    for (const char *name : {"1.csv", "2.csv", "3.csv"}) {
+        tracker.startRecord(folder.filePath(name));
+        deliver();
+    }
+    tracker.stopRecord();
+    QCOMPARE(timestampsOf(folder.filePath("1.csv")), QByteArray("1"));
+    QCOMPARE(timestampsOf(folder.filePath("2.csv")), QByteArray("2 3"));
+    QCOMPARE(timestampsOf(folder.filePath("3.csv")), QByteArray("4 5"));
+}
+
+void TestEyetrackerInterface::recording_is_saved_at_the_next_possible_place_data() {
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("saved");
+    QTest::newRow("the name is a folder") << "taken.csv"
+                                          << "^/taken_1\\.csv$";
+    QTest::newRow("the folder is missing") << "missing/r.csv"
+                                           << "^/records/r_1\\.csv$";
+    QTest::newRow("the name is too long") << QString(300, 'x') + ".csv"
+                                          << "^/\\d{4}-[-_0-9]*_ocela\\.csv$";
+}
+
+void TestEyetrackerInterface::recording_is_saved_at_the_next_possible_place() {
+    QFETCH(QString, name);
+    QFETCH(QString, saved);
+    const QTemporaryDir folder;
+    for (const char *subfolder : {"taken.csv", "records"})
+        QVERIFY(QDir(folder.path()).mkdir(subfolder));
+    const QString other = folder.filePath("records/r.csv");
+    QVERIFY(writeFile(other, "other"));
+    FakeTracker tracker;
+    tracker.setRecordsFolder(folder.filePath("records"));
+    QSignalSpy stopped(&tracker, &EyetrackerInterface::recordStopped);
+
+    tracker.startRecord(folder.filePath(name));
+    tracker.addSample({7});
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Cannot save .*: .+"));
+    QVERIFY(tracker.stopRecord());
+    const QString path = stopped.value(0).value(0).toString();
+    QVERIFY2(
+        path.startsWith(folder.path()) && QRegularExpression(saved).match(path.mid(folder.path().size())).hasMatch(),
+        qPrintable(path));
+    QCOMPARE(timestampsOf(path), QByteArray("7"));
+    QCOMPARE(readFile(other), QByteArray("other"));
+    QVERIFY(tracker.unsavedProblem().isEmpty());
+}
+
+void TestEyetrackerInterface::recording_without_a_place_stays_in_memory() {
+    const QTemporaryDir folder;
+    FakeTracker tracker;
+    QStringList phases;
+    tracker.setCreatePhases([&](const EyeTrackingCSV &) { return std::make_unique<ListedPhases>(phases, [] {}); });
+    QSignalSpy stopped(&tracker, &EyetrackerInterface::recordStopped);
+    const QRegularExpression warning("^Cannot save .*missing.*: .+");
+    for (const qint64 timestamp : {1, 2}) {
+        tracker.startRecord(folder.filePath(QString("missing/%1.csv").arg(timestamp)));
+        tracker.addSample({timestamp});
+        QTest::ignoreMessage(QtWarningMsg, warning);
+        QVERIFY(tracker.stopRecord());
+        QCOMPARE(stopped.takeFirst(), QList<QVariant>{QString()});
+        QVERIFY(tracker.unsavedProblem().contains("missing"));
+    }
+    for (int i = 0; i < 2; ++i)
+        QTest::ignoreMessage(QtWarningMsg, warning);
+    QVERIFY(!tracker.saveUnsaved());
+    QCOMPARE(phases, QStringList());
+    QVERIFY(tracker.saveUnsaved(folder.path()));
+    QCOMPARE(timestampsOf(folder.filePath("1.csv")), QByteArray("1"));
+    QCOMPARE(timestampsOf(folder.filePath("2.csv")), QByteArray("2"));
+    QVERIFY(tracker.unsavedProblem().isEmpty());
+}
+
+void TestEyetrackerInterface::phases_end_with_saved_or_discarded() {
+    const QTemporaryDir folder;
+    QVERIFY(writeFile(folder.filePath("r.csv"), "earlier"));
+    FakeTracker tracker;
+    QStringList phases;
+    tracker.setCreatePhases([&](const EyeTrackingCSV &) {
+        phases << "recording";
+        return std::make_unique<ListedPhases>(phases, [] {});
+    });
+    QSignalSpy stopped(&tracker, &EyetrackerInterface::recordStopped);
+    for (const bool discards : {false, true}) {
+        tracker.startRecord(folder.filePath("r.csv"));
+        tracker.addSample({1});
+        if (discards)
+            tracker.discardRecords();
+        else
+            tracker.stopRecord();
+    }
+    QCOMPARE(phases, QStringList({"recording", "saving r.csv 1", "saved", "recording", "discarded"}));
+    QCOMPARE(stopped, QList<QList<QVariant>>({{folder.filePath("r.csv")}, {QString()}}));
+    QVERIFY(!tracker.isRecording());
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList({"r.csv", "r_1.csv"}));
+}
+
 void TestEyetrackerInterface::empty_path_selects_the_documents_folder() {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) + "/Ocela";
     FakeTracker tracker;
@@ -137,6 +273,12 @@ void TestEyetrackerInterface::empty_path_selects_the_documents_folder() {
     const QFileInfo file(QDir::fromNativeSeparators(stopped.last()[0].toString()));
     QVERIFY(QFile::remove(file.filePath()));
     QDir().rmdir(folder);  // fails if the folder has other files
+
+    const QTemporaryDir chosen;
+    tracker.setRecordsFolder(chosen.path());
+    tracker.startRecord();
+    tracker.stopRecord();
+    QCOMPARE(QDir(chosen.path()).entryList(QDir::Files).size(), 1);
     QCOMPARE(file.path(), folder);
     QVERIFY(file.fileName().endsWith("_ocela.csv"));
 }
