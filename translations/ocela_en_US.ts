@@ -197,12 +197,59 @@
         <source>empty</source>
         <translation>empty</translation>
     </message>
+    <message>
+        <source>Choose a folder</source>
+        <translation>Choose a folder</translation>
+    </message>
 </context>
 <context>
     <name>PropertyListControl</name>
     <message>
         <source>Reset to default: %1</source>
         <translation>Reset to default: %1</translation>
+    </message>
+</context>
+<context>
+    <name>RecordingKeeper</name>
+    <message>
+        <source>A recording is running: %1</source>
+        <translation>A recording is running: %1</translation>
+    </message>
+    <message>
+        <source>Stop it and save the record file before Ocela closes?</source>
+        <translation>Stop it and save the record file before Ocela closes?</translation>
+    </message>
+    <message>
+        <source>Stop and save</source>
+        <translation>Stop and save</translation>
+    </message>
+    <message>
+        <source>Discard</source>
+        <translation>Discard</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>A recording could not be saved.</source>
+        <translation>A recording could not be saved.</translation>
+    </message>
+    <message>
+        <source>Its samples stay in memory until Ocela closes.</source>
+        <translation>Its samples stay in memory until Ocela closes.</translation>
+    </message>
+    <message>
+        <source>Try again</source>
+        <translation>Try again</translation>
+    </message>
+    <message>
+        <source>Choose a folder...</source>
+        <translation>Choose a folder...</translation>
+    </message>
+    <message>
+        <source>Later</source>
+        <translation>Later</translation>
     </message>
 </context>
 <context>

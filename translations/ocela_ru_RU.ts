@@ -197,12 +197,59 @@
         <source>empty</source>
         <translation>пусто</translation>
     </message>
+    <message>
+        <source>Choose a folder</source>
+        <translation>Выбрать папку</translation>
+    </message>
 </context>
 <context>
     <name>PropertyListControl</name>
     <message>
         <source>Reset to default: %1</source>
         <translation>Вернуть значение по умолчанию: %1</translation>
+    </message>
+</context>
+<context>
+    <name>RecordingKeeper</name>
+    <message>
+        <source>A recording is running: %1</source>
+        <translation>Идёт запись: %1</translation>
+    </message>
+    <message>
+        <source>Stop it and save the record file before Ocela closes?</source>
+        <translation>Остановить запись и сохранить файл перед закрытием Ocela?</translation>
+    </message>
+    <message>
+        <source>Stop and save</source>
+        <translation>Остановить и сохранить</translation>
+    </message>
+    <message>
+        <source>Discard</source>
+        <translation>Не сохранять</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Отмена</translation>
+    </message>
+    <message>
+        <source>A recording could not be saved.</source>
+        <translation>Не удалось сохранить запись.</translation>
+    </message>
+    <message>
+        <source>Its samples stay in memory until Ocela closes.</source>
+        <translation>Её данные остаются в памяти, пока работает Ocela.</translation>
+    </message>
+    <message>
+        <source>Try again</source>
+        <translation>Повторить</translation>
+    </message>
+    <message>
+        <source>Choose a folder...</source>
+        <translation>Выбрать папку...</translation>
+    </message>
+    <message>
+        <source>Later</source>
+        <translation>Позже</translation>
     </message>
 </context>
 <context>

@@ -1,6 +1,7 @@
 #include "app/main_window.h"
 
 #include "api/ocela_http_exchange.h"
+#include "app/recording_keeper.h"
 #include "app/tracker_view_widget.h"
 #include "core/eyetracker_interface.h"
 #include "toolkit/base/file_utilities.h"
@@ -16,9 +17,11 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
+#include <QDir>
 #include <QGridLayout>
 #include <QLabel>
 #include <QMenu>
+#include <QSessionManager>
 #include <QSignalBlocker>
 #include <QStackedWidget>
 #include <QTabWidget>
@@ -44,6 +47,8 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent) {
     selectFirstTracker();
     // A logout of the user quits the application without closing its windows.
     connect(qApp, &QCoreApplication::aboutToQuit, this, &MainWindow::shutDown);
+    // Windows may end the process before the application quits.
+    connect(qApp, &QGuiApplication::commitDataRequest, recordings_, &RecordingKeeper::saveAll, Qt::DirectConnection);
 }
 
 MainWindow::~MainWindow() {
@@ -65,13 +70,26 @@ void MainWindow::buildSettings() {
 }
 
 void MainWindow::buildTrackers() {
+    recordings_ = new RecordingKeeper(this);
     addTracker(new EyetechGrabber(dataFolder_, this));
     addTracker(new GazePoint(dataFolder_, this));
     addTracker(new aSeePro(dataFolder_, this));
+    applyRecordsPath();
+    connect(settings_, &Settings::changedRecordsPath, this, &MainWindow::applyRecordsPath);
 }
 
 void MainWindow::addTracker(EyetrackerInterface *tracker) {
     trackers_.push_back({tracker, tracker->createViewWidget()});
+    recordings_->addTracker(tracker);
+}
+
+void MainWindow::applyRecordsPath() {
+    const QString path = settings_->getRecordsPath().trimmed();
+    const bool isDefault = path.isEmpty() || QDir(path) == QDir(settings_->getRecordsPathDefault().toString());
+    if (!isDefault)
+        FileUtilities::createIfNotExists(path);
+    for (const Tracker &entry : trackers_)
+        entry.tracker->setRecordsFolder(isDefault ? QString() : path);
 }
 
 void MainWindow::buildPages() {
@@ -217,6 +235,10 @@ void MainWindow::closeEvent(QCloseEvent *event) {
         hide();
         return;
     }
+    if (!recordings_->mayClose()) {
+        event->ignore();
+        return;
+    }
     shutDown();
     event->accept();
     // quitOnLastWindowClosed is off: closing a calibration screen while this window is hidden must not quit the
@@ -225,7 +247,10 @@ void MainWindow::closeEvent(QCloseEvent *event) {
 }
 
 void MainWindow::shutDown() {
-    if (!closed_ && currentTracker_)
+    if (closed_)
+        return;
+    recordings_->saveAll();
+    if (currentTracker_)
         currentTracker_->stop();
     closed_ = true;
 }

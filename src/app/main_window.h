@@ -16,13 +16,14 @@ class QGridLayout;
 class QMenu;
 class QStackedWidget;
 class QTabWidget;
+class RecordingKeeper;
 
 /// The main window. Owns the settings, the trackers, the HTTP API, the widgets for the selected tracker, and the tray
 /// icon. GUI thread.
 ///
 /// Only the selected tracker is started. Selecting another tracker stops the old one, starts the new one and stores the
 /// selection. While HideWindowOnStart is set, closing the visible window hides it to the tray. Otherwise closing quits
-/// the program.
+/// the program, after a question if a recording is running. The end of the desktop session saves it without a question.
 class MainWindow : public QMainWindow {
     Q_OBJECT
 
@@ -54,6 +55,7 @@ private:
     void addTracker(EyetrackerInterface *tracker);
     void trackerIndexChanged(int index);
     void showView(int index);
+    void applyRecordsPath();
     [[nodiscard]] bool hidesToTray() const;
     void shutDown();
     void toggleVisible();
@@ -62,6 +64,7 @@ private:
     QString dataFolder_;
     Settings *settings_ = nullptr;
     std::vector<Tracker> trackers_;
+    RecordingKeeper *recordings_ = nullptr;
     EyetrackerInterface *currentTracker_ = nullptr;
     bool closed_ = false;
     /// Destroyed before the trackers, which are children of the window, because its threads read from them.

@@ -31,13 +31,13 @@ public:
     Q_CLASSINFO("AutoRunCategory", "Common")
     Q_CLASSINFO("AutoRunEditable", "true")
 
-    /// The folder that the settings page shows for record files. It has no effect: record files are written to the
-    /// folder Ocela in the documents folder.
+    /// The folder for record files, if it differs from the default. By default they are written to the folder Ocela in
+    /// the documents folder.
     VT_PROPERTY(QString, RecordsPath, QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation))
     Q_CLASSINFO("RecordsPathDisplayName", QT_TRANSLATE_NOOP("Generic", "RecordsPath"))
     Q_CLASSINFO("RecordsPathCategory", "Common")
     Q_CLASSINFO("RecordsPathEditable", "true")
-    Q_CLASSINFO("RecordsPathReadOnly", "true")
+    Q_CLASSINFO("RecordsPathIsFolder", "true")
 
     /// Whether the program starts with only the tray icon. Closing the window then hides it.
     VT_PROPERTY(bool, HideWindowOnStart, false)

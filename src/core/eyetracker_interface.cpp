@@ -96,14 +96,17 @@ bool EyetrackerInterface::saveUnsaved(const QString &folder) {
     return unsaved_.empty();
 }
 
-void EyetrackerInterface::discardRecords() {
-    const Recording running = recording_.exchange(nullptr);
+void EyetrackerInterface::discardRecord() {
+    const Recording recording = recording_.exchange(nullptr);
+    if (!recording)
+        return;
+    recording->discard();
+    Q_EMIT recordStopped(QString());
+}
+
+void EyetrackerInterface::discardUnsaved() {
     for (const Recording &recording : std::exchange(unsaved_, {}))
         recording->discard();
-    if (!running)
-        return;
-    running->discard();
-    Q_EMIT recordStopped(QString());
 }
 
 QList<EyeTrackingSample> EyetrackerInterface::getSamples() {

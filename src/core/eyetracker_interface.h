@@ -122,14 +122,16 @@ public:
     [[nodiscard]] bool isRecording() const;
 
     /// Returns why the last stopped recording could not be saved anywhere, or an empty text if all were saved. Unsaved
-    /// recordings stay in memory until saveUnsaved() or discardRecords().
+    /// recordings stay in memory until saveUnsaved() or discardUnsaved().
     [[nodiscard]] QString unsavedProblem() const;
 
     /// Tries again to save the unsaved recordings, in `folder` unless it is empty. Returns whether all are saved.
     [[nodiscard]] bool saveUnsaved(const QString &folder = QString());
 
-    /// Stops the running recording without a file, and drops the unsaved recordings.
-    void discardRecords();
+    void discardUnsaved();
+
+    /// Stops the running recording without writing a file.
+    void discardRecord();
 
     /// Sets the folder for recordings without a path. If it is empty, the folder is <documents>/Ocela. Record files
     /// that cannot be written elsewhere are written to these two folders.

@@ -8,7 +8,7 @@ namespace {
 constexpr int maxLinkCount = 40;
 
 /// A folder that has this many files of one name is not searched further.
-constexpr int maxNumber = 100'000;
+constexpr int maxNumber = 100000;
 
 }  // namespace
 

@@ -34,6 +34,7 @@ PropertyDescriptor describe(const QMetaObject &metaObject, const QMetaProperty &
     descriptor.editable = info("Editable") == QLatin1String("true");
     descriptor.visible = info("NotVisible") != QLatin1String("true");
     descriptor.readOnly = info("ReadOnly") == QLatin1String("true");
+    descriptor.isFolder = info("IsFolder") == QLatin1String("true");
     return descriptor;
 }
 

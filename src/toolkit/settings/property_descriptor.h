@@ -28,6 +28,7 @@ struct PropertyDescriptor {
     bool editable = false;
     bool visible = true;
     bool readOnly = false;
+    bool isFolder = false;
 };
 
 using MetaDescriptor = QVector<PropertyDescriptor>;

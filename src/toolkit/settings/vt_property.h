@@ -55,6 +55,7 @@
 /// - DisplayName: the source text of the label, usually the property's name. QT_TRANSLATE_NOOP is for lupdate.
 /// - Minimum, Maximum, Step: the range and step of a number. Values from a file or the editor are clamped to the range.
 /// - Suffix: the unit shown after a number.
+/// - IsFolder "true": the editor of a text can choose a folder.
 ///
 /// Write the type of an enum with its class (`CameraSettings::Mode`), because the meta-object system uses that name.
 /// The keys of an enum are translated, too: list them in the .cpp with QT_TRANSLATE_NOOP("Generic", ...).

@@ -4,15 +4,19 @@
 #include "toolkit/settings/ui_language.h"
 #include "toolkit/widgets/wheel_guard.h"
 
+#include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QCoreApplication>
+#include <QDir>
 #include <QDoubleSpinBox>
+#include <QFileDialog>
 #include <QLineEdit>
 #include <QLocale>
 #include <QMetaEnum>
 #include <QSignalBlocker>
 #include <QSpinBox>
+#include <QStyle>
 #include <algorithm>
 #include <limits>
 
@@ -158,6 +162,8 @@ public:
             line_->setStyleSheet(QStringLiteral("background: transparent; border: none;"));
         else
             connect(line_, &QLineEdit::editingFinished, this, [this] { Q_EMIT edited(line_->text()); });
+        if (descriptor.isFolder && !descriptor.readOnly)
+            addFolderButton();
     }
 
     QWidget *widget() const override { return line_; }
@@ -173,9 +179,26 @@ public:
         line_->setCursorPosition(0);
     }
 
+    void retranslate() override {
+        if (chooseFolder_ != nullptr)
+            chooseFolder_->setToolTip(PropertyEditor::tr("Choose a folder"));
+    }
+
 private:
+    void addFolderButton() {
+        const QIcon icon = line_->style()->standardIcon(QStyle::SP_DirOpenIcon);
+        chooseFolder_ = line_->addAction(icon, QLineEdit::TrailingPosition);
+        connect(chooseFolder_, &QAction::triggered, this, [this] {
+            const QString folder = QFileDialog::getExistingDirectory(
+                line_->window(), PropertyEditor::tr("Choose a folder"), line_->text());
+            if (!folder.isEmpty())
+                Q_EMIT edited(QDir::toNativeSeparators(folder));
+        });
+    }
+
     const PropertyDescriptor descriptor_;
     QLineEdit *line_;
+    QAction *chooseFolder_ = nullptr;
 };
 
 }  // namespace
