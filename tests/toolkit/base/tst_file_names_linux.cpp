@@ -36,7 +36,6 @@ class TestFileNamesLinux : public QObject {
 
 private Q_SLOTS:
     void renames_on_a_file_system_without_rename_flags();
-    void follows_links_to_the_last_target();
 };
 
 void TestFileNamesLinux::renames_on_a_file_system_without_rename_flags() {
@@ -57,21 +56,6 @@ void TestFileNamesLinux::renames_on_a_file_system_without_rename_flags() {
     QVERIFY(done == Outcome::Done);
     QCOMPARE(readFile(folder.filePath("to")), QByteArray("new"));
     QVERIFY(!QFileInfo::exists(from));
-}
-
-void TestFileNamesLinux::follows_links_to_the_last_target() {
-    const QTemporaryDir folder;
-    const auto path = [&folder](const char *name) { return folder.filePath(name); };
-    const QStringList links{"missing", "first", "second"};
-    for (int i = 1; i < links.size(); ++i)
-        QVERIFY(QFile::link(links[i - 1], folder.filePath(links[i])));
-    QVERIFY(QFile::link("cycle", path("cycle")));
-    QCOMPARE(file_names::withoutLinks(path("second")), path("missing"));
-    QCOMPARE(file_names::withoutLinks(path("cycle")), path("cycle"));
-    // A dangling link is an entry: it keeps its name.
-    QVERIFY(writeFile(path("from"), "new"));
-    QVERIFY(file_names::renameIfFree(path("from"), path("first")).outcome == Outcome::NameTaken);
-    QVERIFY(!QFileInfo::exists(path("missing")));
 }
 
 OCELA_TEST(TestFileNamesLinux)
