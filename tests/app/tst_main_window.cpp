@@ -1,4 +1,5 @@
 #include "app/main_window.h"
+#include "app/startup.h"
 #include "support/file_content.h"
 #include "support/gazepoint_wire.h"
 #include "support/test_main.h"
@@ -38,6 +39,13 @@ QStringList shownOn(const QWidget &page) {
             texts << widget->property("text").toString() << widget->toolTip();
     }
     return texts;
+}
+
+void click(const QWidget &page, const QString &text) {
+    for (QPushButton *button : page.findChildren<QPushButton *>()) {
+        if (button->text() == text)
+            button->click();
+    }
 }
 
 void store(const QByteArray &tracker) {
@@ -98,6 +106,7 @@ void TestMainWindow::missing_vendor_library_shows_an_error_and_keeps_the_selecti
 
 void TestMainWindow::selected_tracker_is_shown_until_another_is_selected_or_the_window_is_closed() {
     QTcpServer server;
+    startup::createRecordsFolder();
     QVERIFY(server.listen(QHostAddress::LocalHost, 4242));
     MainWindow window;
     const QWidget &page = *trackersOf(window).parentWidget();
@@ -116,10 +125,8 @@ void TestMainWindow::selected_tracker_is_shown_until_another_is_selected_or_the_
         return shownOn(page).contains("x:  50.0%");
     };
     QVERIFY(QTest::qWaitFor(showsGaze));
-    for (QPushButton *button : page.findChildren<QPushButton *>()) {
-        if (button->text() == "Calibrate" || button->text() == "Start record")
-            button->click();
-    }
+    click(page, "Calibrate");
+    click(page, "Start record");
     QVERIFY(shownOn(page).contains("Stop record"));
     QByteArray received;
     QTRY_VERIFY((received += peer->readAll()).endsWith(wire::calibrate));
@@ -129,6 +136,7 @@ void TestMainWindow::selected_tracker_is_shown_until_another_is_selected_or_the_
     QVERIFY(shownOn(page).contains("Disconnected") && shownOn(page).contains("Start record"));
 
     QVERIFY(connects());
+    click(page, "Stop record");
     QTimer::singleShot(0, &window, &MainWindow::close);
     QCOMPARE(QCoreApplication::exec(), 0);
     QTRY_VERIFY(isStopped());
