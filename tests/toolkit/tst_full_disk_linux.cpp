@@ -1,4 +1,5 @@
 #include "support/file_content.h"
+#include "support/file_size_limit.h"
 #include "support/test_main.h"
 #include "toolkit/base/log_file.h"
 #include "toolkit/settings/settings_file.h"
@@ -9,8 +10,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <cerrno>
-#include <csignal>
-#include <sys/resource.h>
 
 namespace {
 
@@ -21,26 +20,6 @@ public:
         for (int row = 0; row < rows; ++row)
             rows_.append({row});
     }
-};
-
-/// Limits the size of files for the lifetime of this object. As on a full disk, a write that exceeds the limit first
-/// succeeds partially and then fails.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit limit = {bytes, before_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, handler_);
-    }
-    Q_DISABLE_COPY(FileSizeLimit)
-
-private:
-    void (*handler_)(int);
-    rlimit before_ = {};
 };
 
 }  // namespace
