@@ -95,8 +95,29 @@ bool EyeTrackingCSV::saveFile() {
 }
 
 void EyeTrackingCSV::addSample(const EyeTrackingSample &sample) {
+    addNumbered({0, std::chrono::steady_clock::now(), sample});
+}
+
+void EyeTrackingCSV::addNumbered(const NumberedSample &entry) {
     if (!growing_)
         return;
+    // If memory was exhausted while the previous row was added, there is an origin without a row.
+    origins_.resize(rows_.size());
+    origins_.push_back(
+        {entry.number & RowOrigin::maxNumber, entry.sample.l_valid, entry.sample.r_valid, entry.arrival});
+    appendRow(entry.sample);
+}
+
+RecordSlice EyeTrackingCSV::slice(std::size_t first, std::size_t maxCount) const {
+    RecordSlice result{rows_.slice(first, maxCount), {}};
+    if (const auto count = static_cast<std::ptrdiff_t>(result.rows.size())) {
+        const auto begin = origins_.begin() + static_cast<std::ptrdiff_t>(first);
+        result.origins.assign(begin, begin + count);
+    }
+    return result;
+}
+
+void EyeTrackingCSV::appendRow(const EyeTrackingSample &sample) {
     if (firstTimestamp_ == 0)
         firstTimestamp_ = sample.timestamp;
     // Unsigned, so that any two timestamps of a device can be subtracted without overflow.

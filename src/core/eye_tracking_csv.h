@@ -1,12 +1,30 @@
 #pragma once
 
-#include "core/eye_tracking_sample.h"
+#include "core/numbered_sample.h"
 #include "core/recording_phases.h"
 #include "toolkit/table/numeric_table_csv.h"
 
+#include <deque>
 #include <memory>
 #include <utility>
 #include <vector>
+
+/// Where the sample of a row comes from. The record file does not contain it. Packed into 16 bytes, because a recording
+/// has millions of rows.
+struct RowOrigin {
+    static constexpr quint64 maxNumber = (quint64(1) << 62U) - 1;
+
+    quint64 number : 62;  ///< NumberedSample::number
+    quint64 l_valid : 1;
+    quint64 r_valid : 1;
+    std::chrono::steady_clock::time_point arrival;
+};
+
+/// Consecutive rows of a recording. `origins` has an entry for each row.
+struct RecordSlice {
+    NumericRows rows;
+    std::vector<RowOrigin> origins;
+};
 
 /// A recording: a table with one row per sample. It is kept in memory and written to the record file in one call.
 ///
@@ -36,21 +54,29 @@ public:
     /// Returns why the last saveFile() did not write the file to its path, or an empty text if it did.
     [[nodiscard]] const QString &saveProblem() const { return saveProblem_; }
 
+    void addNumbered(const NumberedSample &entry);
+
+    /// Returns a copy of up to `maxCount` rows from `first` on; none if there are not that many rows.
+    [[nodiscard]] RecordSlice slice(std::size_t first, std::size_t maxCount) const;
+
 public Q_SLOTS:
     /// Writes the record file, or another file if that is not possible; see record_saving. currentFilePath() is then
     /// the file that was written. Logs a warning if the file is not at its path. Returns false if no file could be
     /// written. Does nothing and returns true if the path is empty.
     bool saveFile();
 
+    /// Adds a sample that has no number and has just arrived.
     void addSample(const EyeTrackingSample &sample);
 
 private:
+    void appendRow(const EyeTrackingSample &sample);
     void releaseReserve();
 
+    std::deque<RowOrigin> origins_;
     qint64 firstTimestamp_ = 0;  ///< ms; 0 until the first sample with a timestamp
     bool growing_ = true;
     std::vector<char> reserve_;  ///< has no elements, only a capacity
-    std::unique_ptr<RecordingPhases> phases_;
     QStringList fallbackFolders_;
     QString saveProblem_;
+    std::unique_ptr<RecordingPhases> phases_;  ///< destroyed first, because a journal reads the rows until then
 };

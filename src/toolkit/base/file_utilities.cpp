@@ -101,7 +101,7 @@ bool FileUtilities::openUnbuffered(QSaveFile &file) {
     return file.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
 }
 
-bool FileUtilities::writeAll(QSaveFile &file, const char *bytes, qint64 sizeBytes) {
+bool FileUtilities::writeAll(QFileDevice &file, const char *bytes, qint64 sizeBytes) {
     // When the disk becomes full, one call writes a part without an error. The next call fails with the reason.
     while (sizeBytes > 0) {
         const qint64 written = file.write(bytes, sizeBytes);

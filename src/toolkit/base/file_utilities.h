@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
+class QFileDevice;
 class QSaveFile;
 
 /// Operations on files and folders. Callable from any thread.
@@ -26,7 +27,7 @@ public:
     [[nodiscard]] static bool openUnbuffered(QSaveFile &file);
 
     /// Writes all of `bytes`. After a failure only a part is written, and the file must not be committed.
-    [[nodiscard]] static bool writeAll(QSaveFile &file, const char *bytes, qint64 sizeBytes);
+    [[nodiscard]] static bool writeAll(QFileDevice &file, const char *bytes, qint64 sizeBytes);
 
     /// Opens `file`, writes `content` and commits. After a failure the earlier file is unchanged.
     [[nodiscard]] static bool save(QSaveFile &file, const QByteArray &content);

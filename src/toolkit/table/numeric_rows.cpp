@@ -2,6 +2,7 @@
 
 #include "toolkit/table/number_text.h"
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 #include <type_traits>
@@ -47,6 +48,21 @@ char *writeCell(char *to, const NumericCell &cell) {
 
 void NumericRows::clear() {
     *this = NumericRows();
+}
+
+NumericRows NumericRows::slice(std::size_t first, std::size_t maxCount) const {
+    NumericRows copy;
+    const std::size_t last = std::min(size(), first + maxCount);
+    if (first >= last)
+        return copy;
+    const std::size_t begin = rowBegin(first);
+    const auto from = static_cast<std::ptrdiff_t>(begin);
+    const auto to = static_cast<std::ptrdiff_t>(rowBegin(last));
+    copy.values_.assign(values_.begin() + from, values_.begin() + to);
+    copy.types_.assign(types_.begin() + from, types_.begin() + to);
+    for (std::size_t row = first; row < last; ++row)
+        copy.rowEnds_.push_back(rowEnds_[row] - begin);
+    return copy;
 }
 
 QVariantList NumericRows::at(std::size_t row) const {

@@ -22,6 +22,9 @@ public:
 
     [[nodiscard]] std::size_t size() const { return rowEnds_.size(); }
 
+    /// Returns a copy of up to `maxCount` rows from `first` on; none if there are not that many rows.
+    [[nodiscard]] NumericRows slice(std::size_t first, std::size_t maxCount) const;
+
     /// Returns the cells of a row with their original types.
     [[nodiscard]] QVariantList at(std::size_t row) const;
 

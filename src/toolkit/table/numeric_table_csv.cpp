@@ -27,11 +27,10 @@ bool write(const std::string &text, QSaveFile &file) {
     return FileUtilities::writeAll(file, text.data(), static_cast<qint64>(text.size()));
 }
 
-bool writeTable(const QStringList &headers, const NumericRows &rows, QSaveFile &file) {
-    std::string text = csv::headerLine(headers, separator) + lineEnd;
+bool writeTable(std::string text, const NumericRows &rows, QSaveFile &file) {
     text.reserve(2 * writeSizeBytes);
     for (std::size_t row = 0; row < rows.size(); ++row) {
-        text += rows.text(row, separator) + lineEnd;
+        text += NumericTableCSV::rowLine(rows, row);
         if (text.size() < writeSizeBytes)
             continue;
         if (!write(text, file))
@@ -60,8 +59,16 @@ void NumericTableCSV::setHeaders(const QStringList &headers) {
     headers_ = headers;
 }
 
+std::string NumericTableCSV::headerLine() const {
+    return csv::headerLine(headers_, separator) + lineEnd;
+}
+
+std::string NumericTableCSV::rowLine(const NumericRows &rows, std::size_t index) {
+    return rows.text(index, separator) + lineEnd;
+}
+
 bool NumericTableCSV::write(QSaveFile &file) const {
-    return writeTable(headers_, rows_, file);
+    return writeTable(headerLine(), rows_, file);
 }
 
 bool NumericTableCSV::save(const QString &path, bool keepExisting) {

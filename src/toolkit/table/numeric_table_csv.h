@@ -23,6 +23,11 @@ public:
     [[nodiscard]] QStringList headers() const { return headers_; }
     [[nodiscard]] const NumericRows &rows() const { return rows_; }
 
+    /// Returns the header row as it is written to files, with its line ending.
+    [[nodiscard]] std::string headerLine() const;
+    /// Returns the row at `index` of `rows` as it is written to files, with its line ending.
+    [[nodiscard]] static std::string rowLine(const NumericRows &rows, std::size_t index);
+
     /// Writes the table to an open file. Returns false after a failure, see QSaveFile::errorString(). Logs nothing.
     [[nodiscard]] bool write(QSaveFile &file) const;
 

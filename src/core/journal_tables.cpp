@@ -1,0 +1,82 @@
+#include "core/journal_tables.h"
+
+#include "core/arrival_time.h"
+#include "toolkit/base/file_utilities.h"
+#include "toolkit/platform/file_sync.h"
+
+namespace {
+
+constexpr char samplesHeader[] = "Number,Arrival_ms,L_Valid,R_Valid\r\n";
+
+std::string rowsText(const NumericRows &rows) {
+    std::string text;
+    for (std::size_t row = 0; row < rows.size(); ++row)
+        text += NumericTableCSV::rowLine(rows, row);
+    return text;
+}
+
+std::string originsText(const std::vector<RowOrigin> &origins) {
+    std::string text;
+    for (const RowOrigin &origin : origins) {
+        text += std::to_string(origin.number) + ',' + arrival_time::utcMsText(origin.arrival);
+        text += origin.l_valid ? ",1" : ",0";
+        text += origin.r_valid ? ",1\r\n" : ",0\r\n";
+    }
+    return text;
+}
+
+QString write(QFile &file, const std::string &text) {
+    const bool written = FileUtilities::writeAll(file, text.data(), static_cast<qint64>(text.size()));
+    return written ? QString() : file.errorString();
+}
+
+QString goBackIn(QFile &file, qint64 sizeBytes) {
+    // Without WriteOnly's implied truncation, and without a buffer, so that a full disk is noticed at once.
+    if (!file.isOpen() && !file.open(QIODevice::ReadWrite | QIODevice::Unbuffered | QIODevice::ExistingOnly))
+        return file.errorString();
+    if (file.size() < sizeBytes)
+        return "the file was truncated by another program";
+    return file.resize(sizeBytes) && file.seek(sizeBytes) ? QString() : file.errorString();
+}
+
+}  // namespace
+
+JournalTables::JournalTables(const QString &rowsPath, const QString &samplesPath)
+    : rows_(rowsPath), samples_(samplesPath) {}
+
+QString JournalTables::begin(const std::string &rowsHeader) {
+    QString problem = goBack(End());
+    if (problem.isEmpty())
+        problem = write(rows_, rowsHeader);
+    if (problem.isEmpty())
+        problem = write(samples_, samplesHeader);
+    end_ = {0, static_cast<qint64>(rowsHeader.size()), static_cast<qint64>(sizeof samplesHeader - 1)};
+    return problem;
+}
+
+QString JournalTables::append(const RecordSlice &slice) {
+    const std::string rows = rowsText(slice.rows);
+    const std::string samples = originsText(slice.origins);
+    QString problem = write(rows_, rows);
+    if (problem.isEmpty())
+        problem = write(samples_, samples);
+    if (problem.isEmpty()) {
+        end_.rowCount += slice.rows.size();
+        end_.rowsBytes += static_cast<qint64>(rows.size());
+        end_.samplesBytes += static_cast<qint64>(samples.size());
+    }
+    return problem;
+}
+
+QString JournalTables::goBack(const End &end) {
+    QString problem = goBackIn(rows_, end.rowsBytes);
+    if (problem.isEmpty())
+        problem = goBackIn(samples_, end.samplesBytes);
+    if (problem.isEmpty())
+        end_ = end;
+    return problem;
+}
+
+QString JournalTables::sync(const QString &rowsPath, const QString &samplesPath) {
+    return file_sync::syncFile(rowsPath) && file_sync::syncFile(samplesPath) ? QString() : qt_error_string();
+}

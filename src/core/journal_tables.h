@@ -1,0 +1,42 @@
+#pragma once
+
+#include "core/eye_tracking_csv.h"
+
+#include <QFile>
+#include <QString>
+#include <string>
+
+/// The tables of a journal, to which rows are appended. After a failed write they can go back to an earlier end.
+/// Private to JournalWriter. One thread at a time, except synced().
+class JournalTables {
+public:
+    /// The end of the tables after complete rows.
+    struct End {
+        std::size_t rowCount = 0;
+        qint64 rowsBytes = 0;
+        qint64 samplesBytes = 0;
+    };
+
+    /// The files must exist.
+    JournalTables(const QString &rowsPath, const QString &samplesPath);
+
+    /// Opens the empty files and writes their headers. Returns the problem, or an empty text.
+    [[nodiscard]] QString begin(const std::string &rowsHeader);
+
+    /// Appends rows and the origins of their samples. Returns the problem, or an empty text. After a problem, call
+    /// goBack() before the next append().
+    [[nodiscard]] QString append(const RecordSlice &slice);
+
+    /// Opens the files again if necessary, and removes everything after `end`. Returns the problem, or an empty text.
+    [[nodiscard]] QString goBack(const End &end);
+
+    [[nodiscard]] const End &end() const { return end_; }
+
+    /// Waits until the files are on the disk. Returns the problem, or an empty text. Any thread.
+    [[nodiscard]] static QString sync(const QString &rowsPath, const QString &samplesPath);
+
+private:
+    QFile rows_;
+    QFile samples_;
+    End end_;
+};

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "core/eye_tracking_csv.h"
+#include "core/guarded.h"
+#include "core/journal_writer.h"
+
+#include <QDir>
+
+/// A recording with a journal, as a tracker has it. The members are destroyed in reverse order.
+class JournaledRecording {
+public:
+    JournaledRecording(const QString &journalsFolder, const QString &targetPath)
+        : journal_(std::make_unique<JournalWriter>(
+              journalsFolder, info(targetPath), header(), [this](std::size_t first, std::size_t maxCount) {
+                  return record_.with([=](const auto &record) { return record->slice(first, maxCount); });
+              })) {}
+
+    static std::string header() { return EyeTrackingCSV(QString(), false).headerLine(); }
+
+    static JournalInfo info(const QString &targetPath) {
+        JournalInfo info;
+        info.targetPath = targetPath;
+        info.tracker = "aSee Pro";
+        info.startUtcMs = 1700000000123;
+        info.programVersion = "1.2.3";
+        info.screen = QRect(0, 0, 1920, 1080);
+        info.calibratedArea = QRect(10, 20, 300, 200);
+        return info;
+    }
+
+    /// Adds samples with the timestamps and numbers `first` to `last`.
+    void add(qint64 first, qint64 last) {
+        for (qint64 number = first; number <= last; ++number) {
+            NumberedSample entry{static_cast<quint64>(number), std::chrono::steady_clock::now(), {number}};
+            entry.sample.l_valid = number % 2 != 0;
+            record_.with([&](auto &record) { record->addNumbered(entry); });
+        }
+    }
+
+    /// Returns the text that the record file would have.
+    QByteArray text() {
+        return record_.with([](const auto &record) {
+            std::string text = record->headerLine();
+            for (std::size_t row = 0; row < record->rows().size(); ++row)
+                text += NumericTableCSV::rowLine(record->rows(), row);
+            return QByteArray::fromStdString(text);
+        });
+    }
+
+    [[nodiscard]] JournalWriter &journal() { return *journal_; }
+
+    /// Ends the program's part of the journal without saving, like a program that closes.
+    void abandon() { journal_.reset(); }
+
+private:
+    Guarded<std::unique_ptr<EyeTrackingCSV>> record_{std::make_unique<EyeTrackingCSV>(QString(), false)};
+    std::unique_ptr<JournalWriter> journal_;
+};
+
+/// Returns the paths of the journals in `folder`, without a slash at the end.
+inline QStringList journalsIn(const QString &folder) {
+    QStringList paths;
+    for (const QFileInfo &entry : QDir(folder).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name))
+        paths << entry.filePath();
+    return paths;
+}
