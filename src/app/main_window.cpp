@@ -4,6 +4,8 @@
 #include "app/recording_keeper.h"
 #include "app/tracker_view_widget.h"
 #include "core/eyetracker_interface.h"
+#include "core/journal_recovery.h"
+#include "core/recording_journal.h"
 #include "toolkit/base/file_utilities.h"
 #include "toolkit/platform/autorun_helper.h"
 #include "toolkit/widgets/new_version_button.h"
@@ -45,6 +47,8 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent) {
     if (!hidesToTray())
         show();
     selectFirstTracker();
+    journalRecovery_ = std::make_unique<JournalRecovery>(recording_journal::folderIn(dataFolder_),
+                                                         trackers_.front().tracker->recordsFolder());
     // A logout of the user quits the application without closing its windows.
     connect(qApp, &QCoreApplication::aboutToQuit, this, &MainWindow::shutDown);
     // Windows may end the process before the application quits.
@@ -79,6 +83,7 @@ void MainWindow::buildTrackers() {
 }
 
 void MainWindow::addTracker(EyetrackerInterface *tracker) {
+    recording_journal::enable(*tracker, recording_journal::folderIn(dataFolder_));
     trackers_.push_back({tracker, tracker->createViewWidget()});
     recordings_->addTracker(tracker);
 }

@@ -9,6 +9,7 @@
 
 class BaseEyetrackerWidget;
 class EyetrackerInterface;
+class JournalRecovery;
 class NewVersionButton;
 class OcelaHTTPExchange;
 class QComboBox;
@@ -69,6 +70,7 @@ private:
     bool closed_ = false;
     /// Destroyed before the trackers, which are children of the window, because its threads read from them.
     std::unique_ptr<OcelaHTTPExchange> exchange_;
+    std::unique_ptr<JournalRecovery> journalRecovery_;
     std::vector<BaseEyetrackerWidget *> trackerWidgets_;
 
     QTabWidget *pages_ = nullptr;

@@ -28,7 +28,10 @@ EyetrackerInterface::EyetrackerInterface(const QString &dataFolder, QObject *par
 }
 
 // Drops a running recording and unsaved ones. MainWindow saves or discards them before it destroys a tracker.
-EyetrackerInterface::~EyetrackerInterface() = default;
+EyetrackerInterface::~EyetrackerInterface() {
+    // Not by the destructor of the member, because a journal takes the last rows under its lock.
+    recording_.exchange(nullptr);
+}
 
 void EyetrackerInterface::calibrateScreen(int screenIndex) {
     const QList<QScreen *> screens = QGuiApplication::screens();
@@ -46,8 +49,7 @@ void EyetrackerInterface::setCalibratedArea(QRect area) {
 
 bool EyetrackerInterface::startRecord(QString path) {
     if (path.isEmpty())
-        path = (recordsFolder_.isEmpty() ? defaultRecordsFolder() : recordsFolder_) + QDir::separator() +
-               record_saving::defaultFileName();
+        path = recordsFolder() + QDir::separator() + record_saving::defaultFileName();
     auto next = std::make_unique<EyeTrackingCSV>(path, false);
     if (createPhases_)
         next->setPhases(createPhases_(*next));
@@ -143,12 +145,26 @@ void EyetrackerInterface::addSample(const EyeTrackingSample &sample) {
 
 void EyetrackerInterface::store(const EyeTrackingSample &sample, std::chrono::steady_clock::time_point arrival) {
     // Destroyed after the lock is released, because the list has a heap node for each sample.
-    const QList<EyeTrackingSample> outdated =
-        samples_.with([&](SampleWindow &window) { return window.add(sample, arrival); });
+    NumberedSample entry;
+    const QList<EyeTrackingSample> outdated = samples_.with([&](SampleWindow &window) {
+        QList<EyeTrackingSample> list = window.add(sample, arrival);
+        entry = window.last();
+        return list;
+    });
     recording_.with([&](const Recording &recording) {
         if (recording)
-            recording->addSample(sample);
+            recording->addNumbered(entry);
     });
+}
+
+QString EyetrackerInterface::recordsFolder() const {
+    return recordsFolder_.isEmpty() ? defaultRecordsFolder() : recordsFolder_;
+}
+
+RecordSlice EyetrackerInterface::rowsOf(const EyeTrackingCSV &recording, std::size_t first,
+                                        std::size_t maxCount) const {
+    // The lock guards a running recording. A stopped one gets no more rows.
+    return recording_.with([&](const Recording &) { return recording.slice(first, maxCount); });
 }
 
 bool EyetrackerInterface::isRecording() const {

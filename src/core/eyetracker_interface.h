@@ -15,6 +15,7 @@
 #include <vector>
 
 class EyeTrackingCSV;
+struct RecordSlice;
 class RecordingPhases;
 class VTSettings;
 class QWidget;
@@ -140,6 +141,13 @@ public:
     using CreatePhases = std::function<std::unique_ptr<RecordingPhases>(const EyeTrackingCSV &recording)>;
     /// Sets a function that is called at the start of each later recording, before it gets a sample.
     void setCreatePhases(CreatePhases create) { createPhases_ = std::move(create); }
+
+    /// Returns the folder for recordings without a path.
+    [[nodiscard]] QString recordsFolder() const;
+
+    /// Returns a copy of up to `maxCount` rows from `first` on. `recording` is one that the function of
+    /// setCreatePhases() was given, running or stopped. Any thread.
+    [[nodiscard]] RecordSlice rowsOf(const EyeTrackingCSV &recording, std::size_t first, std::size_t maxCount) const;
 
     /// Stores the connection state, and emits the connection signals if it changed.
     void setConnected(bool value);

@@ -1,5 +1,7 @@
 #include "core/journal_recovery.h"
+#include "core/recording_journal.h"
 #include "journaled_recording.h"
+#include "support/fake_tracker.h"
 #include "support/file_content.h"
 #include "support/test_main.h"
 
@@ -31,6 +33,7 @@ private Q_SLOTS:
     void recovered_file_gets_a_free_name_in_a_folder_that_can_be_written_data();
     void recovered_file_gets_a_free_name_in_a_folder_that_can_be_written();
     void running_recording_is_left_alone_until_its_program_ends();
+    void tracker_has_a_journal_until_its_recording_is_saved_or_discarded();
 
 private:
     void recover() const { JournalRecovery(path("journal"), path("records")).waitForDone(); }
@@ -177,6 +180,35 @@ void TestJournalRecovery::running_recording_is_left_alone_until_its_program_ends
     recover();
     QCOMPARE(readFile(path("target/r_recovered.csv")), recording.text());
     QCOMPARE(journalsIn(path("journal")), QStringList());
+}
+
+void TestJournalRecovery::tracker_has_a_journal_until_its_recording_is_saved_or_discarded() {
+    QVERIFY(QDir().rmdir(path("journal/a")));
+    const auto journals = [this] { return journalsIn(path("journal")); };
+    {
+        FakeTracker tracker;
+        tracker.setCalibratedArea(10, 20, 300, 200);
+        recording_journal::enable(tracker, path("journal"));
+        tracker.startRecord(path("target/saved.csv"));
+        QTRY_COMPARE(journals().size(), 1);
+        tracker.stopRecord();
+        QCOMPARE(journals(), QStringList());
+
+        tracker.startRecord(path("target/r.csv"));
+        for (int number = 1; number <= 300; ++number)
+            tracker.addSample({number});
+        QTRY_COMPARE(readFile(journals().value(0) + "/rows.csv").count('\n'), 301);
+        const JournalInfo info = parseJournalInfo(readFile(journals().first() + "/recording.json")).info;
+        QCOMPARE(info.targetPath, path("target/r.csv"));
+        QCOMPARE(info.tracker, tracker.name());
+        QCOMPARE(info.calibratedArea, QRect(10, 20, 300, 200));
+        tracker.addSample({301});
+        const QByteArray lastSample = readFile(journals().first() + "/samples.csv").split('\n').value(300);
+        QCOMPARE(lastSample.split(',').first().toULongLong() + 1, tracker.lastNumberedSample().number);
+    }
+    recover();
+    QCOMPARE(readFile(path("target/r_recovered.csv")).count('\n'), 302);
+    QCOMPARE(QDir(path("target")).entryList(QDir::Files), QStringList({"r_recovered.csv", "saved.csv"}));
 }
 
 OCELA_TEST(TestJournalRecovery)
