@@ -1,12 +1,14 @@
 // Measures the time to deliver one sample.
 
 #include "core/eyetracker_interface.h"
+#include "core/recording_journal.h"
 #include "support/bare_tracker.h"
 #include "support/rounds.h"
 #include "support/typical_samples.h"
 
 #include <QCoreApplication>
 #include <QTemporaryDir>
+#include <array>
 #include <deque>
 #include <mutex>
 
@@ -48,25 +50,30 @@ private:
 
 class Deliveries {
 public:
-    explicit Deliveries(QString recordFilePath) : recordFilePath_(std::move(recordFilePath)) {
+    explicit Deliveries(const QString &folder) : recordFilePath_(folder + "/record.csv") {
         QObject::connect(
             &connected_, &EyetrackerInterface::newSample, &connected_,
             [this](const EyeTrackingSample &sample) { xSum_ += sample.x_px; }, Qt::DirectConnection);
-        for (EyetrackerInterface *tracker : {&unconnected_, &connected_})
+        recording_journal::enable(journaled_, folder + "/journal");
+        for (EyetrackerInterface *tracker : trackers())
             source_.deliver(3000, [&](const EyeTrackingSample &sample) { tracker->addSample(sample); });
     }
 
     [[nodiscard]] std::vector<bench::Candidate> candidates() {
         return {
-            {"baseline: std::deque push and pop under std::mutex", samplesPerRound, [this] { fillBareWindow(); }, {}},
+            {"baseline: std::deque push and pop under std::mutex", samplesPerRound, [this] { fillBareWindow(); },
+             [this] { journaled_.stopRecord(); }},
             delivery("addSample, not recording, no receiver", unconnected_, false),
             delivery("addSample, not recording, one direct receiver", connected_, false),
             delivery("addSample, recording, no receiver", unconnected_, true),
             delivery("addSample, recording, one direct receiver", connected_, true),
+            delivery("addSample, recording with a journal, no receiver", journaled_, true),
         };
     }
 
 private:
+    std::array<EyetrackerInterface *, 3> trackers() { return {&unconnected_, &connected_, &journaled_}; }
+
     void fillBareWindow() {
         source_.deliver(samplesPerRound, [this](const EyeTrackingSample &sample) { bareWindow_.add(sample); });
     }
@@ -77,7 +84,9 @@ private:
             source_.deliver(samplesPerRound, [&](const EyeTrackingSample &sample) { tracker.addSample(sample); });
         };
         const auto reset = [this, &tracker, recording] {
-            tracker.stopRecord();
+            // Also the recordings of the other candidates: a journal would use the processor during this round.
+            for (EyetrackerInterface *any : trackers())
+                any->stopRecord();
             if (recording)
                 tracker.startRecord(recordFilePath_);
         };
@@ -89,6 +98,7 @@ private:
     BareWindow bareWindow_;
     BareTracker unconnected_;
     BareTracker connected_;
+    BareTracker journaled_;
     qint64 xSum_ = 0;
 };
 
@@ -97,7 +107,7 @@ private:
 int main(int argc, char *argv[]) {
     const QCoreApplication application(argc, argv);
     const QTemporaryDir folder;
-    Deliveries deliveries(folder.filePath("record.csv"));
+    Deliveries deliveries(folder.path());
     bench::print("Delivering a sample at 1000 Hz with a full window of 2 s",
                  bench::interleave(deliveries.candidates(), bench::roundsFrom(argc, argv, 51)));
 }
