@@ -11,6 +11,7 @@
 
 /// Where the sample of a row comes from. The record file does not contain it. Packed into 16 bytes, because a recording
 /// has millions of rows.
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): C++17 has no initializers of bit-fields.
 struct RowOrigin {
     static constexpr quint64 maxNumber = (quint64(1) << 62U) - 1;
 

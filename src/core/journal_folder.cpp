@@ -52,7 +52,7 @@ std::unique_ptr<JournalFolder> JournalFolder::open(const QString &path) {
 
 QString JournalFolder::fill(const JournalInfo &info) {
     // The description comes first: rows without a description would look like a damaged journal.
-    const QString problem = writeInfo(info);
+    QString problem = writeInfo(info);
     if (!problem.isEmpty())
         return problem;
     for (const QString &table : {rowsPath(), samplesPath(), markersPath()}) {
@@ -85,7 +85,7 @@ QString JournalFolder::keepAsDamaged() {
     // Windows does not rename a folder with an open file.
     lock_.unlock();
     for (int number = 1; number <= maxNameCount; ++number) {
-        const QString name = numberedName(path_ + ".damaged", number);
+        QString name = numberedName(path_ + ".damaged", number);
         if (!QFileInfo::exists(name) && QDir().rename(path_, name))
             return name;
     }

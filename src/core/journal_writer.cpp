@@ -83,19 +83,19 @@ void JournalWriter::step() {
 
 QString JournalWriter::takeRows() {
     if (!tables_) {
-        const QString problem = create();
+        QString problem = create();
         if (!problem.isEmpty())
             return problem;
     }
     if (mustGoBack_) {
-        const QString problem = tables_->goBack(syncedEnd_);
+        QString problem = tables_->goBack(syncedEnd_);
         if (!problem.isEmpty())
             return problem;
         mustGoBack_ = false;
     }
     for (;;) {
         const RecordSlice slice = source_(tables_->end().rowCount, maxSliceRows);
-        const QString problem = tables_->append(slice);
+        QString problem = tables_->append(slice);
         if (!problem.isEmpty() || slice.origins.size() < maxSliceRows)
             return problem;
         (void)waitForStop(slicePause);
@@ -107,7 +107,7 @@ QString JournalWriter::create() {
     if (!created.folder)
         return created.problem;
     JournalTables &tables = tables_.emplace(created.folder->rowsPath(), created.folder->samplesPath());
-    const QString problem = tables.begin(header_);
+    QString problem = tables.begin(header_);
     if (!problem.isEmpty()) {
         tables_.reset();
         created.folder->remove();
@@ -195,7 +195,7 @@ void JournalWriter::writePhase(JournalPhase phase) {
     if (!folder_)
         return;
     info_.phase = phase;
-    const QString problem = folder_->writeInfo(info_);
+    QString problem = folder_->writeInfo(info_);
     if (!problem.isEmpty())
         qCWarning(lcJournal).noquote() << "Cannot write"
                                        << QDir::toNativeSeparators(folder_->infoPath()) + ": " + problem;
