@@ -89,4 +89,4 @@ void TestOutOfMemory::incomplete_row_is_removed_from_a_table() {
 }
 
 OCELA_TEST(TestOutOfMemory)
-#include "tst_out_of_memory.moc"
+#include "tst_out_of_memory_linux.moc"
