@@ -169,8 +169,6 @@ void TestMainWindow::changing_the_language_changes_all_texts_immediately() {
     for (int i = 0; i < english.size(); ++i)
         QVERIFY2(russian[i] != english[i], qPrintable(english[i]));
 
-    QCOMPARE(qobject_cast<QTabWidget *>(MainWindow().centralWidget())->tabText(0), russian.first());
-
     settingsOf(window).setLanguage("en_US");
     QTRY_COMPARE(texts(), english);
 }

@@ -11,12 +11,12 @@
 #include <QDir>
 #include <QDoubleSpinBox>
 #include <QFileDialog>
+#include <QIcon>
 #include <QLineEdit>
 #include <QLocale>
 #include <QMetaEnum>
 #include <QSignalBlocker>
 #include <QSpinBox>
-#include <QStyle>
 #include <algorithm>
 #include <limits>
 
@@ -186,8 +186,7 @@ public:
 
 private:
     void addFolderButton() {
-        const QIcon icon = line_->style()->standardIcon(QStyle::SP_DirOpenIcon);
-        chooseFolder_ = line_->addAction(icon, QLineEdit::TrailingPosition);
+        chooseFolder_ = line_->addAction(QIcon(QStringLiteral(":/icons/folder.svg")), QLineEdit::TrailingPosition);
         connect(chooseFolder_, &QAction::triggered, this, [this] {
             const QString folder = QFileDialog::getExistingDirectory(
                 line_->window(), PropertyEditor::tr("Choose a folder"), line_->text());
