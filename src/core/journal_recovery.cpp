@@ -11,6 +11,7 @@
 #include <QFileInfo>
 #include <QLoggingCategory>
 #include <exception>
+#include <memory>
 #include <optional>
 
 namespace {
@@ -135,18 +136,20 @@ private:
         QFile file(path);
         if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
             return fail(native(path) + ": " + file.errorString());
-        JournalRows rows(folder_.rowsPath(), recordHeader());
-        JournalRows::Result result = rows.read();
-        for (; result == JournalRows::Result::Lines; result = rows.read()) {
+        auto rows = std::make_unique<JournalRows>(folder_.rowsPath(), recordHeader());
+        JournalRows::Result result = rows->read();
+        for (; result == JournalRows::Result::Lines; result = rows->read()) {
             if (stopping_)
                 return Outcome::Done;
-            if (!FileUtilities::writeAll(file, rows.lines().data(), static_cast<qint64>(rows.lines().size())))
+            if (!FileUtilities::writeAll(file, rows->lines().data(), static_cast<qint64>(rows->lines().size())))
                 return fail(native(path) + ": " + file.errorString());
         }
         file.close();
-        rowCount_ = rows.rowCount();
+        rowCount_ = rows->rowCount();
+        const QString problem = rows->problem();
+        rows.reset();  // Windows does not remove or rename a journal with an open file.
         if (result == JournalRows::Result::ReadFailed)
-            return fail(native(folder_.rowsPath()) + ": " + rows.problem());
+            return fail(native(folder_.rowsPath()) + ": " + problem);
         if (result == JournalRows::Result::Damaged) {
             keepAsDamaged(QString("its row %1 is damaged").arg(rowCount_ + 1));
             return Outcome::Done;
