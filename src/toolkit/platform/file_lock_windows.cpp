@@ -6,7 +6,8 @@
 namespace {
 
 HANDLE handleOf(qintptr file) {
-    return reinterpret_cast<HANDLE>(file);
+    // The API declares handles as pointers.
+    return reinterpret_cast<HANDLE>(file);  // NOLINT(performance-no-int-to-ptr)
 }
 
 }  // namespace
