@@ -70,7 +70,7 @@ bool CalibWorker::withScreen(Use use) const {
     return exists;
 }
 
-/// Changes the screen with a call that is queued to its thread.
+/// Queues a change of the screen to the screen's thread.
 template <typename Change>
 bool CalibWorker::show(Change change) const {
     return withScreen([change](CalibrationWidget &screen) {

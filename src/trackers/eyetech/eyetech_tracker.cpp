@@ -140,8 +140,8 @@ void EyetechGrabber::poll() {
         fetchFrame();
 }
 
-// The result is not checked: that is intended. A call that fails leaves the count unchanged, and selectDevice() then
-// prints the failure.
+// The result is not checked: that is intended. A failed call leaves the count unchanged, and selectDevice() prints the
+// failure.
 bool EyetechGrabber::findDevice() {
     std::array<int, maxDevices> devices{};
     int count = maxDevices;
