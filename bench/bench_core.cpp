@@ -84,7 +84,7 @@ private:
             source_.deliver(samplesPerRound, [&](const EyeTrackingSample &sample) { tracker.addSample(sample); });
         };
         const auto reset = [this, &tracker, recording] {
-            // Also the recordings of the other candidates: a journal would use the processor during this round.
+            // Stops all recordings, because the journal of another candidate would use the processor during this round.
             for (EyetrackerInterface *any : trackers())
                 any->stopRecord();
             if (recording)

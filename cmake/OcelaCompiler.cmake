@@ -1,6 +1,6 @@
 # Warnings, sanitizers and Qt defines of every target in this project, and the compiler cache.
 
-# The cache works for all clones: it ignores their paths, and those are not in the debug information.
+# All clones share the cache: it ignores their paths, and the debug information does not contain them.
 find_program(CCACHE ccache)
 if(CCACHE)
   set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env

@@ -1,7 +1,7 @@
-# One precompiled header with what nearly all sources include. Without it, a build takes twice the time.
+# One precompiled header with the headers that most sources include. Without it, a build takes twice the time.
 #
 # It contains headers of Qt Core and the standard library only, so that no folder gets access to another module of Qt.
-# A source still includes what it uses: clang-tidy runs without the precompiled header.
+# A source still includes all headers that it uses, because clang-tidy runs without the precompiled header.
 
 # ocela_without_qt(<target> ...): targets that are not linked to Qt, so they have no precompiled header and no moc.
 function(ocela_without_qt)

@@ -28,7 +28,7 @@ export WINEPATH=$search
 export WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES="mscoree,mshtml=${WINEDLLOVERRIDES:+;$WINEDLLOVERRIDES}"
 # Wine passes QT_ variables to the program only with the prefix WINE.
 for name in $(compgen -e QT_); do export "WINE$name=${!name}"; done
-# Wine's services outlive the last program by some seconds. Start them without the output of the program: its reader
-# would wait until they have closed it, too.
+# Wine's services outlive the last program by some seconds. Start them without the output of the program. Otherwise, a
+# reader of the output would wait until the services have closed it, too.
 wine cmd /c exit </dev/null &>/dev/null || true
 exec wine "$@"

@@ -8,7 +8,7 @@
 class EyetrackerInterface;
 class SampleJsonCache;
 
-/// "result" and the members that go with it.
+/// "result" and further JSON members.
 struct ResultAnswer {
     bool result = true;
     QJsonObject details = {};
@@ -24,7 +24,7 @@ struct SamplesAnswer {
     EyetrackerInterface &tracker;
 };
 
-/// An existing file, to be sent instead of a document. Its document says that the file exists.
+/// An existing file, to be sent instead of a document. Its document has "result": true.
 struct FileAnswer {
     QString path;
 };

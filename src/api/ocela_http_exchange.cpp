@@ -31,7 +31,7 @@ protected:
     bool event(QEvent *event) override { return event->type() == QEvent::UpdateRequest || QSettings::event(event); }
 };
 
-/// Does not set "host", so the listener uses all interfaces.
+/// Does not set "host", so the listener uses all interfaces. Intended: the values that are read are not used.
 QSettings *createListenerSettings() {
     auto *settings = new MemorySettings(qApp);
     (void)settings->value("host", "127.0.0.1");

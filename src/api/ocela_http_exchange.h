@@ -19,7 +19,7 @@ class QSettings;
 ///
 /// There is one object per process. MainWindow creates it on the GUI thread after the trackers, and destroys it there
 /// before the trackers. It listens on port 3735 of all interfaces while it exists. If another program uses the port,
-/// a warning is logged, and the program runs without the API. Requests are answered on the connections' threads,
+/// an error is logged, and the program runs without the API. Requests are answered on the connections' threads,
 /// several at the same time. Calls that change the tracker are queued to the tracker's thread. Their results are not
 /// reported.
 class OcelaHTTPExchange : public QObject {
@@ -39,8 +39,8 @@ public:
     /// selected, and until all running requests are answered.
     void setTracker(EyetrackerInterface *tracker) { tracker_ = tracker; }
 
-    /// Returns the answer to a request. Of the request, only the path is used. If the answer is a file, sets `filePath`
-    /// to that existing file, otherwise to an empty string. May be called from any thread.
+    /// Returns the answer to a request for `path`. Does not use `request`. If the answer is a file, sets `filePath` to
+    /// that existing file, otherwise to an empty string. May be called from any thread.
     [[nodiscard]] QJsonDocument processRequest(QString path, HttpRequest &request, QString &filePath);
 
     /// Returns the same answer before it is serialized.

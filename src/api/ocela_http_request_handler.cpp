@@ -43,7 +43,7 @@ void warn(const QString &fileName, const QString &reason) {
     qCWarning(lcHttp, "Cannot send %ls: %ls", qUtf16Printable(fileName), qUtf16Printable(reason));
 }
 
-/// Reads at most `sizeBytes`, because some system files report a size of 0 and have no end. Logs the reason of a
+/// Reads at most `sizeBytes`, because some system files report a size of 0 and have no end. Logs the reason for a
 /// failure.
 std::optional<QByteArray> readFile(const QString &fileName, qint64 sizeBytes) {
     QFile file(fileName);

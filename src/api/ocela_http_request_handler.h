@@ -7,9 +7,10 @@
 
 /// Answers all requests of the HTTP API: gets the answer from the exchange, and sends it as a JSON document or a file.
 ///
-/// The exchange owns it, and its listener calls service() on the connections' threads. The status is always 200. Files
-/// are read completely and sent in one write, without support for ranges. If a file cannot be sent (a folder, a pipe,
-/// no permission, more than `maxFileBytes`), the reason is logged, and the JSON document of the answer is sent instead.
+/// The exchange owns the handler. The listener calls service() on the connections' threads. The status is always 200.
+/// Files are read completely and sent in one write, without support for ranges. If a file cannot be sent (a folder, a
+/// pipe, no permission, more than `maxFileBytes`), the reason is logged, and the JSON document of the answer is sent
+/// instead.
 class OcelaHTTPRequestHandler : public HttpRequestHandler {
     Q_OBJECT
 

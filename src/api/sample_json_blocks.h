@@ -9,8 +9,8 @@
 /// The JSON texts of the samples in one tracker's window. Each sample is converted once, while it is in the window.
 ///
 /// The texts are stored in blocks of many samples. An update therefore copies at most two blocks, and the samples may
-/// take more bytes than the maximum size of a QByteArray. The owner guards it. Other threads read the returned blocks
-/// without the guard, so a block is never modified, only replaced.
+/// take more bytes than the maximum size of a QByteArray. The owner guards the object with a lock. Other threads read
+/// the returned blocks without the lock, so a block is never modified, only replaced.
 class SampleJsonBlocks {
 public:
     static constexpr int samplesPerBlock = 128;
@@ -39,5 +39,5 @@ private:
 
     quint64 lastNumber_ = 0;
     std::deque<Block> blocks_;
-    List list_;  ///< the same blocks
+    List list_;  ///< the last result of update()
 };

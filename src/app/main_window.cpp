@@ -46,7 +46,7 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent) {
     resize(initialSize.expandedTo(sizeHint()));
     if (!hidesToTray())
         show();
-    selectFirstTracker();
+    selectInitialTracker();
     journalRecovery_ = std::make_unique<JournalRecovery>(recording_journal::folderIn(dataFolder_),
                                                          trackers_.front().tracker->recordsFolder());
     // A logout of the user quits the application without closing its windows.
@@ -179,7 +179,7 @@ void MainWindow::retranslate() {
     trayIcon_->setToolTip(tr("Eye Tracker Service"));
 }
 
-void MainWindow::selectFirstTracker() {
+void MainWindow::selectInitialTracker() {
     const QString selected = settings_->getSelectedTracker();
     int index = 0;
     for (std::size_t i = 0; i < trackers_.size(); ++i) {

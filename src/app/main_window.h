@@ -24,7 +24,8 @@ class RecordingKeeper;
 ///
 /// Only the selected tracker is started. Selecting another tracker stops the old one, starts the new one and stores the
 /// selection. While HideWindowOnStart is set, closing the visible window hides it to the tray. Otherwise closing quits
-/// the program, after a question if a recording is running. The end of the desktop session saves it without a question.
+/// the program, after a question if a recording is running. At the end of the desktop session, running recordings are
+/// saved without a question.
 class MainWindow : public QMainWindow {
     Q_OBJECT
 
@@ -51,7 +52,7 @@ private:
     [[nodiscard]] QWidget *buildSettingsPage();
     void buildPages();
     void buildTray();
-    void selectFirstTracker();
+    void selectInitialTracker();
 
     void addTracker(EyetrackerInterface *tracker);
     void trackerIndexChanged(int index);

@@ -25,7 +25,7 @@ public:
         return box_.addButton(text, role);
     }
 
-    /// Returns the chosen button, which is the last one if the box is closed.
+    /// Returns the chosen button, or `last` if the user closes the box.
     [[nodiscard]] QAbstractButton *ask(QPushButton *last) {
         box_.setEscapeButton(last);
         box_.exec();
@@ -138,7 +138,7 @@ bool RecordingKeeper::resolveUnsaved(bool closing) {
 }
 
 void RecordingKeeper::recordStopped() {
-    // The question is queued, because the caller may be in the middle of something.
+    // The question is queued, because its event loop must not run inside the code that stopped the recording.
     const auto ask = [this] {
         if (busy_)
             return;

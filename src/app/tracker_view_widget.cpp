@@ -24,7 +24,7 @@ const QIcon &monitorIcon() {
     return icon;
 }
 
-/// Converts the sample's pixels to desktop coordinates. Trackers that report physical pixels use the primary screen.
+/// Converts the sample's pixels to desktop coordinates. Physical pixels are assumed to be on the primary screen.
 QPoint desktopPosition(const EyeTrackingSample &sample, EyetrackerInterface::PixelUnit unit) {
     const QPoint position(sample.x_px, sample.y_px);
     const QScreen *screen = QGuiApplication::primaryScreen();

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <string>
 
-/// Converts arrivals to the time of day. Any thread.
+/// Converts arrival times from the steady clock to UTC. Any thread.
 namespace arrival_time {
 
 /// Returns the microseconds since 1970 UTC at `arrival`. The first call in the process reads the system clock. After

@@ -45,7 +45,7 @@ public:
     /// Changes the folder of the record file, before it is written.
     void setFolder(const QString &folder);
 
-    /// Tells the phases that the rows are not wanted.
+    /// Tells the RecordingPhases object, if there is one, that the recording is discarded.
     void discard();
 
     /// Ignores all later samples, and releases the memory that is reserved for saving. Call it when memory runs out.

@@ -29,7 +29,7 @@ EyetrackerInterface::EyetrackerInterface(const QString &dataFolder, QObject *par
 
 // Drops a running recording and unsaved ones. MainWindow saves or discards them before it destroys a tracker.
 EyetrackerInterface::~EyetrackerInterface() {
-    // Not by the destructor of the member, because a journal takes the last rows under its lock.
+    // Not left to the member's destructor, because the journal takes the last rows under the member's lock.
     recording_.exchange(nullptr);
 }
 
@@ -144,8 +144,8 @@ void EyetrackerInterface::addSample(const EyeTrackingSample &sample) {
 }
 
 void EyetrackerInterface::store(const EyeTrackingSample &sample, std::chrono::steady_clock::time_point arrival) {
-    // Destroyed after the lock is released, because the list has a heap node for each sample.
     NumberedSample entry;
+    // Destroyed after the lock is released, because the list has a heap node for each sample.
     const QList<EyeTrackingSample> outdated = samples_.with([&](SampleWindow &window) {
         QList<EyeTrackingSample> list = window.add(sample, arrival);
         entry = window.last();

@@ -62,8 +62,8 @@ Q_SIGNALS:
     /// A calibration was successful. Not every device reports that.
     void calibrated();
     void recordStarted();
-    /// A recording was stopped. `path` is the file that was written, which may be another one than startRecord() was
-    /// given. It is empty if the recording was discarded, or if no file could be written; see unsavedProblem().
+    /// A recording was stopped. `path` is the file that was written, which may differ from the path that was passed to
+    /// startRecord(). It is empty if the recording was discarded, or if no file could be written; see unsavedProblem().
     void recordStopped(QString path);
     /// Asks the calibration screen to close.
     void stopCalibrationRequest();
@@ -134,8 +134,8 @@ public:
     /// Stops the running recording without writing a file.
     void discardRecord();
 
-    /// Sets the folder for recordings without a path. If it is empty, the folder is <documents>/Ocela. Record files
-    /// that cannot be written elsewhere are written to these two folders.
+    /// Sets the folder for recordings without a path. If it is empty, the folder is <documents>/Ocela. A record file
+    /// that cannot be written to its own folder is written to `folder` or to <documents>/Ocela.
     void setRecordsFolder(const QString &folder) { recordsFolder_ = folder; }
 
     using CreatePhases = std::function<std::unique_ptr<RecordingPhases>(const EyeTrackingCSV &recording)>;
@@ -145,8 +145,8 @@ public:
     /// Returns the folder for recordings without a path.
     [[nodiscard]] QString recordsFolder() const;
 
-    /// Returns a copy of up to `maxCount` rows from `first` on. `recording` is one that the function of
-    /// setCreatePhases() was given, running or stopped. Any thread.
+    /// Returns a copy of up to `maxCount` rows from `first` on. `recording` is a running or stopped recording that was
+    /// passed to the function of setCreatePhases(). Any thread.
     [[nodiscard]] RecordSlice rowsOf(const EyeTrackingCSV &recording, std::size_t first, std::size_t maxCount) const;
 
     /// Stores the connection state, and emits the connection signals if it changed.

@@ -5,8 +5,8 @@
 #include <QString>
 #include <optional>
 
-/// How far a recording has come. Each phase is on the disk before the next step starts, so a program that ends at any
-/// moment neither loses nor doubles a recording.
+/// The phase of a recording. Each phase is on the disk before the next step starts, so a program that ends at any
+/// moment neither loses nor duplicates a recording.
 enum class JournalPhase {
     Recording,
     Saving,  ///< a complete file is about to get the name JournalInfo::savingPath

@@ -67,7 +67,7 @@ private:
     bool readInfo() {
         QFile file(folder_.infoPath());
         if (!file.exists() && !QFile::exists(folder_.rowsPath())) {
-            // Not a journal, or the rest of one that was removed.
+            // Not a journal, or a journal that was only partly removed.
             QFile::remove(folder_.path() + "/lock");
             QDir().rmdir(folder_.path());
             return false;

@@ -6,10 +6,10 @@
 
 /// Recovers the recordings of programs that ended unexpectedly. The main window owns one from startup on.
 ///
-/// The work runs on a thread of its own with all journals in `journalsFolder` that no program has locked. A recording
-/// is written to "NAME_recovered.csv" in the folder of its record file, or in `recordsFolder` if that is not possible,
-/// and its journal is removed. No file is ever replaced. Each recovered file, and each journal that cannot be
-/// recovered, is logged. See docs/records.md.
+/// A thread of its own recovers all journals in `journalsFolder` that no program has locked. A recording is written to
+/// "NAME_recovered.csv" in the folder of its record file, or in `recordsFolder` if that is not possible. Its journal is
+/// then removed. No file is ever replaced. Each recovered file, and each journal that cannot be recovered, is logged.
+/// See docs/records.md.
 class JournalRecovery {
 public:
     JournalRecovery(const QString &journalsFolder, const QString &recordsFolder);

@@ -7,8 +7,8 @@
 
 /// Reads the row table of a journal up to its last complete row. Private to JournalRecovery.
 ///
-/// A crash may leave the last row incomplete, and a power failure zeros behind it; both are skipped. Any other text
-/// that is not a row of numbers is damage.
+/// A crash may leave the last row incomplete, and a power failure may leave zeros after it. Both are skipped. Any other
+/// text that is not a row of numbers is damage.
 class JournalRows {
 public:
     enum class Result { Lines, End, Damaged, ReadFailed };

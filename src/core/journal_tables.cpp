@@ -31,7 +31,7 @@ QString write(QFile &file, const std::string &text) {
 }
 
 QString goBackIn(QFile &file, qint64 sizeBytes) {
-    // Without WriteOnly's implied truncation, and without a buffer, so that a full disk is noticed at once.
+    // WriteOnly without ReadOnly would truncate the file. Unbuffered, so that a full disk is noticed at once.
     if (!file.isOpen() && !file.open(QIODevice::ReadWrite | QIODevice::Unbuffered | QIODevice::ExistingOnly))
         return file.errorString();
     if (file.size() < sizeBytes)

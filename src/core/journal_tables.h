@@ -7,7 +7,7 @@
 #include <string>
 
 /// The tables of a journal, to which rows are appended. After a failed write they can go back to an earlier end.
-/// Private to JournalWriter. One thread at a time, except synced().
+/// Private to JournalWriter. One thread at a time, except sync().
 class JournalTables {
 public:
     /// The end of the tables after complete rows.

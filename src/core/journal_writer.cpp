@@ -16,7 +16,7 @@ namespace {
 Q_LOGGING_CATEGORY(lcJournal, "ocela.journal")
 
 /// Copying a slice takes a few microseconds, for which a tracker may have to wait.
-constexpr std::size_t maxSliceRows = 64;
+constexpr std::size_t maxSliceRowCount = 64;
 /// A tracker that delivers very fast would otherwise wait for many slices in a row. 64 rows in 1 ms are enough for
 /// every tracker.
 constexpr std::chrono::milliseconds slicePause{1};
@@ -94,9 +94,9 @@ QString JournalWriter::takeRows() {
         mustGoBack_ = false;
     }
     for (;;) {
-        const RecordSlice slice = source_(tables_->end().rowCount, maxSliceRows);
+        const RecordSlice slice = source_(tables_->end().rowCount, maxSliceRowCount);
         QString problem = tables_->append(slice);
-        if (!problem.isEmpty() || slice.origins.size() < maxSliceRows)
+        if (!problem.isEmpty() || slice.origins.size() < maxSliceRowCount)
             return problem;
         (void)waitForStop(slicePause);
     }
@@ -114,8 +114,8 @@ QString JournalWriter::create() {
         return problem;
     }
     folder_ = std::move(created.folder);
-    // Going back from here would lose the header, which is not synced yet, only if the power fails. An empty table has
-    // nothing to recover.
+    // The header counts as synced, although it is not synced yet. Only a power failure can lose it, and an empty table
+    // has nothing to recover.
     syncedEnd_ = tables.end();
     nextSync_ = Clock::now() + syncInterval;
     return QString();

@@ -21,7 +21,8 @@ struct Result {
 [[nodiscard]] Result save(const QString &path, const QStringList &fallbackFolders, const NewFile::Write &write,
                           const file_names::BeforeNaming &beforeNaming = nullptr);
 
-/// Returns the default name of a record file, for example "2026-03-14_15-09-26-535_ocela.csv". It has the current time.
+/// Returns the default name of a record file, for example "2026-03-14_15-09-26-535_ocela.csv". It contains the current
+/// time.
 [[nodiscard]] QString defaultFileName();
 
 }  // namespace record_saving

@@ -7,7 +7,7 @@ class EyetrackerInterface;
 /// Gives the recordings of trackers a journal each.
 namespace recording_journal {
 
-/// Returns the folder of all journals, for the folder of the program's data.
+/// Returns the folder of all journals, which is in `dataFolder`, the folder of the program's data.
 [[nodiscard]] QString folderIn(const QString &dataFolder);
 
 /// Lets each later recording of `tracker` have a journal in `journalsFolder`, and warns in the log before a recording

@@ -15,11 +15,11 @@ public:
     RecordingPhases(const RecordingPhases &) = delete;
     RecordingPhases &operator=(const RecordingPhases &) = delete;
 
-    /// The complete file, with `rowCount` rows, gets the name `path` next. No file has that name. Called again with
-    /// another name if the renaming fails.
+    /// Called before the complete file, with `rowCount` rows, gets the name `path`. No file has that name yet. Called
+    /// again with another name if the renaming fails.
     virtual void saving(const QString &path, std::size_t rowCount) = 0;
-    /// The file has the name of the last saving().
+    /// Called when the file has the name of the last saving().
     virtual void saved() = 0;
-    /// The user does not want the recording.
+    /// Called when the user discards the recording.
     virtual void discarded() = 0;
 };

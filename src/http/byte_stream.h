@@ -10,9 +10,8 @@ class HttpOutput {
 public:
     virtual ~HttpOutput() = default;
 
-    /// Sends the pieces in order, in a single system call if the socket accepts all of them. Blocks without a time
-    /// limit until the system has accepted all data. Returns false if the connection has failed. Later calls then do
-    /// nothing.
+    /// Sends the pieces in order. Blocks without a time limit until the system has accepted all data. Returns false if
+    /// the connection has failed. Later calls then do nothing.
     virtual bool write(const QVector<QByteArray> &pieces) = 0;
 };
 

@@ -21,7 +21,7 @@ class QSslConfiguration;
 
 /// Serves connections, one at a time, in its own thread. Reads requests, calls the request handler and decides whether
 /// the connection stays open. Closes the connection if no complete request arrives within "readTimeout" ms (default
-/// 10,000).
+/// 10,000). Each part of a body restarts the timeout.
 ///
 /// The pool creates, lends and destroys handlers. Only handleConnection(), requestStop() and the busy flag are used
 /// from other threads.

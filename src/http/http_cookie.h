@@ -15,7 +15,7 @@ struct HttpCookie {
     bool secure = false;
     bool httpOnly = false;
     QByteArray sameSite = {};
-    int version = 0;
+    int version = 0;  ///< always sent
 
     /// Returns the value of the "Set-Cookie" header. Nothing is escaped.
     [[nodiscard]] QByteArray toByteArray() const;

@@ -74,7 +74,7 @@ void HttpRequest::readFromSocket(HttpInput &socket) {
         case abortBroken:
             return;
     }
-    if (hasTooManyBytes()) {
+    if (exceedsLimits()) {
         qCWarning(lcHttp, "HttpRequest: received too many bytes");
         status_ = abortSize;
     }
@@ -84,14 +84,14 @@ void HttpRequest::readFromSocket(HttpInput &socket) {
     }
 }
 
-bool HttpRequest::hasTooManyBytes() const {
+bool HttpRequest::exceedsLimits() const {
     if (!boundary_.isEmpty())
         return currentSize_ > maxMultiPartSize_;
     // Each continuation line stores the whole header again, so without a limit memory grows quadratically.
     return std::max(currentSize_, storedHeaderSize_) > maxSize_ || headers_.size() > maxEntryCount;
 }
 
-// Reading stops at each line feed, so a line is complete exactly if the collected bytes end with CR LF. A line that
+// Reading stops at each line feed, so a line is complete exactly when the collected bytes end with CR LF. A line that
 // arrives in one piece is not copied.
 void HttpRequest::readLine(HttpInput &socket, Step interpret) {
     const std::string_view piece = socket.takeLine(static_cast<std::size_t>(maxSize_ - currentSize_ + 1));

@@ -72,7 +72,7 @@ private:
     void finishMultiPartBody();
     void parseMultiPartFile();
     void failToWriteTempFile();
-    [[nodiscard]] bool hasTooManyBytes() const;
+    [[nodiscard]] bool exceedsLimits() const;
     [[nodiscard]] bool hasUrlEncodedBody() const;
     void decodeParameters();
     void extractCookies();

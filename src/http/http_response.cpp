@@ -63,8 +63,8 @@ void HttpResponse::chooseFraming(qint64 size, bool lastPart) {
 
 QByteArray HttpResponse::headerBlock() const {
     QByteArray block;
-    constexpr int defaultHeaderBytes = 512;
-    block.reserve(defaultHeaderBytes);
+    constexpr int typicalHeaderBytes = 512;
+    block.reserve(typicalHeaderBytes);
     block.append("HTTP/1.1 ").append(QByteArray::number(statusCode_)).append(' ').append(statusText_).append("\r\n");
     for (auto header = headers_.begin(); header != headers_.end(); ++header)
         block.append(header.key()).append(": ").append(header.value()).append("\r\n");

@@ -7,7 +7,7 @@
 #include <string_view>
 
 /// The fields and files of a form, by field name. Files are open and positioned at their start. A later file of the
-/// same name replaces an earlier one, which is deleted.
+/// same field replaces an earlier one, which is deleted.
 struct MultipartForm {
     QMultiMap<QByteArray, QByteArray> parameters = {};  ///< the value of a field, or the name of a file
     std::map<QByteArray, std::unique_ptr<QTemporaryFile>> files = {};

@@ -6,13 +6,13 @@
 #include <atomic>
 #include <memory>
 
-/// A TCP connection on a blocking socket of the operating system.
+/// A TCP connection that calls the operating system's socket functions directly.
 ///
 /// QTcpSocket would cost more per request: it polls before it reads, copies all data once more in both directions, and
 /// cannot send several buffers in one call.
 class PlainStream : public ByteStream {
 public:
-    /// Takes ownership of a connected socket. Returns null if it is not one. `stopping` must outlive the stream.
+    /// Takes ownership of a connected socket. Returns null on failure. `stopping` must outlive the stream.
     [[nodiscard]] static std::unique_ptr<PlainStream> open(tSocketDescriptor descriptor,
                                                            const std::atomic<bool> &stopping);
     ~PlainStream() override;

@@ -15,7 +15,7 @@ constexpr int maxWaitMs = 250;
 /// Returned by receive() and send() after maxWaitMs, or if a signal has interrupted them.
 constexpr qint64 tryAgain = -2;
 
-/// Sets up a connected socket for the calls below and disables Nagle's algorithm. Returns false if it is not a socket.
+/// Sets up a connected socket for the calls below and disables Nagle's algorithm. Returns false on failure.
 [[nodiscard]] bool prepareSocket(tSocketDescriptor socket);
 /// Returns the number of bytes received, 0 at the end of the stream, -1 if the connection has failed, or tryAgain.
 [[nodiscard]] qint64 receive(tSocketDescriptor socket, char *to, qint64 capacity);

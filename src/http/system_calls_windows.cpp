@@ -29,8 +29,8 @@ qint64 checked(qint64 result) {
     return error == WSAEWOULDBLOCK || error == WSAEINTR ? tryAgain : -1;
 }
 
-/// Calls `call`. If it would block, waits for `event` and calls it again. The socket is non-blocking, because a
-/// blocking call that times out leaves a Winsock socket in an indeterminate state.
+/// Calls `call`. If it would block, waits up to maxWaitMs for `event` and calls it again. Sockets are non-blocking
+/// here: after a timeout (SO_RCVTIMEO or SO_SNDTIMEO), Winsock leaves a blocking socket in an indeterminate state.
 template <typename Call>
 qint64 repeat(tSocketDescriptor socket, SHORT event, const Call &call) {
     // The error must be read before waitFor() overwrites it.

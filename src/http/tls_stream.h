@@ -12,7 +12,7 @@ class QSslConfiguration;
 /// A TLS connection. The first read() does the handshake.
 class TlsStream : public ByteStream {
 public:
-    /// Takes ownership of a connected socket. Returns null if it is not one. `stopping` must outlive the stream.
+    /// Takes ownership of a connected socket. Returns null on failure. `stopping` must outlive the stream.
     [[nodiscard]] static std::unique_ptr<TlsStream> open(tSocketDescriptor descriptor,
                                                          const QSslConfiguration &configuration,
                                                          const std::atomic<bool> &stopping);

@@ -113,7 +113,7 @@ void TestRecordingKeeper::asks_before_closing_while_any_tracker_records() {
         QCOMPARE(tracker_->isRecording(), !closes);
         QTEST(QFileInfo::exists(path), "saves");
     });
-    // A session that ends saves what is still running, without a question.
+    // The end of the session saves a running recording without a question.
     QCOMPARE(QFileInfo::exists(path), answer != "Не сохранять");
     QCOMPARE(questions_.size(), 1);
 }

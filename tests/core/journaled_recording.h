@@ -6,7 +6,7 @@
 
 #include <QDir>
 
-/// A recording with a journal, as a tracker has it. The members are destroyed in reverse order.
+/// A recording with a journal, as a tracker has it. The journal is destroyed first, because it reads the recording.
 class JournaledRecording {
 public:
     JournaledRecording(const QString &journalsFolder, const QString &targetPath)
@@ -49,7 +49,7 @@ public:
 
     [[nodiscard]] JournalWriter &journal() { return *journal_; }
 
-    /// Ends the program's part of the journal without saving, like a program that closes.
+    /// Destroys the journal's writer, which keeps the journal for recovery.
     void abandon() { journal_.reset(); }
 
 private:

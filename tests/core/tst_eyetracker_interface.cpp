@@ -168,7 +168,7 @@ void TestEyetrackerInterface::new_recording_takes_samples_while_the_old_file_is_
     QCOMPARE(timestampsOf(folder.filePath("r_1.csv")), QByteArray("1"));
     QCOMPARE(timestampsOf(folder.filePath("r.csv")), QByteArray("2 3"));
     QCOMPARE(QDir(folder.path()).entryList(QDir::Files).size(), 2);
-    // The earlier file is out of the way before the phase.
+    // The earlier file is renamed before the phase "saving".
     QCOMPARE(phases, QStringList({"saving r.csv 1", "saved", "saving r.csv 2", "saved", "discarded"}));
 }
 

@@ -143,7 +143,7 @@ void TestJournalRecovery::recovered_file_gets_a_free_name_in_a_folder_that_can_b
                                    << "target/r_recovered_2.csv";
     QTest::newRow("left by an interrupted recovery")
         << QStringList{"target/.a.recovering"} << QStringList() << "target/r_recovered.csv";
-    QTest::newRow("folder is gone") << QStringList() << QStringList{"target"} << "records/r_recovered.csv";
+    QTest::newRow("folder is missing") << QStringList() << QStringList{"target"} << "records/r_recovered.csv";
     QTest::newRow("no folder") << QStringList() << QStringList{"target", "records"} << QString();
 }
 

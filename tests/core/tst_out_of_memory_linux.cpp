@@ -37,7 +37,7 @@ void operator delete(void *block, std::size_t size) noexcept {
     std::free(block);
 }
 
-/// A separate program, because it replaces the operator new.
+/// A separate program, because it replaces operator new.
 class TestOutOfMemory : public QObject {
     Q_OBJECT
 

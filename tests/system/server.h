@@ -28,7 +28,7 @@ private:
     QByteArray received_;
 };
 
-/// A GazePoint server that sends only what the test tells it to.
+/// A GazePoint server that sends only the lines of the test.
 class ScriptedServer {
 public:
     ScriptedServer();

@@ -1,4 +1,4 @@
 #pragma once
 
-/// The timeout of every wait, far above what a busy machine needs with sanitizers.
+/// The timeout of every wait. A busy machine with sanitizers needs far less.
 constexpr int timeoutMs = 60000;

@@ -33,7 +33,7 @@ private Q_SLOTS:
     void cleanup();
 
     void calibrates_nine_points_and_records_the_gaze();
-    void ends_while_the_library_still_calls_back();
+    void closes_while_the_library_still_calls_back();
     void closes_during_a_calibration();
 
 private:
@@ -150,7 +150,7 @@ void TestAseeProSession::calibrates_nine_points_and_records_the_gaze() {
     QVERIFY(home_->readSettings().contains("aSee Pro"));
 }
 
-void TestAseeProSession::ends_while_the_library_still_calls_back() {
+void TestAseeProSession::closes_while_the_library_still_calls_back() {
     giveCoefficients();
     program_->setVariable("OCELA_SIM_ASEE_LATE_CALLBACKS_MS", "60000");
     QVERIFY(program_->startWindow());

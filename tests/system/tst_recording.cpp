@@ -40,8 +40,8 @@ bool showsOneOf(const QList<QByteArray> &lines, const QImage &screen) {
     });
 }
 
-/// Returns how many lines, from `line` on, make up the row. 0 if the row is something else. Lines that arrive in one
-/// chunk become one sample, which happens on a busy machine.
+/// Returns the number of lines, from `line` on, that make up the row, or 0 if the row has other values. On a busy
+/// machine, several lines may arrive in one chunk and become one sample.
 int linesInRow(const QStringList &row, const QList<QByteArray> &lines, int line) {
     constexpr int maxCount = 4;
     QByteArray chunk;

@@ -7,7 +7,7 @@ namespace {
 /// The limit of Linux.
 constexpr int maxLinkCount = 40;
 
-/// A folder that has this many files of one name is not searched further.
+/// Limits the search for a free numbered name.
 constexpr int maxNumber = 100000;
 
 }  // namespace

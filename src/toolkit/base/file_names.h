@@ -4,7 +4,7 @@
 #include <functional>
 
 /// Gives files names that no other file has. Unlike QFile::rename(), these functions never write through a link and
-/// never replace a file, also if another program creates one at the same time. Any thread.
+/// never replace a file, even if another program creates one at the same time. Any thread.
 namespace file_names {
 
 struct Renaming {
@@ -20,7 +20,7 @@ struct Renaming {
 /// Renames a file unless an entry of any kind has the name `to`. Both names must be on the same file system.
 [[nodiscard]] Renaming renameIfFree(const QString &from, const QString &to);
 
-/// Called with a free name directly before a file may get it.
+/// Called with a free name immediately before the file is renamed to it. The renaming can still fail.
 using BeforeNaming = std::function<void(const QString &name)>;
 
 /// Renames a file to the first free name of numbered(to, 1), numbered(to, 2), ...
@@ -31,7 +31,7 @@ using BeforeNaming = std::function<void(const QString &name)>;
 [[nodiscard]] QString numbered(const QString &path, int number);
 
 /// Returns the path to which the symbolic link `path` leads, which may not exist. Returns `path` if it is not a link,
-/// or if its links form a cycle. Links of folders are not resolved.
+/// or if its links form a cycle. Links in its folder path are not resolved.
 [[nodiscard]] QString withoutLinks(const QString &path);
 
 }  // namespace file_names

@@ -16,7 +16,7 @@ bool isLink(const QFileInfo &entry) {
     return entry.isSymLink() || entry.isJunction();
 }
 
-/// Removes files and folders, and keeps the path and the reason of the first failure.
+/// Removes files and folders, and keeps the path of the first failure and the reason for it.
 class Remover {
 public:
     bool empty(const QString &folder) {
@@ -58,7 +58,7 @@ private:
     QString failure_;
 };
 
-bool refuse(const char *what, const QString &failure) {
+bool fail(const char *what, const QString &failure) {
     qCWarning(lcToolkit).noquote() << what << failure;
     return false;
 }
@@ -72,29 +72,29 @@ QString FileUtilities::FolderSlash(const QString &folder) {
 
 bool FileUtilities::createIfNotExists(const QString &folder) {
     if (folder.isEmpty())
-        return refuse("Cannot create a folder:", "its name is empty");
+        return fail("Cannot create a folder:", "its name is empty");
     if (QDir().mkpath(folder))
         return true;
     const QString reason = qt_error_string();
-    return refuse("Cannot create the folder", QDir::toNativeSeparators(folder) + ": " + reason);
+    return fail("Cannot create the folder", QDir::toNativeSeparators(folder) + ": " + reason);
 }
 
 bool FileUtilities::clearFolder(const QString &folder, bool removeFolderItself) {
     // For Qt, an empty name is the current folder.
     if (folder.isEmpty())
-        return refuse("Cannot clear a folder:", "its name is empty");
+        return fail("Cannot clear a folder:", "its name is empty");
     const QFileInfo info(QDir::cleanPath(folder));
     if (!info.exists() && !isLink(info))
         return true;
     if (!info.isDir())
-        return refuse("Cannot clear", QDir::toNativeSeparators(folder) + ": it is not a folder");
+        return fail("Cannot clear", QDir::toNativeSeparators(folder) + ": it is not a folder");
 
     Remover remover;
     bool ok = remover.empty(info.absoluteFilePath());
     if (removeFolderItself)
         ok = ok && (isLink(info) ? remover.removeLink(info.absoluteFilePath())
                                  : remover.removeFolder(info.absoluteFilePath()));
-    return ok || refuse("Cannot clear the folder", remover.failure());
+    return ok || fail("Cannot clear the folder", remover.failure());
 }
 
 bool FileUtilities::openUnbuffered(QSaveFile &file) {

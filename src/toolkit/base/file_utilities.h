@@ -19,7 +19,8 @@ public:
     static bool createIfNotExists(const QString &folder);
 
     /// Removes the content of `folder`, and with `removeFolderItself` also the folder. After a failure, the remaining
-    /// entries are still removed. Links are removed and not followed. Returns true for a folder that does not exist.
+    /// entries are still removed. Links in the folder are removed and not followed. If `folder` is a link, the content
+    /// of its target is removed. Returns true for a folder that does not exist.
     static bool clearFolder(const QString &folder, bool removeFolderItself);
 
     /// Opens `file` for writing without a buffer, for use with writeAll(). With a buffer, QSaveFile::commit() succeeds

@@ -8,8 +8,8 @@
 class AppHelper {
 public:
     /// Returns the executable file names, without their folders, of all running processes of this machine. Each process
-    /// has one entry, including this one. On Linux, a process of another user is listed by its kernel name, because its
-    /// executable cannot be read. Zombies are not listed. Any thread.
+    /// has one entry, including the calling process. On Linux, a process of another user is listed by its kernel name,
+    /// because its executable cannot be read. Zombies are not listed. Any thread.
     static QStringList getRunningApps();
 
     /// Returns the file name of the program `base` on this platform, for example "Ocela.exe" on Windows. Any thread.

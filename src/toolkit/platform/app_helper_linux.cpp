@@ -10,9 +10,9 @@ namespace {
 QString executableOf(const QString &process) {
     QString path = QFile::symLinkTarget(process + "/exe");
     // The kernel adds this suffix after the file was deleted or replaced, for example by an update.
-    const QString replaced = " (deleted)";
-    if (path.endsWith(replaced))
-        path.chop(replaced.size());
+    const QString deletedSuffix = " (deleted)";
+    if (path.endsWith(deletedSuffix))
+        path.chop(deletedSuffix.size());
     return path.mid(path.lastIndexOf('/') + 1);
 }
 

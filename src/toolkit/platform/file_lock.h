@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// An exclusive lock on a file. The operating system releases it when the process ends, also after a crash.
+/// An exclusive lock on a file. The operating system releases it when the process ends, even after a crash.
 ///
 /// The lock excludes every other FileLock, in this process and in others. QLockFile does not fit: it decides from the
 /// process id in its file whether the owner still runs, and process ids are reused. One thread at a time may use an

@@ -6,7 +6,7 @@
 /// disk. After a failure, qt_error_string() returns the reason.
 namespace file_sync {
 
-/// Waits for the content of the file at `path`, through whatever handle it was written.
+/// Waits for the content of the file at `path`, even if it was written through another handle.
 [[nodiscard]] bool syncFile(const QString &path);
 
 /// Waits for the names of the files in `folder`: files that were created, renamed or removed. Does nothing on Windows,

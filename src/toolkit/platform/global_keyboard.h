@@ -5,7 +5,7 @@
 
 class KeyWatcher;
 
-/// Reports key presses, also while another program has the focus. GUI thread.
+/// Reports key presses, even while another program has the focus. GUI thread.
 ///
 /// The process has one instance. The first Install() creates it, and it is destroyed with the application object. To
 /// receive keys, call Install() and connect to Instance().

@@ -7,7 +7,7 @@
 /// Base class of the keyboard watchers. Private to GlobalKeyboard, which owns its watcher.
 ///
 /// From construction to destruction, a watcher calls `report` once for each press of a known key, without automatic
-/// repeats. It may call from any thread, but never after its destructor has returned.
+/// repeats. It may call `report` from any thread, but never after its destructor has returned.
 class KeyWatcher {
 public:
     using Report = std::function<void(Qt::Key)>;

@@ -88,7 +88,7 @@ bool X11KeyWatcher::createContext() {
     return !XcbReply<xcb_generic_error_t>(xcb_request_check(control_.get(), cookie));
 }
 
-/// The request has many replies. The first confirms that the recording runs, the others contain events.
+/// The request has many replies. The first confirms that the recording runs, and the others contain events.
 bool X11KeyWatcher::enableContext() {
     recording_ = xcb_record_enable_context(data_.get(), context_);
     return XcbReply<xcb_record_enable_context_reply_t>(

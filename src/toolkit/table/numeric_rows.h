@@ -22,7 +22,7 @@ public:
 
     [[nodiscard]] std::size_t size() const { return rowEnds_.size(); }
 
-    /// Returns a copy of up to `maxCount` rows from `first` on; none if there are not that many rows.
+    /// Returns a copy of up to `maxCount` rows, starting at row `first`. The copy is empty if there is no such row.
     [[nodiscard]] NumericRows slice(std::size_t first, std::size_t maxCount) const;
 
     /// Returns the cells of a row with their original types.

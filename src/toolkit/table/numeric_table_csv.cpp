@@ -18,7 +18,7 @@ constexpr char separator = ',';
 constexpr char lineEnd[] = "\r\n";
 constexpr std::size_t writeSizeBytes = 1 << 18;
 
-bool refuse(const char *what, const QString &path, const QString &reason) {
+bool fail(const char *what, const QString &path, const QString &reason) {
     qCWarning(lcCsv, "Cannot %s %s: %s", what, qUtf8Printable(path), qUtf8Printable(reason));
     return false;
 }
@@ -76,11 +76,11 @@ bool NumericTableCSV::save(const QString &path, bool keepExisting) {
     if (!keepExisting) {
         QSaveFile file(target);
         return (FileUtilities::openUnbuffered(file) && write(file) && file.commit()) ||
-               refuse("save", path, file.errorString());
+               fail("save", path, file.errorString());
     }
     NewFile file(QFileInfo(target).path());
     return (file.write([this](QSaveFile &device) { return write(device); }) && file.takeName(target)) ||
-           refuse("save", path, file.problem());
+           fail("save", path, file.problem());
 }
 
 bool NumericTableCSV::load(const QString &path) {
@@ -90,7 +90,7 @@ bool NumericTableCSV::load(const QString &path) {
 
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return refuse("load", path, file.errorString());
+        return fail("load", path, file.errorString());
     const QList<csv::Record> records = csv::parse(QString::fromUtf8(file.readAll()), separator);
 
     std::vector<NumericCell> row;
@@ -103,8 +103,8 @@ bool NumericTableCSV::load(const QString &path) {
                 parseCell(fields[column], type == columnTypes_.end() ? std::nullopt : std::optional<int>(*type));
             if (!cell) {
                 rows_.clear();
-                return refuse("load", path,
-                              QString("line %1, column %2 is not a number").arg(records[record].line).arg(column + 1));
+                return fail("load", path,
+                            QString("line %1, column %2 is not a number").arg(records[record].line).arg(column + 1));
             }
             row.push_back(*cell);
         }

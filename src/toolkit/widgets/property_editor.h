@@ -17,7 +17,8 @@ class PropertyEditor : public QObject {
 public:
     explicit PropertyEditor(QWidget *parent);
 
-    /// Creates the editor for the type of the property. The text of a read-only property can be selected and copied.
+    /// Creates the editor for the type of the property. The text of a read-only text property can be selected and
+    /// copied.
     static PropertyEditor *create(const PropertyDescriptor &descriptor, QWidget *parent);
 
     [[nodiscard]] virtual QWidget *widget() const = 0;

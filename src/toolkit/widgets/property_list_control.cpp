@@ -164,7 +164,7 @@ void PropertyListControl::retranslateRow(const Row &row) {
     row.editor->retranslate();
     if (row.reset == nullptr)
         return;
-    const QString initial = row.editor->display(settings_->defaultValue(row.descriptor.name));
-    row.reset->setToolTip(tr("Reset to default: %1").arg(initial));
+    const QString defaultText = row.editor->display(settings_->defaultValue(row.descriptor.name));
+    row.reset->setToolTip(tr("Reset to default: %1").arg(defaultText));
     row.reset->setAccessibleName(row.reset->toolTip());
 }

@@ -19,8 +19,8 @@ class VTSettings;
 /// An edit changes the settings immediately, and the control shows all changes of the settings. The settings are not
 /// owned and must outlive the control.
 ///
-/// Object names: "propertyHeaderLabel" for the labels, the property's name for the editors, and "reset" followed by the
-/// property's name for the reset buttons.
+/// Object names: "categoryHeaderLabel" for the categories, "propertyHeaderLabel" for the labels, the property's name
+/// for the editors, and "reset" followed by the property's name for the reset buttons.
 class PropertyListControl : public QWidget {
     Q_OBJECT
 

@@ -164,8 +164,7 @@ void CalibrationWidget::endCalibration() {
     gate_->cancel();
     workerThread_->quit();
     if (!workerThread_->wait(endTimeoutMs_))
-        qCWarning(lcAsee,
-                  "A call of the vendor's library blocks the calibration, which ends after its screen is closed");
+        qCWarning(lcAsee, "A call of the vendor's library blocks the calibration. It ends when the call returns");
     // Removes a start that is still queued, because the next calibration would also run it.
     QCoreApplication::removePostedEvents(worker_, QEvent::MetaCall);
 }

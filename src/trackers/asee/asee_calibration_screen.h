@@ -29,7 +29,7 @@ public:
     void setDataFolder(const QString &folder) { dataFolder_ = folder; }
     [[nodiscard]] QString dataFolder() const { return dataFolder_; }
 
-    /// Shows the window full screen on the screen with the top-left corner of `area`.
+    /// Shows the window full screen on the screen that contains the top-left corner of `area`.
     void showOn(QRect area);
     /// Sets whether the live gaze point is drawn.
     void setShowGaze(bool on);

@@ -15,8 +15,8 @@ struct FractionPoint {
     float y;
 };
 
-/// A view of a gaze record, which must outlive it. NaN and infinity are read as 0, because they would propagate through
-/// every later calculation.
+/// A view of a gaze record. The record must outlive the view. NaN and infinity are read as 0, because they would
+/// propagate through every later calculation.
 class GazeRecord {
 public:
     /// `record` has at least asee_sdk::gaze_record::sizeBytes bytes.

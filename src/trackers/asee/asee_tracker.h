@@ -39,13 +39,15 @@ Q_SIGNALS:
     void previewImageReady();
 
 public Q_SLOTS:
-    /// Connects to the device and starts tracking. Returns false if the connection fails, which a modal box reports, if
-    /// the library does not start, or without coefficients of a calibration. The result of the call that starts
-    /// tracking is ignored. After a success, further calls only return true.
+    /// Connects to the device and starts tracking. Returns false if the connection fails, if the library does not
+    /// start, or if the coefficient file of a calibration cannot be opened. A modal box reports a failed connection.
+    /// The result of the call that starts tracking is ignored: that is intended. After a success, further calls do
+    /// nothing and return true.
     bool start() override;
-    /// Stops the device. It changes neither the connected state nor the result of start(): that is intended.
+    /// Stops the device, but keeps the connection state. If start() has succeeded before, a later start() does not
+    /// start the device again. Both are intended.
     void stop() override;
-    /// Shows the calibration screen on the screen with the top-left corner of `area`.
+    /// Shows the calibration screen on the screen that contains the top-left corner of `area`.
     void calibrate(QRect area) override;
     void stopCalibration() override;
 

@@ -15,12 +15,12 @@ namespace layout = eyetech::calibration_layout;
 
 namespace {
 
-constexpr int maxTargets = 20;
+constexpr int maxTargetCount = 20;
 constexpr int minDelayMs = 100;
 constexpr int minCalibrationMs = 500;
 constexpr int resultPollMs = 10;
 /// Limits the memory if the device fails at every measurement.
-constexpr std::size_t maxMeasurements = 1000;
+constexpr std::size_t maxMeasurementCount = 1000;
 
 void print(const char *format, int value) {
     console::print(QString::asprintf(format, value).toStdString());
@@ -84,15 +84,15 @@ bool CalibrationSequence::initialize(int device) {
 }
 
 std::optional<CalibrationSequence::DeviceTargets> CalibrationSequence::fetchTargets() const {
-    int count = maxTargets;
-    DeviceTargets targets(maxTargets);
+    int count = maxTargetCount;
+    DeviceTargets targets(maxTargetCount);
     const int result = quicklink2::QLCalibration_GetTargets(calibrationId_, &count, targets.data());
     if (result == quicklink2::bufferTooSmall)
         print("The target buffer is too small. It should be at least %d bytes.\n",
               static_cast<int>(static_cast<unsigned>(count) * sizeof(QLTarget)));
     if (result != 0)
         return {};
-    targets.resize(static_cast<std::size_t>(std::clamp(count, 0, maxTargets)));
+    targets.resize(static_cast<std::size_t>(std::clamp(count, 0, maxTargetCount)));
     return targets;
 }
 
@@ -123,7 +123,7 @@ bool CalibrationSequence::measure(const QLTarget &target) {
 }
 
 void CalibrationSequence::addMeasurement(const QLTarget &target, QPoint position) {
-    if (targets_.size() < maxMeasurements)
+    if (targets_.size() < maxMeasurementCount)
         targets_.push_back({position, target.x, target.y});
 }
 

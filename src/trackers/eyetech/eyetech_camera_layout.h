@@ -15,7 +15,7 @@ constexpr int distanceCount = 5;
 [[nodiscard]] Distance rate(float distance_cm);
 [[nodiscard]] QColor colourOf(Distance distance);
 
-/// Returns the scale of the pupil markers: 1.3 at 35 cm, 0.7 at 75 cm.
+/// Returns the size factor of the pupil markers: 1.3 at 35 cm, 0.7 at 75 cm.
 [[nodiscard]] float sizeFactor(float distance_cm);
 
 /// The position of the camera image in a widget.

@@ -13,9 +13,9 @@ namespace {
 
 using Devices = std::vector<int>;
 
-constexpr int maxDevices = 100;
+constexpr int maxDeviceCount = 100;
 
-/// The devices of the last question, if the input had ended.
+/// The devices of the last question if the input ended without an answer. Otherwise empty.
 Devices &unanswered() {
     static Devices devices;
     return devices;
@@ -31,10 +31,10 @@ void print(const char *format, Values... values) {
 
 /// Returns the attached devices. If there are none, prints the reason.
 Devices attachedDevices() {
-    Devices devices(maxDevices);
-    int count = maxDevices;
+    Devices devices(maxDeviceCount);
+    int count = maxDeviceCount;
     const int result = quicklink2::QLDevice_Enumerate(&count, devices.data());
-    devices.resize(static_cast<std::size_t>(result == 0 ? std::clamp(count, 0, maxDevices) : 0));
+    devices.resize(static_cast<std::size_t>(result == 0 ? std::clamp(count, 0, maxDeviceCount) : 0));
     if (result != 0)
         print("QLDevice_Enumerate() failed with error code %d\n", result);
     else if (devices.empty())

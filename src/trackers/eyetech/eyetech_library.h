@@ -18,9 +18,9 @@ OCELA_QUICKLINK2_FUNCTIONS(OCELA_DECLARE)
 
 namespace eyetech {
 
-/// Loads the library from the system's search path. If it was loaded, first stops all devices and unloads it. If the
-/// library or one of its entry points is missing, logs the reason and returns false; the library is not loaded then.
-/// Called on the GUI thread, while no other thread is in a function of the library.
+/// Loads the library from the system's search path. If it is already loaded, first stops all devices and unloads it. If
+/// the library or one of its entry points is missing, logs the reason and returns false; the library is not loaded
+/// then. Called on the GUI thread, while no other thread is in a function of the library.
 ///
 /// With a `path`, that file is loaded first, and stays loaded until the program ends. The system then finds it under
 /// the library's name.

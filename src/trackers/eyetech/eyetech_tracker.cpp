@@ -22,7 +22,7 @@ constexpr char deviceSettingsFile[] = "QL2Settings.txt";
 constexpr int pollIntervalMs = 10;
 constexpr int emptyFrameDelayMs = 1000;
 constexpr int frameTimeoutMs = 10000;
-constexpr int maxDevices = 100;
+constexpr int maxDeviceCount = 100;
 
 /// The task that fetches a frame. The result of the call is ignored: that is intended.
 QLFrameData frameOf(int device) {
@@ -143,8 +143,8 @@ void EyetechGrabber::poll() {
 // The result is not checked: that is intended. A failed call leaves the count unchanged, and selectDevice() prints the
 // failure.
 bool EyetechGrabber::findDevice() {
-    std::array<int, maxDevices> devices{};
-    int count = maxDevices;
+    std::array<int, maxDeviceCount> devices{};
+    int count = maxDeviceCount;
     quicklink2::QLDevice_Enumerate(&count, devices.data());
     if (count == 0)
         return false;

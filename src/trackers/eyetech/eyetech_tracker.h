@@ -42,9 +42,9 @@ Q_SIGNALS:
 public Q_SLOTS:
     bool start() override;
     void stop() override;
-    /// Shows the calibration screen over `area`, and processes events until the calibration has ended. If a calibration
-    /// is already running, this call cancels it and returns, and the call that started it then runs the new one. So
-    /// nested calls do not accumulate on the call stack.
+    /// Shows the calibration screen over `area`, and processes events until the calibration has ended. Does nothing if
+    /// no device is chosen. If a calibration is already running, cancels it and returns at once. The function that runs
+    /// the old calibration then runs the new one, so nested calls do not accumulate on the call stack.
     void calibrate(QRect area) override;
     void stopCalibration() override;
     [[nodiscard]] QLFrameData getLastFrame() const { return lastFrame_; }

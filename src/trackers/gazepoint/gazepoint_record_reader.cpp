@@ -70,7 +70,7 @@ struct GazeKey {
     Axis axis;
 };
 
-// The server's right eye arrives crossed: RPOGX fills the Y fields and RPOGY the X fields. That is intended.
+// The right eye is stored crossed: RPOGX fills the Y fields and RPOGY the X fields. That is intended.
 constexpr GazeKey gazeKeys[] = {
     {"FPOGX", {&EyeTrackingSample::x, &EyeTrackingSample::x_px, true}},
     {"FPOGY", {&EyeTrackingSample::y, &EyeTrackingSample::y_px, false}},

@@ -101,7 +101,7 @@ void TestCalibrationScreen::gaze_and_eyes_are_drawn_data() {
     QTest::addColumn<int>("radius");
     QTest::newRow("state 1") << 1 << 0.25F << QColor(0, 255, 0) << 20;
     QTest::newRow("state 3") << 3 << 0.25F << QColor(255, 0, 0) << 10;
-    QTest::newRow("other state, brush of the eyes' circle") << 2 << 0.25F << orange << 10;
+    QTest::newRow("other state, colour of the eyes' circle") << 2 << 0.25F << orange << 10;
     QTest::newRow("far outside") << 1 << -3e38F << background << 0;
 }
 

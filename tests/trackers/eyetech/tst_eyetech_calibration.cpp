@@ -184,7 +184,7 @@ void TestEyetechCalibrationWidget::failed_target_is_repeated() {
     statuses_ = {1, 5, 5};
     calibrate();
     QCOMPARE(times_.size(), 3);
-    // The second measurement of the first target has the scores of the second target.
+    // Intended: the second measurement of the first target gets the scores of the second target.
     const QImage shown = screen()->grab().toImage();
     QCOMPARE(shown.pixelColor(100, 100 + 6), QColor("#C30"));
     QCOMPARE(shown.pixelColor(400, 300 + 6), QColor("#3C0"));

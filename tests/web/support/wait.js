@@ -1,6 +1,6 @@
 // @ts-nocheck
 
-/** Far above what a busy machine needs for the longest step, a record file of an hour. */
+/** A busy machine needs far less for the longest step, which reads a record file of an hour. */
 const timeoutMs = 120000;
 const intervalMs = 50;
 

@@ -51,7 +51,7 @@ export default {
 
     record: 'Recording',
     path: 'File path (optional)',
-    pathHint: 'If empty, the file is named after the date and time. It is saved in the folder Ocela in the documents of the user who runs Ocela. If you enter a path, its folder must exist. An existing file with the same name is renamed.',
+    pathHint: 'If empty, the file is named after the date and time. It is saved in the records folder of Ocela’s settings. If none is set, it is saved in the folder Ocela in the documents of the user who runs Ocela. If you enter a path, its folder must exist. An existing file with the same name is renamed.',
     startRecord: 'Start recording',
     stopRecord: 'Stop recording',
     calibration: 'Calibration',
