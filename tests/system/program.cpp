@@ -3,6 +3,7 @@
 #include "system/desktop.h"
 #include "system/timeout.h"
 
+#include <QDebug>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -66,6 +67,13 @@ QString Home::recordFile() const {
 Program::Program(const Home &home) {
     process_.setProcessEnvironment(home.environment());
     process_.setProgram(OCELA_PROGRAM);
+}
+
+Program::~Program() {
+    if (!QTest::currentTestFailed())
+        return;
+    qInfo().noquote() << "The log of the program:\n" + process_.log();
+    desktop::save(desktop::screenshot(), QString("failed-") + QTest::currentTestFunction());
 }
 
 void Program::setVariable(const QString &name, const QString &value) {

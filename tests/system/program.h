@@ -32,6 +32,8 @@ private:
 class Program {
 public:
     explicit Program(const Home &home);
+    /// Ends the program. If the test has failed, prints the program's log and saves a picture of the screen.
+    ~Program();
 
     /// Sets an environment variable of the program. Call it before the start.
     void setVariable(const QString &name, const QString &value);
