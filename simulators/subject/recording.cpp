@@ -1,6 +1,6 @@
 #include "subject/recording.h"
 
-#include "subject/crossed_eye.h"
+#include "gaze/crossed_eye.h"
 #include "toolkit/table/csv_text.h"
 
 #include <QFile>
@@ -127,7 +127,7 @@ void Recording::uncrossRightEye() {
     CrossedEye rightEye;
     for (const Row &row : rows_) {
         if (row.state.right.visible && isMeasured(row.state.right))
-            rightEye.add(row.combined, row.state.right.gaze);
+            rightEye.add({row.combined.x, row.combined.y}, {row.state.right.gaze.x, row.state.right.gaze.y});
     }
     if (!rightEye.crossed())
         return;

@@ -1,12 +1,8 @@
-#include "subject/crossed_eye.h"
 #include "subject/recording.h"
 #include "subject/subject.h"
 #include "support/test_main.h"
 
 #include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -20,7 +16,6 @@ private Q_SLOTS:
     void invalid_files_are_refused();
     void is_played_repeatedly_or_once();
     void corrects_a_crossed_right_eye();
-    void detects_crossed_eyes();
 
 private:
     std::variant<Recording, QString> load(const QByteArray &text) {
@@ -69,28 +64,10 @@ void TestRecording::is_played_repeatedly_or_once() {
 
 /// A row without a right eye gets the combined gaze, whose axes must not be exchanged.
 void TestRecording::corrects_a_crossed_right_eye() {
-    const QByteArray crossed = QByteArray("0,1,70,20,20,70\n").repeated(CrossedEye::minSampleCount);
+    const QByteArray crossed = QByteArray("0,1,70,20,20,70\n").repeated(30);
     const auto recording = std::get<Recording>(load("Time,Valid,X,Y,R_X,R_Y\n" + crossed + "10,1,60,30,0,0\n"));
     QCOMPARE(recording.at(0).right.gaze.x, 0.7);
     QCOMPARE(recording.at(0.01).right.gaze.x, 0.6);
-}
-
-/// The tests of the dashboard use the same cases. A sample is [count, x, y, rightX, rightY].
-void TestRecording::detects_crossed_eyes() {
-    QFile file(OCELA_TEST_DATA "/crossed_eye.json");
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QJsonArray cases = QJsonDocument::fromJson(file.readAll()).array();
-    QVERIFY(!cases.isEmpty());
-    for (const QJsonValue &testCase : cases) {
-        CrossedEye eye;
-        const QJsonArray samples = testCase["samples"].toArray();
-        for (const QJsonValue &sample : samples) {
-            const auto value = [&](int index) { return sample[index].toDouble(qQNaN()); };
-            for (int i = 0; i < sample[0].toInt(); ++i)
-                eye.add({value(1), value(2)}, {value(3), value(4)});
-        }
-        QVERIFY2(eye.crossed() == testCase["crossed"].toBool(), qPrintable(testCase["name"].toString()));
-    }
 }
 
 OCELA_TEST(TestRecording)

@@ -1,21 +1,19 @@
-#include "subject/crossed_eye.h"
+#include "gaze/crossed_eye.h"
 
 #include <cmath>
-
-namespace sim {
 
 namespace {
 
 // Near the diagonal of the screen both orders fit, so only a clear difference decides.
 constexpr double clearFactor = 2;
 
-double cityBlockDistance(Point a, Point b) {
+double cityBlockDistance(ScreenPoint a, ScreenPoint b) {
     return std::abs(a.x - b.x) + std::abs(a.y - b.y);
 }
 
 }  // namespace
 
-void CrossedEye::add(Point combined, Point right) {
+void CrossedEye::add(ScreenPoint combined, ScreenPoint right) {
     const double asDelivered = cityBlockDistance(right, combined);
     const double exchanged = cityBlockDistance({right.y, right.x}, combined);
     if (!std::isfinite(asDelivered + exchanged))
@@ -30,5 +28,3 @@ void CrossedEye::add(Point combined, Point right) {
     else if (asDelivered_ * clearFactor < exchanged_)
         crossed_ = false;
 }
-
-}  // namespace sim

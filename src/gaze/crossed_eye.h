@@ -1,20 +1,22 @@
 #pragma once
 
-#include "subject/eye_state.h"
-
-namespace sim {
+/// A position of the gaze, in percent of the screen or as a share of it.
+struct ScreenPoint {
+    double x = 0;
+    double y = 0;
+};
 
 /// Detects whether a tracker delivers the right eye with its two axes exchanged.
 ///
 /// The data has no flag for it, but the combined gaze shows it: an exchanged eye is far from the combined gaze, and
-/// close to it after its axes are swapped back. The dashboard uses the same rule.
+/// close to it after its axes are swapped back. docs/records.md describes the rule. The dashboard uses the same rule.
 class CrossedEye {
 public:
     static constexpr int minSampleCount = 30;
 
     /// Takes one sample: the combined gaze, and the right eye as delivered. A sample with a non-finite value is
     /// skipped.
-    void add(Point combined, Point right);
+    void add(ScreenPoint combined, ScreenPoint right);
 
     /// Returns the last clear decision; false until there is one.
     [[nodiscard]] bool crossed() const { return crossed_; }
@@ -25,5 +27,3 @@ private:
     double exchanged_ = 0;    // the same with the axes of the right eye swapped
     bool crossed_ = false;
 };
-
-}  // namespace sim
