@@ -54,7 +54,7 @@ public:
         QObject::connect(
             &connected_, &EyetrackerInterface::newSample, &connected_,
             [this](const EyeTrackingSample &sample) { xSum_ += sample.x_px; }, Qt::DirectConnection);
-        recording_journal::enable(journaled_, folder + "/journal");
+        recording_journal::enable(journaled_, folder + "/journal", [] { return true; });
         for (EyetrackerInterface *tracker : trackers())
             source_.deliver(3000, [&](const EyeTrackingSample &sample) { tracker->addSample(sample); });
     }

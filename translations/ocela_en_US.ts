@@ -108,6 +108,10 @@
         <translation>Records folder</translation>
     </message>
     <message>
+        <source>DescribeRecordings</source>
+        <translation>Add a description to recordings</translation>
+    </message>
+    <message>
         <source>HideWindowOnStart</source>
         <translation>Hide the window at start</translation>
     </message>

@@ -108,6 +108,10 @@
         <translation>Папка записей</translation>
     </message>
     <message>
+        <source>DescribeRecordings</source>
+        <translation>Добавлять описание к записям</translation>
+    </message>
+    <message>
         <source>HideWindowOnStart</source>
         <translation>Скрывать окно при запуске</translation>
     </message>

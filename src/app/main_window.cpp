@@ -83,7 +83,8 @@ void MainWindow::buildTrackers() {
 }
 
 void MainWindow::addTracker(EyetrackerInterface *tracker) {
-    recording_journal::enable(*tracker, recording_journal::folderIn(dataFolder_));
+    recording_journal::enable(*tracker, recording_journal::folderIn(dataFolder_),
+                              [this] { return settings_->getDescribeRecordings(); });
     trackers_.push_back({tracker, tracker->createViewWidget()});
     recordings_->addTracker(tracker);
 }

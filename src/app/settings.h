@@ -39,6 +39,13 @@ public:
     Q_CLASSINFO("RecordsPathEditable", "true")
     Q_CLASSINFO("RecordsPathIsFolder", "true")
 
+    /// Whether a record file gets companions: a description, and the arrival times of its samples. A change applies to
+    /// recordings that start later.
+    VT_PROPERTY(bool, DescribeRecordings, true)
+    Q_CLASSINFO("DescribeRecordingsDisplayName", QT_TRANSLATE_NOOP("Generic", "DescribeRecordings"))
+    Q_CLASSINFO("DescribeRecordingsCategory", "Common")
+    Q_CLASSINFO("DescribeRecordingsEditable", "true")
+
     /// Whether the program starts with only the tray icon. Closing the window then hides it.
     VT_PROPERTY(bool, HideWindowOnStart, false)
     Q_CLASSINFO("HideWindowOnStartDisplayName", QT_TRANSLATE_NOOP("Generic", "HideWindowOnStart"))

@@ -12,13 +12,25 @@ Q_LOGGING_CATEGORY(lcRecord, "ocela.record")
 /// Saving and the messages about it need less than this.
 constexpr std::size_t reserveBytes = 4 << 20;
 
-QStringList buildHeaders() {
-    QStringList headers{"Timestamp", "Time", "Valid", "X", "Y", "X_px", "Y_px", "Distance_cm"};
+std::vector<RecordColumn> buildColumns() {
+    const std::vector<RecordColumn> gaze{{"X", "%"}, {"Y", "%"}, {"X_px", "px"}, {"Y_px", "px"}};
+    std::vector<RecordColumn> columns{{"Timestamp", "ms"}, {"Time", "ms"}, {"Valid", ""}};
+    columns.insert(columns.end(), gaze.begin(), gaze.end());
+    columns.push_back({"Distance_cm", "cm"});
+    std::vector<RecordColumn> eyeColumns = gaze;
+    eyeColumns.insert(eyeColumns.end(), {{"Pupil_mm", "mm"}, {"PupilX_px", "px"}, {"PupilY_px", "px"}});
     for (const char *eye : {"L_", "R_"}) {
-        for (const char *value : {"X", "Y", "X_px", "Y_px", "Pupil_mm", "PupilX_px", "PupilY_px"})
-            headers << QString(eye) + value;
+        for (const RecordColumn &column : eyeColumns)
+            columns.push_back({eye + column.name, column.unit});
     }
-    headers << "Focus";
+    columns.push_back({"Focus", ""});
+    return columns;
+}
+
+QStringList buildHeaders() {
+    QStringList headers;
+    for (const RecordColumn &column : EyeTrackingCSV::columns())
+        headers << column.name;
     qCDebug(lcRecord) << "OCELACSV" << headers;
     return headers;
 }
@@ -48,6 +60,11 @@ EyeTrackingCSV::EyeTrackingCSV(const QString &path, bool load) {
         setHeaders(sampleHeaders());
         reserve_.reserve(reserveBytes);
     }
+}
+
+const std::vector<RecordColumn> &EyeTrackingCSV::columns() {
+    static const std::vector<RecordColumn> columns = buildColumns();
+    return columns;
 }
 
 void EyeTrackingCSV::setFolder(const QString &folder) {

@@ -21,6 +21,11 @@ struct RowOrigin {
     std::chrono::steady_clock::time_point arrival;
 };
 
+struct RecordColumn {
+    QString name;
+    QString unit;  ///< empty for a number without a unit
+};
+
 /// Consecutive rows of a recording. `origins` has an entry for each row.
 struct RecordSlice {
     NumericRows rows;
@@ -38,6 +43,9 @@ class EyeTrackingCSV : public NumericTableCSV {
 public:
     /// Creates an empty recording for the record file `path`. With `load`, reads that file instead.
     EyeTrackingCSV(const QString &path, bool load);
+
+    /// Returns the columns of all record files.
+    [[nodiscard]] static const std::vector<RecordColumn> &columns();
 
     void setPhases(std::unique_ptr<RecordingPhases> phases) { phases_ = std::move(phases); }
     /// Sets the folders that saveFile() tries if the record file cannot be written to its own folder.
@@ -59,6 +67,9 @@ public:
 
     /// Returns a copy of up to `maxCount` rows from `first` on; none if there are not that many rows.
     [[nodiscard]] RecordSlice slice(std::size_t first, std::size_t maxCount) const;
+
+    /// Returns where the sample of a row comes from.
+    [[nodiscard]] const RowOrigin &origin(std::size_t row) const { return origins_[row]; }
 
 public Q_SLOTS:
     /// Writes the record file, or another file if that is not possible; see record_saving. currentFilePath() is then

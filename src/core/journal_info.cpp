@@ -40,6 +40,8 @@ QByteArray JournalInfo::toJson() const {
         {"programVersion", programVersion},
         {"screen", toArray(screen)},
         {"calibratedArea", toArray(calibratedArea)},
+        {"described", isDescribed},
+        {"systemClockStepped", systemClockStepped},
         {"phase", phaseNames[static_cast<std::size_t>(phase)]},
         {"savingPath", savingPath},
         {"savingRowCount", static_cast<qint64>(savingRowCount)},
@@ -64,6 +66,8 @@ ParsedJournalInfo parseJournalInfo(const QByteArray &json) {
     info.programVersion = object["programVersion"].toString();
     info.screen = toRect(object["screen"].toArray());
     info.calibratedArea = toRect(object["calibratedArea"].toArray());
+    info.isDescribed = object["described"].toBool();
+    info.systemClockStepped = object["systemClockStepped"].toBool();
     info.phase = *phase;
     info.savingPath = object["savingPath"].toString();
     info.savingRowCount = static_cast<quint64>(object["savingRowCount"].toDouble());

@@ -22,6 +22,8 @@ struct JournalInfo {
     QString programVersion;
     QRect screen;  ///< desktop pixels
     QRect calibratedArea;
+    bool isDescribed = false;         ///< whether the record file gets companions, see record_companions
+    bool systemClockStepped = false;  ///< see ClockWatch
     JournalPhase phase = JournalPhase::Recording;
     QString savingPath;          ///< set from the phase Saving on
     quint64 savingRowCount = 0;  ///< rows of the file at `savingPath`, without its header

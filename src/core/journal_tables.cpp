@@ -1,12 +1,10 @@
 #include "core/journal_tables.h"
 
-#include "core/arrival_time.h"
+#include "core/origins_csv.h"
 #include "toolkit/base/file_utilities.h"
 #include "toolkit/platform/file_sync.h"
 
 namespace {
-
-constexpr char samplesHeader[] = "Number,Arrival_ms,L_Valid,R_Valid\r\n";
 
 std::string rowsText(const NumericRows &rows) {
     std::string text;
@@ -15,13 +13,10 @@ std::string rowsText(const NumericRows &rows) {
     return text;
 }
 
-std::string originsText(const std::vector<RowOrigin> &origins) {
+std::string originsText(const std::vector<RowOrigin> &origins, const ArrivalClock &clock) {
     std::string text;
-    for (const RowOrigin &origin : origins) {
-        text += std::to_string(origin.number) + ',' + arrival_time::utcMsText(origin.arrival);
-        text += origin.l_valid ? ",1" : ",0";
-        text += origin.r_valid ? ",1\r\n" : ",0\r\n";
-    }
+    for (const RowOrigin &origin : origins)
+        text += origins_csv::line(origin, clock);
     return text;
 }
 
@@ -41,25 +36,25 @@ QString goBackIn(QFile &file, qint64 sizeBytes) {
 
 }  // namespace
 
-JournalTables::JournalTables(const QString &rowsPath, const QString &samplesPath)
-    : rows_(rowsPath), samples_(samplesPath) {}
+JournalTables::JournalTables(const QString &rowsPath, const QString &samplesPath, const ArrivalClock &clock)
+    : clock_(clock), rows_(rowsPath), samples_(samplesPath) {}
 
 QString JournalTables::begin(const std::string &rowsHeader) {
     QString problem = goBack(End());
     if (problem.isEmpty())
-        problem = write(rows_, rowsHeader);
+        problem = write(samples_, origins_csv::header);
     if (problem.isEmpty())
-        problem = write(samples_, samplesHeader);
-    end_ = {0, static_cast<qint64>(rowsHeader.size()), static_cast<qint64>(sizeof samplesHeader - 1)};
+        problem = write(rows_, rowsHeader);
+    end_ = {0, static_cast<qint64>(rowsHeader.size()), static_cast<qint64>(sizeof origins_csv::header - 1)};
     return problem;
 }
 
 QString JournalTables::append(const RecordSlice &slice) {
     const std::string rows = rowsText(slice.rows);
-    const std::string samples = originsText(slice.origins);
-    QString problem = write(rows_, rows);
+    const std::string samples = originsText(slice.origins, clock_);
+    QString problem = write(samples_, samples);
     if (problem.isEmpty())
-        problem = write(samples_, samples);
+        problem = write(rows_, rows);
     if (problem.isEmpty()) {
         end_.rowCount += slice.rows.size();
         end_.rowsBytes += static_cast<qint64>(rows.size());
@@ -78,5 +73,5 @@ QString JournalTables::goBack(const End &end) {
 }
 
 QString JournalTables::sync(const QString &rowsPath, const QString &samplesPath) {
-    return file_sync::syncFile(rowsPath) && file_sync::syncFile(samplesPath) ? QString() : qt_error_string();
+    return file_sync::syncFile(samplesPath) && file_sync::syncFile(rowsPath) ? QString() : qt_error_string();
 }

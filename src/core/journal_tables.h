@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/arrival_clock.h"
 #include "core/eye_tracking_csv.h"
 
 #include <QFile>
@@ -18,12 +19,13 @@ public:
     };
 
     /// The files must exist.
-    JournalTables(const QString &rowsPath, const QString &samplesPath);
+    JournalTables(const QString &rowsPath, const QString &samplesPath, const ArrivalClock &clock);
 
     /// Opens the empty files and writes their headers. Returns the problem, or an empty text.
     [[nodiscard]] QString begin(const std::string &rowsHeader);
 
-    /// Appends rows and the origins of their samples. Returns the problem, or an empty text. After a problem, call
+    /// Appends rows and the origins of their samples, the origins first: a program that ends in between leaves no row
+    /// without its origin. Returns the problem, or an empty text. After a problem, call
     /// goBack() before the next append().
     [[nodiscard]] QString append(const RecordSlice &slice);
 
@@ -36,6 +38,7 @@ public:
     [[nodiscard]] static QString sync(const QString &rowsPath, const QString &samplesPath);
 
 private:
+    const ArrivalClock clock_;
     QFile rows_;
     QFile samples_;
     End end_;

@@ -29,11 +29,14 @@ QString folderName(const JournalInfo &info) {
 
 }  // namespace
 
-JournalWriter::JournalWriter(QString journalsFolder, JournalInfo info, std::string header, Source source)
+JournalWriter::JournalWriter(QString journalsFolder, JournalInfo info, std::string header, Source source,
+                             const ArrivalClock &clock, ClockWatch::SystemNow systemNow)
     : journalsFolder_(std::move(journalsFolder)),
-      info_(std::move(info)),
       header_(std::move(header)),
       source_(std::move(source)),
+      clock_(clock),
+      info_(std::move(info)),
+      clockWatch_(std::move(systemNow)),
       thread_([this] { run(); }) {}
 
 JournalWriter::~JournalWriter() {
@@ -66,9 +69,10 @@ void JournalWriter::run() {
 }
 
 void JournalWriter::step() {
-    if (paused_ && Clock::now() < nextTry_)
-        return;
     try {
+        watchSystemClock();
+        if (paused_ && Clock::now() < nextTry_)
+            return;
         QString problem = finishSync();
         if (problem.isEmpty())
             problem = takeRows();
@@ -79,6 +83,12 @@ void JournalWriter::step() {
     } catch (const std::exception &error) {
         pause(error.what());
     }
+}
+
+void JournalWriter::watchSystemClock() {
+    if (!clockWatch_.hasStepped() || std::exchange(info_.systemClockStepped, true))
+        return;
+    writePhase(info_.phase);
 }
 
 QString JournalWriter::takeRows() {
@@ -106,7 +116,7 @@ QString JournalWriter::create() {
     JournalFolder::Created created = JournalFolder::create(journalsFolder_, folderName(info_), info_);
     if (!created.folder)
         return created.problem;
-    JournalTables &tables = tables_.emplace(created.folder->rowsPath(), created.folder->samplesPath());
+    JournalTables &tables = tables_.emplace(created.folder->rowsPath(), created.folder->samplesPath(), clock_);
     QString problem = tables.begin(header_);
     if (!problem.isEmpty()) {
         tables_.reset();

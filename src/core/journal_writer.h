@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/arrival_clock.h"
+#include "core/clock_watch.h"
 #include "core/eye_tracking_csv.h"
 #include "core/journal_folder.h"
 #include "core/journal_tables.h"
@@ -37,13 +39,17 @@ public:
     static constexpr std::chrono::milliseconds retryInterval{2000};
 
     /// Creates the journal's folder in `journalsFolder`, on the journal's thread. `header` is the first line of the
-    /// record file.
-    JournalWriter(QString journalsFolder, JournalInfo info, std::string header, Source source);
+    /// record file. `clock` gives the times of the samples. `systemNow` is called on the journal's thread.
+    JournalWriter(QString journalsFolder, JournalInfo info, std::string header, Source source,
+                  const ArrivalClock &clock, ClockWatch::SystemNow systemNow = &std::chrono::system_clock::now);
     ~JournalWriter() override;
 
     void saving(const QString &path, std::size_t rowCount) override;
     void saved() override;
     void discarded() override;
+
+    /// Returns the description of the recording, after the first call of saving().
+    [[nodiscard]] const JournalInfo &info() const { return info_; }
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -52,6 +58,7 @@ private:
     [[nodiscard]] bool waitForStop(std::chrono::milliseconds timeout);
     void run();
     void step();
+    void watchSystemClock();
     [[nodiscard]] QString takeRows();
     [[nodiscard]] QString create();
     [[nodiscard]] QString finishSync();
@@ -63,11 +70,13 @@ private:
     void end(JournalPhase phase);
 
     const QString journalsFolder_;
-    JournalInfo info_;
     const std::string header_;
     const Source source_;
+    const ArrivalClock clock_;
 
     // Used by the journal's thread, and by the owner after stop().
+    JournalInfo info_;
+    ClockWatch clockWatch_;
     std::unique_ptr<JournalFolder> folder_;
     std::optional<JournalTables> tables_;
     JournalTables::End syncedEnd_;

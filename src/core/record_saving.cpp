@@ -1,5 +1,6 @@
 #include "core/record_saving.h"
 
+#include "core/record_companions.h"
 #include "toolkit/base/file_utilities.h"
 #include "toolkit/base/text_helper.h"
 
@@ -25,6 +26,8 @@ public:
         if (!file.write(write_))
             return fail(path, file.problem());
         if (file.takeName(target)) {
+            if (!file.earlierName().isEmpty())
+                record_companions::rename(target, file.earlierName());
             savedPath_ = path;
             return true;
         }

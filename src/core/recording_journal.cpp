@@ -1,11 +1,11 @@
 #include "core/recording_journal.h"
 
+#include "core/companion_writer.h"
 #include "core/eyetracker_interface.h"
 #include "core/free_space.h"
 #include "core/journal_writer.h"
 
 #include <QCoreApplication>
-#include <QDateTime>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QLoggingCategory>
@@ -33,11 +33,11 @@ QRect screenOf(const QRect &area) {
     return screen ? screen->geometry() : QRect();
 }
 
-JournalInfo describe(const EyetrackerInterface &tracker, const EyeTrackingCSV &recording) {
+JournalInfo describe(const EyetrackerInterface &tracker, const EyeTrackingCSV &recording, const ArrivalClock &clock) {
     JournalInfo info;
     info.targetPath = QFileInfo(recording.currentFilePath()).absoluteFilePath();
     info.tracker = tracker.name();
-    info.startUtcMs = QDateTime::currentMSecsSinceEpoch();
+    info.startUtcMs = clock.startUtcMs();
     info.programVersion = QCoreApplication::applicationVersion();
     info.calibratedArea = tracker.calibratedArea();
     info.screen = screenOf(info.calibratedArea);
@@ -56,13 +56,20 @@ QString recording_journal::folderIn(const QString &dataFolder) {
     return dataFolder + "/journal";
 }
 
-void recording_journal::enable(EyetrackerInterface &tracker, const QString &journalsFolder) {
-    tracker.setCreatePhases([&tracker, journalsFolder](const EyeTrackingCSV &recording) {
-        const JournalInfo info = describe(tracker, recording);
+void recording_journal::enable(EyetrackerInterface &tracker, const QString &journalsFolder,
+                               const std::function<bool()> &isDescribed) {
+    tracker.setCreatePhases([&tracker, journalsFolder,
+                             isDescribed](const EyeTrackingCSV &recording) -> std::unique_ptr<RecordingPhases> {
+        const ArrivalClock clock;
+        JournalInfo info = describe(tracker, recording, clock);
+        info.isDescribed = isDescribed();
         warnIfDiskIsLow(tracker, info.targetPath, journalsFolder);
         const auto takeRows = [&tracker, &recording](std::size_t first, std::size_t maxCount) {
             return tracker.rowsOf(recording, first, maxCount);
         };
-        return std::make_unique<JournalWriter>(journalsFolder, info, recording.headerLine(), takeRows);
+        auto journal = std::make_unique<JournalWriter>(journalsFolder, info, recording.headerLine(), takeRows, clock);
+        if (!info.isDescribed)
+            return journal;
+        return std::make_unique<CompanionWriter>(recording, clock, std::move(journal));
     });
 }

@@ -21,6 +21,7 @@ private Q_SLOTS:
         QCOMPARE(settings.getRecordsPath(), "/data/records & notes");
         QCOMPARE(settings.getSelectedTracker(), "gazepoint");
         QCOMPARE(settings.getHideWindowOnStart(), false);
+        QCOMPARE(settings.getDescribeRecordings(), true);  // version 1.0 did not have it
         QVERIFY(settings.isDefault(settings.metaDescriptor().first()));
     }
 };

@@ -120,8 +120,9 @@ void TestRecordingKeeper::asks_before_closing_while_any_tracker_records() {
 
 void TestRecordingKeeper::offers_another_attempt_for_an_unsaved_recording() {
     const QString records = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) + "/Ocela";
+    QDir().rmdir(records);
     if (QFileInfo::exists(records))
-        QSKIP("the folder of the logged-in user must not be changed");
+        QSKIP("the files of the logged-in user must not be changed");
     for (int i = 0; i < 2; ++i)
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Cannot save .*missing.*: .+"));
     const QString text = "A recording could not be saved.|";
@@ -135,7 +136,8 @@ void TestRecordingKeeper::offers_another_attempt_for_an_unsaved_recording() {
         QCOMPARE(questions_.last(), text + "Cancel|Choose a folder...|Discard|Try again");
     });
     // The attempt has created the default folder.
-    QVERIFY(QFile::remove(records + "/r.csv"));
+    for (const char *name : {"/r.csv", "/r.json", "/r_samples.csv"})
+        QVERIFY(QFile::remove(records + name));
     QVERIFY(QDir().rmdir(records));
 }
 
@@ -143,12 +145,17 @@ void TestRecordingKeeper::records_to_the_folder_of_the_settings() {
     const QDir chosen(folder_.filePath("lab/записи"));
     settings_->setRecordsPath(chosen.path());
     tracker_->startRecord();
+    settings_->setDescribeRecordings(false);  // applies to the next recording
     tracker_->stopRecord();
-    QCOMPARE(chosen.entryList(QDir::Files).size(), 1);
+    QCOMPARE(chosen.entryList(QDir::Files).size(), 3);
+    tracker_->startRecord();
+    settings_->resetDescribeRecordings();
+    tracker_->stopRecord();
+    QCOMPARE(chosen.entryList(QDir::Files).size(), 4);
     settings_->resetRecordsPath();
     tracker_->startRecord();
     tracker_->discardRecord();
-    QCOMPARE(chosen.entryList(QDir::Files).size(), 1);
+    QCOMPARE(chosen.entryList(QDir::Files).size(), 4);
 }
 
 OCELA_TEST(TestRecordingKeeper)

@@ -9,11 +9,14 @@
 /// A recording with a journal, as a tracker has it. The journal is destroyed first, because it reads the recording.
 class JournaledRecording {
 public:
-    JournaledRecording(const QString &journalsFolder, const QString &targetPath)
+    JournaledRecording(const QString &journalsFolder, const QString &targetPath,
+                       const ClockWatch::SystemNow &systemNow = &std::chrono::system_clock::now)
         : journal_(std::make_unique<JournalWriter>(
-              journalsFolder, info(targetPath), header(), [this](std::size_t first, std::size_t maxCount) {
+              journalsFolder, info(targetPath), header(),
+              [this](std::size_t first, std::size_t maxCount) {
                   return record_.with([=](const auto &record) { return record->slice(first, maxCount); });
-              })) {}
+              },
+              ArrivalClock(), systemNow)) {}
 
     static std::string header() { return EyeTrackingCSV(QString(), false).headerLine(); }
 

@@ -188,7 +188,7 @@ void TestJournalRecovery::tracker_has_a_journal_until_its_recording_is_saved_or_
     {
         FakeTracker tracker;
         tracker.setCalibratedArea(10, 20, 300, 200);
-        recording_journal::enable(tracker, path("journal"));
+        recording_journal::enable(tracker, path("journal"), [] { return false; });
         tracker.startRecord(path("target/saved.csv"));
         QTRY_COMPARE(journals().size(), 1);
         tracker.stopRecord();

@@ -19,6 +19,7 @@ private Q_SLOTS:
     void phases_are_on_the_disk_before_the_journal_is_removed();
     void discarded_recording_leaves_no_journal();
     void journal_that_cannot_be_created_is_created_later();
+    void step_of_the_system_clock_is_stored();
 
 private:
     [[nodiscard]] QString journals() const { return folder_->filePath("journal"); }
@@ -84,6 +85,22 @@ void TestJournalWriter::journal_that_cannot_be_created_is_created_later() {
     recording.add(101, 120);
     QTRY_COMPARE(journalsIn(journals()).size(), 1);
     QTRY_COMPARE(readFile(journalsIn(journals()).first() + "/rows.csv"), recording.text());
+}
+
+void TestJournalWriter::step_of_the_system_clock_is_stored() {
+    std::atomic<bool> isLate{false};
+    const auto systemNow = [&isLate] {
+        return std::chrono::system_clock::now() - (isLate ? std::chrono::minutes(1) : std::chrono::minutes(0));
+    };
+    JournaledRecording recording(journals(), folder_->filePath("r.csv"), systemNow);
+    recording.add(1, 3);
+    QTRY_COMPARE(storedInfo().tracker, "aSee Pro");
+    QVERIFY(!storedInfo().systemClockStepped);
+    isLate = true;
+    QTRY_VERIFY(storedInfo().systemClockStepped);
+    isLate = false;
+    recording.journal().saving(folder_->filePath("r.csv"), 3);
+    QVERIFY(storedInfo().systemClockStepped);
 }
 
 OCELA_TEST(TestJournalWriter)

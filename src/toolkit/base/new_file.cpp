@@ -35,8 +35,10 @@ bool NewFile::takeName(const QString &path) {
     const file_names::Renaming earlier = file_names::renameToNextFree(path, path);
     if (!earlier.isDone())
         return fail("the earlier file cannot be renamed: " + earlier.reason);
-    if (rename(path))
+    if (rename(path)) {
+        earlierName_ = earlier.name;
         return true;
+    }
     (void)file_names::renameIfFree(earlier.name, path);
     return false;
 }

@@ -26,6 +26,9 @@ public:
     /// Names the file `path`. A regular file of that name is kept under the next free numbered name.
     [[nodiscard]] bool takeName(const QString &path);
 
+    /// Returns the new name of the file that takeName() has kept, or an empty text.
+    [[nodiscard]] const QString &earlierName() const { return earlierName_; }
+
     /// Names the file `path`, or the next free numbered name. Changes no other file.
     [[nodiscard]] bool takeFreeName(const QString &path);
 
@@ -41,5 +44,6 @@ private:
     const file_names::BeforeNaming beforeNaming_;
     QSaveFile file_;
     QString name_;
+    QString earlierName_;
     QString problem_;
 };

@@ -1,5 +1,9 @@
 #include "toolkit/table/csv_text.h"
 
+#include <algorithm>
+#include <charconv>
+#include <limits>
+
 namespace {
 
 QString quoted(QString field, QChar separator) {
@@ -102,4 +106,21 @@ QList<csv::Record> csv::parse(const QString &text, char separator) {
     for (const QChar character : text)
         parser.take(character);
     return parser.finish();
+}
+
+std::vector<double> csv::numbers(std::string_view line, char separator) {
+    std::vector<double> numbers;
+    numbers.reserve(static_cast<std::size_t>(std::count(line.begin(), line.end(), separator)) + 1);
+    const char *at = line.data();
+    const char *const end = at + std::min(line.size(), line.find_first_of("\r\n"));
+    for (;;) {
+        const char *const cellEnd = std::find(at, end, separator);
+        double number = 0;
+        const auto [parsedEnd, error] = std::from_chars(at, cellEnd, number);
+        const bool isNumber = error == std::errc() && parsedEnd == cellEnd;
+        numbers.push_back(isNumber ? number : std::numeric_limits<double>::quiet_NaN());
+        if (cellEnd == end)
+            return numbers;
+        at = cellEnd + 1;
+    }
 }

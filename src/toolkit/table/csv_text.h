@@ -3,6 +3,8 @@
 #include <QList>
 #include <QStringList>
 #include <string>
+#include <string_view>
+#include <vector>
 
 /// Reads and writes the text of CSV files (RFC 4180). Reentrant.
 namespace csv {
@@ -19,5 +21,8 @@ struct Record {
 /// Splits the text of a file into records. Line endings are CR LF, LF or CR; the last one is optional. Blank lines are
 /// skipped. A quoted field without a closing quote ends at the end of the text.
 [[nodiscard]] QList<Record> parse(const QString &text, char separator);
+
+/// Returns the cells of a line, which may have its line ending. A cell that is not a number is NaN.
+[[nodiscard]] std::vector<double> numbers(std::string_view line, char separator);
 
 }  // namespace csv

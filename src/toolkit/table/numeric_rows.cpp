@@ -72,6 +72,15 @@ QVariantList NumericRows::at(std::size_t row) const {
     return cells;
 }
 
+std::vector<double> NumericRows::numbers(std::size_t row) const {
+    std::vector<double> numbers;
+    numbers.reserve(rowEnds_[row] - rowBegin(row));
+    forEachCell(row, [&](const NumericCell &cell) {
+        numbers.push_back(std::visit([](auto value) { return static_cast<double>(value); }, cell));
+    });
+    return numbers;
+}
+
 std::string NumericRows::text(std::size_t row, char separator) const {
     const std::size_t cellCount = rowEnds_[row] - rowBegin(row);
     std::string text(cellCount * (number_text::maxBytes + 1), '\0');

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "core/journal_info.h"
+#include "core/recording_statistics.h"
+
+#include <QByteArray>
+
+/// The text of the description beside a record file. docs/records.md describes it. Any thread.
+namespace record_description {
+
+/// `recovered` tells whether the record file was recovered from a journal.
+[[nodiscard]] QByteArray toJson(const JournalInfo &info, const RecordingStatistics &statistics, bool recovered);
+
+/// Returns whether `json` describes the recording of `info`.
+[[nodiscard]] bool describes(const QByteArray &json, const JournalInfo &info);
+
+}  // namespace record_description
