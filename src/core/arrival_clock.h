@@ -18,7 +18,10 @@ public:
     /// Returns the start in milliseconds since 1970 UTC.
     [[nodiscard]] qint64 startUtcMs() const;
 
-    /// Returns the milliseconds since 1970 UTC with three decimals, for example "1700000000123.456".
+    /// Returns the time since 1970 UTC.
+    [[nodiscard]] std::chrono::microseconds utc(std::chrono::steady_clock::time_point arrival) const;
+
+    /// Returns the same as text: milliseconds with three decimals, for example "1700000000123.456".
     [[nodiscard]] std::string utcMsText(std::chrono::steady_clock::time_point arrival) const;
 
 private:

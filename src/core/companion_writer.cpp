@@ -5,7 +5,7 @@
 #include "core/origins_csv.h"
 #include "core/record_companions.h"
 #include "core/record_description.h"
-#include "toolkit/base/file_utilities.h"
+#include "toolkit/base/buffered_writer.h"
 
 #include <QDir>
 #include <QLoggingCategory>
@@ -15,18 +15,6 @@
 namespace {
 
 Q_LOGGING_CATEGORY(lcRecord, "ocela.record")
-
-constexpr std::size_t writeSizeBytes = 1 << 18;
-
-RecordingStatistics::Origin statisticsOrigin(const RowOrigin &origin) {
-    using std::chrono::microseconds;
-    return {std::chrono::duration_cast<microseconds>(origin.arrival.time_since_epoch()), origin.l_valid != 0,
-            origin.r_valid != 0};
-}
-
-bool write(QSaveFile &file, const std::string &text) {
-    return FileUtilities::writeAll(file, text.data(), static_cast<qint64>(text.size()));
-}
 
 }  // namespace
 
@@ -63,21 +51,20 @@ void CompanionWriter::writeCompanions() const {
 }
 
 bool CompanionWriter::writeSamples(QSaveFile &file) const {
-    std::string text = origins_csv::header;
-    for (std::size_t row = 0; row < recording_.rows().size(); ++row) {
-        text += origins_csv::line(recording_.origin(row), clock_);
-        if (text.size() < writeSizeBytes)
-            continue;
-        if (!write(file, text))
-            return false;
-        text.clear();
-    }
-    return write(file, text);
+    BufferedWriter writer(file);
+    bool written = writer.append(origins_csv::header);
+    for (std::size_t row = 0; written && row < recording_.rows().size(); ++row)
+        written = writer.append(origins_csv::line(recording_.origin(row), clock_));
+    return written && writer.flush();
 }
 
 QByteArray CompanionWriter::description() const {
     RecordingStatistics statistics;
-    for (std::size_t row = 0; row < recording_.rows().size(); ++row)
-        statistics.add(recording_.rows().numbers(row), statisticsOrigin(recording_.origin(row)));
-    return record_description::toJson(journal_->info(), statistics, false);
+    for (std::size_t row = 0; row < recording_.rows().size(); ++row) {
+        const RowOrigin &origin = recording_.origin(row);
+        statistics.add(
+            RecordingStatistics::rowOf(recording_.rows(), row),
+            RecordingStatistics::Origin{clock_.utc(origin.arrival), origin.l_valid != 0, origin.r_valid != 0});
+    }
+    return record_description::toJson(journal_->info(), statistics);
 }

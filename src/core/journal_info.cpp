@@ -44,6 +44,7 @@ QByteArray JournalInfo::toJson() const {
         {"systemClockStepped", systemClockStepped},
         {"phase", phaseNames[static_cast<std::size_t>(phase)]},
         {"savingPath", savingPath},
+        {"recovered", isRecovered},
         {"savingRowCount", static_cast<qint64>(savingRowCount)},
     };
     return QJsonDocument(object).toJson();
@@ -70,6 +71,7 @@ ParsedJournalInfo parseJournalInfo(const QByteArray &json) {
     info.systemClockStepped = object["systemClockStepped"].toBool();
     info.phase = *phase;
     info.savingPath = object["savingPath"].toString();
+    info.isRecovered = object["recovered"].toBool();
     info.savingRowCount = static_cast<quint64>(object["savingRowCount"].toDouble());
     return {Outcome::Ok, info};
 }

@@ -1,8 +1,8 @@
 #include "core/journal_recovery.h"
 
-#include "core/eye_tracking_csv.h"
 #include "core/journal_folder.h"
 #include "core/journal_rows.h"
+#include "core/recovered_companions.h"
 #include "toolkit/base/file_names.h"
 #include "toolkit/base/file_utilities.h"
 #include "toolkit/platform/file_sync.h"
@@ -20,10 +20,6 @@ Q_LOGGING_CATEGORY(lcRecovery, "ocela.recovery")
 
 constexpr char damagedMark[] = ".damaged";
 constexpr int maxNameCount = 100'000;
-
-QByteArray recordHeader() {
-    return QByteArray::fromStdString(EyeTrackingCSV(QString(), false).headerLine());
-}
 
 QString native(const QString &path) {
     return QDir::toNativeSeparators(path);
@@ -49,7 +45,7 @@ public:
         : folder_(folder), recordsFolder_(recordsFolder), stopping_(stopping) {}
 
     void run() {
-        if (!readInfo() || removeIfFinished())
+        if (!readInfo() || finishIfEnded())
             return;
         const QStringList folders{QFileInfo(info_.targetPath).path(), recordsFolder_};
         for (const QString &folder : folders) {
@@ -88,36 +84,24 @@ private:
         return parsed.outcome == ParsedJournalInfo::Outcome::Ok;
     }
 
-    bool removeIfFinished() {
+    /// Returns whether there is nothing to recover. The journal has then been dealt with.
+    bool finishIfEnded() {
         const bool isEnded = info_.phase == JournalPhase::Saved || info_.phase == JournalPhase::Discarded;
-        const bool isFinished =
-            isEnded || !QFile::exists(folder_.rowsPath()) || (info_.phase == JournalPhase::Saving && isSaved());
-        if (isFinished)
+        if (isEnded || !QFile::exists(folder_.rowsPath())) {
             folder_.remove();
-        return isFinished;
+            return true;
+        }
+        if (info_.phase != JournalPhase::Saving || !isSaved())
+            return false;
+        finish();
+        return true;
     }
 
     /// Returns whether the file that was about to be saved exists: it begins with the rows of the journal, and has the
     /// number of rows that the description names.
     bool isSaved() const {
-        QFile file(info_.savingPath);
-        if (!file.open(QIODevice::ReadOnly))
-            return false;
-        JournalRows rows(folder_.rowsPath(), recordHeader());
-        JournalRows::Result result = rows.read();
-        for (; result == JournalRows::Result::Lines; result = rows.read()) {
-            const std::string_view lines = rows.lines();
-            if (file.read(static_cast<qint64>(lines.size())) !=
-                QByteArray::fromRawData(lines.data(), static_cast<int>(lines.size())))
-                return false;
-        }
-        quint64 rowCount = rows.rowCount();
-        while (!file.atEnd()) {
-            file.readLine();
-            ++rowCount;
-        }
-        return result == JournalRows::Result::End && rowCount == info_.savingRowCount &&
-               file_sync::syncFolder(QFileInfo(info_.savingPath).path());
+        JournalRows rows(folder_.rowsPath(), JournalRows::recordHeader());
+        return rows.rowCountOfContinuation(info_.savingPath) == info_.savingRowCount;
     }
 
     Outcome recoverTo(const QString &folder) {
@@ -133,24 +117,12 @@ private:
 
     /// Returns std::nullopt if the rows have been copied, and otherwise the outcome.
     std::optional<Outcome> copyRows(const QString &path) {
-        QFile file(path);
-        if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-            return fail(native(path) + ": " + file.errorString());
-        auto rows = std::make_unique<JournalRows>(folder_.rowsPath(), recordHeader());
-        JournalRows::Result result = rows->read();
-        for (; result == JournalRows::Result::Lines; result = rows->read()) {
-            if (stopping_)
-                return Outcome::Done;
-            if (!FileUtilities::writeAll(file, rows->lines().data(), static_cast<qint64>(rows->lines().size())))
-                return fail(native(path) + ": " + file.errorString());
-        }
-        file.close();
-        rowCount_ = rows->rowCount();
-        const QString problem = rows->problem();
-        rows.reset();  // Windows does not remove or rename a journal with an open file.
-        if (result == JournalRows::Result::ReadFailed)
-            return fail(native(folder_.rowsPath()) + ": " + problem);
-        if (result == JournalRows::Result::Damaged) {
+        const std::optional<JournalRows::Result> end = copyLines(path);
+        if (!end || *end == JournalRows::Result::ReadFailed)
+            return Outcome::CannotWrite;
+        if (*end == JournalRows::Result::Lines)
+            return Outcome::Done;
+        if (*end == JournalRows::Result::Damaged) {
             keepAsDamaged(QString("its row %1 is damaged").arg(rowCount_ + 1));
             return Outcome::Done;
         }
@@ -158,9 +130,26 @@ private:
             folder_.remove();
             return Outcome::Done;
         }
-        if (!file_sync::syncFile(path))
-            return fail(native(path) + ": " + qt_error_string());
-        return std::nullopt;
+        return file_sync::syncFile(path) ? std::nullopt : std::optional(fail(native(path) + ": " + qt_error_string()));
+    }
+
+    /// Returns how the rows of the journal end: Lines if the copy was interrupted, std::nullopt if the file cannot be
+    /// written. Closes the rows, because Windows does not remove or rename a journal with an open file.
+    std::optional<JournalRows::Result> copyLines(const QString &path) {
+        QFile file(path);
+        bool canWrite = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+        JournalRows rows(folder_.rowsPath(), JournalRows::recordHeader());
+        JournalRows::Result result = rows.read();
+        for (; canWrite && !stopping_ && result == JournalRows::Result::Lines; result = rows.read()) {
+            const std::string_view lines = rows.lines();
+            canWrite = FileUtilities::writeAll(file, lines.data(), static_cast<qint64>(lines.size()));
+        }
+        rowCount_ = rows.rowCount();
+        if (result == JournalRows::Result::ReadFailed)
+            (void)fail(native(folder_.rowsPath()) + ": " + rows.problem());
+        if (!canWrite)
+            (void)fail(native(path) + ": " + file.errorString());
+        return canWrite ? std::optional(result) : std::nullopt;
     }
 
     Outcome giveName(const QString &temporary, const QString &folder) {
@@ -171,30 +160,36 @@ private:
             const QString candidate = number == 0 ? path : file_names::numbered(path, number);
             if (QFileInfo::exists(candidate))
                 continue;
-            if (const QString problem = enter(JournalPhase::Saving, candidate); !problem.isEmpty())
+            if (const QString problem = enterSaving(candidate); !problem.isEmpty())
                 return fail(native(folder_.infoPath()) + ": " + problem);
             const file_names::Renaming renaming = file_names::renameIfFree(temporary, candidate);
             if (renaming.outcome == file_names::Renaming::Outcome::NameTaken)
                 continue;
-            return renaming.isDone() ? finish(candidate) : fail(native(candidate) + ": " + renaming.reason);
+            if (!renaming.isDone())
+                return fail(native(candidate) + ": " + renaming.reason);
+            qCInfo(lcRecovery).noquote() << "Recovered" << rowCount_
+                                         << "samples of an interrupted recording:" << native(candidate);
+            finish();
+            return Outcome::Done;
         }
         return fail(native(path) + ": all numbered names are taken");
     }
 
-    Outcome finish(const QString &path) {
-        qCInfo(lcRecovery).noquote() << "Recovered" << rowCount_
-                                     << "samples of an interrupted recording:" << native(path);
-        // Unless the name is on the disk, the journal is kept. The next start finds the file complete, or recovers
-        // again.
-        if (file_sync::syncFolder(QFileInfo(path).path())) {
-            (void)enter(JournalPhase::Saved, path);
-            folder_.remove();
-        }
-        return Outcome::Done;
+    /// Writes the companions of the file that has its name, and removes the journal. Unless the names are on the disk,
+    /// the journal is kept, and the next start does the rest.
+    void finish() {
+        if (!RecoveredCompanions(folder_, info_, stopping_).save() ||
+            !file_sync::syncFolder(QFileInfo(info_.savingPath).path()))
+            return;
+        info_.phase = JournalPhase::Saved;
+        (void)folder_.writeInfo(info_);
+        folder_.remove();
     }
 
-    QString enter(JournalPhase phase, const QString &path) {
-        info_.phase = phase;
+    /// Stores that the recovered file is about to get the name `path`. Returns the problem, or an empty text.
+    QString enterSaving(const QString &path) {
+        info_.phase = JournalPhase::Saving;
+        info_.isRecovered = true;
         info_.savingPath = path;
         info_.savingRowCount = rowCount_;
         return folder_.writeInfo(info_);

@@ -1,5 +1,7 @@
 #include "core/journal_rows.h"
 
+#include "core/eye_tracking_csv.h"
+
 #include <algorithm>
 #include <array>
 
@@ -29,6 +31,40 @@ JournalRows::JournalRows(const QString &path, QByteArray header)
     : file_(path), header_(std::move(header)), separatorCount_(header_.count(',')) {
     // A failure is reported by read().
     (void)file_.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+}
+
+QByteArray JournalRows::recordHeader() {
+    return QByteArray::fromStdString(EyeTrackingCSV(QString(), false).headerLine());
+}
+
+std::optional<std::string_view> JournalRows::nextRow() {
+    while (rest_.empty()) {
+        const bool isStart = lineCount_ == 0;
+        if (read() != Result::Lines)
+            return std::nullopt;
+        rest_ = lines_;
+        if (isStart)
+            rest_.remove_prefix(static_cast<std::size_t>(header_.size()));
+    }
+    const std::string_view row = rest_.substr(0, rest_.find('\n') + 1);
+    rest_.remove_prefix(row.size());
+    return row;
+}
+
+std::optional<quint64> JournalRows::rowCountOfContinuation(const QString &path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    Result result = read();
+    for (; result == Result::Lines; result = read()) {
+        const auto size = static_cast<int>(lines_.size());
+        if (file.read(size) != QByteArray::fromRawData(lines_.data(), size))
+            return std::nullopt;
+    }
+    quint64 count = rowCount();
+    for (; !file.atEnd(); ++count)
+        file.readLine();
+    return result == Result::End ? std::optional(count) : std::nullopt;
 }
 
 JournalRows::Result JournalRows::read() {

@@ -11,9 +11,15 @@ std::string origins_csv::line(const RowOrigin &origin, const ArrivalClock &clock
 
 RecordingStatistics::Origin origins_csv::parse(std::string_view line) {
     constexpr double microsecondsPerMs = 1000;
-    const std::vector<double> cells = csv::numbers(line, ',');
-    const double arrivalMs = std::isfinite(cells.at(1)) ? cells[1] : 0;
-    return {std::chrono::microseconds(std::llround(arrivalMs * microsecondsPerMs)), cells.at(2) != 0, cells.at(3) != 0};
+    csv::LineNumbers cells(line, ',');
+    cells.skip(1);
+    const double arrivalMs = cells.next();
+    RecordingStatistics::Origin origin;
+    if (std::isfinite(arrivalMs))
+        origin.arrival = std::chrono::microseconds(std::llround(arrivalMs * microsecondsPerMs));
+    origin.l_valid = cells.next() != 0;
+    origin.r_valid = cells.next() != 0;
+    return origin;
 }
 
 const std::vector<RecordColumn> &origins_csv::columns() {

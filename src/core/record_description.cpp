@@ -39,7 +39,7 @@ QJsonArray toJson(const std::vector<RecordColumn> &columns) {
 
 }  // namespace
 
-QByteArray record_description::toJson(const JournalInfo &info, const RecordingStatistics &statistics, bool recovered) {
+QByteArray record_description::toJson(const JournalInfo &info, const RecordingStatistics &statistics) {
     const QJsonObject validShare{
         {"combined", ::toJson(statistics.validShare())},
         {"left", ::toJson(statistics.leftValidShare())},
@@ -60,7 +60,7 @@ QByteArray record_description::toJson(const JournalInfo &info, const RecordingSt
         {"validShare", validShare},
         {"longestGapMs", ::toJson(statistics.longestGapMs())},
         {"rightEyeCrossed", statistics.isRightEyeCrossed()},
-        {"recovered", recovered},
+        {"recovered", info.isRecovered},
         {"systemClockStepped", info.systemClockStepped},
         {"columns", ::toJson(EyeTrackingCSV::columns())},
         {"samplesColumns", ::toJson(origins_csv::columns())},

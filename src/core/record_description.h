@@ -8,8 +8,7 @@
 /// The text of the description beside a record file. docs/records.md describes it. Any thread.
 namespace record_description {
 
-/// `recovered` tells whether the record file was recovered from a journal.
-[[nodiscard]] QByteArray toJson(const JournalInfo &info, const RecordingStatistics &statistics, bool recovered);
+[[nodiscard]] QByteArray toJson(const JournalInfo &info, const RecordingStatistics &statistics);
 
 /// Returns whether `json` describes the recording of `info`.
 [[nodiscard]] bool describes(const QByteArray &json, const JournalInfo &info);

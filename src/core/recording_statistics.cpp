@@ -1,11 +1,16 @@
 #include "core/recording_statistics.h"
 
+#include "toolkit/table/csv_text.h"
+#include "toolkit/table/numeric_rows.h"
+
 #include <algorithm>
 
 namespace {
 
-/// The columns of a record file, which never change.
-enum Column : std::size_t { valid = 2, x = 3, y = 4, rightX = 15, rightY = 16 };
+/// Columns of a record file, which never change. "Valid" is before "X", and "Y" after it.
+constexpr int validColumn = 2;
+constexpr int xColumn = validColumn + 1;
+constexpr int rightXColumn = 15;
 
 double toMs(std::chrono::microseconds duration) {
     return std::chrono::duration<double, std::milli>(duration).count();
@@ -13,14 +18,32 @@ double toMs(std::chrono::microseconds duration) {
 
 }  // namespace
 
-void RecordingStatistics::add(const std::vector<double> &row, const std::optional<Origin> &origin) {
-    const bool isValid = row.at(Column::valid) != 0;
+RecordingStatistics::Row RecordingStatistics::rowOf(const NumericRows &rows, std::size_t index) {
+    return {rows.number(index, validColumn) != 0,
+            {rows.number(index, xColumn), rows.number(index, xColumn + 1)},
+            {rows.number(index, rightXColumn), rows.number(index, rightXColumn + 1)}};
+}
+
+RecordingStatistics::Row RecordingStatistics::parseRow(std::string_view line) {
+    csv::LineNumbers cells(line, ',');
+    Row row;
+    cells.skip(validColumn);
+    row.valid = cells.next() != 0;
+    row.combined.x = cells.next();
+    row.combined.y = cells.next();
+    cells.skip(rightXColumn - (xColumn + 2));
+    row.right.x = cells.next();
+    row.right.y = cells.next();
+    return row;
+}
+
+void RecordingStatistics::add(const Row &row, const std::optional<Origin> &origin) {
     ++count_;
-    validCount_ += isValid;
+    validCount_ += row.valid;
     if (origin)
         addOrigin(*origin);
-    if (isValid && (!origin || origin->r_valid))
-        rightEye_.add({row.at(Column::x), row.at(Column::y)}, {row.at(Column::rightX), row.at(Column::rightY)});
+    if (row.valid && (!origin || origin->r_valid))
+        rightEye_.add(row.combined, row.right);
 }
 
 void RecordingStatistics::addOrigin(const Origin &origin) {

@@ -5,7 +5,9 @@
 #include <QtGlobal>
 #include <chrono>
 #include <optional>
-#include <vector>
+#include <string_view>
+
+class NumericRows;
 
 /// The data quality of a recording. docs/records.md defines the figures. One thread.
 ///
@@ -13,6 +15,13 @@
 /// samples for it.
 class RecordingStatistics {
 public:
+    /// What the figures need of a row of a record file.
+    struct Row {
+        bool valid = false;
+        ScreenPoint combined;
+        ScreenPoint right;
+    };
+
     /// What the record file does not contain about a sample.
     struct Origin {
         std::chrono::microseconds arrival{0};  ///< since any moment that is the same for all samples
@@ -20,8 +29,13 @@ public:
         bool r_valid = false;
     };
 
-    /// Takes the next row: the numbers of the record file, and the origin of the sample if it is known.
-    void add(const std::vector<double> &row, const std::optional<Origin> &origin);
+    /// Takes the next row, and the origin of its sample if that is known.
+    void add(const Row &row, const std::optional<Origin> &origin);
+
+    /// Returns the row at `index` of a recording.
+    [[nodiscard]] static Row rowOf(const NumericRows &rows, std::size_t index);
+    /// Reads a line of a record file.
+    [[nodiscard]] static Row parseRow(std::string_view line);
 
     [[nodiscard]] quint64 sampleCount() const { return count_; }
 

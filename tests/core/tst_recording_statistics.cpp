@@ -8,7 +8,7 @@
 namespace {
 
 struct Row {
-    std::vector<double> cells;
+    RecordingStatistics::Row cells;
     std::optional<RecordingStatistics::Origin> origin;
 };
 
@@ -16,11 +16,8 @@ struct Row {
 std::vector<Row> rows(int count) {
     std::vector<Row> rows;
     for (int i = 0; i < count; ++i) {
-        Row row{std::vector<double>(23),
+        Row row{{true, {70, 20}, {20, 70}},
                 RecordingStatistics::Origin{std::chrono::milliseconds(10 * i), i % 2 == 0, true}};
-        row.cells[2] = 1;
-        row.cells[3] = row.cells[16] = 70;
-        row.cells[4] = row.cells[15] = 20;
         rows.push_back(row);
     }
     return rows;
@@ -67,8 +64,7 @@ void TestRecordingStatistics::figures_of_a_recording_data() {
         << changed(rows(40), [](Row &row, std::size_t) { row.origin->arrival = std::chrono::milliseconds(5); })
         << "40 0 - 0 1 0.5 1 1";
     QTest::newRow("only valid samples show that the right eye is crossed")
-        << changed(rows(40), [](Row &row, std::size_t i) { row.cells[2] = i < 10 ? 1 : 0; })
-        << "40 390 100 10 0.25 0.5 1 0";
+        << changed(rows(40), [](Row &row, std::size_t i) { row.cells.valid = i < 10; }) << "40 390 100 10 0.25 0.5 1 0";
     QTest::newRow("only a detected right eye shows that it is crossed")
         << changed(rows(40), [](Row &row, std::size_t i) { row.origin->r_valid = i < 10; })
         << "40 390 100 10 1 0.5 0.25 0";
@@ -77,7 +73,7 @@ void TestRecordingStatistics::figures_of_a_recording_data() {
             row.origin.reset();
     }) << "40 190 100 10 1 0.5 1 1";
     QTest::newRow("values that are not numbers")
-        << changed(rows(40), [](Row &row, std::size_t i) { row.cells[15] = i % 2 == 0 ? std::nan("") : 20; })
+        << changed(rows(40), [](Row &row, std::size_t i) { row.cells.right.x = i % 2 == 0 ? std::nan("") : 20; })
         << "40 390 100 10 1 0.5 1 0";
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <limits>
+#include <system_error>
 
 namespace {
 
@@ -108,19 +109,21 @@ QList<csv::Record> csv::parse(const QString &text, char separator) {
     return parser.finish();
 }
 
-std::vector<double> csv::numbers(std::string_view line, char separator) {
-    std::vector<double> numbers;
-    numbers.reserve(static_cast<std::size_t>(std::count(line.begin(), line.end(), separator)) + 1);
-    const char *at = line.data();
-    const char *const end = at + std::min(line.size(), line.find_first_of("\r\n"));
-    for (;;) {
-        const char *const cellEnd = std::find(at, end, separator);
-        double number = 0;
-        const auto [parsedEnd, error] = std::from_chars(at, cellEnd, number);
-        const bool isNumber = error == std::errc() && parsedEnd == cellEnd;
-        numbers.push_back(isNumber ? number : std::numeric_limits<double>::quiet_NaN());
-        if (cellEnd == end)
-            return numbers;
-        at = cellEnd + 1;
-    }
+void csv::LineNumbers::skip(int cellCount) {
+    for (int i = 0; i < cellCount; ++i)
+        (void)takeCell();
+}
+
+double csv::LineNumbers::next() {
+    const std::string_view cell = takeCell();
+    double number = 0;
+    const auto [end, error] = std::from_chars(cell.data(), cell.data() + cell.size(), number);
+    const bool isNumber = error == std::errc() && end == cell.data() + cell.find_last_not_of("\r\n") + 1;
+    return isNumber ? number : std::numeric_limits<double>::quiet_NaN();
+}
+
+std::string_view csv::LineNumbers::takeCell() {
+    const std::string_view cell = rest_.substr(0, rest_.find(separator_));
+    rest_.remove_prefix(std::min(cell.size() + 1, rest_.size()));
+    return cell;
 }

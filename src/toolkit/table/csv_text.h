@@ -4,7 +4,6 @@
 #include <QStringList>
 #include <string>
 #include <string_view>
-#include <vector>
 
 /// Reads and writes the text of CSV files (RFC 4180). Reentrant.
 namespace csv {
@@ -22,7 +21,21 @@ struct Record {
 /// skipped. A quoted field without a closing quote ends at the end of the text.
 [[nodiscard]] QList<Record> parse(const QString &text, char separator);
 
-/// Returns the cells of a line, which may have its line ending. A cell that is not a number is NaN.
-[[nodiscard]] std::vector<double> numbers(std::string_view line, char separator);
+/// Reads the numbers of a line that has no quoted fields, from left to right.
+class LineNumbers {
+public:
+    LineNumbers(std::string_view line, char separator) : rest_(line), separator_(separator) {}
+
+    void skip(int cellCount);
+
+    /// Returns the number of the next cell. NaN if it is not a number, and after the last cell.
+    [[nodiscard]] double next();
+
+private:
+    [[nodiscard]] std::string_view takeCell();
+
+    std::string_view rest_;
+    char separator_;
+};
 
 }  // namespace csv

@@ -72,13 +72,9 @@ QVariantList NumericRows::at(std::size_t row) const {
     return cells;
 }
 
-std::vector<double> NumericRows::numbers(std::size_t row) const {
-    std::vector<double> numbers;
-    numbers.reserve(rowEnds_[row] - rowBegin(row));
-    forEachCell(row, [&](const NumericCell &cell) {
-        numbers.push_back(std::visit([](auto value) { return static_cast<double>(value); }, cell));
-    });
-    return numbers;
+double NumericRows::number(std::size_t row, std::size_t column) const {
+    const std::size_t index = rowBegin(row) + column;
+    return std::visit([](auto value) { return static_cast<double>(value); }, cell(values_[index], types_[index]));
 }
 
 std::string NumericRows::text(std::size_t row, char separator) const {

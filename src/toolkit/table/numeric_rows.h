@@ -28,8 +28,8 @@ public:
     /// Returns the cells of a row with their original types.
     [[nodiscard]] QVariantList at(std::size_t row) const;
 
-    /// Returns the cells of a row as doubles.
-    [[nodiscard]] std::vector<double> numbers(std::size_t row) const;
+    /// Returns one cell of a row.
+    [[nodiscard]] double number(std::size_t row, std::size_t column) const;
 
     /// Returns the cells of a row as text, separated by `separator`. See number_text for the format.
     [[nodiscard]] std::string text(std::size_t row, char separator) const;

@@ -1,5 +1,6 @@
 #include "toolkit/table/numeric_table_csv.h"
 
+#include "toolkit/base/buffered_writer.h"
 #include "toolkit/base/file_utilities.h"
 #include "toolkit/base/new_file.h"
 #include "toolkit/table/csv_text.h"
@@ -16,28 +17,10 @@ Q_LOGGING_CATEGORY(lcCsv, "ocela.csv")
 
 constexpr char separator = ',';
 constexpr char lineEnd[] = "\r\n";
-constexpr std::size_t writeSizeBytes = 1 << 18;
 
 bool fail(const char *what, const QString &path, const QString &reason) {
     qCWarning(lcCsv, "Cannot %s %s: %s", what, qUtf8Printable(path), qUtf8Printable(reason));
     return false;
-}
-
-bool write(const std::string &text, QSaveFile &file) {
-    return FileUtilities::writeAll(file, text.data(), static_cast<qint64>(text.size()));
-}
-
-bool writeTable(std::string text, const NumericRows &rows, QSaveFile &file) {
-    text.reserve(2 * writeSizeBytes);
-    for (std::size_t row = 0; row < rows.size(); ++row) {
-        text += NumericTableCSV::rowLine(rows, row);
-        if (text.size() < writeSizeBytes)
-            continue;
-        if (!write(text, file))
-            return false;
-        text.clear();
-    }
-    return write(text, file);
 }
 
 std::optional<NumericCell> parseCell(const QString &text, std::optional<int> type) {
@@ -68,7 +51,11 @@ std::string NumericTableCSV::rowLine(const NumericRows &rows, std::size_t index)
 }
 
 bool NumericTableCSV::write(QSaveFile &file) const {
-    return writeTable(headerLine(), rows_, file);
+    BufferedWriter writer(file);
+    bool written = writer.append(headerLine());
+    for (std::size_t row = 0; written && row < rows_.size(); ++row)
+        written = writer.append(rowLine(rows_, row));
+    return written && writer.flush();
 }
 
 bool NumericTableCSV::save(const QString &path, bool keepExisting) {

@@ -1,0 +1,78 @@
+#include "core/recovered_companions.h"
+
+#include "core/journal_rows.h"
+#include "core/origins_csv.h"
+#include "core/record_companions.h"
+#include "core/record_description.h"
+#include "toolkit/base/buffered_writer.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLoggingCategory>
+
+namespace {
+
+Q_LOGGING_CATEGORY(lcRecovery, "ocela.recovery")
+
+/// Returns an empty array if the file cannot be read.
+QByteArray contentOf(const QString &path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+}  // namespace
+
+bool RecoveredCompanions::save() const {
+    if (!info_.isDescribed || isDescribed())
+        return true;
+    if (!hasSamples())
+        saveSamples();
+    const RecordingStatistics statistics = this->statistics();
+    if (stopping_)
+        return false;
+    record_companions::saveDescription(info_.savingPath, record_description::toJson(info_, statistics));
+    return true;
+}
+
+/// The recording writes the description last.
+bool RecoveredCompanions::isDescribed() const {
+    return record_description::describes(contentOf(record_companions::descriptionPath(info_.savingPath)), info_);
+}
+
+bool RecoveredCompanions::hasSamples() const {
+    JournalRows samples(folder_.samplesPath(), origins_csv::header);
+    return samples.rowCountOfContinuation(record_companions::samplesPath(info_.savingPath)).has_value();
+}
+
+void RecoveredCompanions::saveSamples() const {
+    const QString path = record_companions::samplesPath(info_.savingPath);
+    quint64 rowCount = 0;
+    record_companions::save(path, [&](QSaveFile &file) {
+        JournalRows samples(folder_.samplesPath(), origins_csv::header);
+        BufferedWriter writer(file);
+        bool written = writer.append(origins_csv::header);
+        // The journal may have the sample of a row that was not written any more.
+        for (; written && rowCount < info_.savingRowCount; ++rowCount) {
+            const std::optional<std::string_view> row = samples.nextRow();
+            if (!row)
+                break;
+            written = writer.append(*row);
+        }
+        return written && writer.flush();
+    });
+    if (rowCount < info_.savingRowCount)
+        qCWarning(lcRecovery).noquote() << QDir::toNativeSeparators(path) << "has only the first" << rowCount << "of"
+                                        << info_.savingRowCount << "rows";
+}
+
+RecordingStatistics RecoveredCompanions::statistics() const {
+    JournalRows rows(info_.savingPath, JournalRows::recordHeader());
+    JournalRows samples(folder_.samplesPath(), origins_csv::header);
+    RecordingStatistics statistics;
+    for (auto row = rows.nextRow(); row && !stopping_; row = rows.nextRow()) {
+        const std::optional<std::string_view> sample = samples.nextRow();
+        statistics.add(RecordingStatistics::parseRow(*row),
+                       sample ? std::optional(origins_csv::parse(*sample)) : std::nullopt);
+    }
+    return statistics;
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "core/journal_folder.h"
+#include "core/recording_statistics.h"
+
+#include <atomic>
+
+/// Writes the companions of a record file from its journal. Private to JournalRecovery.
+class RecoveredCompanions {
+public:
+    /// The record file is JournalInfo::savingPath, which is complete.
+    RecoveredCompanions(const JournalFolder &folder, const JournalInfo &info, const std::atomic<bool> &stopping)
+        : folder_(folder), info_(info), stopping_(stopping) {}
+
+    /// Writes the companions that are wanted and missing. A companion that cannot be written is a warning. Returns
+    /// false if it was interrupted.
+    [[nodiscard]] bool save() const;
+
+private:
+    [[nodiscard]] bool isDescribed() const;
+    [[nodiscard]] bool hasSamples() const;
+    void saveSamples() const;
+    [[nodiscard]] RecordingStatistics statistics() const;
+
+    const JournalFolder &folder_;
+    const JournalInfo &info_;
+    const std::atomic<bool> &stopping_;
+};
