@@ -1,12 +1,14 @@
 import assert from 'node:assert/strict';
 import { describe, test } from 'node:test';
+import { ArrivalTimes } from '../../web/js/record/arrival_times.js';
+import { recordingOf } from '../../web/js/record/chosen_files.js';
 import { parseDecimal } from '../../web/js/record/decimal.js';
 import { defaultParameters, findFixations } from '../../web/js/record/fixations.js';
 import { heatMapOf } from '../../web/js/record/heat_map.js';
 import { dragToMove, dragToSelect } from '../../web/js/record/range_control.js';
 import { RecordBuilder } from '../../web/js/record/record_builder.js';
 import { drawOverview, drawPupils } from '../../web/js/record/record_charts.js';
-import { RecordError, RecordParser, headers } from '../../web/js/record/record_parser.js';
+import { RecordError, RecordParser, headers, samplesFormat } from '../../web/js/record/record_parser.js';
 import { RecordView } from '../../web/js/record/record_view.js';
 import { drawScanPath } from '../../web/js/record/scan_path_view.js';
 import { between, moved, zoomed } from '../../web/js/record/time_range.js';
@@ -101,6 +103,69 @@ describe('record file', () => {
         }));
 });
 
+describe('samples file', () => {
+    const samplesHeader = `${samplesFormat.headers.join()}\r\n`;
+    const sample = arrival => `7,${arrival},1,0\r\n`;
+
+    /** Reads a record file with its samples file. */
+    function readBoth(record, samples) {
+        const file = read(record);
+        const times = new ArrivalTimes();
+        const parser = new RecordParser((cells, line) => times.add(cells, line), samplesFormat);
+        parser.push(bytesOf(samples));
+        parser.finish();
+        times.applyTo(file, file.cutOffLine > 0);
+        return new RecordView({ ...file, samples: null }, '', defaultParameters, 50);
+    }
+
+    const arrivals = ['1700000000123.456', '1700000000133.956', '1700000000133.956', '1700000000200'].map(sample);
+    const timeless = header + row(0).repeat(4);
+    for (const [name, record, samples, times] of [
+        ['gives times to a record without timestamps', timeless, samplesHeader + arrivals.join(''), [0, 10.5, 10.5, 76.544]],
+        ['replaces timestamps of a clock that was set back', header + row(50) + row(60) + row(20) + row(30),
+            samplesHeader + arrivals.join(''), [0, 10.5, 10.5, 76.544]],
+        ['has more rows than a record file that is cut off', timeless.slice(0, -40), samplesHeader + arrivals.join(''),
+            [0, 10.5, 10.5]],
+        ['of many samples', header + row(0).repeat(3000),
+            samplesHeader + listOf(3000, i => sample(1700000000000 + i / 8)).join(''), listOf(3000, i => i / 8)],
+    ])
+        test(name, () => {
+            const view = readBoth(record, samples);
+            timesOf(view).forEach((time, i) => assert.ok(Math.abs(time - times[i]) < 1e-3, `${time} ${i}`));
+            assert.deepEqual([view.columns.length, view.timeless, view.file.setBackLine], [times.length, false, 0]);
+        });
+
+    for (const [name, samples, key, line] of [
+        ['with fewer rows', samplesHeader + arrivals.slice(1).join(''), 'otherRowCount', 0],
+        ['with more rows', samplesHeader + arrivals.join('') + sample(1700000000300), 'otherRowCount', 0],
+        ['whose time goes back', samplesHeader + arrivals.reverse().join(''), 'arrivalOrder', 3],
+        ['without a time', samplesHeader + sample('nan'), 'arrivalOrder', 2],
+        ['that is a record file', timeless, 'notSamples', 1],
+        ['with a missing column', `${samplesHeader}7,1,1\r\n`, 'wrongColumns', 2],
+    ])
+        test(`${name} is not used`, () => assert.throws(() => readBoth(timeless, samples), error => {
+            assert.deepEqual([error.key, error.values.line], [key, line]);
+            return true;
+        }));
+
+    for (const [names, record, samples] of [
+        ['r.csv', 'r.csv'],
+        ['r.csv r.json r_samples.csv', 'r.csv', 'r_samples.csv'],
+        ['b_samples.csv a_samples.csv a.csv b.csv', 'a.csv', 'a_samples.csv'],
+        ['a.csv b.csv b_samples.csv', 'a.csv'],
+        ['renamed.csv r_samples.csv', 'renamed.csv', 'r_samples.csv'],
+        ['R.CSV r_Samples.csv x_samples.csv', 'R.CSV', 'r_Samples.csv'],
+        ['r_samples.csv', 'r_samples.csv'],
+        ['r.json', 'r.json'],
+    ])
+        test(`chosen among ${names}`, () => {
+            const files = recordingOf(names.split(' ').map(name => ({ name })));
+            assert.deepEqual([files.record.name, files.samples?.name], [record, samples]);
+        });
+
+    test('is not chosen without files', () => assert.equal(recordingOf([]), null));
+});
+
 /** Returns samples at 100 Hz, in parts of [count, x, y]. */
 function gazeOf(...parts) {
     const gaze = parts.flatMap(([count, x, y]) => listOf(count, i => ({ x: x + (i % 2), y })));
@@ -108,7 +173,7 @@ function gazeOf(...parts) {
 }
 
 function viewOf(columns, range) {
-    const file = { columns, aspect: 16 / 9, crossed: false, timeless: false, setBackLine: 0, cutOffLine: 0 };
+    const file = { columns, aspect: 16 / 9, crossed: false, timeless: false, setBackLine: 0, cutOffLine: 0, samples: null };
     const view = new RecordView(file, 'record.csv', defaultParameters, 60);
     view.show(range);
     return view;

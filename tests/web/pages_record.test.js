@@ -26,7 +26,8 @@ before(async () => {
     const endMs = (await lastTimestamp()) + 1000 * recordingSeconds;
     await waitFor(async () => (await lastTimestamp()) > endMs, 'the end of the recording');
     await fetch(`${address}/stoprecord`);
-    await fileAt(recordFile);
+    // The last of the three files.
+    await fileAt(join(folder, 'record.json'));
 });
 after(async () => {
     await browser.close();
@@ -81,6 +82,32 @@ test('a record file of Ocela is shown, zoomed and saved as an image', async () =
     await page.click('#export');
     await fileAt(join(folder, 'record.png'));
     assert.equal(readFileSync(join(folder, 'record.png')).toString('latin1', 1, 4), 'PNG');
+    assert.deepEqual(page.errors, []);
+});
+
+test('a record file without timestamps gets the times of its samples file', async () => {
+    const lines = readFileSync(recordFile, 'utf8').split('\r\n');
+    const timeless = lines.map((line, i) => (i > 0 && line ? `0,0,${line.split(',').slice(2).join()}` : line)).join('\r\n');
+    const [record, samples] = ['timeless.csv', 'timeless_samples.csv'].map(name => join(folder, name));
+    writeFileSync(record, timeless);
+    copyFileSync(join(folder, 'record_samples.csv'), samples);
+    const described = JSON.parse(readFileSync(join(folder, 'record.json'), 'utf8'));
+    assert.ok(described.rightEyeCrossed);
+
+    const page = await browser.open(`${address}/record.html`);
+    await page.choose('#file', record);
+    await page.until("document.querySelector('#remarks').textContent.includes('_samples.csv')");
+    assert.ok(await page.evaluate(isShown('assumed')));
+    await page.choose('#file', samples, record, join(folder, 'record.json'));
+    await page.until(`document.querySelector('#remarks').textContent.includes('in “timeless_samples.csv”')`);
+    assert.ok(!await page.evaluate(isShown('assumed')));
+    assert.equal(await page.text('#duration'), `${(described.durationMs / 1000).toFixed(1)} s`);
+    assert.equal(await page.text('#rate'), `${described.measuredRateHz.toFixed(1)} Hz`);
+
+    writeFileSync(samples, readFileSync(samples, 'utf8').split('\r\n').slice(0, 50).join('\r\n'));
+    await page.choose('#file', record, samples);
+    const reason = `“timeless_samples.csv” is not used. It has 49 samples, but the record file has ${described.sampleCount}.`;
+    await page.until(`document.querySelector('#remarks').textContent.includes('${reason}')`);
     assert.deepEqual(page.errors, []);
 });
 

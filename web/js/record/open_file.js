@@ -1,5 +1,6 @@
 // @ts-check
 import { allOf, inputById } from '../shared/dom.js';
+import { recordingOf } from './chosen_files.js';
 /** @import { Problem, RecordFile, WorkerMessage } from './parse_worker.js' */
 
 /**
@@ -13,18 +14,21 @@ import { allOf, inputById } from '../shared/dom.js';
 let worker = null;
 
 /**
- * Reads a file in a worker, so that the page stays responsive. Cancels the reading of a previous file.
+ * Reads the files of a recording in a worker, so that the page stays responsive. Cancels the reading of previous files.
  *
- * @param {File} file
+ * @param {Iterable<File>} chosen
  * @param {Handlers} handlers
  */
-function read(file, handlers) {
+function read(chosen, handlers) {
+    const files = recordingOf(chosen);
+    if (!files) return;
+    const { name } = files.record;
     worker?.terminate();
     worker = new Worker(new URL('./parse_worker.js', import.meta.url), { type: 'module' });
-    worker.onmessage = ({ data }) => handle(data, file.name, handlers);
-    worker.onerror = ({ message }) => handlers.problem({ key: 'unreadable', values: { reason: message } }, file.name);
+    worker.onmessage = ({ data }) => handle(data, name, handlers);
+    worker.onerror = ({ message }) => handlers.problem({ key: 'unreadable', values: { reason: message } }, name);
     handlers.progress(0);
-    worker.postMessage(file);
+    worker.postMessage(files);
 }
 
 /**
@@ -39,7 +43,7 @@ function handle(message, fileName, handlers) {
 }
 
 /**
- * Connects the buttons that open a file, and accepts files that are dropped anywhere on the page.
+ * Connects the buttons that open files, and accepts files that are dropped anywhere on the page.
  *
  * @param {Handlers} handlers
  */
@@ -47,7 +51,7 @@ export function startOpening(handlers) {
     const input = inputById('file');
     for (const button of allOf('.open-file')) button.addEventListener('click', () => input.click());
     input.addEventListener('change', () => {
-        if (input.files?.[0]) read(input.files[0], handlers);
+        read(input.files ?? [], handlers);
         // Otherwise, choosing the same file again would not cause a change event.
         input.value = '';
     });
@@ -62,6 +66,5 @@ export function startOpening(handlers) {
 function drag(event, handlers) {
     event.preventDefault();
     document.body.classList.toggle('dropping', event.type === 'dragenter' || event.type === 'dragover');
-    const file = event.type === 'drop' ? event.dataTransfer?.files[0] : undefined;
-    if (file) read(file, handlers);
+    if (event.type === 'drop') read(event.dataTransfer?.files ?? [], handlers);
 }

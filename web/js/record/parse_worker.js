@@ -1,20 +1,29 @@
 // @ts-check
 import { columnNames } from '../shared/sample_columns.js';
+import { ArrivalTimes } from './arrival_times.js';
 import { RecordBuilder } from './record_builder.js';
-import { RecordError, RecordParser } from './record_parser.js';
+import { RecordError, RecordParser, samplesFormat } from './record_parser.js';
 /** @import { TextKey, TextValues } from '../shared/language.js' */
+/** @import { RecordingFiles } from './chosen_files.js' */
 /** @import { RecordContent } from './record_builder.js' */
 
-/** @typedef {RecordContent & { cutOffLine: number }} RecordFile `cutOffLine` is 0 if the file is complete. */
 /** @typedef {{ key: TextKey, values: TextValues }} Problem */
+
+/** @typedef {{ name: string, problem: Problem | null }} SamplesFile `problem` is the reason why its times are not used. */
+
+/**
+ * @typedef {RecordContent & { cutOffLine: number, samples: SamplesFile | null }} RecordFile
+ * `cutOffLine` is 0 if the file is complete.
+ */
+
 /** @typedef {{ progress: number } | { record: RecordFile } | { problem: Problem }} WorkerMessage Progress is from 0 to 1. */
 
 const pieceBytes = 1 << 21;
 
-/** Reads the file in the message. Replies with the progress, and finally with the file's content or a problem. */
-onmessage = async ({ data: file }) => {
+/** Reads the files in the message. Replies with the progress, and finally with the recording or a problem. */
+onmessage = async ({ data: files }) => {
     try {
-        const record = await read(file);
+        const record = await read(files);
         const { columns } = record;
         const transfer = [columns.time, ...columnNames.map(name => columns[name])].map(({ buffer }) => buffer);
         reply({ record }, transfer);
@@ -41,16 +50,47 @@ function problemOf(error) {
 }
 
 /**
- * @param {File} file
+ * @param {RecordingFiles} files
  * @returns {Promise<RecordFile>}
  */
-async function read(file) {
+async function read({ record, samples }) {
+    const totalBytes = record.size + (samples?.size ?? 0);
     const builder = new RecordBuilder();
     const parser = new RecordParser((cells, line) => builder.add(cells, line));
+    await parse(record, parser, doneBytes => reply({ progress: doneBytes / totalBytes }));
+    const file = { ...builder.finish(), cutOffLine: parser.cutOffLine, samples: null };
+    if (!samples) return file;
+    const problem = await readTimes(samples, file, doneBytes => reply({ progress: (record.size + doneBytes) / totalBytes }));
+    return { ...file, samples: { name: samples.name, problem } };
+}
+
+/**
+ * Replaces the times of a recording by the arrival times in its samples file. Returns the problem if that fails.
+ *
+ * @param {File} samples
+ * @param {RecordFile} file
+ * @param {(doneBytes: number) => void} progress
+ */
+async function readTimes(samples, file, progress) {
+    const times = new ArrivalTimes();
+    try {
+        await parse(samples, new RecordParser((cells, line) => times.add(cells, line), samplesFormat), progress);
+        times.applyTo(file, file.cutOffLine > 0);
+        return null;
+    } catch (error) {
+        return problemOf(/** @type {Error} */ (error));
+    }
+}
+
+/**
+ * @param {File} file
+ * @param {RecordParser} parser
+ * @param {(doneBytes: number) => void} progress
+ */
+async function parse(file, parser, progress) {
     for (let at = 0; at < file.size; at += pieceBytes) {
         parser.push(new Uint8Array(await file.slice(at, at + pieceBytes).arrayBuffer()));
-        reply({ progress: Math.min(1, (at + pieceBytes) / file.size) });
+        progress(Math.min(file.size, at + pieceBytes));
     }
     parser.finish();
-    return { ...builder.finish(), cutOffLine: parser.cutOffLine };
 }

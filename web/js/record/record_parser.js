@@ -12,6 +12,18 @@ export const headers = [
     'Timestamp', 'Time', 'Valid', 'X', 'Y', 'X_px', 'Y_px', 'Distance_cm', ...eyeHeaders('L'), ...eyeHeaders('R'), 'Focus',
 ];
 
+/**
+ * A kind of file that RecordParser reads, and the text for a file with another header.
+ *
+ * @typedef {{ headers: string[], wrongHeader: TextKey }} TableFormat
+ */
+
+/** @type {TableFormat} */
+export const recordFormat = { headers, wrongHeader: 'notARecord' };
+
+/** The samples file beside a record file. @type {TableFormat} */
+export const samplesFormat = { headers: ['Number', 'Arrival_ms', 'L_Valid', 'R_Valid'], wrongHeader: 'notSamples' };
+
 const [lineFeed, carriageReturn, comma] = [10, 13, 44];
 
 /** Much longer than any line of a record file. A file without line ends must not fill the memory. */
@@ -34,25 +46,31 @@ export class RecordError extends Error {
     }
 }
 
-/** A parser for record files. It also accepts LF line ends and a byte order mark, which some editors write. */
+/** A parser for record files and samples files. It also accepts LF line ends and a byte order mark, which some editors write. */
 export class RecordParser {
     /** The line in which the file was cut off; 0 if it is complete. */
     cutOffLine = 0;
     #take;
+    #format;
     #line = 0;
     #rowCount = 0;
     /** The start of a line that continues in the next piece. */
     #rest = new Uint8Array(0);
-    #cells = new Float64Array(headers.length);
+    #cells;
 
-    /** @param {TakeRow} take called with the numbers of each row, in the order of the headers; the array is reused */
-    constructor(take) {
+    /**
+     * @param {TakeRow} take called with the numbers of each row, in the order of the headers; the array is reused
+     * @param {TableFormat} format
+     */
+    constructor(take, format = recordFormat) {
         this.#take = take;
+        this.#format = format;
+        this.#cells = new Float64Array(format.headers.length);
     }
 
     /**
      * Parses the next piece of the file, which may end anywhere. Throws a RecordError at the first line that does not
-     * belong to a record file.
+     * belong to such a file.
      *
      * @param {Uint8Array} piece
      */
@@ -91,8 +109,14 @@ export class RecordParser {
     #readLine(bytes, from, end) {
         ++this.#line;
         const to = bytes[end - 1] === carriageReturn ? end - 1 : end;
-        if (this.#line === 1) readHeader(bytes.subarray(from, to));
+        if (this.#line === 1) this.#readHeader(bytes.subarray(from, to));
         else if (to > from) this.#readRow(bytes, from, to);
+    }
+
+    /** @param {Uint8Array} bytes */
+    #readHeader(bytes) {
+        // The decoder removes a byte order mark.
+        if (new TextDecoder().decode(bytes) !== this.#format.headers.join()) throw this.#wrongHeader(bytes);
     }
 
     /**
@@ -104,10 +128,10 @@ export class RecordParser {
         let column = 0;
         for (let start = from; start <= to; ++column) {
             const end = endOfCell(bytes, start, to);
-            if (column < headers.length) this.#cells[column] = this.#readCell(column, bytes, start, end);
+            if (column < this.#cells.length) this.#cells[column] = this.#readCell(column, bytes, start, end);
             start = end + 1;
         }
-        if (column !== headers.length) throw this.#wrongColumns(column);
+        if (column !== this.#cells.length) throw this.#wrongColumns(column);
         ++this.#rowCount;
         this.#take(this.#cells, this.#line);
     }
@@ -121,29 +145,26 @@ export class RecordParser {
     #readCell(column, bytes, from, to) {
         const value = parseDecimal(bytes, from, to);
         if (value !== undefined) return value;
-        const values = { column: column + 1, name: headers[column], found: excerpt(bytes.subarray(from, to)) };
+        const values = {
+            column: column + 1, name: this.#format.headers[column], found: excerpt(bytes.subarray(from, to)),
+        };
         throw new RecordError('noNumber', this.#line, values);
     }
 
     /** @param {number} columns */
     #wrongColumns(columns) {
-        return new RecordError('wrongColumns', this.#line, { columns, expected: headers.length });
+        return new RecordError('wrongColumns', this.#line, { columns, expected: this.#cells.length });
+    }
+
+    /** @param {Uint8Array} bytes */
+    #wrongHeader(bytes) {
+        const { headers: expected, wrongHeader } = this.#format;
+        return new RecordError(wrongHeader, 1, { expected: expected.slice(0, 3).join(), found: excerpt(bytes) });
     }
 
     #tooLong() {
-        return this.#line === 0 ? notARecord(this.#rest) : new RecordError('lineTooLong', this.#line + 1);
+        return this.#line === 0 ? this.#wrongHeader(this.#rest) : new RecordError('lineTooLong', this.#line + 1);
     }
-}
-
-/** @param {Uint8Array} bytes */
-function readHeader(bytes) {
-    // The decoder removes a byte order mark.
-    if (new TextDecoder().decode(bytes) !== headers.join()) throw notARecord(bytes);
-}
-
-/** @param {Uint8Array} bytes */
-function notARecord(bytes) {
-    return new RecordError('notARecord', 1, { expected: headers.slice(0, 3).join(), found: excerpt(bytes) });
 }
 
 /**

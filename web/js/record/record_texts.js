@@ -3,7 +3,7 @@ import { byId, element, inputById, setText } from '../shared/dom.js';
 import { clock, number, onLanguage, quantity, text } from '../shared/language.js';
 import { maxInSecondsMs } from './record_charts.js';
 import { showsNumbers } from './scan_path_view.js';
-/** @import { Problem } from './parse_worker.js' */
+/** @import { Problem, SamplesFile } from './parse_worker.js' */
 /** @import { StageMode } from './record_charts.js' */
 /** @import { RecordView } from './record_view.js' */
 
@@ -55,13 +55,22 @@ export function showFile(view) {
 }
 
 /** @param {RecordView} view */
-function remarksOf({ file: { cutOffLine, setBackLine, timeless, crossed } }) {
+function remarksOf({ file: { cutOffLine, setBackLine, timeless, crossed, samples } }) {
     const remarks = [];
+    if (samples) remarks.push(samplesRemark(samples));
     if (cutOffLine > 0) remarks.push(text('cutOff', { line: cutOffLine }));
     if (setBackLine > 0) remarks.push(text('setBack', { line: setBackLine }));
     if (timeless) remarks.push(text('timeless'));
     if (crossed) remarks.push(text('crossed'));
     return remarks;
+}
+
+/**
+ * @param {SamplesFile} samples
+ */
+function samplesRemark({ name, problem }) {
+    if (!problem) return text('arrivalTimes', { name });
+    return text('samplesNotUsed', { name, reason: text(problem.key, problem.values) });
 }
 
 /**
