@@ -103,10 +103,11 @@ void TestRecordCompanions::description_and_samples_stand_beside_the_record_file(
     QVERIFY(json["recovered"].isBool() && !json["recovered"].toBool());
 
     QStringList names;
-    for (const QJsonValue &column : json["columns"].toArray())
+    const QJsonArray columns = json["columns"].toArray();
+    for (const QJsonValue &column : columns)
         names << column["name"].toString();
     QCOMPARE(names.join(',').toUtf8() + '\r', readFile(path("r.csv")).split('\n').first());
-    QCOMPARE(json["columns"][12]["unit"].toString(), "mm");
+    QCOMPARE(columns[12]["unit"].toString(), "mm");
 }
 
 void TestRecordCompanions::earlier_files_are_kept_data() {
