@@ -103,7 +103,7 @@ void EyetrackerSampleViewer::eyetrackerChanged() {
         return;
     }
     // Queued calls of the old tracker arrive even after its connection was disconnected.
-    const auto show = [this, tracker = eyetracker_](const EyeTrackingSample &sample) {
+    const auto show = [this, tracker = eyetracker_](EyeTrackingSample sample) {
         if (tracker == eyetracker_)
             display(sample);
     };
