@@ -2,16 +2,18 @@
 
 #include "core/eyetracker_interface.h"
 
-#include <QSize>
-#include <QTcpSocket>
+#include <QThread>
 #include <QTimer>
 
-/// The back-end for GazePoint trackers, which connects to the vendor's server at 127.0.0.1:4242. Each message
-/// is a line with one XML element.
+namespace gazepoint {
+class Connection;
+}
+
+/// The back-end for GazePoint trackers. It connects to the vendor's server at 127.0.0.1:4242.
 ///
-/// Created and owned by the main window. Everything runs on the GUI thread. Sending can block for up to 30 s. The
-/// server shows its own calibration window. Only start() restores a lost connection. Samples are in device pixels of
-/// the screen that the server tracks, without display scaling.
+/// Created and owned by the main window, on the GUI thread. The connection has a thread of its own, which delivers the
+/// samples. The server shows its own calibration window. Only start() restores a lost connection. Samples are in device
+/// pixels of the screen that the server tracks, without display scaling.
 class GazePoint : public EyetrackerInterface {
     Q_OBJECT
 
@@ -20,6 +22,7 @@ public:
 
     /// Tests pass the `port` of their own server.
     GazePoint(const QString &dataFolder, QObject *parent, quint16 port = serverPort);
+    /// Waits until the commands of earlier calls are sent, but not for a server that does not read.
     ~GazePoint() override;
 
     [[nodiscard]] QString name() const override { return QStringLiteral("gazepoint"); }
@@ -29,6 +32,7 @@ public:
 public Q_SLOTS:
     /// Starts to connect, and returns true at once. A failure to connect is not reported.
     bool start() override;
+    /// Returns at once. Samples may arrive until disconnected() is emitted.
     void stop() override;
     /// Starts the calibration of the server. `area` is ignored: the server chooses the screen. It does not report the
     /// end of the calibration.
@@ -36,15 +40,10 @@ public Q_SLOTS:
     void stopCalibration() override {}
 
 private:
-    void onConnected();
-    void onDisconnected();
-    void onReadyRead();
-    void takeRecord(const QByteArray &message);
-    void takeScreenSize(const QByteArray &message);
-    void send(const QByteArray &text);
+    /// Queues a call to the thread of the connection. Calls are run in order.
+    void queue(void (gazepoint::Connection::*call)());
 
-    const quint16 port_;
-    QTcpSocket socket_;
-    QSize screenSize_{0, 0};  ///< in pixels; 0 x 0 until the server has sent it
+    QThread thread_;
+    gazepoint::Connection *const connection_;  ///< deleted by the destructor, on its thread
     QTimer pollTimer_;
 };
