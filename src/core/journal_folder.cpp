@@ -81,6 +81,15 @@ void JournalFolder::remove() {
     QDir(path_).removeRecursively();
 }
 
+void JournalFolder::removeRest() {
+    QFile::remove(samplesPath());
+    QFile::remove(markersPath());
+    // Windows does not remove a file that is open.
+    lock_.unlock();
+    QFile::remove(path_ + lockName);
+    QDir().rmdir(path_);
+}
+
 QString JournalFolder::keepAsDamaged() {
     // Windows does not rename a folder with an open file.
     lock_.unlock();

@@ -36,6 +36,10 @@ public:
     /// Removes the journal and releases the lock. Files that cannot be removed are left to the next start.
     void remove();
 
+    /// Removes what is left of a journal without rows and without a description, and releases the lock. A folder with
+    /// other files is kept.
+    void removeRest();
+
     /// Releases the lock and renames the folder to "NAME.damaged". Returns the new path, or an empty text.
     [[nodiscard]] QString keepAsDamaged();
 

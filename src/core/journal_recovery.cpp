@@ -64,8 +64,7 @@ private:
         QFile file(folder_.infoPath());
         if (!file.exists() && !QFile::exists(folder_.rowsPath())) {
             // Not a journal, or a journal that was only partly removed.
-            QFile::remove(folder_.path() + "/lock");
-            QDir().rmdir(folder_.path());
+            folder_.removeRest();
             return false;
         }
         if (file.exists() && !file.open(QIODevice::ReadOnly)) {
@@ -175,7 +174,7 @@ private:
         return fail(native(path) + ": all numbered names are taken");
     }
 
-    /// Writes the companions of the file that has its name, and removes the journal. Unless the names are on the disk,
+    /// Writes the companions of the saved record file, and removes the journal. Unless the names are on the disk,
     /// the journal is kept, and the next start does the rest.
     void finish() {
         if (!RecoveredCompanions(folder_, info_, stopping_).save() ||

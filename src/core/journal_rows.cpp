@@ -95,7 +95,6 @@ bool JournalRows::takeLines() {
         begin = end + 1;
         ++lineCount_;
     }
-    lines_ = text.substr(0, begin);
     // One zero is kept, so that a line which continues after zeros is invalid.
     int size = buffer_.size();
     while (size > static_cast<int>(begin) + 1 && buffer_[size - 1] == '\0' && buffer_[size - 2] == '\0')

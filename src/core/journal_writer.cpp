@@ -65,7 +65,11 @@ void JournalWriter::run() {
     } while (!waitForStop(takeInterval));
     nextTry_ = Clock::now();
     step();
-    syncNow();
+    try {
+        syncNow();
+    } catch (const std::exception &error) {
+        pause(error.what());
+    }
 }
 
 void JournalWriter::step() {

@@ -88,7 +88,7 @@ void TestJournalRecovery::journal_is_recovered_kept_or_removed_data() {
     QTest::newRow("no rows") << "recording" << recordText(0) << none << none << removed << "";
     QTest::newRow("torn header") << "recording" << three.left(9) << none << none << removed << "";
     QTest::newRow("removal was interrupted") << "recording" << none << none << none << removed << "";
-    QTest::newRow("rest of a removal") << QString() << none << none << none << kept << "";
+    QTest::newRow("rest of a removal") << QString() << none << none << none << removed << "";
 
     QTest::newRow("row with text") << "recording" << three + "x" + three << none << none << damaged << damage;
     QTest::newRow("row is too short") << "recording" << three + "1,2\r\n" << none << none << damaged << damage;
