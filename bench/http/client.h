@@ -20,7 +20,7 @@ struct Load {
 };
 
 /// A client that sends a request, waits for the response, and repeats. It never blocks: events of `Load::epoll` carry
-/// the client's address, and the event loop calls onEvent(). With a new connection for each request, a response is
+/// a pointer to the client, and the event loop calls onEvent(). With a new connection for each request, a response is
 /// complete when the server has closed the connection.
 class Client {
 public:

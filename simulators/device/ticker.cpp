@@ -11,7 +11,7 @@ using Clock = std::chrono::steady_clock;
 
 namespace {
 
-/// After a delay, the calls missed in this time are made up for, so that a busy machine still gets the full rate.
+/// After a delay, the calls missed in the last 20 ms are made up for, so that a busy machine still gets the full rate.
 constexpr std::chrono::milliseconds maxCatchUp(20);
 
 }  // namespace

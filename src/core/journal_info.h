@@ -26,7 +26,7 @@ struct JournalInfo {
     bool systemClockStepped = false;  ///< see ClockWatch
     JournalPhase phase = JournalPhase::Recording;
     QString savingPath;          ///< set from the phase Saving on
-    bool isRecovered = false;    ///< whether the recovery saves, and not the recording itself
+    bool isRecovered = false;    ///< whether the recovery has written the record file
     quint64 savingRowCount = 0;  ///< rows of the file at `savingPath`, without its header
 
     [[nodiscard]] QByteArray toJson() const;

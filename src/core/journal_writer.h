@@ -39,7 +39,8 @@ public:
     static constexpr std::chrono::milliseconds retryInterval{2000};
 
     /// Creates the journal's folder in `journalsFolder`, on the journal's thread. `header` is the first line of the
-    /// record file. `clock` gives the times of the samples. `systemNow` is called on the journal's thread.
+    /// record file. `clock` gives the times of the samples. `systemNow` is called in the constructor
+    /// and on the journal's thread.
     JournalWriter(QString journalsFolder, JournalInfo info, std::string header, Source source,
                   const ArrivalClock &clock, ClockWatch::SystemNow systemNow = &std::chrono::system_clock::now);
     ~JournalWriter() override;

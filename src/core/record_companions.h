@@ -11,7 +11,7 @@ namespace record_companions {
 /// Returns the path of the table of the samples' origins.
 [[nodiscard]] QString samplesPath(const QString &recordPath);
 
-/// Gives the companions of a record file that was renamed the new name, unless it is taken.
+/// Renames the companions of a renamed record file. A companion whose new name is taken keeps its old name.
 void rename(const QString &recordPath, const QString &newRecordPath);
 
 /// Writes a companion to `path`. A file of that name is kept under the next free numbered name. Logs a warning if the

@@ -15,14 +15,14 @@ class NumericRows;
 /// samples for it.
 class RecordingStatistics {
 public:
-    /// What the figures need of a row of a record file.
+    /// The cells of a row of a record file that the figures need.
     struct Row {
         bool valid = false;
         ScreenPoint combined;
         ScreenPoint right;
     };
 
-    /// What the record file does not contain about a sample.
+    /// The data about a sample that the record file does not contain.
     struct Origin {
         std::chrono::microseconds arrival{0};  ///< since any moment that is the same for all samples
         bool l_valid = false;

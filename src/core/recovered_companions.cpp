@@ -23,7 +23,7 @@ QByteArray contentOf(const QString &path) {
 }  // namespace
 
 bool RecoveredCompanions::save() const {
-    if (!info_.isDescribed || isDescribed())
+    if (!info_.isDescribed || hasDescription())
         return true;
     if (!hasSamples())
         saveSamples();
@@ -34,8 +34,8 @@ bool RecoveredCompanions::save() const {
     return true;
 }
 
-/// The recording writes the description last.
-bool RecoveredCompanions::isDescribed() const {
+/// The description is written last: if it exists, both companions have been dealt with.
+bool RecoveredCompanions::hasDescription() const {
     return record_description::describes(contentOf(record_companions::descriptionPath(info_.savingPath)), info_);
 }
 
@@ -51,7 +51,7 @@ void RecoveredCompanions::saveSamples() const {
         JournalRows samples(folder_.samplesPath(), origins_csv::header);
         BufferedWriter writer(file);
         bool written = writer.append(origins_csv::header);
-        // The journal may have the sample of a row that was not written any more.
+        // The journal may have a sample whose row was not written.
         for (; written && rowCount < info_.savingRowCount; ++rowCount) {
             const std::optional<std::string_view> row = samples.nextRow();
             if (!row)

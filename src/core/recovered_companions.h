@@ -17,7 +17,7 @@ public:
     [[nodiscard]] bool save() const;
 
 private:
-    [[nodiscard]] bool isDescribed() const;
+    [[nodiscard]] bool hasDescription() const;
     [[nodiscard]] bool hasSamples() const;
     void saveSamples() const;
     [[nodiscard]] RecordingStatistics statistics() const;

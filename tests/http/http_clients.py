@@ -1,4 +1,4 @@
-"""Tests the HTTP engine with other HTTP clients, and with sockets that control each byte and when to close.
+"""Tests the HTTP engine with other HTTP clients, and with plain sockets that send and close at chosen times.
 
 usage: http_clients.py ECHO_SERVER [UNITTEST ARGUMENTS ...]
 """

@@ -6,7 +6,7 @@
 
 class QFileDevice;
 
-/// Writes text to an open file in large pieces. The text is only in the file after flush(). One thread.
+/// Writes text to an open file in large pieces. All text is in the file only after flush(). One thread.
 ///
 /// After a failure, a function returns false, and the file's errorString() returns the reason.
 class BufferedWriter {
