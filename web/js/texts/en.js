@@ -77,7 +77,7 @@ export default {
 
     recordTitle: 'Ocela: record viewer',
     openFile: 'Open a record file…',
-    dropHint: 'or drop it anywhere on this page. To see the times of arrival, choose or drop its file …_samples.csv, too.',
+    dropHint: 'or drop it anywhere on this page. To see the times of arrival, choose or drop it together with its file …_samples.csv.',
     staysHere: 'The file stays on this computer. The page does not send it anywhere.',
     reading: 'Reading the file',
     opened: '{samples} samples. All figures are for the shown time range.',
@@ -122,6 +122,6 @@ export default {
     noRows: 'Line {line}: there are no samples after the header. The recording was stopped before the tracker sent any.',
     wrongColumns: 'Line {line} has {columns} columns instead of {expected}.',
     noNumber: 'Line {line}, column {column} ({name}): “{found}” is not a number.',
-    lineTooLong: 'Line {line} is too long for a record file.',
+    lineTooLong: 'Line {line} is too long.',
     unreadable: 'The file cannot be read: {reason}',
 };
