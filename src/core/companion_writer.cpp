@@ -34,7 +34,7 @@ void CompanionWriter::saved() {
         writeCompanions();
     } catch (const std::exception &error) {
         qCWarning(lcRecord).noquote() << "Cannot save the files that belong to"
-                                      << QDir::toNativeSeparators(path_) + ": " << error.what();
+                                      << QDir::toNativeSeparators(path_) + ": " + error.what();
     }
     journal_->saved();
 }

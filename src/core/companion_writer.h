@@ -15,7 +15,7 @@ class JournalWriter;
 /// The recording owns it. Owns the journal, and passes the phases on to it.
 class CompanionWriter : public RecordingPhases {
 public:
-    /// `clock` is the one of the journal.
+    /// `clock` is the journal's clock.
     CompanionWriter(const EyeTrackingCSV &recording, const ArrivalClock &clock, std::unique_ptr<JournalWriter> journal);
     ~CompanionWriter() override;
 

@@ -7,10 +7,12 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <algorithm>
 
 namespace {
 
 constexpr char lockName[] = "/lock";
+constexpr char newInfoName[] = "/recording.json.new";
 constexpr int maxNameCount = 100;
 
 QString numberedName(const QString &name, int number) {
@@ -51,18 +53,28 @@ std::unique_ptr<JournalFolder> JournalFolder::open(const QString &path) {
 }
 
 QString JournalFolder::fill(const JournalInfo &info) {
-    // The description comes first: rows without a description would look like a damaged journal.
-    QString problem = writeInfo(info);
-    if (!problem.isEmpty())
-        return problem;
+    // The description comes first and is complete: rows without a description would look like a damaged journal.
+    QFile description(path_ + newInfoName);
+    const QByteArray json = info.toJson();
+    if (!description.open(QIODevice::WriteOnly) || !FileUtilities::writeAll(description, json.data(), json.size()))
+        return description.errorString();
+    description.close();
+    if (!description.rename(infoPath()))
+        return description.errorString();
     for (const QString &table : {rowsPath(), samplesPath(), markersPath()}) {
         QFile file(table);
         if (!file.open(QIODevice::WriteOnly))
             return file.errorString();
     }
-    if (!file_sync::syncFolder(path_) || !file_sync::syncFolder(QFileInfo(path_).path()))
-        return qt_error_string();
     return QString();
+}
+
+QString JournalFolder::sync(const QString &path) {
+    const JournalFolder folder(path);
+    const QStringList files{folder.infoPath(), folder.samplesPath(), folder.rowsPath()};
+    const bool isSynced = std::all_of(files.begin(), files.end(), file_sync::syncFile) && file_sync::syncFolder(path) &&
+                          file_sync::syncFolder(QFileInfo(path).path());
+    return isSynced ? QString() : qt_error_string();
 }
 
 QString JournalFolder::writeInfo(const JournalInfo &info) {
@@ -82,6 +94,7 @@ void JournalFolder::remove() {
 }
 
 void JournalFolder::removeRest() {
+    QFile::remove(path_ + newInfoName);
     QFile::remove(samplesPath());
     QFile::remove(markersPath());
     // Windows does not remove a file that is open.

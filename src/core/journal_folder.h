@@ -17,7 +17,7 @@ public:
     };
 
     /// Creates a folder in `journalsFolder` with the description and empty tables. If the name is taken, a number is
-    /// appended to it.
+    /// appended to it. Does not sync: a busy disk needs seconds for that, in which the journal would have no rows.
     [[nodiscard]] static Created create(const QString &journalsFolder, const QString &name, const JournalInfo &info);
 
     /// Locks an existing journal. Returns null if another program or another part of this one has locked it, or if it
@@ -29,6 +29,9 @@ public:
     [[nodiscard]] QString samplesPath() const { return path_ + "/samples.csv"; }
     [[nodiscard]] QString markersPath() const { return path_ + "/markers.csv"; }
     [[nodiscard]] QString infoPath() const { return path_ + "/recording.json"; }
+
+    /// Syncs the journal at `path`. Does not need its lock. Any thread. Returns the problem, or an empty text.
+    [[nodiscard]] static QString sync(const QString &path);
 
     /// Replaces the description. It is on the disk when the function returns. Returns the problem, or an empty text.
     [[nodiscard]] QString writeInfo(const JournalInfo &info);

@@ -2,7 +2,6 @@
 
 #include "core/origins_csv.h"
 #include "toolkit/base/file_utilities.h"
-#include "toolkit/platform/file_sync.h"
 
 namespace {
 
@@ -70,8 +69,4 @@ QString JournalTables::goBack(const End &end) {
     if (problem.isEmpty())
         end_ = end;
     return problem;
-}
-
-QString JournalTables::sync(const QString &rowsPath, const QString &samplesPath) {
-    return file_sync::syncFile(samplesPath) && file_sync::syncFile(rowsPath) ? QString() : qt_error_string();
 }

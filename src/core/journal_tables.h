@@ -8,7 +8,7 @@
 #include <string>
 
 /// The tables of a journal, to which rows are appended. After a failed write they can go back to an earlier end.
-/// Private to JournalWriter. One thread at a time, except sync().
+/// Private to JournalWriter. One thread at a time.
 class JournalTables {
 public:
     /// The end of the tables after complete rows.
@@ -33,9 +33,6 @@ public:
     [[nodiscard]] QString goBack(const End &end);
 
     [[nodiscard]] const End &end() const { return end_; }
-
-    /// Waits until the files are on the disk. Returns the problem, or an empty text. Any thread.
-    [[nodiscard]] static QString sync(const QString &rowsPath, const QString &samplesPath);
 
 private:
     const ArrivalClock clock_;

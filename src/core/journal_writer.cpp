@@ -90,8 +90,12 @@ void JournalWriter::step() {
 }
 
 void JournalWriter::watchSystemClock() {
-    if (!clockWatch_.hasStepped() || std::exchange(info_.systemClockStepped, true))
+    if (clockWatch_.hasStepped())
+        info_.systemClockStepped = true;
+    // Windows does not replace the description while it is being synced.
+    if (!info_.systemClockStepped || clockStepIsStored_ || sync_.valid())
         return;
+    clockStepIsStored_ = true;
     writePhase(info_.phase);
 }
 
@@ -153,7 +157,7 @@ void JournalWriter::startSyncIfDue() {
         return;
     syncingEnd_ = tables_->end();
     nextSync_ = Clock::now() + syncInterval;
-    sync_ = std::async(std::launch::async, &JournalTables::sync, folder_->rowsPath(), folder_->samplesPath());
+    sync_ = std::async(std::launch::async, &JournalFolder::sync, folder_->path());
 }
 
 void JournalWriter::syncNow() {
@@ -163,7 +167,7 @@ void JournalWriter::syncNow() {
     if (paused_)
         return;
     if (problem.isEmpty() && tables_ && !mustGoBack_)
-        problem = JournalTables::sync(folder_->rowsPath(), folder_->samplesPath());
+        problem = JournalFolder::sync(folder_->path());
     if (!problem.isEmpty())
         pause(problem);
 }

@@ -78,6 +78,7 @@ private:
     // Used by the journal's thread, and by the owner after stop().
     JournalInfo info_;
     ClockWatch clockWatch_;
+    bool clockStepIsStored_ = false;
     std::unique_ptr<JournalFolder> folder_;
     std::optional<JournalTables> tables_;
     JournalTables::End syncedEnd_;

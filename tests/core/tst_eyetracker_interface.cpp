@@ -183,6 +183,10 @@ void TestEyetrackerInterface::recording_is_saved_at_the_next_possible_place_data
                                            << "^/records/r_1\\.csv$";
     QTest::newRow("the name is too long") << QString(300, 'x') + ".csv"
                                           << "^/\\d{4}-[-_0-9]*_ocela\\.csv$";
+#ifdef Q_OS_WIN
+    QTest::newRow("a spreadsheet holds the earlier file open") << "held.csv"
+                                                               << "^/held_1\\.csv$";
+#endif
 }
 
 void TestEyetrackerInterface::recording_is_saved_at_the_next_possible_place() {
@@ -193,6 +197,8 @@ void TestEyetrackerInterface::recording_is_saved_at_the_next_possible_place() {
         QVERIFY(QDir(folder.path()).mkdir(subfolder));
     const QString other = folder.filePath("records/r.csv");
     QVERIFY(writeFile(other, "other"));
+    QFile held(folder.filePath("held.csv"));
+    QVERIFY(held.open(QIODevice::WriteOnly));
     const auto otherProgram = [](const QString &path) {
         if (path.endsWith("/raced.csv"))
             writeFile(path, "other");

@@ -70,6 +70,7 @@ private Q_SLOTS:
     void does_not_ask_without_a_console();
     void refuses_a_second_instance();
     void chooses_the_name_of_a_record_file();
+    void recovers_the_recording_of_a_terminated_program();
 
 private:
     void selectTracker(const QString &tracker);
@@ -202,6 +203,29 @@ void TestProgramOnWindows::chooses_the_name_of_a_record_file() {
     QVERIFY(client_.ask("/stoprecord")["result"].toBool());
     // With its description and its samples file.
     QTRY_COMPARE_WITH_TIMEOUT(folder.entryList({"*_ocela*"}, QDir::Files).size(), before.size() + 3, timeoutMs);
+    QCOMPARE(program_->closeWindows(), 0);
+}
+
+void TestProgramOnWindows::recovers_the_recording_of_a_terminated_program() {
+    constexpr int maxLossMs = 2000;
+    const QTemporaryDir folder;
+    selectTracker("eyetech");
+    start();
+    QTRY_VERIFY_WITH_TIMEOUT(hasGaze(), timeoutMs);
+    QVERIFY(client_.ask("/startrecord&path=" + QUrl::toPercentEncoding(folder.filePath("r.csv")))["result"].toBool());
+    QTest::qWait(2 * maxLossMs);
+    const qint64 newest = client_.lastSample()["timestamp"].toVariant().toLongLong();
+    program_->kill();
+    QVERIFY(program_->waitForFinished(timeoutMs));
+    client_.forgetConnections();
+
+    start();
+    // The journal is removed when all files are complete.
+    QTRY_VERIFY_WITH_TIMEOUT(QDir(localData_ + "/journal").isEmpty(), timeoutMs);
+    const RecordFile recovered(folder.filePath("r_recovered.csv"));
+    QVERIFY(!recovered.rows.isEmpty());
+    QVERIFY(recovered.timestamp(recovered.rows.size() - 1) > newest - maxLossMs);
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files).size(), 3);
     QCOMPARE(program_->closeWindows(), 0);
 }
 

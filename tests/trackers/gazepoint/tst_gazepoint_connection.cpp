@@ -71,7 +71,7 @@ void TestGazePointConnection::sendScreenSize() {
 }
 
 void TestGazePointConnection::serve(const QByteArray &bytes) {
-    // Waits until the back-end has read the chunk, so that the next one is separate.
+    // Waits until the connection has read the chunk, so that the next one is separate.
     QSignalSpy chunks(connection_->findChild<QTcpSocket *>(), &QTcpSocket::readyRead);
     peer_->write(bytes);
     peer_->flush();

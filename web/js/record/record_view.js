@@ -104,7 +104,7 @@ export class RecordView {
         };
     }
 
-    /** Returns the indexes of the first sample in the range and of the first sample after it. Both ends are included. */
+    /** Returns the indexes of the first sample in the range and of the first sample after it. The range includes its ends. */
     #sampleRange() {
         const { columns, range } = this;
         let to = columns.indexAt(range.toMs);
