@@ -38,7 +38,8 @@ test('shows and controls Ocela, also after a restart of Ocela and the tracker', 
         await page.fill('#path', '');
         await page.click('#record .primary');
         await page.click('#stop-record');
-        await waitFor(() => readdirSync(join(home.folder, 'Documents/Ocela')).length === 1, 'a file in the default folder');
+        const records = () => readdirSync(join(home.folder, 'Documents/Ocela')).filter(name => name.endsWith('_ocela.csv'));
+        await waitFor(() => records().length === 1, 'a file in the default folder');
 
         await simulator.kill();
         await page.until(stateIs('stalled'));

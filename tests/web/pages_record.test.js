@@ -101,8 +101,8 @@ test('a record file without timestamps gets the times of its samples file', asyn
     await page.choose('#file', samples, record, join(folder, 'record.json'));
     await page.until(`document.querySelector('#remarks').textContent.includes('in “timeless_samples.csv”')`);
     assert.ok(!await page.evaluate(isShown('assumed')));
-    assert.equal(await page.text('#duration'), `${(described.durationMs / 1000).toFixed(1)} s`);
-    assert.equal(await page.text('#rate'), `${described.measuredRateHz.toFixed(1)} Hz`);
+    await page.until(`document.querySelector('#duration').textContent === '${(described.durationMs / 1000).toFixed(1)} s'`);
+    await page.until(`document.querySelector('#rate').textContent === '${described.measuredRateHz.toFixed(1)} Hz'`);
 
     writeFileSync(samples, readFileSync(samples, 'utf8').split('\r\n').slice(0, 50).join('\r\n'));
     await page.choose('#file', record, samples);
