@@ -144,12 +144,11 @@ void EyetrackerInterface::addSample(const EyeTrackingSample &sample) {
 }
 
 void EyetrackerInterface::store(const EyeTrackingSample &sample, std::chrono::steady_clock::time_point arrival) {
-    NumberedSample entry;
     // Destroyed after the lock is released, because the list has a heap node for each sample.
-    const QList<EyeTrackingSample> outdated = samples_.with([&](SampleWindow &window) {
-        QList<EyeTrackingSample> list = window.add(sample, arrival);
-        entry = window.last();
-        return list;
+    QList<EyeTrackingSample> outdated;
+    const NumberedSample entry = samples_.with([&](SampleWindow &window) {
+        outdated = window.add(sample, arrival);
+        return window.last();
     });
     recording_.with([&](const Recording &recording) {
         if (recording)
