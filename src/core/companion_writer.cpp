@@ -43,7 +43,7 @@ void CompanionWriter::discarded() {
     journal_->discarded();
 }
 
-/// The description comes last: if it exists, both files have been dealt with.
+/// The description is written last. If it exists, the samples file has been written, or its failure has been logged.
 void CompanionWriter::writeCompanions() const {
     record_companions::save(record_companions::samplesPath(path_),
                             [this](QSaveFile &file) { return writeSamples(file); });

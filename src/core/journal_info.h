@@ -5,8 +5,9 @@
 #include <QString>
 #include <optional>
 
-/// The phase of a recording. Each phase is on the disk before the next step starts, so a program that ends at any
-/// moment neither loses nor duplicates a recording.
+/// The phase of a recording. Each phase after Recording is on the disk before the next step starts, so a program that
+/// ends at any moment neither loses nor duplicates a recording. If a phase cannot be written, a warning is logged and
+/// the step continues. A recovery may then duplicate the recording.
 enum class JournalPhase {
     Recording,
     Saving,  ///< a complete file is about to get the name JournalInfo::savingPath
