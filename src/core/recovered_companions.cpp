@@ -34,7 +34,7 @@ bool RecoveredCompanions::save() const {
     return true;
 }
 
-/// The description is written last: if it exists, both companions have been dealt with.
+/// The description is written last. If it exists, the samples file has been written, or its failure has been logged.
 bool RecoveredCompanions::hasDescription() const {
     return record_description::describes(contentOf(record_companions::descriptionPath(info_.savingPath)), info_);
 }
