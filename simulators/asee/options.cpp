@@ -14,8 +14,9 @@ Options Options::fromEnvironment() {
     options.connectError = environment::anyInteger("OCELA_SIM_ASEE_CONNECT_ERROR");
     options.startError = environment::anyInteger("OCELA_SIM_ASEE_START_ERROR");
     options.lateCallbacksMs = environment::integer("OCELA_SIM_ASEE_LATE_CALLBACKS_MS", 0, 0, 60000);
-    options.faults = environment::words("OCELA_SIM_ASEE_FAULT", {"refuse-coefficients", "compute", "endless-point",
-                                                                 "instant-point", "null-image", "null-records"});
+    options.faults =
+        environment::words("OCELA_SIM_ASEE_FAULT", {"refuse-coefficients", "compute", "refuse-point", "endless-point",
+                                                    "instant-point", "null-image", "null-records"});
     return options;
 }
 

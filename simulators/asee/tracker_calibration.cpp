@@ -86,7 +86,7 @@ int Tracker::_7i_start_calibration_point(int number, const float *xy, asee_sdk::
     std::unique_lock lock(mutex_);
     if (!calibration_)
         return NotCalibrating;
-    if (xy == nullptr || !calibration_->hasPoint(number))
+    if (xy == nullptr || !calibration_->hasPoint(number) || options_.has("refuse-point"))
         return BadArgument;
     if (pointRunning_)
         return PointRunning;

@@ -160,6 +160,7 @@ void TestAseeLibrary::simulates_faults_data() {
     faultRow("start error", "OCELA_SIM_ASEE_START_ERROR=9", "start: 9");
     faultRow("compute fails", "OCELA_SIM_ASEE_FAULT=compute", "not computed");
     faultRow("coefficients refused", "OCELA_SIM_ASEE_FAULT=refuse-coefficients", "refused");
+    faultRow("a point is refused", "OCELA_SIM_ASEE_FAULT=refuse-point", "no calibration");
     faultRow("a point that never finishes", "OCELA_SIM_ASEE_FAULT=endless-point", "stuck");
     faultRow("a point that finishes before the call returns", "OCELA_SIM_ASEE_FAULT=instant-point",
              "gaze, immediately");

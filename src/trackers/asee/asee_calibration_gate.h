@@ -6,8 +6,8 @@
 
 namespace asee {
 
-/// The waits of the calibration sequence, which the screen ends with finishPoint() or cancel(). The sequence and the
-/// screen share it. Thread-safe.
+/// The waits of the calibration sequence. The device's callbacks end them with finishPoint(), and the screen with
+/// cancel(). The sequence and the screen share it. Thread-safe.
 class CalibrationGate {
 public:
     /// Clears the cancellation. Called before a calibration starts.

@@ -115,10 +115,6 @@ void CalibrationWidget::requestRepaint() {
     QMetaObject::invokeMethod(this, repaint, Qt::QueuedConnection);
 }
 
-void CalibrationWidget::finishPoint() {
-    gate_->finishPoint();
-}
-
 void CalibrationWidget::on_calib_progress(int percent) {
     radius_ = layout::targetRadius(percent);
     update();

@@ -16,8 +16,8 @@ class QThread;
 /// calibration within one second. A closed screen can be shown again. Space has no effect after a calibration until the
 /// screen is closed, because the thread runs until then.
 ///
-/// Created, shown and deleted by the back-end on the GUI thread. takeGaze() and finishPoint() are called on threads of
-/// the vendor's library, through LiveObjects. The worker changes the screen with queued calls.
+/// Created, shown and deleted by the back-end on the GUI thread. takeGaze() is called on threads of the vendor's
+/// library, through LiveObjects. The worker changes the screen with queued calls.
 class CalibrationWidget : public QWidget {
     Q_OBJECT
 
@@ -43,8 +43,6 @@ public:
     void setFinished();
 
     void takeGaze(const asee::GazeRecord &record);
-    /// Reports that the device has measured the point.
-    void finishPoint();
 
 Q_SIGNALS:
     void signal_calib_progress(int percent);

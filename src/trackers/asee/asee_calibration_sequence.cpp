@@ -1,5 +1,6 @@
 #include "trackers/asee/asee_calibration_sequence.h"
 
+#include "core/guarded.h"
 #include "toolkit/base/file_utilities.h"
 #include "trackers/asee/asee_calibration_gate.h"
 #include "trackers/asee/asee_calibration_layout.h"
@@ -11,6 +12,7 @@
 #include <QDir>
 #include <QSaveFile>
 #include <QScopeGuard>
+#include <list>
 #include <utility>
 
 namespace {
@@ -28,19 +30,6 @@ int printed(const char *function, int result) {
     return result;
 }
 
-// Callbacks. The library calls them on its own thread, and may do so after the screen was destroyed.
-
-void onProgress(int first, int second, void *context) {
-    asee::LiveObjects<CalibrationWidget>::with(
-        context, [second](CalibrationWidget &screen) { Q_EMIT screen.signal_calib_progress(second); });
-    asee::print("process: %d %d\n", first, second);
-}
-
-void onFinish(int first, int second, void *context) {
-    asee::LiveObjects<CalibrationWidget>::with(context, [](CalibrationWidget &screen) { screen.finishPoint(); });
-    asee::print("finish: %d %d\n", first, second);
-}
-
 /// Returns the number of bytes written, or -1 after an error, which leaves the file unchanged.
 qint64 save(const QString &path, const char *bytes, qint64 size) {
     QSaveFile file(path);
@@ -52,6 +41,48 @@ qint64 save(const QString &path, const char *bytes, qint64 size) {
 }
 
 }  // namespace
+
+/// The measurement of one point. Its callbacks have an effect only during the lifetime of this object.
+class CalibWorker::Measurement {
+public:
+    explicit Measurement(const CalibWorker &worker) : token_(newToken(worker)) {
+        asee::LiveObjects<Token>::add(token_);
+    }
+    ~Measurement() { asee::LiveObjects<Token>::remove(token_); }
+    Q_DISABLE_COPY(Measurement)
+
+    /// Returns the context of the callbacks.
+    [[nodiscard]] void *context() const { return token_; }
+
+    // Callbacks. The library calls them on its own thread, and may do so after the measurement has ended.
+
+    static void onProgress(int first, int second, void *context) {
+        asee::LiveObjects<Token>::with(context, [second](const Token &token) {
+            token.worker.withScreen(
+                [second](CalibrationWidget &screen) { Q_EMIT screen.signal_calib_progress(second); });
+        });
+        asee::print("process: %d %d\n", first, second);
+    }
+
+    static void onFinish(int first, int second, void *context) {
+        asee::LiveObjects<Token>::with(context, [](const Token &token) { token.worker.gate_->finishPoint(); });
+        asee::print("finish: %d %d\n", first, second);
+    }
+
+private:
+    struct Token {
+        const CalibWorker &worker;
+    };
+
+    /// Tokens are never destroyed: at an address that is used again, a late callback of an earlier point would end a
+    /// newer one. A calibration adds nine pointers.
+    static Token *newToken(const CalibWorker &worker) {
+        static auto &tokens = *new Guarded<std::list<Token>>;
+        return tokens.with([&worker](std::list<Token> &all) { return &all.emplace_back(Token{worker}); });
+    }
+
+    Token *const token_;
+};
 
 std::atomic<bool> CalibWorker::isBusy_{false};
 
@@ -110,9 +141,16 @@ bool CalibWorker::runPoint(int number, FractionPoint point) {
         return false;
     const float xy[] = {point.x, point.y};
     gate_->expectPoint();
-    lastPointResult_ = asee_sdk::_7i_start_calibration_point(number, xy, onProgress, screen_, onFinish, screen_);
+    const Measurement measurement(*this);
+    lastPointResult_ = asee_sdk::_7i_start_calibration_point(number, xy, Measurement::onProgress, measurement.context(),
+                                                             Measurement::onFinish, measurement.context());
     asee::print("_7i_start_calibration_point: %d %d %0.2f %0.2f\n", lastPointResult_, number,
                 static_cast<double>(point.x), static_cast<double>(point.y));
+    if (lastPointResult_ != 0) {
+        qCWarning(lcAsee, "The calibration has failed: the library refused point %d with result %d", number,
+                  lastPointResult_);
+        return false;
+    }
     return gate_->waitForPoint();
 }
 

@@ -40,13 +40,14 @@ public:
     [[nodiscard]] static bool isBusy() { return isBusy_; }
 
 public Q_SLOTS:
-    /// Runs a calibration, and returns when it is finished or the gate is cancelled.
+    /// Runs a calibration, and returns when it is finished, the library refuses a point, or the gate is cancelled.
     void process(CalibrationWidget *calibUI);
 
 private:
+    class Measurement;
     using Coefficients = std::array<char, asee_sdk::coefficientBytes>;
 
-    // Return false if the calibration was cancelled.
+    // Return false if the calibration was cancelled or has failed.
     [[nodiscard]] bool runPoints();
     [[nodiscard]] bool runPoint(int number, asee::FractionPoint point);
     [[nodiscard]] bool movePoint();

@@ -30,6 +30,8 @@ private Q_SLOTS:
     void can_be_cancelled_at_any_time();
     void blocked_library_does_not_block_the_screen();
     void late_callbacks_are_ignored();
+    void callbacks_of_a_cancelled_point_do_not_reach_the_next();
+    void refused_point_ends_the_calibration();
     void is_closed_by_the_tracker();
 
 private:
@@ -218,6 +220,38 @@ void TestCalibrationWidget::late_callbacks_are_ignored() {
     device.join();
     library().progress(1, 100, library().pointContext);
     library().finish(1, 0, library().pointContext);
+}
+
+void TestCalibrationWidget::callbacks_of_a_cancelled_point_do_not_reach_the_next() {
+    library().pointsFinish = false;
+    const QSignalSpy progress(widget_.get(), &CalibrationWidget::signal_calib_progress);
+    const auto startFirstPoint = [this] {
+        (void)takeCalls();
+        press(Qt::Key_Space);
+        return QTest::qWaitFor([] { return library().wasCalled(firstPoint); }, maxWaitMs);
+    };
+    QVERIFY(startFirstPoint());
+    void *const cancelledPoint = library().pointContext;
+    press(Qt::Key_Escape);
+    widget_->show();
+    QVERIFY(startFirstPoint());
+    library().progress(1, 50, cancelledPoint);
+    QCOMPARE(progress.count(), 0);
+    library().progress(1, 50, library().pointContext);
+    QCOMPARE(progress.count(), 1);
+    library().finish(1, 0, cancelledPoint);
+    constexpr int enoughForAnotherPointMs = 200;
+    const auto continues = [] { return library().wasCalled(measuring[2].toStdString()); };
+    QVERIFY(!QTest::qWaitFor(continues, enoughForAnotherPointMs));
+}
+
+void TestCalibrationWidget::refused_point_ends_the_calibration() {
+    library().pointsFinish = false;
+    library().results["_7i_start_calibration_point"] = 107;
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("refused point 1 with result 107"));
+    press(Qt::Key_Space);
+    QTRY_VERIFY_WITH_TIMEOUT(library().wasCalled("complete_calibration") && !CalibWorker::isBusy(), maxWaitMs);
+    QCOMPARE(takeCalls(), (QStringList{measuring[0], firstPoint, "cancel_calibration", "complete_calibration"}));
 }
 
 void TestCalibrationWidget::is_closed_by_the_tracker() {
