@@ -2,6 +2,7 @@
 
 #include "toolkit/platform/console.h"
 #include "trackers/eyetech/eyetech_library.h"
+#include "trackers/eyetech/eyetech_log.h"
 
 #include <QEventLoop>
 #include <QTimer>
@@ -59,8 +60,9 @@ eyetech::CalibrationTimings CalibrationSequence::timings{1000, 1000, 2000};
 bool CalibrationSequence::run(int device, QSize area) {
     isBusy_ = true;
     isCancelled_ = false;
+    device_ = device;
     area_ = area;
-    const std::optional<DeviceTargets> targets = initialize(device) ? fetchTargets() : std::nullopt;
+    const std::optional<DeviceTargets> targets = initialize() ? fetchTargets() : std::nullopt;
     if (!targets || !runTargets(*targets)) {
         cancel();
         return false;
@@ -71,8 +73,8 @@ bool CalibrationSequence::run(int device, QSize area) {
 }
 
 // Only the result `badArgument` is treated as a failure: that is intended.
-bool CalibrationSequence::initialize(int device) {
-    const auto call = [&] { return quicklink2::QLCalibration_Initialize(device, calibrationId_, type_); };
+bool CalibrationSequence::initialize() {
+    const auto call = [this] { return quicklink2::QLCalibration_Initialize(device_, calibrationId_, type_); };
     int result = call();
     if (result == quicklink2::unknownCalibration) {
         quicklink2::QLCalibration_Create(0, &calibrationId_);
@@ -90,8 +92,10 @@ std::optional<CalibrationSequence::DeviceTargets> CalibrationSequence::fetchTarg
     if (result == quicklink2::bufferTooSmall)
         print("The target buffer is too small. It should be at least %d bytes.\n",
               static_cast<int>(static_cast<unsigned>(count) * sizeof(QLTarget)));
-    if (result != 0)
+    if (result != 0) {
+        qCWarning(lcEyetech, "The calibration has failed: QLCalibration_GetTargets returned %d", result);
         return {};
+    }
     targets.resize(static_cast<std::size_t>(std::clamp(count, 0, maxTargetCount)));
     return targets;
 }
@@ -101,11 +105,11 @@ bool CalibrationSequence::runTargets(const DeviceTargets &targets) {
     return std::all_of(targets.begin(), targets.end(), [this](const QLTarget &target) { return runTarget(target); });
 }
 
-/// Repeats the measurement until it succeeds. The wait between two attempts limits the rate if the device fails at
-/// once.
+/// Repeats the measurement until it succeeds or the device is lost. The wait between two attempts limits the rate if
+/// the device fails at once.
 bool CalibrationSequence::runTarget(const QLTarget &target) {
     bool isDone = measure(target);
-    while (!isDone && !isCancelled_ && waitWithEvents(resultPollMs))
+    while (!isDone && continues() && waitWithEvents(resultPollMs))
         isDone = measure(target);
     return isDone;
 }
@@ -140,11 +144,20 @@ void CalibrationSequence::moveTo(QPoint position) {
     Q_EMIT targetMoved();
 }
 
-void CalibrationSequence::waitForResult(const QLTarget &target) const {
-    while (!isCancelled_ && targetStatus(calibrationId_, target.id) == quicklink2::targetRunning) {
+void CalibrationSequence::waitForResult(const QLTarget &target) {
+    while (continues() && targetStatus(calibrationId_, target.id) == quicklink2::targetRunning) {
         if (!waitWithEvents(resultPollMs))
             return;
     }
+}
+
+/// Returns false if the calibration was cancelled. Cancels it if the device was lost.
+bool CalibrationSequence::continues() {
+    if (!isCancelled_ && !isAttached(deviceStatus(device_))) {
+        qCWarning(lcEyetech, "The calibration has failed: the device was lost");
+        isCancelled_ = true;
+    }
+    return !isCancelled_;
 }
 
 // Target i's scores are stored in entry i, although a repeated target has several entries: that is intended.

@@ -30,7 +30,7 @@ public:
     explicit CalibrationSequence(EyetechSettings::CalibrationType type) : type_(type) {}
 
     /// Runs a calibration on a window of the size `area`. Returns false, after cancelling it on the device, if it
-    /// failed or was stopped.
+    /// failed or was stopped, or if the device was lost.
     [[nodiscard]] bool run(int device, QSize area);
     /// Makes run() cancel the calibration and return.
     void stop() { isCancelled_ = true; }
@@ -53,20 +53,22 @@ Q_SIGNALS:
 private:
     using DeviceTargets = std::vector<quicklink2::QLTarget>;
 
-    [[nodiscard]] bool initialize(int device);
+    [[nodiscard]] bool initialize();
     [[nodiscard]] std::optional<DeviceTargets> fetchTargets() const;
     [[nodiscard]] bool runTargets(const DeviceTargets &targets);
     [[nodiscard]] bool runTarget(const quicklink2::QLTarget &target);
     [[nodiscard]] bool measure(const quicklink2::QLTarget &target);
     void addMeasurement(const quicklink2::QLTarget &target, QPoint position);
     void moveTo(QPoint position);
-    void waitForResult(const quicklink2::QLTarget &target) const;
+    void waitForResult(const quicklink2::QLTarget &target);
+    [[nodiscard]] bool continues();
     void readScores(const DeviceTargets &targets);
 
     const EyetechSettings::CalibrationType type_;
     int calibrationId_ = 0;
     bool isCancelled_ = false;
     bool isBusy_ = true;
+    int device_ = 0;
     QSize area_;
     QPoint targetPosition_{0, 0};
     std::vector<calibration_layout::Target> targets_;

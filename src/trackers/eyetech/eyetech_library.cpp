@@ -52,3 +52,9 @@ bool eyetech::loadQuickLink2(const QString &path) {
         return false;
     return load(quickLink2());
 }
+
+int eyetech::deviceStatus(int device) {
+    constexpr int unknown = 0;
+    int status = unknown;
+    return quicklink2::QLDevice_GetStatus(device, &status) == 0 ? status : unknown;
+}

@@ -26,4 +26,12 @@ namespace eyetech {
 /// the library's name.
 [[nodiscard]] bool loadQuickLink2(const QString &path = QString());
 
+/// Returns a value of QLDevice_GetStatus, or 0 if the call fails.
+[[nodiscard]] int deviceStatus(int device);
+
+/// Returns whether `status` is the status of an attached device.
+[[nodiscard]] constexpr bool isAttached(int status) {
+    return status == quicklink2::deviceStopped || status == quicklink2::deviceRunning;
+}
+
 }  // namespace eyetech

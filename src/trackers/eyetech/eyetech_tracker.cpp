@@ -132,8 +132,8 @@ void EyetechGrabber::stop() {
 void EyetechGrabber::poll() {
     if (deviceId_ == 0 && !findDevice())
         return;
-    const int status = deviceStatus();
-    setConnected(status == quicklink2::deviceStopped || status == quicklink2::deviceRunning);
+    const int status = eyetech::deviceStatus(deviceId_);
+    setConnected(eyetech::isAttached(status));
     if (status == quicklink2::deviceStopped && startRequested_)
         quicklink2::QLDevice_Start(deviceId_);
     else if (status == quicklink2::deviceRunning && !frameAwaited_)
@@ -150,12 +150,6 @@ bool EyetechGrabber::findDevice() {
         return false;
     deviceId_ = eyetech::selectDevice(deviceSettingsFile);
     return true;
-}
-
-int EyetechGrabber::deviceStatus() const {
-    constexpr int unknown = 0;
-    int status = unknown;
-    return quicklink2::QLDevice_GetStatus(deviceId_, &status) == 0 ? status : unknown;
 }
 
 void EyetechGrabber::fetchFrame() {

@@ -58,7 +58,6 @@ private:
 
     void poll();
     [[nodiscard]] bool findDevice();
-    [[nodiscard]] int deviceStatus() const;
     void fetchFrame();
     void takeFrame();
     void warnOfInvalidImage();
