@@ -13,7 +13,8 @@ struct OpenResult {
 /// Returns the file name of a library: "lib<name>.so" or "<name>.dll".
 [[nodiscard]] QString fileNameOf(const QString &name);
 
-/// Loads a library. A file name without a path is looked up in the system's search path.
+/// Loads a library. A file name without a path is looked up in the system's search path. On Windows, the first call
+/// removes the working directory from that path.
 [[nodiscard]] OpenResult open(const QString &fileName);
 void close(void *handle);
 

@@ -2,6 +2,8 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <array>
 #include <windows.h>
 
 using Error = VendorLibrary::Error;
@@ -15,19 +17,36 @@ std::wstring nativePath(const QString &path) {
     return QDir::toNativeSeparators(path).toStdWString();
 }
 
-/// Returns the path of the file that LoadLibrary() tries first, or an empty string.
-QString find(const QString &fileName) {
-    std::wstring path(maxPathLength, L'\0');
-    const DWORD length =
-        SearchPathW(nullptr, nativePath(fileName).c_str(), nullptr, maxPathLength, path.data(), nullptr);
-    return QString::fromWCharArray(path.data(), static_cast<int>(length < maxPathLength ? length : 0));
-}
-
 /// Returns the path of a loaded library, or the path of the program if `module` is null.
 QString modulePath(HMODULE module) {
     std::wstring path(maxPathLength, L'\0');
     const DWORD length = GetModuleFileNameW(module, path.data(), maxPathLength);
     return QString::fromWCharArray(path.data(), static_cast<int>(length));
+}
+
+/// Removes the working directory from the search path of libraries, because other people may write to it.
+void excludeWorkingDirectory() {
+    static const BOOL isExcluded = SetDllDirectoryW(L"");
+    Q_UNUSED(isExcluded)
+}
+
+/// Returns the search path of LoadLibrary(). The default of SearchPath() includes the working directory.
+QString searchPath() {
+    std::array<wchar_t, MAX_PATH> system{};
+    std::array<wchar_t, MAX_PATH> windows{};
+    GetSystemDirectoryW(system.data(), MAX_PATH);
+    GetWindowsDirectoryW(windows.data(), MAX_PATH);
+    const QStringList folders{QFileInfo(modulePath(nullptr)).path(), QString::fromWCharArray(system.data()),
+                              QString::fromWCharArray(windows.data()), qEnvironmentVariable("PATH")};
+    return folders.join(';');
+}
+
+/// Returns the path of the file that LoadLibrary() tries first, or an empty string.
+QString find(const QString &fileName) {
+    std::wstring path(maxPathLength, L'\0');
+    const DWORD length = SearchPathW(nativePath(searchPath()).c_str(), nativePath(fileName).c_str(), nullptr,
+                                     maxPathLength, path.data(), nullptr);
+    return QString::fromWCharArray(path.data(), static_cast<int>(length < maxPathLength ? length : 0));
 }
 
 /// Returns the machine type of a program or library, or std::nullopt for other files.
@@ -89,6 +108,7 @@ QString system_library::fileNameOf(const QString &name) {
 
 system_library::OpenResult system_library::open(const QString &fileName) {
     const ErrorBoxBlocker blocker;
+    excludeWorkingDirectory();
     if (HMODULE module = LoadLibraryW(nativePath(fileName).c_str()))
         return {module, {}};
     return {nullptr, explain(fileName, GetLastError())};

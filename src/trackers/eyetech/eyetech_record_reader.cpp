@@ -31,6 +31,12 @@ void QLFrameData::copyImage() {
         image = QImage(pixels, width, height, width, QImage::Format_Grayscale8).copy();
 }
 
+void QLFrameData::removeImage() {
+    constexpr int imageFieldBytes = at::imageHeight + 4;
+    std::memset(record.bytes + at::imagePixels, 0, imageFieldBytes);
+    image = QImage();
+}
+
 bool QLFrameData::hasInvalidImage() const {
     return image.isNull() && read<std::int32_t>(record, at::imageWidth) != 0;
 }

@@ -10,9 +10,9 @@
 /// A frame of an EyeTech tracker: the vendor's record, and a copy of its camera image. All fields are zero, and the
 /// image is null, before the first frame.
 ///
-/// The library reuses the memory of the image for the next frame. Code that fetches a frame must call copyImage() at
-/// once, and other code must not use the record's image pointer. Copies of a frame share the image. NaN and infinity
-/// are read as 0.
+/// The library reuses the memory of the image for the next frame, and may free it when a device is stopped. Code that
+/// fetches a frame must call copyImage() or removeImage() at once, and other code must not use the record's image
+/// pointer. Copies of a frame share the image. NaN and infinity are read as 0.
 struct QLFrameData {
     /// A wider or higher image is invalid. The vendor's cameras have much smaller images.
     static constexpr int maxImageSide = 4096;
@@ -31,6 +31,8 @@ struct QLFrameData {
 
     /// Copies the image of the record. Called before the library's next frame.
     void copyImage();
+    /// Makes this a frame without an image.
+    void removeImage();
     /// Returns whether the record has an image that is invalid.
     [[nodiscard]] bool hasInvalidImage() const;
 

@@ -3,6 +3,7 @@
 #include "trackers/eyetech/eyetech_calibration_screen.h"
 #include "trackers/eyetech/eyetech_camera_view.h"
 #include "trackers/eyetech/eyetech_device_selection.h"
+#include "trackers/eyetech/eyetech_frame_fetcher.h"
 #include "trackers/eyetech/eyetech_library.h"
 #include "trackers/eyetech/eyetech_log.h"
 #include "trackers/eyetech/eyetech_settings.h"
@@ -21,16 +22,7 @@ constexpr char deviceSettingsFile[] = "QL2Settings.txt";
 
 constexpr int pollIntervalMs = 10;
 constexpr int emptyFrameDelayMs = 1000;
-constexpr int frameTimeoutMs = 10000;
 constexpr int maxDeviceCount = 100;
-
-/// The task that fetches a frame. The result of the call is ignored: that is intended.
-QLFrameData frameOf(int device) {
-    QLFrameData frame;
-    quicklink2::QLDevice_GetFrame(device, frameTimeoutMs, &frame.record);
-    frame.copyImage();
-    return frame;
-}
 
 QByteArray libraryVersion() {
     std::array<char, 32> buffer{};
@@ -125,7 +117,7 @@ bool EyetechGrabber::start() {
 void EyetechGrabber::stop() {
     // Makes the poll start the device again, although it was stopped: that is intended.
     startRequested_ = true;
-    quicklink2::QLDevice_Stop(deviceId_);
+    eyetech::stopDevice(deviceId_);
     closeCalibrationWidget();
 }
 
@@ -154,7 +146,7 @@ bool EyetechGrabber::findDevice() {
 
 void EyetechGrabber::fetchFrame() {
     frameAwaited_ = true;
-    frameFuture_ = QtConcurrent::run(frameOf, deviceId_);
+    frameFuture_ = QtConcurrent::run(eyetech::fetchFrame, deviceId_);
     frameWatcher_.setFuture(frameFuture_);
 }
 

@@ -1,5 +1,6 @@
 #include "support/test_main.h"
 #include "trackers/eyetech/eyetech_calibration_screen.h"
+#include "trackers/eyetech/eyetech_frame_fetcher.h"
 #include "trackers/eyetech/eyetech_tracker.h"
 #include "trackers/eyetech/record_builder.h"
 #include "trackers/eyetech/script.h"
@@ -11,6 +12,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <atomic>
+#include <future>
 #include <memory>
 
 /// Tests the back-end with a fake library.
@@ -26,6 +28,8 @@ private Q_SLOTS:
     void waits_for_a_device();
     void frame_becomes_a_sample();
     void invalid_images_are_reported_again_after_a_valid_one();
+    void image_is_not_copied_after_a_stop_during_the_call();
+    void larger_record_does_no_harm();
     void fetches_one_frame_at_a_time_and_does_not_wait_at_destruction();
     void keeps_its_settings();
 
@@ -144,6 +148,37 @@ void TestEyetechGrabber::invalid_images_are_reported_again_after_a_valid_one() {
     QTRY_VERIFY(samples.count() > 5);
     tracker_.reset();
     freshScript();
+}
+
+void TestEyetechGrabber::image_is_not_copied_after_a_stop_during_the_call() {
+    auto pixels = std::make_unique<unsigned char[]>(64);
+    script_->QLDevice_Stop = [&](int) { return pixels.reset(), 0; };
+    QSemaphore asked;
+    QSemaphore answered;
+    script_->QLDevice_GetFrame = [&](int, int, quicklink2::QLFrameRecord *frame) {
+        putImage(*frame, pixels.get(), 8, 8);
+        asked.release();
+        return answered.acquire(), 0;
+    };
+    open();
+    std::future<QLFrameData> fetched = std::async(std::launch::async, [] { return eyetech::fetchFrame(7); });
+    QVERIFY(asked.tryAcquire(1, 60000));
+    tracker_->stop();  // does not wait for the frame
+    answered.release();
+    const QLFrameData frame = fetched.get();
+    QVERIFY(frame.image.isNull());
+    QVERIFY(!frame.hasInvalidImage());
+}
+
+void TestEyetechGrabber::larger_record_does_no_harm() {
+    constexpr std::size_t largerBytes = 1024;
+    const unsigned char pixel = 9;
+    script_->QLDevice_GetFrame = [&](int, int, quicklink2::QLFrameRecord *frame) {
+        std::fill_n(reinterpret_cast<unsigned char *>(frame), largerBytes, static_cast<unsigned char>(0xff));
+        return putImage(*frame, &pixel, 1, 1), 0;
+    };
+    open();
+    QCOMPARE(eyetech::fetchFrame(7).image.pixelColor(0, 0), QColor(9, 9, 9));
 }
 
 void TestEyetechGrabber::fetches_one_frame_at_a_time_and_does_not_wait_at_destruction() {

@@ -42,8 +42,9 @@ struct alignas(8) QLFrameRecord {
 static_assert(sizeof(QLFrameRecord) == 784);
 
 /// Byte offsets of the fields of a QLFrameRecord. The image belongs to the library and is valid until the next call for
-/// a frame. The blocks of both eyes have the same layout.
+/// a frame, or until the device is stopped. The blocks of both eyes have the same layout.
 namespace frame_record {
+static_assert(sizeof(void *) == 8, "The offsets are those of the 64-bit library");
 constexpr int imagePixels = 0;    ///< const unsigned char *, 8-bit grey
 constexpr int imageWidth = 8;     ///< int32
 constexpr int imageHeight = 12;   ///< int32
