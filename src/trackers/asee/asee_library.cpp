@@ -1,5 +1,6 @@
 #include "trackers/asee/asee_library.h"
 
+#include "toolkit/platform/vendor_call_log.h"
 #include "toolkit/platform/vendor_library.h"
 #include "trackers/asee/asee_log.h"
 
@@ -25,6 +26,12 @@ VendorLibrary *load() {
     return library;
 }
 
+VendorCallLog &callLog() {
+    // Never destroyed, like the library. The vendor's error codes are not known.
+    static auto &log = *new VendorCallLog(lcAsee, {std::begin(entryPoints), std::end(entryPoints)});
+    return log;
+}
+
 template <typename Function>
 Function function(EntryPoint index) {
     static const VendorLibrary *const library = load();
@@ -33,10 +40,10 @@ Function function(EntryPoint index) {
 
 }  // namespace
 
-#define OCELA_FORWARD(name, parameters, arguments)                         \
-    int asee_sdk::name parameters {                                        \
-        const auto entryPoint = function<int(*) parameters>(index_##name); \
-        return entryPoint ? entryPoint arguments : notAvailable;           \
+#define OCELA_FORWARD(name, parameters, arguments)                                                \
+    int asee_sdk::name parameters {                                                               \
+        const auto entryPoint = function<int(*) parameters>(index_##name);                        \
+        return entryPoint ? callLog().checked(index_##name, entryPoint arguments) : notAvailable; \
     }
 OCELA_ASEE_FUNCTIONS(OCELA_FORWARD)
 #undef OCELA_FORWARD

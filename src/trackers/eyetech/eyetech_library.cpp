@@ -1,5 +1,6 @@
 #include "trackers/eyetech/eyetech_library.h"
 
+#include "toolkit/platform/vendor_call_log.h"
 #include "toolkit/platform/vendor_library.h"
 #include "trackers/eyetech/eyetech_log.h"
 
@@ -29,6 +30,15 @@ VendorLibrary &quickLink2() {
     return library;
 }
 
+VendorCallLog &callLog() {
+    // Never destroyed, like the library.
+    static auto &log = *new VendorCallLog(lcEyetech, {std::begin(entryPoints), std::end(entryPoints)},
+                                          {{quicklink2::badArgument, "bad argument"},
+                                           {quicklink2::unknownCalibration, "unknown calibration"},
+                                           {quicklink2::bufferTooSmall, "the buffer is too small"}});
+    return log;
+}
+
 bool load(VendorLibrary &library) {
     if (library.load())
         return true;
@@ -38,10 +48,10 @@ bool load(VendorLibrary &library) {
 
 }  // namespace
 
-#define OCELA_FORWARD(name, parameters, arguments)                                    \
-    int quicklink2::name parameters {                                                 \
-        const auto function = quickLink2().function<int(*) parameters>(index_##name); \
-        return function ? function arguments : notLoaded;                             \
+#define OCELA_FORWARD(name, parameters, arguments)                                         \
+    int quicklink2::name parameters {                                                      \
+        const auto function = quickLink2().function<int(*) parameters>(index_##name);      \
+        return function ? callLog().checked(index_##name, function arguments) : notLoaded; \
     }
 OCELA_QUICKLINK2_FUNCTIONS(OCELA_FORWARD)
 #undef OCELA_FORWARD

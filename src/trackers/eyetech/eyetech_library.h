@@ -4,8 +4,8 @@
 
 #include <QString>
 
-/// The vendor's functions, resolved at run time. Each one returns `notLoaded` while the library is not loaded. Callable
-/// from any thread.
+/// The vendor's functions, resolved at run time. Each one returns `notLoaded` while the library is not loaded. A
+/// failing call is logged when its result changes. Callable from any thread.
 namespace quicklink2 {
 
 constexpr int notLoaded = 10;

@@ -15,6 +15,7 @@ class TestEyetechLibrary : public QObject {
 private Q_SLOTS:
     void init();
     void calls_go_through_while_the_library_is_loaded();
+    void failing_call_is_logged_when_its_result_changes();
     void chooses_a_device_data();
     void chooses_a_device();
     void does_not_repeat_a_question_after_the_end_of_input();
@@ -76,6 +77,26 @@ void TestEyetechLibrary::calls_go_through_while_the_library_is_loaded() {
     QCOMPARE(quicklink2::QLCalibration_AddBias(1, 20, 300.0F, 4.0F), quicklink2::notLoaded);
 }
 
+void TestEyetechLibrary::failing_call_is_logged_when_its_result_changes() {
+    static QStringList lines;
+    lines.clear();
+    const QtMessageHandler previous =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext &context, const QString &text) {
+            lines << QString(context.category) + ": " + text;
+        });
+    for (const int result : {0, 3, 3, 0, 3, 77, 77}) {
+        script_->QLDevice_Start = [result](int) { return result; };
+        script_->QLDevice_Stop = script_->QLDevice_Start;
+        (void)quicklink2::QLDevice_Start(1);
+    }
+    (void)quicklink2::QLDevice_Stop(1);  // another function has a line of its own
+    qInstallMessageHandler(previous);
+    QCOMPARE(lines,
+             (QStringList{"ocela.eyetech: QLDevice_Start returned 3: unknown calibration",
+                          "ocela.eyetech: QLDevice_Start returned 3: unknown calibration",
+                          "ocela.eyetech: QLDevice_Start returned 77", "ocela.eyetech: QLDevice_Stop returned 77"}));
+}
+
 void TestEyetechLibrary::chooses_a_device_data() {
     QTest::addColumn<int>("result");
     QTest::addColumn<QList<int>>("devices");
@@ -112,6 +133,8 @@ void TestEyetechLibrary::chooses_a_device() {
     };
     script_->QLDevice_ImportSettings = [&](int device, int settings) { return given << device << settings, 0; };
     script_->QLAPI_ImportSettings = [&](int settings) { return given << settings, 0; };
+    if (result != 0)
+        QTest::ignoreMessage(QtInfoMsg, "QLDevice_Enumerate returned 3: unknown calibration");
     QCOMPARE(select(input), chosen);
     QTEST(printed_, "printed");
     QCOMPARE(given, chosen == 0 ? QList<int>() : (QList<int>{15, 42, chosen, 42, 42}));
