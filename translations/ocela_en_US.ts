@@ -32,6 +32,17 @@
     </message>
 </context>
 <context>
+    <name>EyetechGrabber</name>
+    <message>
+        <source>no device found</source>
+        <translation>no device found</translation>
+    </message>
+    <message>
+        <source>device not available</source>
+        <translation>device not available</translation>
+    </message>
+</context>
+<context>
     <name>EyetrackerConnectedWidget</name>
     <message>
         <source>No tracker</source>
@@ -44,6 +55,17 @@
     <message>
         <source>Disconnected</source>
         <translation>Disconnected</translation>
+    </message>
+</context>
+<context>
+    <name>EyetrackerInterface</name>
+    <message>
+        <source>library %1 not found</source>
+        <translation>library %1 not found</translation>
+    </message>
+    <message>
+        <source>library %1 cannot be loaded, see Ocela.log</source>
+        <translation>library %1 cannot be loaded, see Ocela.log</translation>
     </message>
 </context>
 <context>
@@ -91,6 +113,13 @@
     <message>
         <source>mm</source>
         <translation>mm</translation>
+    </message>
+</context>
+<context>
+    <name>GazePoint</name>
+    <message>
+        <source>server not running at %1</source>
+        <translation>server not running at %1</translation>
     </message>
 </context>
 <context>
@@ -257,6 +286,75 @@
     </message>
 </context>
 <context>
+    <name>StatusBar</name>
+    <message>
+        <source>discarded</source>
+        <translation>discarded</translation>
+    </message>
+    <message>
+        <source>Open folder</source>
+        <translation>Open folder</translation>
+    </message>
+    <message>
+        <source>The folder cannot be opened:</source>
+        <translation>The folder cannot be opened:</translation>
+    </message>
+</context>
+<context>
+    <name>StatusTexts</name>
+    <message>
+        <source>Not connected</source>
+        <translation>Not connected</translation>
+    </message>
+    <message>
+        <source>Not connected: %1</source>
+        <translation>Not connected: %1</translation>
+    </message>
+    <message>
+        <source>Connected, but no samples for %1</source>
+        <translation>Connected, but no samples for %1</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 s</translation>
+    </message>
+    <message>
+        <source>Connected</source>
+        <translation>Connected</translation>
+    </message>
+    <message>
+        <source>Connected, %1 Hz, %2 % valid</source>
+        <translation>Connected, %1 Hz, %2 % valid</translation>
+    </message>
+    <message>
+        <source>Recording</source>
+        <translation>Recording</translation>
+    </message>
+    <message>
+        <source>Recording (%1)</source>
+        <translation>Recording (%1)</translation>
+    </message>
+    <message>
+        <source>Saved %1</source>
+        <translation>Saved %1</translation>
+    </message>
+    <message>
+        <source>Not saved: %1</source>
+        <translation>Not saved: %1</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 sample(s)</source>
+        <translation>
+            <numerusform>%1 sample</numerusform>
+            <numerusform>%1 samples</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>connection lost</source>
+        <translation>connection lost</translation>
+    </message>
+</context>
+<context>
     <name>TrackerViewWidget</name>
     <message>
         <source>Calibrate</source>
@@ -285,6 +383,13 @@
     <message>
         <source>Screen</source>
         <translation>Screen</translation>
+    </message>
+</context>
+<context>
+    <name>aSeePro</name>
+    <message>
+        <source>not calibrated</source>
+        <translation>not calibrated</translation>
     </message>
 </context>
 </TS>

@@ -32,6 +32,17 @@
     </message>
 </context>
 <context>
+    <name>EyetechGrabber</name>
+    <message>
+        <source>no device found</source>
+        <translation>устройство не найдено</translation>
+    </message>
+    <message>
+        <source>device not available</source>
+        <translation>устройство недоступно</translation>
+    </message>
+</context>
+<context>
     <name>EyetrackerConnectedWidget</name>
     <message>
         <source>No tracker</source>
@@ -44,6 +55,17 @@
     <message>
         <source>Disconnected</source>
         <translation>Не подключено</translation>
+    </message>
+</context>
+<context>
+    <name>EyetrackerInterface</name>
+    <message>
+        <source>library %1 not found</source>
+        <translation>библиотека %1 не найдена</translation>
+    </message>
+    <message>
+        <source>library %1 cannot be loaded, see Ocela.log</source>
+        <translation>библиотека %1 не загружается, см. Ocela.log</translation>
     </message>
 </context>
 <context>
@@ -91,6 +113,13 @@
     <message>
         <source>mm</source>
         <translation>мм</translation>
+    </message>
+</context>
+<context>
+    <name>GazePoint</name>
+    <message>
+        <source>server not running at %1</source>
+        <translation>сервер не запущен на %1</translation>
     </message>
 </context>
 <context>
@@ -257,6 +286,76 @@
     </message>
 </context>
 <context>
+    <name>StatusBar</name>
+    <message>
+        <source>discarded</source>
+        <translation>запись удалена</translation>
+    </message>
+    <message>
+        <source>Open folder</source>
+        <translation>Открыть папку</translation>
+    </message>
+    <message>
+        <source>The folder cannot be opened:</source>
+        <translation>Не удалось открыть папку:</translation>
+    </message>
+</context>
+<context>
+    <name>StatusTexts</name>
+    <message>
+        <source>Not connected</source>
+        <translation>Не подключено</translation>
+    </message>
+    <message>
+        <source>Not connected: %1</source>
+        <translation>Не подключено: %1</translation>
+    </message>
+    <message>
+        <source>Connected, but no samples for %1</source>
+        <translation>Подключено, но данных нет уже %1</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 с</translation>
+    </message>
+    <message>
+        <source>Connected</source>
+        <translation>Подключено</translation>
+    </message>
+    <message>
+        <source>Connected, %1 Hz, %2 % valid</source>
+        <translation>Подключено, %1 Гц, достоверно %2 %</translation>
+    </message>
+    <message>
+        <source>Recording</source>
+        <translation>Запись</translation>
+    </message>
+    <message>
+        <source>Recording (%1)</source>
+        <translation>Запись (%1)</translation>
+    </message>
+    <message>
+        <source>Saved %1</source>
+        <translation>Сохранено: %1</translation>
+    </message>
+    <message>
+        <source>Not saved: %1</source>
+        <translation>Не сохранено: %1</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 sample(s)</source>
+        <translation>
+            <numerusform>%1 отсчёт</numerusform>
+            <numerusform>%1 отсчёта</numerusform>
+            <numerusform>%1 отсчётов</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>connection lost</source>
+        <translation>соединение потеряно</translation>
+    </message>
+</context>
+<context>
     <name>TrackerViewWidget</name>
     <message>
         <source>Calibrate</source>
@@ -285,6 +384,13 @@
     <message>
         <source>Screen</source>
         <translation>Экран</translation>
+    </message>
+</context>
+<context>
+    <name>aSeePro</name>
+    <message>
+        <source>not calibrated</source>
+        <translation>нет калибровки</translation>
     </message>
 </context>
 </TS>

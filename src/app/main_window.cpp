@@ -2,6 +2,7 @@
 
 #include "api/ocela_http_exchange.h"
 #include "app/recording_keeper.h"
+#include "app/status_bar.h"
 #include "app/tracker_view_widget.h"
 #include "core/eyetracker_interface.h"
 #include "core/journal_recovery.h"
@@ -23,9 +24,12 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QMenu>
+#include <QScreen>
 #include <QSessionManager>
 #include <QSignalBlocker>
 #include <QStackedWidget>
+#include <QStatusBar>
+#include <QStyle>
 #include <QTabWidget>
 
 namespace {
@@ -41,9 +45,11 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent) {
     buildTrackers();
     exchange_ = std::make_unique<OcelaHTTPExchange>(nullptr);
     buildPages();
+    buildStatusBar();
     buildTray();
     retranslate();
-    resize(initialSize.expandedTo(sizeHint()));
+    resize(initialSize);
+    growTo(sizeHint());
     if (!hidesToTray())
         show();
     selectInitialTracker();
@@ -62,6 +68,7 @@ MainWindow::~MainWindow() {
     trackers_.front().tracker->stop();
     // The widgets must be destroyed before the trackers that they use.
     delete takeCentralWidget();
+    delete status_;
 }
 
 void MainWindow::buildSettings() {
@@ -154,6 +161,17 @@ QWidget *MainWindow::buildMainPage() {
     return page;
 }
 
+void MainWindow::buildStatusBar() {
+    status_ = new StatusBar;
+    for (const Tracker &entry : trackers_)
+        status_->addTracker(entry.tracker);
+    trackerWidgets_.push_back(status_);
+    auto *bar = new QStatusBar;
+    bar->setSizeGripEnabled(false);
+    bar->addWidget(status_, 1);
+    setStatusBar(bar);
+}
+
 void MainWindow::buildTray() {
     trayMenu_ = new QMenu(this);
     showAction_ = trayMenu_->addAction(QString(), this, &MainWindow::show);
@@ -178,6 +196,7 @@ void MainWindow::retranslate() {
     showAction_->setText(tr("Show window"));
     quitAction_->setText(tr("Quit"));
     trayIcon_->setToolTip(tr("Eye Tracker Service"));
+    status_->setLocale(QLocale(settings_->getLanguage()));
 }
 
 void MainWindow::selectInitialTracker() {
@@ -219,7 +238,13 @@ void MainWindow::showView(int index) {
     mainGrid_->setRowStretch(2, hasView ? 1 : 0);
     mainGrid_->setRowStretch(3, hasView ? 0 : 1);
     if (hasView)
-        resize(size().expandedTo(sizeHint()));
+        growTo(sizeHint());
+}
+
+/// The window grows at most to the size of the screen, so that a camera view shrinks on a small screen.
+void MainWindow::growTo(QSize wanted) {
+    const QSize frame(0, style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, this));
+    resize(size().expandedTo(wanted.boundedTo(screen()->availableGeometry().size() - frame)));
 }
 
 bool MainWindow::hidesToTray() const {

@@ -18,6 +18,7 @@ class QMenu;
 class QStackedWidget;
 class QTabWidget;
 class RecordingKeeper;
+class StatusBar;
 
 /// The main window. Owns the settings, the trackers, the HTTP API, the widgets for the selected tracker, and the tray
 /// icon. GUI thread.
@@ -51,12 +52,14 @@ private:
     [[nodiscard]] QWidget *buildMainPage();
     [[nodiscard]] QWidget *buildSettingsPage();
     void buildPages();
+    void buildStatusBar();
     void buildTray();
     void selectInitialTracker();
 
     void addTracker(EyetrackerInterface *tracker);
     void trackerIndexChanged(int index);
     void showView(int index);
+    void growTo(QSize wanted);
     void applyRecordsPath();
     [[nodiscard]] bool hidesToTray() const;
     void shutDown();
@@ -80,6 +83,7 @@ private:
     QGridLayout *mainGrid_ = nullptr;
     QComboBox *trackerCombo_ = nullptr;
     QStackedWidget *viewStack_ = nullptr;
+    StatusBar *status_ = nullptr;
     QSystemTrayIcon *trayIcon_ = nullptr;
     QMenu *trayMenu_ = nullptr;
     QAction *showAction_ = nullptr;

@@ -4,6 +4,7 @@
 
 #include <QFileInfo>
 #include <QLoggingCategory>
+#include <algorithm>
 
 namespace {
 
@@ -132,6 +133,15 @@ RecordSlice EyeTrackingCSV::slice(std::size_t first, std::size_t maxCount) const
         result.origins.assign(begin, begin + count);
     }
     return result;
+}
+
+RecordLength EyeTrackingCSV::length() const {
+    RecordLength length{rows_.size(), {}};
+    // A loaded file has no origins, and a row may be missing after memory was exhausted.
+    if (const std::size_t count = std::min(rows_.size(), origins_.size()); count > 0)
+        length.duration =
+            std::chrono::duration_cast<std::chrono::milliseconds>(origins_[count - 1].arrival - origins_[0].arrival);
+    return length;
 }
 
 void EyeTrackingCSV::appendRow(const EyeTrackingSample &sample) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/numbered_sample.h"
+#include "core/record_length.h"
 #include "core/recording_phases.h"
 #include "toolkit/table/numeric_table_csv.h"
 
@@ -67,6 +68,8 @@ public:
 
     /// Returns a copy of up to `maxCount` rows from `first` on; none if there are not that many rows.
     [[nodiscard]] RecordSlice slice(std::size_t first, std::size_t maxCount) const;
+
+    [[nodiscard]] RecordLength length() const;
 
     /// Returns where the sample of a row comes from.
     [[nodiscard]] const RowOrigin &origin(std::size_t row) const { return origins_[row]; }

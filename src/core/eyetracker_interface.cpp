@@ -5,11 +5,13 @@
 #include "core/record_saving.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QStandardPaths>
 #include <algorithm>
 #include <chrono>
+#include <iterator>
 #include <new>
 #include <utility>
 
@@ -67,6 +69,7 @@ bool EyetrackerInterface::finish(Recording recording) {
     if (!recording)
         return false;
     // The file is written without the lock, so that addSample() never waits for the disk.
+    finishedLength_ = recording->length();
     QString savedPath;
     if (save(*recording))
         savedPath = recording->currentFilePath();
@@ -89,12 +92,18 @@ QString EyetrackerInterface::unsavedProblem() const {
 }
 
 bool EyetrackerInterface::saveUnsaved(const QString &folder) {
-    const auto isSaved = [&](const Recording &recording) {
+    const auto staysUnsaved = [&](const Recording &recording) {
         if (!folder.isEmpty())
             recording->setFolder(folder);
-        return save(*recording);
+        return !save(*recording);
     };
-    unsaved_.erase(std::remove_if(unsaved_.begin(), unsaved_.end(), isSaved), unsaved_.end());
+    const auto end = std::stable_partition(unsaved_.begin(), unsaved_.end(), staysUnsaved);
+    const std::vector<Recording> saved(std::make_move_iterator(end), std::make_move_iterator(unsaved_.end()));
+    unsaved_.erase(end, unsaved_.end());
+    for (const Recording &recording : saved) {
+        finishedLength_ = recording->length();
+        Q_EMIT unsavedRecordSaved(recording->currentFilePath());
+    }
     return unsaved_.empty();
 }
 
@@ -102,6 +111,7 @@ void EyetrackerInterface::discardRecord() {
     const Recording recording = recording_.exchange(nullptr);
     if (!recording)
         return;
+    finishedLength_ = recording->length();
     recording->discard();
     Q_EMIT recordStopped(QString());
 }
@@ -168,6 +178,16 @@ RecordSlice EyetrackerInterface::rowsOf(const EyeTrackingCSV &recording, std::si
 
 bool EyetrackerInterface::isRecording() const {
     return recording_.with([](const Recording &recording) { return recording != nullptr; });
+}
+
+RecordLength EyetrackerInterface::recordLength() const {
+    return recording_.with([](const Recording &recording) { return recording ? recording->length() : RecordLength(); });
+}
+
+QString EyetrackerInterface::libraryProblem(const VendorLibrary::Error &error) {
+    const QString name = QFileInfo(error.file).fileName();
+    return error.reason == VendorLibrary::Reason::NotFound ? tr("library %1 not found").arg(name)
+                                                           : tr("library %1 cannot be loaded, see Ocela.log").arg(name);
 }
 
 void EyetrackerInterface::setConnected(bool value) {

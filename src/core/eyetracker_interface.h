@@ -2,8 +2,10 @@
 
 #include "core/eye_tracking_sample.h"
 #include "core/guarded.h"
+#include "core/record_length.h"
 #include "core/sample_window.h"
 #include "toolkit/base/connection_helper.h"
+#include "toolkit/platform/vendor_library.h"
 
 #include <QObject>
 #include <QPoint>
@@ -53,6 +55,9 @@ public:
     [[nodiscard]] virtual VTSettings *settings() = 0;
     /// Returns a new camera view, which the caller owns, or null if the device has no camera image.
     [[nodiscard]] virtual QWidget *createViewWidget() = 0;
+    /// Returns why the tracker is not connected, as a translated part of a sentence without a full stop, or an empty
+    /// text if the reason is not known. Called only while isConnected() is false.
+    [[nodiscard]] virtual QString connectionProblem() const { return {}; }
 
 Q_SIGNALS:
     /// The combined gaze in percent. Not every back-end emits it.
@@ -65,6 +70,8 @@ Q_SIGNALS:
     /// A recording was stopped. `path` is the file that was written, which may differ from the path that was passed to
     /// startRecord(). It is empty if the recording was discarded, or if no file could be written; see unsavedProblem().
     void recordStopped(QString path);
+    /// saveUnsaved() has written a recording to the file `path`.
+    void unsavedRecordSaved(QString path);
     /// Asks the calibration screen to close.
     void stopCalibrationRequest();
     /// The connection changed. Emitted on the GUI thread.
@@ -122,6 +129,11 @@ public:
     /// Whether a recording is running.
     [[nodiscard]] bool isRecording() const;
 
+    /// Returns the current length of the running recording. Without one, all fields are 0.
+    [[nodiscard]] RecordLength recordLength() const;
+    /// Returns the length of the recording of the last recordStopped() or unsavedRecordSaved().
+    [[nodiscard]] const RecordLength &finishedRecordLength() const { return finishedLength_; }
+
     /// Returns why the last stopped recording could not be saved anywhere, or an empty text if all were saved. Unsaved
     /// recordings stay in memory until saveUnsaved() or discardUnsaved().
     [[nodiscard]] QString unsavedProblem() const;
@@ -163,6 +175,9 @@ protected:
     [[nodiscard]] const QString &dataFolder() const { return dataFolder_; }
     void setPixelUnit(PixelUnit unit) { pixelUnit_ = unit; }
 
+    /// Returns the connectionProblem() of a tracker whose vendor library cannot be used.
+    [[nodiscard]] static QString libraryProblem(const VendorLibrary::Error &error);
+
     /// Signal connections of the back-end that are disconnected together.
     ConnectionHelper connectionHelper_;
 
@@ -180,6 +195,7 @@ private:
     Guarded<SampleWindow> samples_{SampleWindow(sampleWindowMs)};
     Guarded<Recording> recording_;
     std::vector<Recording> unsaved_;  ///< stopped, but in no file; GUI thread
+    RecordLength finishedLength_;
     QString recordsFolder_;
     CreatePhases createPhases_;
 };

@@ -31,6 +31,10 @@ QComboBox &trackersOf(MainWindow &window) {
     return *window.findChild<QComboBox *>("trackers");
 }
 
+QString statusOf(MainWindow &window) {
+    return window.findChild<QLabel *>("trackerStatus")->text();
+}
+
 /// Returns the texts and the tool tips of the visible widgets.
 QStringList shownOn(const QWidget &page) {
     QStringList texts;
@@ -87,6 +91,10 @@ void TestMainWindow::first_tracker_is_selected_and_stored_for_an_unknown_name() 
     QVERIFY(QDir(Settings::dataFolder()).exists());
     QCOMPARE(trackersOf(window).currentIndex(), 0);
     QVERIFY(readFile(Settings::defaultFilePath()).contains("eyetech"));
+    const QRegularExpression noLibrary("^Not connected: library (lib)?QuickLink2\\.(so|dll) not found$");
+    QVERIFY2(noLibrary.match(statusOf(window)).hasMatch(), qPrintable(statusOf(window)));
+    trackersOf(window).setCurrentText("gazepoint");
+    QCOMPARE(statusOf(window), QString("Not connected: server not running at 127.0.0.1:4242"));
 }
 
 void TestMainWindow::missing_vendor_library_shows_an_error_and_keeps_the_selection() {
@@ -101,6 +109,8 @@ void TestMainWindow::missing_vendor_library_shows_an_error_and_keeps_the_selecti
     MainWindow window;
     QCOMPARE(box, QStringList({"others error!!!", "code: -1"}));
     QCOMPARE(trackersOf(window).currentText(), QString("aSee Pro"));
+    const QRegularExpression noLibrary("^Not connected: library (lib)?aSeeX\\.(so|dll) not found$");
+    QVERIFY2(noLibrary.match(statusOf(window)).hasMatch(), qPrintable(statusOf(window)));
     QVERIFY(readFile(Settings::defaultFilePath()).contains("aSee Pro"));
 }
 
@@ -152,6 +162,7 @@ void TestMainWindow::changing_the_language_changes_all_texts_immediately() {
             all << button->text();
         for (const QLabel *label : window.findChildren<QLabel *>("eyeH1"))
             all << label->text();
+        all << statusOf(window);
         for (const QAction *action : window.findChild<QSystemTrayIcon *>()->contextMenu()->actions())
             all << action->text();
         for (const QWidget *widget : pages->widget(0)->findChildren<QWidget *>())

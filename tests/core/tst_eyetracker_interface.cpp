@@ -237,9 +237,12 @@ void TestEyetrackerInterface::recording_without_a_place_stays_in_memory() {
         QVERIFY(tracker.stopRecord());
         QCOMPARE(stopped.takeFirst(), QList<QVariant>{QString()});
     }
+    QSignalSpy saved(&tracker, &EyetrackerInterface::unsavedRecordSaved);
     QVERIFY(!tracker.saveUnsaved());
+    QVERIFY(saved.isEmpty());
     QVERIFY(tracker.unsavedProblem().contains("missing"));
     QVERIFY(tracker.saveUnsaved(folder.path()));
+    QCOMPARE(saved, (QList<QList<QVariant>>{{folder.filePath("1.csv")}, {folder.filePath("2.csv")}}));
     QVERIFY(tracker.unsavedProblem().isEmpty());
     QCOMPARE(timestampsOf(folder.filePath("1.csv")), QByteArray("1"));
     QCOMPARE(timestampsOf(folder.filePath("2.csv")), QByteArray("2"));

@@ -12,6 +12,7 @@ public:
     [[nodiscard]] QString name() const override { return QStringLiteral("fake"); }
     [[nodiscard]] VTSettings *settings() override { return nullptr; }
     [[nodiscard]] QWidget *createViewWidget() override { return nullptr; }
+    [[nodiscard]] QString connectionProblem() const override { return QStringLiteral("no device"); }
 
     bool start() override {
         calls << "start";

@@ -1,7 +1,6 @@
 #include "trackers/asee/asee_library.h"
 
 #include "toolkit/platform/vendor_call_log.h"
-#include "toolkit/platform/vendor_library.h"
 #include "trackers/asee/asee_log.h"
 
 namespace {
@@ -32,18 +31,21 @@ VendorCallLog &callLog() {
     return log;
 }
 
-template <typename Function>
-Function function(EntryPoint index) {
-    static const VendorLibrary *const library = load();
-    return library->function<Function>(index);
+const VendorLibrary &library() {
+    static const VendorLibrary *const loaded = load();
+    return *loaded;
 }
 
 }  // namespace
 
 #define OCELA_FORWARD(name, parameters, arguments)                                                \
     int asee_sdk::name parameters {                                                               \
-        const auto entryPoint = function<int(*) parameters>(index_##name);                        \
+        const auto entryPoint = library().function<int(*) parameters>(index_##name);              \
         return entryPoint ? callLog().checked(index_##name, entryPoint arguments) : notAvailable; \
     }
 OCELA_ASEE_FUNCTIONS(OCELA_FORWARD)
 #undef OCELA_FORWARD
+
+const std::optional<VendorLibrary::Error> &asee::libraryError() {
+    return library().error();
+}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "toolkit/platform/vendor_library.h"
 #include "trackers/asee/sdk/asee_sdk.h"
 
 /// The vendor's functions, resolved at run time. The first call loads the library. If the library or one of its entry
@@ -14,3 +15,10 @@ OCELA_ASEE_FUNCTIONS(OCELA_DECLARE)
 #undef OCELA_DECLARE
 
 }  // namespace asee_sdk
+
+namespace asee {
+
+/// Returns why the library could not be loaded. Callable from any thread.
+[[nodiscard]] const std::optional<VendorLibrary::Error> &libraryError();
+
+}  // namespace asee

@@ -63,6 +63,12 @@ QWidget *aSeePro::createViewWidget() {
     return new aSeeProPreviewWidget(this);
 }
 
+QString aSeePro::connectionProblem() const {
+    if (const auto &error = asee::libraryError())
+        return libraryProblem(*error);
+    return QFileInfo::exists(folder_ + coefficientFile) ? QString() : tr("not calibrated");
+}
+
 void aSeePro::copyInstalledFiles() const {
     const QString program = FileUtilities::FolderSlash(QCoreApplication::applicationDirPath());
     for (const char *name : installedFiles) {

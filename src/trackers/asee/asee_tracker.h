@@ -28,6 +28,7 @@ public:
     [[nodiscard]] VTSettings *settings() override;
     /// Returns an aSeeProPreviewWidget, which the caller owns.
     [[nodiscard]] QWidget *createViewWidget() override;
+    [[nodiscard]] QString connectionProblem() const override;
 
     /// Sets whether camera images are copied. The default is false.
     void setPreviewEnabled(bool on) { previewEnabled_ = on; }

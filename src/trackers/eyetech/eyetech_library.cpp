@@ -1,7 +1,6 @@
 #include "trackers/eyetech/eyetech_library.h"
 
 #include "toolkit/platform/vendor_call_log.h"
-#include "toolkit/platform/vendor_library.h"
 #include "trackers/eyetech/eyetech_log.h"
 
 namespace {
@@ -67,4 +66,8 @@ int eyetech::deviceStatus(int device) {
     constexpr int unknown = 0;
     int status = unknown;
     return quicklink2::QLDevice_GetStatus(device, &status) == 0 ? status : unknown;
+}
+
+const std::optional<VendorLibrary::Error> &eyetech::libraryError() {
+    return quickLink2().error();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "toolkit/platform/vendor_library.h"
 #include "trackers/eyetech/sdk/quicklink2.h"
 
 #include <QString>
@@ -33,5 +34,8 @@ namespace eyetech {
 [[nodiscard]] constexpr bool isAttached(int status) {
     return status == quicklink2::deviceStopped || status == quicklink2::deviceRunning;
 }
+
+/// Returns why the library could not be loaded from the system's search path. Called on the GUI thread.
+[[nodiscard]] const std::optional<VendorLibrary::Error> &libraryError();
 
 }  // namespace eyetech

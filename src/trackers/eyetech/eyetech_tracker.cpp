@@ -92,6 +92,12 @@ QWidget *EyetechGrabber::createViewWidget() {
     return new EyetechVideoDisplayWidget(this);
 }
 
+QString EyetechGrabber::connectionProblem() const {
+    if (const auto &error = eyetech::libraryError())
+        return libraryProblem(*error);
+    return deviceId_ == 0 ? tr("no device found") : tr("device not available");
+}
+
 void EyetechGrabber::takeTimings() {
     eyetech::CalibrationSequence::timings = {eyetechSettings_->getCalibrationAnimationMs(),
                                              eyetechSettings_->getCalibrationDelayMs(),

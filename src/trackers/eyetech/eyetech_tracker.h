@@ -30,6 +30,7 @@ public:
     [[nodiscard]] QString name() const override { return QStringLiteral("eyetech"); }
     [[nodiscard]] VTSettings *settings() override;
     [[nodiscard]] QWidget *createViewWidget() override;
+    [[nodiscard]] QString connectionProblem() const override;
 
     /// Returns 0 while no device is chosen.
     [[nodiscard]] int deviceId() const { return deviceId_; }

@@ -12,6 +12,7 @@ constexpr int pollIntervalMs = 1000;
 
 GazePoint::GazePoint(const QString &dataFolder, QObject *parent, quint16 port)
     : EyetrackerInterface(dataFolder, parent),
+      port_(port),
       connection_(new Connection(port, [this](const EyeTrackingSample &sample) { addSample(sample); })) {
     setPixelUnit(PixelUnit::Device);
     connectionHelper_ << connect(connection_, &Connection::connected, this, [this] { setConnected(true); })
@@ -31,6 +32,10 @@ GazePoint::~GazePoint() {
     connection_->deleteLater();
     thread_.requestInterruption();
     thread_.wait();
+}
+
+QString GazePoint::connectionProblem() const {
+    return tr("server not running at %1").arg(QString("127.0.0.1:%1").arg(port_));
 }
 
 bool GazePoint::start() {

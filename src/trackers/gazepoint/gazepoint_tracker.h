@@ -28,6 +28,7 @@ public:
     [[nodiscard]] QString name() const override { return QStringLiteral("gazepoint"); }
     [[nodiscard]] VTSettings *settings() override { return nullptr; }
     [[nodiscard]] QWidget *createViewWidget() override { return nullptr; }
+    [[nodiscard]] QString connectionProblem() const override;
 
 public Q_SLOTS:
     /// Starts to connect, and returns true at once. A failure to connect is not reported.
@@ -43,6 +44,7 @@ private:
     /// Queues a call to the thread of the connection. Calls are run in order.
     void queue(void (gazepoint::Connection::*call)());
 
+    const quint16 port_;
     QThread thread_;
     gazepoint::Connection *const connection_;  ///< deleted by the destructor, on its thread
     QTimer pollTimer_;

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "core/record_length.h"
+
+#include <QCoreApplication>
+#include <QLocale>
+#include <optional>
+
+/// The state of the selected tracker.
+struct TrackerStatus {
+    bool connected = false;
+    QString problem;  ///< why the tracker is not connected, or an empty text if that is not known
+
+    std::chrono::milliseconds silence{0};  ///< since the last sample or, before the first sample, since the connection
+    std::optional<double> rateHz;
+    std::optional<double> validShare;  ///< 0 to 1
+};
+
+/// The texts of the status bar, in the language of the user interface. Numbers have the format of `locale`.
+class StatusTexts {
+    Q_DECLARE_TR_FUNCTIONS(StatusTexts)
+
+public:
+    /// A tracker without samples for this time is reported as silent.
+    static constexpr std::chrono::seconds silenceLimit{1};
+
+    explicit StatusTexts(const QLocale &locale) : locale_(locale) {}
+
+    [[nodiscard]] QString tracker(const TrackerStatus &status) const;
+
+    /// `trackerName` is empty for the selected tracker.
+    [[nodiscard]] QString recording(const RecordLength &length, const QString &trackerName) const;
+    [[nodiscard]] QString saved(const RecordLength &length, const QString &fileName) const;
+    [[nodiscard]] static QString notSaved(const QString &problem);
+
+private:
+    [[nodiscard]] QString samples(std::size_t count) const;
+
+    QLocale locale_;
+};

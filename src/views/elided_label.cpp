@@ -1,0 +1,32 @@
+#include "views/elided_label.h"
+
+#include <QHelpEvent>
+#include <QPainter>
+#include <QStyle>
+#include <QToolTip>
+
+ElidedLabel::ElidedLabel(QWidget *parent) : QLabel(parent) {
+    setTextFormat(Qt::PlainText);
+}
+
+QSize ElidedLabel::minimumSizeHint() const {
+    constexpr QChar ellipsis(0x2026);
+    return {fontMetrics().horizontalAdvance(ellipsis), QLabel::minimumSizeHint().height()};
+}
+
+bool ElidedLabel::event(QEvent *event) {
+    if (event->type() != QEvent::ToolTip || !toolTip().isEmpty() || shownText() == text())
+        return QLabel::event(event);
+    QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), text().toHtmlEscaped(), this);
+    return true;
+}
+
+void ElidedLabel::paintEvent(QPaintEvent *) {
+    QPainter painter(this);
+    style()->drawItemText(&painter, contentsRect(), Qt::AlignLeft | Qt::AlignVCenter, palette(), isEnabled(),
+                          shownText(), foregroundRole());
+}
+
+QString ElidedLabel::shownText() const {
+    return fontMetrics().elidedText(text(), Qt::ElideMiddle, contentsRect().width());
+}

@@ -1,0 +1,160 @@
+#include "app/status_bar.h"
+#include "support/fake_tracker.h"
+#include "support/test_main.h"
+#include "toolkit/settings/ui_language.h"
+
+#include <QDesktopServices>
+#include <QDir>
+#include <QFileInfo>
+#include <QLabel>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QUrl>
+#include <memory>
+
+/// Tests the status bar with a selected tracker and another one.
+class TestStatusBar : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+
+    void tells_whether_samples_arrive();
+    void tells_when_the_connection_is_lost();
+    void shows_a_recording_and_its_file();
+    void shows_a_recording_of_a_tracker_that_is_not_selected();
+    void tells_why_a_recording_is_not_saved_until_it_is_saved();
+    void long_texts_do_not_widen_the_bar();
+
+    /// Called instead of a file manager.
+    void open(const QUrl &url) { opened_ = url; }
+
+private:
+    [[nodiscard]] QLabel &label(const QString &name) const { return *bar_->findChild<QLabel *>(name); }
+    [[nodiscard]] QString trackerText() const { return label("trackerStatus").text(); }
+    /// Returns an empty text if no recording is shown.
+    [[nodiscard]] QString recordingText() const;
+
+    UiLanguage language_;
+    QTemporaryDir folder_;
+    QUrl opened_;
+    std::unique_ptr<FakeTracker> tracker_;
+    std::unique_ptr<FakeTracker> other_;
+    std::unique_ptr<StatusBar> bar_;
+};
+
+void TestStatusBar::initTestCase() {
+    Q_INIT_RESOURCE(ocela);
+    language_.use("en_US");
+}
+
+void TestStatusBar::init() {
+    bar_.reset();
+    tracker_ = std::make_unique<FakeTracker>();
+    other_ = std::make_unique<FakeTracker>();
+    bar_ = std::make_unique<StatusBar>();
+    bar_->setLocale(QLocale("en_US"));
+    bar_->addTracker(tracker_.get());
+    bar_->addTracker(other_.get());
+    bar_->setEyetracker(tracker_.get());
+}
+
+QString TestStatusBar::recordingText() const {
+    const QLabel &text = label("recordingStatus");
+    return text.isVisibleTo(bar_.get()) ? text.text() : QString();
+}
+
+void TestStatusBar::tells_whether_samples_arrive() {
+    tracker_->addSample({});  // does not count, because the tracker is not connected
+    QCOMPARE(trackerText(), QString("Not connected: no device"));
+    tracker_->setConnected(true);
+    QCOMPARE(trackerText(), QString("Connected"));
+    const QRegularExpression live("^Connected, [0-9.,]+ Hz, 50 % valid$");
+    const auto isLive = [&] {
+        for (const bool valid : {true, false}) {
+            EyeTrackingSample sample;
+            sample.valid = valid;
+            tracker_->addSample(sample);
+            QTest::qWait(1);
+        }
+        return live.match(trackerText()).hasMatch();
+    };
+    QTRY_VERIFY(isLive());
+    QTRY_COMPARE(trackerText(), QString("Connected, but no samples for 1 s"));
+    bar_->setEyetracker(other_.get());
+    QCOMPARE(trackerText(), QString("Not connected: no device"));
+    bar_->setEyetracker(nullptr);
+    QCOMPARE(trackerText(), QString());
+}
+
+void TestStatusBar::tells_when_the_connection_is_lost() {
+    tracker_->setConnected(true);
+    tracker_->setConnected(false);
+    QCOMPARE(trackerText(), QString("Not connected: connection lost"));
+    bar_->setEyetracker(tracker_.get());
+    QCOMPARE(trackerText(), QString("Not connected: no device"));
+}
+
+void TestStatusBar::shows_a_recording_and_its_file() {
+    QCOMPARE(recordingText(), QString());
+    tracker_->startRecord(folder_.filePath("a b.csv"));
+    QCOMPARE(recordingText(), QString("Recording 00:00:00, 0 samples"));
+    tracker_->addSample({});
+    tracker_->addSample({});
+    QTRY_COMPARE(recordingText(), QString("Recording 00:00:00, 2 samples"));
+    QVERIFY(!label("openFolder").isVisibleTo(bar_.get()));
+    tracker_->stopRecord();
+    QCOMPARE(recordingText(), QString("Saved a b.csv, 2 samples, 00:00"));
+
+    QVERIFY(label("openFolder").isVisibleTo(bar_.get()));
+    QDesktopServices::setUrlHandler("file", this, "open");
+    Q_EMIT label("openFolder").linkActivated(QString());
+    QDesktopServices::unsetUrlHandler("file");
+    QCOMPARE(opened_, QUrl::fromLocalFile(folder_.path()));
+}
+
+void TestStatusBar::shows_a_recording_of_a_tracker_that_is_not_selected() {
+    other_->startRecord(folder_.filePath("other.csv"));
+    QCOMPARE(recordingText(), QString("Recording (fake) 00:00:00, 0 samples"));
+    tracker_->startRecord(folder_.filePath("selected.csv"));
+    tracker_->addSample({});
+    tracker_->discardRecord();
+    QCOMPARE(recordingText(), QString("Recording (fake) 00:00:00, 0 samples"));
+    other_->discardRecord();
+    QCOMPARE(recordingText(), QString("Not saved: discarded"));
+}
+
+void TestStatusBar::tells_why_a_recording_is_not_saved_until_it_is_saved() {
+    const QString records = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) + "/Ocela";
+    QDir().rmdir(records);
+    if (QFileInfo::exists(records))
+        QSKIP("the files of the logged-in user must not be changed");
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Cannot save .*missing.*: .+"));
+    tracker_->startRecord(folder_.filePath("missing/r.csv"));
+    tracker_->addSample({});
+    tracker_->stopRecord();
+    const QRegularExpression problem("^Not saved: .*missing.*: .+");
+    QVERIFY2(problem.match(recordingText()).hasMatch(), qPrintable(recordingText()));
+    QVERIFY(tracker_->saveUnsaved(folder_.path()));
+    QCOMPARE(recordingText(), QString("Saved r.csv, 1 sample, 00:00"));
+}
+
+void TestStatusBar::long_texts_do_not_widen_the_bar() {
+    constexpr int width = 200;
+    tracker_->startRecord(folder_.filePath(QString(100, 'n') + ".csv"));
+    tracker_->stopRecord();
+    bar_->resize(width, 100);
+    bar_->show();
+    QVERIFY(bar_->minimumSizeHint().width() < width);
+    QTRY_VERIFY(label("recordingStatus").y() == 0 && label("recordingStatus").parentWidget()->y() > 0);
+    const int lineHeight = label("trackerStatus").sizeHint().height();
+    QVERIFY(bar_->sizeHint().height() >= 2 * lineHeight);
+    bar_->resize(5000, 100);
+    QTRY_VERIFY(bar_->sizeHint().height() < 2 * lineHeight);
+}
+
+OCELA_TEST(TestStatusBar)
+#include "tst_status_bar.moc"
