@@ -16,10 +16,10 @@
 #include "trackers/gazepoint/gazepoint_tracker.h"
 #include "views/eyetracker_connected_widget.h"
 #include "views/eyetracker_sample_viewer.h"
+#include "views/wheel_proof_combo_box.h"
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QComboBox>
 #include <QDir>
 #include <QGridLayout>
 #include <QLabel>
@@ -137,7 +137,7 @@ QWidget *MainWindow::buildMainPage() {
     auto *viewer = new EyetrackerSampleViewer;
     trackerWidgets_ = {panel, indicator, viewer};
 
-    trackerCombo_ = new QComboBox;
+    trackerCombo_ = new WheelProofComboBox;
     trackerCombo_->setObjectName("trackers");
     viewStack_ = new QStackedWidget;
     viewStack_->setObjectName("views");

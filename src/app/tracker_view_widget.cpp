@@ -2,9 +2,9 @@
 
 #include "core/eyetracker_interface.h"
 #include "toolkit/platform/global_keyboard.h"
+#include "views/wheel_proof_combo_box.h"
 
 #include <QCheckBox>
-#include <QComboBox>
 #include <QCursor>
 #include <QEvent>
 #include <QGridLayout>
@@ -80,7 +80,7 @@ void TrackerViewWidget::buildButtons() {
 }
 
 void TrackerViewWidget::buildScreenList() {
-    screenCombo_ = new QComboBox(this);
+    screenCombo_ = new WheelProofComboBox(this);
     const QList<QScreen *> screens = QGuiApplication::screens();
     for (const QScreen *screen : screens) {
         screenSizes_.push_back(screen->geometry().size());

@@ -19,6 +19,7 @@
 #include <QTcpSocket>
 #include <QTest>
 #include <QTimer>
+#include <QWheelEvent>
 #include <memory>
 
 namespace {
@@ -72,6 +73,7 @@ private Q_SLOTS:
     void missing_vendor_library_shows_an_error_and_keeps_the_selection();
     void selected_tracker_is_shown_until_another_is_selected_or_the_window_is_closed();
     void changing_the_language_changes_all_texts_immediately();
+    void wheel_over_a_list_changes_nothing();
     void enabling_autorun_adds_the_program_to_autostart();
 };
 
@@ -182,6 +184,20 @@ void TestMainWindow::changing_the_language_changes_all_texts_immediately() {
 
     settingsOf(window).setLanguage("en_US");
     QTRY_COMPARE(texts(), english);
+}
+
+void TestMainWindow::wheel_over_a_list_changes_nothing() {
+    MainWindow window;
+    for (QComboBox *list : trackersOf(window).parentWidget()->findChildren<QComboBox *>()) {
+        list->addItem("another entry");
+        list->setFocus();
+        const QPointF centre = list->rect().center();
+        const QPointF global = list->mapToGlobal(list->rect().center());
+        QWheelEvent turn(centre, global, QPoint(), QPoint(0, -120), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
+                         false);
+        QCoreApplication::sendEvent(list, &turn);
+        QCOMPARE(list->currentIndex(), 0);
+    }
 }
 
 void TestMainWindow::enabling_autorun_adds_the_program_to_autostart() {
