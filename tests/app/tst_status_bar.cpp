@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
@@ -128,8 +129,11 @@ void TestStatusBar::shows_a_recording_of_a_tracker_that_is_not_selected() {
 }
 
 void TestStatusBar::tells_why_a_recording_is_not_saved_until_it_is_saved() {
+    // A home without the fallback folder for record files. On Windows, the home stays that of the logged-in user.
+    const QByteArray home = qgetenv("HOME");
+    qputenv("HOME", folder_.path().toLocal8Bit());
+    const auto restoreHome = qScopeGuard([&] { qputenv("HOME", home); });
     const QString records = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) + "/Ocela";
-    QDir().rmdir(records);
     if (QFileInfo::exists(records))
         QSKIP("the files of the logged-in user must not be changed");
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Cannot save .*missing.*: .+"));
