@@ -35,6 +35,11 @@ EyetrackerInterface::~EyetrackerInterface() {
     recording_.exchange(nullptr);
 }
 
+void EyetrackerInterface::reconnect() {
+    stop();
+    start();
+}
+
 void EyetrackerInterface::calibrateScreen(int screenIndex) {
     const QList<QScreen *> screens = QGuiApplication::screens();
     if (screenIndex >= 0 && screenIndex < screens.size())

@@ -42,6 +42,15 @@ public:
         Device,   ///< physical pixels of the screen
     };
 
+    /// How a calibration ended.
+    enum class CalibrationResult {
+        Done,       ///< the device uses the new calibration
+        Failed,     ///< the device, or a step of the calibration, reported an error
+        Cancelled,  ///< by the user, by stopCalibration() or by the end of the program
+        Unknown,    ///< the device does not report the result
+    };
+    Q_ENUM(CalibrationResult)
+
     /// Maximum age of a sample in the window, relative to the newest sample.
     static constexpr qint32 sampleWindowMs = 2000;
 
@@ -58,6 +67,9 @@ public:
     /// Returns why the tracker is not connected, as a translated part of a sentence without a full stop, or an empty
     /// text if the reason is not known. Called only while isConnected() is false.
     [[nodiscard]] virtual QString connectionProblem() const { return {}; }
+    /// Opens the device again, also if it was stopped, was lost or could not be opened before. A running recording
+    /// continues. The new state is reported by connectedChanged() or by the next sample. GUI thread.
+    virtual void reconnect();
 
 Q_SIGNALS:
     /// The combined gaze in percent. Not every back-end emits it.
@@ -66,6 +78,8 @@ Q_SIGNALS:
     void newSample(EyeTrackingSample sample);
     /// A calibration was successful. Not every device reports that.
     void calibrated();
+    /// A calibration that calibrate() started has ended. Emitted once for each of them, on the GUI thread.
+    void calibrationFinished(EyetrackerInterface::CalibrationResult result);
     void recordStarted();
     /// A recording was stopped. `path` is the file that was written, which may differ from the path that was passed to
     /// startRecord(). It is empty if the recording was discarded, or if no file could be written; see unsavedProblem().
