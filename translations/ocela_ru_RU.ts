@@ -217,6 +217,17 @@
     </message>
 </context>
 <context>
+    <name>OcelaHTTPExchange</name>
+    <message>
+        <source>Port %1 is used by another program</source>
+        <translation>Порт %1 занят другой программой</translation>
+    </message>
+    <message>
+        <source>Port %1 cannot be used: %2</source>
+        <translation>Порт %1 нельзя использовать: %2</translation>
+    </message>
+</context>
+<context>
     <name>PropertyEditor</name>
     <message>
         <source>on</source>

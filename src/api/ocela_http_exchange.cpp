@@ -35,8 +35,8 @@ protected:
 QSettings *createListenerSettings() {
     auto *settings = new MemorySettings(qApp);
     (void)settings->value("host", "127.0.0.1");
-    (void)settings->value("port", "3735");
-    settings->setValue("port", 3735);
+    (void)settings->value("port", QString::number(OcelaHTTPExchange::port));
+    settings->setValue("port", OcelaHTTPExchange::port);
     (void)settings->value("maxRequestSize", 5000000);
     settings->setValue("maxRequestSize", 5000000);
     return settings;
@@ -85,6 +85,14 @@ void OcelaHTTPExchange::listen() {
     requestHandler_ = std::make_unique<OcelaHTTPRequestHandler>();
     settings_ = createListenerSettings();
     listener_ = std::make_unique<HttpListener>(settings_, requestHandler_.get());
+}
+
+QString OcelaHTTPExchange::listenProblem() const {
+    if (!listener_ || listener_->isListening())
+        return {};
+    if (listener_->serverError() == QAbstractSocket::AddressInUseError)
+        return tr("Port %1 is used by another program").arg(port);
+    return tr("Port %1 cannot be used: %2").arg(QString::number(port), listener_->errorString());
 }
 
 OcelaHTTPExchange::~OcelaHTTPExchange() {

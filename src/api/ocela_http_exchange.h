@@ -19,21 +19,26 @@ class QSettings;
 ///
 /// There is one object per process. MainWindow creates it on the GUI thread after the trackers, and destroys it there
 /// before the trackers. It listens on port 3735 of all interfaces while it exists. If another program uses the port,
-/// an error is logged, and the program runs without the API. Requests are answered on the connections' threads,
-/// several at the same time. Calls that change the tracker are queued to the tracker's thread. Their results are not
-/// reported.
+/// an error is logged, and the program runs without the API; see listenProblem(). Requests are answered on the
+/// connections' threads, several at the same time. Calls that change the tracker are queued to the tracker's thread.
+/// Their results are not reported.
 class OcelaHTTPExchange : public QObject {
     Q_OBJECT
 
 public:
     /// Limits the memory for calls that wait for the tracker's thread. Further calls are answered with "result": false.
     static constexpr int maxPendingCalls = 1000;
+    static constexpr quint16 port = 3735;
 
     explicit OcelaHTTPExchange(QObject *parent);
     ~OcelaHTTPExchange() override;
 
     /// Returns the exchange of this process. Creates it if there is none. May be called from any thread.
     [[nodiscard]] static OcelaHTTPExchange &instance();
+
+    /// Returns why the API cannot be reached, as a translated sentence without a full stop that names the port, or an
+    /// empty text if it can. GUI thread.
+    [[nodiscard]] QString listenProblem() const;
 
     /// Selects the tracker of the following requests; null selects no tracker. The tracker must exist as long as it is
     /// selected, and until all running requests are answered.

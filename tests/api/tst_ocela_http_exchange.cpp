@@ -7,6 +7,7 @@
 #include <QGuiApplication>
 #include <QJsonArray>
 #include <QScreen>
+#include <QTcpServer>
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
@@ -31,6 +32,7 @@ private Q_SLOTS:
     void documents_have_the_same_content_as_the_text();
     void answers_are_consistent_while_trackers_deliver_and_change();
     void handler_creates_a_missing_exchange();
+    void port_of_another_program_is_reported();
 
 private:
     std::unique_ptr<FakeTracker> tracker_;
@@ -234,6 +236,15 @@ void TestOcelaHttpExchange::handler_creates_a_missing_exchange() {
     QTcpSocket socket;
     socket.connectToHost("127.0.0.1", 3735);
     QTRY_COMPARE(socket.state(), QAbstractSocket::ConnectedState);
+}
+
+void TestOcelaHttpExchange::port_of_another_program_is_reported() {
+    QCOMPARE(exchange_->listenProblem(), QString());
+    exchange_.reset();
+    QTcpServer other;
+    QVERIFY(other.listen(QHostAddress::Any, OcelaHTTPExchange::port));
+    exchange_ = std::make_unique<OcelaHTTPExchange>(nullptr);
+    QCOMPARE(exchange_->listenProblem(), QString("Port 3735 is used by another program"));
 }
 
 OCELA_TEST(TestOcelaHttpExchange)
