@@ -4,6 +4,7 @@
 #include "toolkit/widgets/ui_helper.h"
 #include "views/sample_texts.h"
 
+#include <QDateTime>
 #include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
@@ -15,6 +16,8 @@ constexpr char captionName[] = "eyeHeader";
 
 /// In characters. The texts for gaze on the screen are shorter.
 constexpr int maxNormalLength = 12;
+
+constexpr int liveIntervalMs = 250;
 
 /// Gives the label a fixed size that grows with its text, so that the columns do not move and a new text does not
 /// trigger a layout of the whole window. Layouts are expensive at hundreds of samples per second. The label shrinks
@@ -44,8 +47,14 @@ EyetrackerSampleViewer::EyetrackerSampleViewer(QWidget *parent) : BaseEyetracker
     buildCommonColumn(addColumn(main, 0));
     left_ = buildEyeColumn(addColumn(main, 1), QT_TR_NOOP("Left eye"));
     right_ = buildEyeColumn(addColumn(main, 2), QT_TR_NOOP("Right eye"));
+    notLive_ = new QLabel(this);
+    notLive_->setObjectName("notLive");
+    // Below the columns of the eyes, which are shorter than the common one.
+    main->addWidget(notLive_, 1, 1, 1, 2, Qt::AlignLeft | Qt::AlignBottom);
 
     retranslate();
+    connect(&liveTimer_, &QTimer::timeout, this, &EyetrackerSampleViewer::showWhetherLive);
+    liveTimer_.start(liveIntervalMs);
 }
 
 QGridLayout *EyetrackerSampleViewer::addColumn(QGridLayout *main, int column) {
@@ -94,20 +103,26 @@ QLabel *EyetrackerSampleViewer::addValue(QGridLayout *grid, int row, int column)
     label->setTextFormat(Qt::PlainText);
     label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     grid->addWidget(label, row, column, Qt::AlignRight);
+    values_.push_back(label);
     return label;
 }
 
 void EyetrackerSampleViewer::eyetrackerChanged() {
     if (!eyetracker_) {
         display(EyeTrackingSample());
+        showWhetherLive();
         return;
     }
+    display(eyetracker_->getLastSample());
     // Queued calls of the old tracker arrive even after its connection was disconnected.
     const auto show = [this, tracker = eyetracker_](EyeTrackingSample sample) {
         if (tracker == eyetracker_)
             display(sample);
     };
-    connections_ << connect(eyetracker_, &EyetrackerInterface::newSample, this, show, Qt::QueuedConnection);
+    connections_ << connect(eyetracker_, &EyetrackerInterface::newSample, this, show, Qt::QueuedConnection)
+                 << connect(eyetracker_, &EyetrackerInterface::connectedChanged, this,
+                            &EyetrackerSampleViewer::showWhetherLive);
+    showWhetherLive();
 }
 
 void EyetrackerSampleViewer::changeEvent(QEvent *event) {
@@ -119,7 +134,36 @@ void EyetrackerSampleViewer::changeEvent(QEvent *event) {
 void EyetrackerSampleViewer::retranslate() {
     for (const auto &[label, text] : captions_)
         label->setText(tr(text));
+    for (QLabel *symbol : {eyes_, left_.valid, right_.valid})
+        symbol->setToolTip(tr("0: the eye was detected. -: the eye was not detected."));
+    for (QLabel *value : {focus_, distance_, left_.pupil, right_.pupil})
+        value->setToolTip(tr("0.0 if the tracker does not measure this value."));
     display(sample_);
+    showWhetherLive();
+}
+
+bool EyetrackerSampleViewer::isLive() const {
+    return eyetracker_ && eyetracker_->isConnected() &&
+           std::chrono::steady_clock::now() - eyetracker_->lastNumberedSample().arrival <
+               EyetrackerInterface::silenceLimit;
+}
+
+void EyetrackerSampleViewer::showWhetherLive() {
+    const bool live = isLive();
+    for (QLabel *value : values_)
+        value->setEnabled(live);
+    notLive_->setText(live || !eyetracker_ ? QString() : lastSampleText());
+}
+
+QString EyetrackerSampleViewer::lastSampleText() const {
+    const NumberedSample last = eyetracker_->lastNumberedSample();
+    if (last.number == 0)
+        return tr("No sample yet");
+    const auto age = std::chrono::steady_clock::now() - last.arrival;
+    const qint64 ageMs = std::chrono::duration_cast<std::chrono::milliseconds>(age).count();
+    const QDateTime time = QDateTime::currentDateTime().addMSecs(-ageMs);
+    const bool today = time.date() == QDate::currentDate();
+    return tr("Not live since %1").arg(time.toString(today ? "HH:mm:ss" : "yyyy-MM-dd HH:mm:ss"));
 }
 
 void EyetrackerSampleViewer::display(const EyeTrackingSample &sample) {

@@ -3,6 +3,7 @@
 #include "core/eye_tracking_sample.h"
 #include "views/base_eyetracker_widget.h"
 
+#include <QTimer>
 #include <utility>
 #include <vector>
 
@@ -13,8 +14,9 @@ struct EyeTexts;
 /// Shows the last sample in three columns: common gaze, left eye and right eye. GUI thread. Samples
 /// arrive through a queued connection.
 ///
-/// Every sample is shown. After a change to another tracker, the labels keep their values until the next sample.
-/// Without a tracker, the labels show an empty sample.
+/// Every sample is shown. After a change to another tracker, the labels show its last sample. Without a tracker, and
+/// before the first sample, they show an empty sample. While the shown sample is not live, the values are greyed, and a
+/// text says since when: the tracker is not connected, or has sent no sample for EyetrackerInterface::silenceLimit.
 class EyetrackerSampleViewer : public BaseEyetrackerWidget {
     Q_OBJECT
 
@@ -41,11 +43,17 @@ private:
     [[nodiscard]] QLabel *addValue(QGridLayout *grid, int row, int column);
     void retranslate();
     void display(const EyeTrackingSample &sample);
+    void showWhetherLive();
+    [[nodiscard]] bool isLive() const;
+    [[nodiscard]] QString lastSampleText() const;
     static void showEye(const Eye &eye, const EyeTexts &texts);
 
     EyeTrackingSample sample_;
+    QTimer liveTimer_;
     std::vector<std::pair<QLabel *, const char *>> captions_;  ///< labels and their source texts
 
+    std::vector<QLabel *> values_;
+    QLabel *notLive_ = nullptr;
     QLabel *valid_ = nullptr;
     QLabel *eyes_ = nullptr;
     QLabel *xPercent_ = nullptr;

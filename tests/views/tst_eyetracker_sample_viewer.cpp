@@ -4,6 +4,7 @@
 
 #include <QGridLayout>
 #include <QLabel>
+#include <QRegularExpression>
 #include <QTest>
 #include <QTranslator>
 #include <limits>
@@ -16,6 +17,7 @@ private Q_SLOTS:
     void shows_a_sample_data();
     void shows_a_sample();
     void samples_of_the_old_tracker_are_not_shown();
+    void values_that_are_not_live_are_greyed();
     void keeps_its_layout_while_values_change();
     void shrinks_again_after_a_wide_value();
     void shows_another_language_immediately();
@@ -102,6 +104,37 @@ void TestEyetrackerSampleViewer::samples_of_the_old_tracker_are_not_shown() {
 
     viewer.setEyetracker(nullptr);
     QCOMPARE(valuesOf(viewer, 0)[2], QString("x:   0.0%"));
+}
+
+void TestEyetrackerSampleViewer::values_that_are_not_live_are_greyed() {
+    FakeTracker tracker, other;
+    EyetrackerSampleViewer viewer;
+    const auto *notice = viewer.findChild<QLabel *>("notLive");
+    const auto *value = qobject_cast<QLabel *>(
+        qobject_cast<QGridLayout *>(qobject_cast<QGridLayout *>(viewer.layout())->itemAtPosition(1, 0)->layout())
+            ->itemAtPosition(1, 2)
+            ->widget());
+    viewer.setEyetracker(&tracker);
+    QCOMPARE(notice->text(), QString("No sample yet"));
+    QVERIFY(!value->isEnabled());
+
+    tracker.setConnected(true);
+    tracker.addSample(sampleAt(10, 0));
+    QTRY_VERIFY(value->isEnabled());
+    QCOMPARE(notice->text(), QString());
+    const QRegularExpression since("^Not live since [0-9]{2}:[0-9]{2}:[0-9]{2}$");
+    QTRY_VERIFY(since.match(notice->text()).hasMatch());  // silent
+    QVERIFY(!value->isEnabled());
+    tracker.addSample(sampleAt(20, 0));
+    QTRY_VERIFY(value->isEnabled());
+    tracker.setConnected(false);
+    QVERIFY(!value->isEnabled());
+
+    viewer.setEyetracker(&other);
+    QCOMPARE(notice->text(), QString("No sample yet"));
+    QCOMPARE(valuesOf(viewer, 0)[2], QString("x:   0.0%"));
+    viewer.setEyetracker(&tracker);
+    QCOMPARE(valuesOf(viewer, 0)[2], QString("x:  20.0%"));
 }
 
 void TestEyetrackerSampleViewer::keeps_its_layout_while_values_change() {
