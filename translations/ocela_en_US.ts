@@ -114,6 +114,22 @@
         <source>mm</source>
         <translation>mm</translation>
     </message>
+    <message>
+        <source>0: the eye was detected. -: the eye was not detected.</source>
+        <translation>0: the eye was detected. -: the eye was not detected.</translation>
+    </message>
+    <message>
+        <source>0.0 if the tracker does not measure this value.</source>
+        <translation>0.0 if the tracker does not measure this value.</translation>
+    </message>
+    <message>
+        <source>No sample yet</source>
+        <translation>No sample yet</translation>
+    </message>
+    <message>
+        <source>Not live since %1</source>
+        <translation>Not live since %1</translation>
+    </message>
 </context>
 <context>
     <name>GazePoint</name>
@@ -215,6 +231,18 @@
         <source>Ocela</source>
         <translation>Ocela</translation>
     </message>
+    <message>
+        <source>Open dashboard</source>
+        <translation>Open dashboard</translation>
+    </message>
+    <message>
+        <source>Other programs cannot reach Ocela: %1</source>
+        <translation>Other programs cannot reach Ocela: %1</translation>
+    </message>
+    <message>
+        <source>The browser cannot be started. Open this address: %1</source>
+        <translation>The browser cannot be started. Open this address: %1</translation>
+    </message>
 </context>
 <context>
     <name>OcelaHTTPExchange</name>
@@ -295,20 +323,63 @@
         <source>Later</source>
         <translation>Later</translation>
     </message>
+    <message>
+        <source>Save as</source>
+        <translation>Save as</translation>
+    </message>
+    <message>
+        <source>Record files (*.csv)</source>
+        <translation>Record files (*.csv)</translation>
+    </message>
 </context>
 <context>
-    <name>StatusBar</name>
-    <message>
-        <source>discarded</source>
-        <translation>discarded</translation>
-    </message>
+    <name>RecordingStatusLine</name>
     <message>
         <source>Open folder</source>
         <translation>Open folder</translation>
     </message>
     <message>
+        <source>Retry</source>
+        <translation>Retry</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>Save as</translation>
+    </message>
+    <message>
+        <source>discarded</source>
+        <translation>discarded</translation>
+    </message>
+    <message>
         <source>The folder cannot be opened:</source>
         <translation>The folder cannot be opened:</translation>
+    </message>
+</context>
+<context>
+    <name>SessionStrip</name>
+    <message>
+        <source>A file name cannot contain these characters: %1</source>
+        <translation>A file name cannot contain these characters: %1</translation>
+    </message>
+    <message>
+        <source>The text has at most %1 characters.</source>
+        <translation>The text has at most %1 characters.</translation>
+    </message>
+    <message>
+        <source>Participant</source>
+        <translation>Participant</translation>
+    </message>
+    <message>
+        <source>Session</source>
+        <translation>Session</translation>
+    </message>
+    <message>
+        <source>Task</source>
+        <translation>Task</translation>
+    </message>
+    <message>
+        <source>Optional. Names the record files that &quot;Start record&quot; begins.</source>
+        <translation>Optional. Names the record files that &quot;Start record&quot; begins.</translation>
     </message>
 </context>
 <context>
@@ -363,6 +434,33 @@
     <message>
         <source>connection lost</source>
         <translation>connection lost</translation>
+    </message>
+    <message>
+        <source>Calibration done</source>
+        <translation>Calibration done</translation>
+    </message>
+    <message>
+        <source>Calibration failed</source>
+        <translation>Calibration failed</translation>
+    </message>
+    <message>
+        <source>Calibration cancelled</source>
+        <translation>Calibration cancelled</translation>
+    </message>
+    <message>
+        <source>Calibration ended, result unknown</source>
+        <translation>Calibration ended, result unknown</translation>
+    </message>
+</context>
+<context>
+    <name>TrackerStatusLine</name>
+    <message>
+        <source>Reconnect</source>
+        <translation>Reconnect</translation>
+    </message>
+    <message>
+        <source>Opens the tracker again. A running recording continues.</source>
+        <translation>Opens the tracker again. A running recording continues.</translation>
     </message>
 </context>
 <context>

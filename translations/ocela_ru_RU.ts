@@ -114,6 +114,22 @@
         <source>mm</source>
         <translation>мм</translation>
     </message>
+    <message>
+        <source>0: the eye was detected. -: the eye was not detected.</source>
+        <translation>0: глаз найден. -: глаз не найден.</translation>
+    </message>
+    <message>
+        <source>0.0 if the tracker does not measure this value.</source>
+        <translation>0.0, если трекер не измеряет эту величину.</translation>
+    </message>
+    <message>
+        <source>No sample yet</source>
+        <translation>Данных ещё не было</translation>
+    </message>
+    <message>
+        <source>Not live since %1</source>
+        <translation>Данные не обновляются с %1</translation>
+    </message>
 </context>
 <context>
     <name>GazePoint</name>
@@ -215,6 +231,18 @@
         <source>Ocela</source>
         <translation>Ocela</translation>
     </message>
+    <message>
+        <source>Open dashboard</source>
+        <translation>Открыть веб-панель</translation>
+    </message>
+    <message>
+        <source>Other programs cannot reach Ocela: %1</source>
+        <translation>Ocela недоступна другим программам: %1</translation>
+    </message>
+    <message>
+        <source>The browser cannot be started. Open this address: %1</source>
+        <translation>Не удалось запустить браузер. Откройте этот адрес: %1</translation>
+    </message>
 </context>
 <context>
     <name>OcelaHTTPExchange</name>
@@ -295,20 +323,63 @@
         <source>Later</source>
         <translation>Позже</translation>
     </message>
+    <message>
+        <source>Save as</source>
+        <translation>Сохранить как</translation>
+    </message>
+    <message>
+        <source>Record files (*.csv)</source>
+        <translation>Файлы записи (*.csv)</translation>
+    </message>
 </context>
 <context>
-    <name>StatusBar</name>
-    <message>
-        <source>discarded</source>
-        <translation>запись удалена</translation>
-    </message>
+    <name>RecordingStatusLine</name>
     <message>
         <source>Open folder</source>
         <translation>Открыть папку</translation>
     </message>
     <message>
+        <source>Retry</source>
+        <translation>Повторить</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>Сохранить как</translation>
+    </message>
+    <message>
+        <source>discarded</source>
+        <translation>запись удалена</translation>
+    </message>
+    <message>
         <source>The folder cannot be opened:</source>
         <translation>Не удалось открыть папку:</translation>
+    </message>
+</context>
+<context>
+    <name>SessionStrip</name>
+    <message>
+        <source>A file name cannot contain these characters: %1</source>
+        <translation>Имя файла не может содержать эти символы: %1</translation>
+    </message>
+    <message>
+        <source>The text has at most %1 characters.</source>
+        <translation>Не более %1 символов.</translation>
+    </message>
+    <message>
+        <source>Participant</source>
+        <translation>Участник</translation>
+    </message>
+    <message>
+        <source>Session</source>
+        <translation>Сессия</translation>
+    </message>
+    <message>
+        <source>Task</source>
+        <translation>Задание</translation>
+    </message>
+    <message>
+        <source>Optional. Names the record files that &quot;Start record&quot; begins.</source>
+        <translation>Необязательно. Входит в имя файла, когда запись начата кнопкой «Начать запись».</translation>
     </message>
 </context>
 <context>
@@ -364,6 +435,33 @@
     <message>
         <source>connection lost</source>
         <translation>соединение потеряно</translation>
+    </message>
+    <message>
+        <source>Calibration done</source>
+        <translation>Калибровка выполнена</translation>
+    </message>
+    <message>
+        <source>Calibration failed</source>
+        <translation>Калибровка не удалась</translation>
+    </message>
+    <message>
+        <source>Calibration cancelled</source>
+        <translation>Калибровка отменена</translation>
+    </message>
+    <message>
+        <source>Calibration ended, result unknown</source>
+        <translation>Калибровка закончена, результат неизвестен</translation>
+    </message>
+</context>
+<context>
+    <name>TrackerStatusLine</name>
+    <message>
+        <source>Reconnect</source>
+        <translation>Переподключить</translation>
+    </message>
+    <message>
+        <source>Opens the tracker again. A running recording continues.</source>
+        <translation>Открывает трекер заново. Запись продолжается.</translation>
     </message>
 </context>
 <context>

@@ -2,12 +2,15 @@
 
 #include "api/ocela_http_exchange.h"
 #include "app/recording_keeper.h"
+#include "app/session_strip.h"
 #include "app/status_bar.h"
+#include "app/tracker_combo_box.h"
 #include "app/tracker_view_widget.h"
 #include "core/eyetracker_interface.h"
 #include "core/journal_recovery.h"
 #include "core/recording_journal.h"
 #include "toolkit/base/file_utilities.h"
+#include "toolkit/platform/app_helper.h"
 #include "toolkit/platform/autorun_helper.h"
 #include "toolkit/widgets/new_version_button.h"
 #include "toolkit/widgets/property_list_control.h"
@@ -16,15 +19,17 @@
 #include "trackers/gazepoint/gazepoint_tracker.h"
 #include "views/eyetracker_connected_widget.h"
 #include "views/eyetracker_sample_viewer.h"
-#include "views/wheel_proof_combo_box.h"
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDesktopServices>
 #include <QDir>
 #include <QGridLayout>
 #include <QLabel>
 #include <QMenu>
+#include <QPushButton>
 #include <QScreen>
+#include <QScrollArea>
 #include <QSessionManager>
 #include <QSignalBlocker>
 #include <QStackedWidget>
@@ -34,9 +39,21 @@
 
 namespace {
 
-constexpr int pageMargin = 12;
+constexpr int pageMargin = 8;
 constexpr int settingsMargin = 8;
 constexpr QSize initialSize(520, 420);
+
+/// A camera view shrinks to this size, so that the window fits a screen of 960 x 540 pixels: 1920 x 1080 at 200 %.
+constexpr QSize minViewSize(128, 60);
+
+/// Returns a scroll area for a page that may be higher than a small screen.
+QWidget *scrollable(QWidget *page) {
+    auto *area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setWidget(page);
+    return area;
+}
 
 }  // namespace
 
@@ -119,14 +136,16 @@ QWidget *MainWindow::buildSettingsPage() {
     common->setContentsMargins(settingsMargin, settingsMargin, settingsMargin, settingsMargin);
     newVersionButton_ = new NewVersionButton(QString(), OCELA_RELEASE_INFO_URL, common);
     common->addRow(newVersionButton_);
-    settingsTabs_->addTab(common, QString());
+    settingsTabs_->addTab(scrollable(common), QString());
 
     for (const Tracker &entry : trackers_) {
         if (!entry.tracker->settings())
             continue;
-        auto *editor = new PropertyListControl(entry.tracker->settings());
+        auto editor = std::make_unique<PropertyListControl>(entry.tracker->settings());
+        if (editor->isEmpty())
+            continue;
         editor->setContentsMargins(settingsMargin, settingsMargin, settingsMargin, settingsMargin);
-        settingsTabs_->addTab(editor, entry.tracker->name());
+        settingsTabs_->addTab(scrollable(editor.release()), entry.tracker->name());
     }
     return settingsTabs_;
 }
@@ -137,14 +156,21 @@ QWidget *MainWindow::buildMainPage() {
     auto *viewer = new EyetrackerSampleViewer;
     trackerWidgets_ = {panel, indicator, viewer};
 
-    trackerCombo_ = new WheelProofComboBox;
+    auto *session = new SessionStrip(*settings_);
+    panel->setNameRecord([session] { return session->recordFileName(); });
+
+    trackerCombo_ = new TrackerComboBox;
     trackerCombo_->setObjectName("trackers");
+    dashboardButton_ = new QPushButton;
+    connect(dashboardButton_, &QPushButton::clicked, this, &MainWindow::openDashboard);
     viewStack_ = new QStackedWidget;
     viewStack_->setObjectName("views");
     viewStack_->hide();
     for (const Tracker &entry : trackers_) {
-        trackerCombo_->addItem(entry.tracker->name());
+        trackerCombo_->addTracker(entry.tracker);
         viewStack_->addWidget(entry.view ? entry.view : new QLabel);
+        if (entry.view)
+            entry.view->setMinimumSize(minViewSize);
     }
     connect(trackerCombo_, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &MainWindow::trackerIndexChanged);
 
@@ -152,12 +178,16 @@ QWidget *MainWindow::buildMainPage() {
     QGridLayout *grid = mainGrid_ = new QGridLayout(page);
     grid->setContentsMargins(pageMargin, pageMargin, pageMargin, pageMargin);
     grid->setVerticalSpacing(pageMargin);
+    grid->setHorizontalSpacing(2 * pageMargin);
     grid->addWidget(trackerCombo_, 0, 0, Qt::AlignLeft);
     grid->addWidget(indicator, 0, 1, Qt::AlignLeft);
     grid->addWidget(panel, 1, 0, 1, 2);
-    grid->addWidget(viewStack_, 2, 0, 1, 2);
-    grid->addWidget(viewer, 3, 0, 1, 2);
+    grid->addWidget(viewStack_, 2, 0, 1, 3);
+    grid->addWidget(viewer, 3, 0, 1, 3);
     grid->setColumnStretch(1, 1);
+    // Beside the other widgets, so that the window fits small screens.
+    grid->addWidget(dashboardButton_, 0, 2, Qt::AlignRight);
+    grid->addWidget(session, 1, 2, Qt::AlignTop);
     return page;
 }
 
@@ -165,6 +195,8 @@ void MainWindow::buildStatusBar() {
     status_ = new StatusBar;
     for (const Tracker &entry : trackers_)
         status_->addTracker(entry.tracker);
+    connect(status_, &StatusBar::retryWanted, recordings_, &RecordingKeeper::retry);
+    connect(status_, &StatusBar::saveAsWanted, recordings_, &RecordingKeeper::saveAs);
     trackerWidgets_.push_back(status_);
     auto *bar = new QStatusBar;
     bar->setSizeGripEnabled(false);
@@ -193,10 +225,13 @@ void MainWindow::retranslate() {
     pages_->setTabText(1, tr("Settings"));
     settingsTabs_->setTabText(0, QCoreApplication::translate("Generic", "Common"));
     newVersionButton_->setText(tr("Доступна новая версия"));
+    dashboardButton_->setText(tr("Open dashboard"));
     showAction_->setText(tr("Show window"));
     quitAction_->setText(tr("Quit"));
     trayIcon_->setToolTip(tr("Eye Tracker Service"));
     status_->setLocale(QLocale(settings_->getLanguage()));
+    const QString problem = exchange_->listenProblem();
+    status_->setProblem(problem.isEmpty() ? QString() : tr("Other programs cannot reach Ocela: %1").arg(problem));
 }
 
 void MainWindow::selectInitialTracker() {
@@ -250,6 +285,15 @@ void MainWindow::growTo(QSize wanted) {
 bool MainWindow::hidesToTray() const {
     // Without a tray, a hidden window could not be shown again.
     return settings_->getHideWindowOnStart() && QSystemTrayIcon::isSystemTrayAvailable();
+}
+
+void MainWindow::openDashboard() {
+    QString problem = exchange_->listenProblem();
+    const QUrl url(QString("http://localhost:%1/").arg(OcelaHTTPExchange::port));
+    if (problem.isEmpty() && !QDesktopServices::openUrl(url))
+        problem = tr("The browser cannot be started. Open this address: %1").arg(url.toString());
+    if (!problem.isEmpty())
+        AppHelper::warningMessage(problem, QString(), QMessageBox::Warning);
 }
 
 void MainWindow::toggleVisible() {

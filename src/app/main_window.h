@@ -12,13 +12,14 @@ class EyetrackerInterface;
 class JournalRecovery;
 class NewVersionButton;
 class OcelaHTTPExchange;
-class QComboBox;
 class QGridLayout;
 class QMenu;
+class QPushButton;
 class QStackedWidget;
 class QTabWidget;
 class RecordingKeeper;
 class StatusBar;
+class TrackerComboBox;
 
 /// The main window. Owns the settings, the trackers, the HTTP API, the widgets for the selected tracker, and the tray
 /// icon. GUI thread.
@@ -64,6 +65,7 @@ private:
     [[nodiscard]] bool hidesToTray() const;
     void shutDown();
     void toggleVisible();
+    void openDashboard();
     void retranslate();
 
     QString dataFolder_;
@@ -81,7 +83,8 @@ private:
     QTabWidget *settingsTabs_ = nullptr;
     NewVersionButton *newVersionButton_ = nullptr;
     QGridLayout *mainGrid_ = nullptr;
-    QComboBox *trackerCombo_ = nullptr;
+    TrackerComboBox *trackerCombo_ = nullptr;
+    QPushButton *dashboardButton_ = nullptr;
     QStackedWidget *viewStack_ = nullptr;
     StatusBar *status_ = nullptr;
     QSystemTrayIcon *trayIcon_ = nullptr;

@@ -8,6 +8,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScopedValueRollback>
+#include <algorithm>
 
 namespace {
 
@@ -71,6 +72,25 @@ void RecordingKeeper::saveAll() {
         tracker->stopRecord();
     if (!unsavedProblem().isEmpty())
         saveUnsaved();
+}
+
+void RecordingKeeper::retry() {
+    if (!busy_)
+        saveUnsaved();
+}
+
+void RecordingKeeper::saveAs() {
+    const auto isUnsaved = [](const EyetrackerInterface *tracker) { return !tracker->unsavedProblem().isEmpty(); };
+    const auto tracker = std::find_if(trackers_.begin(), trackers_.end(), isUnsaved);
+    if (busy_ || tracker == trackers_.end())
+        return;
+    const QScopedValueRollback<bool> busy(busy_, true);
+    // An existing file is renamed, so there is no question about it.
+    const QString path =
+        QFileDialog::getSaveFileName(window_, tr("Save as"), (*tracker)->unsavedPath(), tr("Record files (*.csv)"),
+                                     nullptr, QFileDialog::DontConfirmOverwrite);
+    if (!path.isEmpty())
+        (void)(*tracker)->saveUnsavedAs(path);
 }
 
 QStringList RecordingKeeper::recordingTrackers() const {

@@ -26,6 +26,11 @@ public:
     /// Stops all recordings and saves them without a question.
     void saveAll();
 
+    /// Tries again to save the unsaved recordings. Does nothing while a question is open.
+    void retry();
+    /// Asks for a file and saves the last unsaved recording there. Does nothing while a question is open.
+    void saveAs();
+
 private:
     enum class Closing { SaveAll, Discard, Cancel };
     enum class Unsaved { TryAgain, ChooseFolder, Discard, Cancel };

@@ -56,4 +56,12 @@ public:
     VT_PROPERTY(QString, SelectedTracker, "")
     Q_CLASSINFO("SelectedTrackerEditable", "true")
     Q_CLASSINFO("SelectedTrackerNotVisible", "true")
+
+    /// The texts that name the record files. See SessionStrip.
+    VT_PROPERTY(QString, Participant, "")
+    Q_CLASSINFO("ParticipantNotVisible", "true")
+    VT_PROPERTY(QString, Session, "")
+    Q_CLASSINFO("SessionNotVisible", "true")
+    VT_PROPERTY(QString, Task, "")
+    Q_CLASSINFO("TaskNotVisible", "true")
 };

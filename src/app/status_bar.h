@@ -1,15 +1,13 @@
 #pragma once
 
-#include "app/tracker_monitor.h"
 #include "views/base_eyetracker_widget.h"
 
 #include <QTimer>
-#include <optional>
-#include <vector>
 
 class ElidedLabel;
 class QBoxLayout;
-class QLabel;
+class RecordingStatusLine;
+class TrackerStatusLine;
 
 /// Says what the selected tracker is doing, and how the recordings of all trackers are going. GUI thread.
 ///
@@ -24,36 +22,26 @@ public:
     /// Shows the recordings of a tracker, also while another one is selected. The tracker is not owned.
     void addTracker(EyetrackerInterface *tracker);
 
+    /// Shows a problem of the program in a line of its own. An empty text hides the line.
+    void setProblem(const QString &problem);
+
+Q_SIGNALS:
+    /// The user wants to save the unsaved recordings again, or to another file.
+    void retryWanted();
+    void saveAsWanted();
+
 protected:
     void eyetrackerChanged() override;
     void changeEvent(QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    /// How the last recording has ended.
-    struct Result {
-        QString path;     ///< empty if the recording was not saved
-        QString problem;  ///< why the recording was not saved; empty if it was discarded
-        RecordLength length;
-    };
-
     void refresh();
-    [[nodiscard]] QString trackerText() const;
-    [[nodiscard]] QString runningRecordings() const;
-    [[nodiscard]] QString resultText() const;
-    void showRecordings();
-    void setResult(const EyetrackerInterface &tracker, const QString &path);
-    void openFolder() const;
     void arrange();
 
-    std::vector<EyetrackerInterface *> trackers_;
-    std::optional<TrackerMonitor> monitor_;  ///< of the selected tracker
-    std::optional<Result> result_;
     QTimer timer_;
-
-    QBoxLayout *layout_;
-    ElidedLabel *trackerLabel_;
-    QWidget *recordings_;
-    ElidedLabel *recordingLabel_;
-    QLabel *folderLink_;
+    ElidedLabel *problemLabel_;
+    QBoxLayout *lines_;
+    TrackerStatusLine *trackerLine_;
+    RecordingStatusLine *recordingLine_;
 };

@@ -33,7 +33,7 @@ QString shortClock(std::chrono::milliseconds time) {
 QString StatusTexts::tracker(const TrackerStatus &status) const {
     if (!status.connected)
         return status.problem.isEmpty() ? tr("Not connected") : tr("Not connected: %1").arg(status.problem);
-    if (status.silence >= silenceLimit) {
+    if (!status.isLive()) {
         const qint64 seconds = wholeSeconds(status.silence);
         return tr("Connected, but no samples for %1")
             .arg(seconds < secondsPerMinute ? tr("%1 s").arg(seconds) : shortClock(status.silence));
@@ -42,6 +42,21 @@ QString StatusTexts::tracker(const TrackerStatus &status) const {
         return tr("Connected");
     return tr("Connected, %1 Hz, %2 % valid")
         .arg(locale_.toString(*status.rateHz, 'f', 1), QString::number(qRound(100 * *status.validShare)));
+}
+
+QString StatusTexts::calibration(EyetrackerInterface::CalibrationResult result) {
+    using Result = EyetrackerInterface::CalibrationResult;
+    switch (result) {
+        case Result::Done:
+            return tr("Calibration done");
+        case Result::Failed:
+            return tr("Calibration failed");
+        case Result::Cancelled:
+            return tr("Calibration cancelled");
+        case Result::Unknown:
+            break;
+    }
+    return tr("Calibration ended, result unknown");
 }
 
 QString StatusTexts::recording(const RecordLength &length, const QString &trackerName) const {

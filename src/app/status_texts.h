@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/eyetracker_interface.h"
 #include "core/record_length.h"
 
 #include <QCoreApplication>
@@ -14,6 +15,9 @@ struct TrackerStatus {
     std::chrono::milliseconds silence{0};  ///< since the last sample or, before the first sample, since the connection
     std::optional<double> rateHz;
     std::optional<double> validShare;  ///< 0 to 1
+
+    /// Whether samples arrive.
+    [[nodiscard]] bool isLive() const { return connected && silence < EyetrackerInterface::silenceLimit; }
 };
 
 /// The texts of the status bar, in the language of the user interface. Numbers have the format of `locale`.
@@ -21,12 +25,10 @@ class StatusTexts {
     Q_DECLARE_TR_FUNCTIONS(StatusTexts)
 
 public:
-    /// A tracker without samples for this time is reported as silent.
-    static constexpr std::chrono::seconds silenceLimit{1};
-
     explicit StatusTexts(const QLocale &locale) : locale_(locale) {}
 
     [[nodiscard]] QString tracker(const TrackerStatus &status) const;
+    [[nodiscard]] static QString calibration(EyetrackerInterface::CalibrationResult result);
 
     /// `trackerName` is empty for the selected tracker.
     [[nodiscard]] QString recording(const RecordLength &length, const QString &trackerName) const;

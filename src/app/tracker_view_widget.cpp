@@ -6,6 +6,7 @@
 
 #include <QCheckBox>
 #include <QCursor>
+#include <QDir>
 #include <QEvent>
 #include <QGridLayout>
 #include <QGuiApplication>
@@ -75,7 +76,7 @@ void TrackerViewWidget::buildButtons() {
             [this](EyetrackerInterface *tracker) { tracker->calibrateScreen(screenCombo_->currentIndex()); });
     onClick(startButton_, [](EyetrackerInterface *tracker) { tracker->start(); });
     onClick(stopButton_, [](EyetrackerInterface *tracker) { tracker->stop(); });
-    onClick(startRecordButton_, [](EyetrackerInterface *tracker) { tracker->startRecord(); });
+    onClick(startRecordButton_, [this](EyetrackerInterface *tracker) { startRecord(tracker); });
     onClick(stopRecordButton_, [](EyetrackerInterface *tracker) { tracker->stopRecord(); });
 }
 
@@ -157,6 +158,11 @@ void TrackerViewWidget::changeEvent(QEvent *event) {
     if (event->type() == QEvent::LanguageChange)
         retranslate();
     BaseEyetrackerWidget::changeEvent(event);
+}
+
+void TrackerViewWidget::startRecord(EyetrackerInterface *tracker) const {
+    const QString name = nameRecord_();
+    tracker->startRecord(name.isEmpty() ? QString() : tracker->recordsFolder() + QDir::separator() + name);
 }
 
 void TrackerViewWidget::showRecording(bool recording) {

@@ -5,6 +5,7 @@
 
 #include <QSize>
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -23,6 +24,10 @@ public:
     explicit TrackerViewWidget(QWidget *parent = nullptr);
     ~TrackerViewWidget() override;
 
+    /// Sets a function that returns the name of a record file for the "Start record" button. The file is created in the
+    /// folder of the tracker. An empty name selects the tracker's default name.
+    void setNameRecord(std::function<QString()> nameRecord) { nameRecord_ = std::move(nameRecord); }
+
 protected:
     void eyetrackerChanged() override;
     void changeEvent(QEvent *event) override;
@@ -34,6 +39,7 @@ private:
     void buildLayout();
     void retranslate();
 
+    void startRecord(EyetrackerInterface *tracker) const;
     void showRecording(bool recording);
     void setControlCursor(bool on);
 
@@ -47,5 +53,6 @@ private:
     QPushButton *stopRecordButton_ = nullptr;
     QComboBox *screenCombo_ = nullptr;
     QCheckBox *cursorCheckBox_ = nullptr;
+    std::function<QString()> nameRecord_ = [] { return QString(); };
     std::vector<QSize> screenSizes_;  ///< in the order of the screen list
 };

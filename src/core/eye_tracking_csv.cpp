@@ -68,10 +68,6 @@ const std::vector<RecordColumn> &EyeTrackingCSV::columns() {
     return columns;
 }
 
-void EyeTrackingCSV::setFolder(const QString &folder) {
-    filePath_ = folder + '/' + QFileInfo(filePath_).fileName();
-}
-
 void EyeTrackingCSV::discard() {
     if (phases_)
         phases_->discarded();

@@ -51,8 +51,8 @@ public:
     void setPhases(std::unique_ptr<RecordingPhases> phases) { phases_ = std::move(phases); }
     /// Sets the folders that saveFile() tries if the record file cannot be written to its own folder.
     void setFallbackFolders(const QStringList &folders) { fallbackFolders_ = folders; }
-    /// Changes the folder of the record file, before it is written.
-    void setFolder(const QString &folder);
+    /// Changes the path of the record file, before it is written.
+    void setPath(const QString &path) { filePath_ = path; }
 
     /// Tells the RecordingPhases object, if there is one, that the recording is discarded.
     void discard();

@@ -99,17 +99,36 @@ QString EyetrackerInterface::unsavedProblem() const {
 bool EyetrackerInterface::saveUnsaved(const QString &folder) {
     const auto staysUnsaved = [&](const Recording &recording) {
         if (!folder.isEmpty())
-            recording->setFolder(folder);
+            recording->setPath(folder + '/' + QFileInfo(recording->currentFilePath()).fileName());
         return !save(*recording);
     };
     const auto end = std::stable_partition(unsaved_.begin(), unsaved_.end(), staysUnsaved);
     const std::vector<Recording> saved(std::make_move_iterator(end), std::make_move_iterator(unsaved_.end()));
     unsaved_.erase(end, unsaved_.end());
-    for (const Recording &recording : saved) {
-        finishedLength_ = recording->length();
-        Q_EMIT unsavedRecordSaved(recording->currentFilePath());
-    }
+    for (const Recording &recording : saved)
+        reportSaved(*recording);
     return unsaved_.empty();
+}
+
+bool EyetrackerInterface::saveUnsavedAs(const QString &path) {
+    if (unsaved_.empty())
+        return true;
+    unsaved_.back()->setPath(path);
+    if (!save(*unsaved_.back()))
+        return false;
+    const Recording saved = std::move(unsaved_.back());
+    unsaved_.pop_back();
+    reportSaved(*saved);
+    return true;
+}
+
+QString EyetrackerInterface::unsavedPath() const {
+    return unsaved_.back()->currentFilePath();
+}
+
+void EyetrackerInterface::reportSaved(const EyeTrackingCSV &recording) {
+    finishedLength_ = recording.length();
+    Q_EMIT unsavedRecordSaved(recording.currentFilePath());
 }
 
 void EyetrackerInterface::discardRecord() {

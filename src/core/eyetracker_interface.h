@@ -51,6 +51,9 @@ public:
     };
     Q_ENUM(CalibrationResult)
 
+    /// A connected tracker without a sample for this time is silent, and its last sample is not live.
+    static constexpr std::chrono::seconds silenceLimit{1};
+
     /// Maximum age of a sample in the window, relative to the newest sample.
     static constexpr qint32 sampleWindowMs = 2000;
 
@@ -155,6 +158,12 @@ public:
     /// Tries again to save the unsaved recordings, in `folder` unless it is empty. Returns whether all are saved.
     [[nodiscard]] bool saveUnsaved(const QString &folder = QString());
 
+    /// Tries to save the last unsaved recording to the file `path`. Returns whether it is saved. Does nothing and
+    /// returns true if there is none.
+    [[nodiscard]] bool saveUnsavedAs(const QString &path);
+    /// Returns the path of the last unsaved recording. Call it only if there is one.
+    [[nodiscard]] QString unsavedPath() const;
+
     void discardUnsaved();
 
     /// Stops the running recording without writing a file.
@@ -200,6 +209,7 @@ private:
 
     bool finish(Recording recording);
     [[nodiscard]] bool save(EyeTrackingCSV &recording) const;
+    void reportSaved(const EyeTrackingCSV &recording);
     void store(const EyeTrackingSample &sample, std::chrono::steady_clock::time_point arrival);
 
     const QString dataFolder_;

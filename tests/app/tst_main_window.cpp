@@ -140,6 +140,7 @@ void TestMainWindow::selected_tracker_is_shown_until_another_is_selected_or_the_
     click(page, "Calibrate");
     click(page, "Start record");
     QVERIFY(shownOn(page).contains("Stop record"));
+    QVERIFY(!trackersOf(window).itemIcon(1).isNull());
     QByteArray received;
     QTRY_VERIFY((received += peer->readAll()).endsWith(wire::calibrate));
 
@@ -149,6 +150,7 @@ void TestMainWindow::selected_tracker_is_shown_until_another_is_selected_or_the_
 
     QVERIFY(connects());
     click(page, "Stop record");
+    QVERIFY(trackersOf(window).itemIcon(1).isNull());
     QTimer::singleShot(0, &window, &MainWindow::close);
     QCOMPARE(QCoreApplication::exec(), 0);
     QTRY_VERIFY(isStopped());

@@ -9,9 +9,11 @@
 #include <QLabel>
 #include <QRegularExpression>
 #include <QScopeGuard>
+#include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QToolButton>
 #include <QUrl>
 #include <memory>
 
@@ -25,16 +27,22 @@ private Q_SLOTS:
 
     void tells_whether_samples_arrive();
     void tells_when_the_connection_is_lost();
+    void offers_to_reconnect_while_there_are_no_samples();
+    void tells_how_a_calibration_ended_data();
+    void tells_how_a_calibration_ended();
     void shows_a_recording_and_its_file();
     void shows_a_recording_of_a_tracker_that_is_not_selected();
     void tells_why_a_recording_is_not_saved_until_it_is_saved();
     void long_texts_do_not_widen_the_bar();
+    void shows_a_problem_in_a_line_of_its_own();
 
     /// Called instead of a file manager.
     void open(const QUrl &url) { opened_ = url; }
 
 private:
     [[nodiscard]] QLabel &label(const QString &name) const { return *bar_->findChild<QLabel *>(name); }
+    /// Returns the button if it is shown, otherwise null.
+    [[nodiscard]] QToolButton *button(const QString &name) const;
     [[nodiscard]] QString trackerText() const { return label("trackerStatus").text(); }
     /// Returns an empty text if no recording is shown.
     [[nodiscard]] QString recordingText() const;
@@ -68,6 +76,11 @@ QString TestStatusBar::recordingText() const {
     return text.isVisibleTo(bar_.get()) ? text.text() : QString();
 }
 
+QToolButton *TestStatusBar::button(const QString &name) const {
+    auto *found = bar_->findChild<QToolButton *>(name);
+    return found->isVisibleTo(bar_.get()) ? found : nullptr;
+}
+
 void TestStatusBar::tells_whether_samples_arrive() {
     tracker_->addSample({});  // does not count, because the tracker is not connected
     QCOMPARE(trackerText(), QString("Not connected: no device"));
@@ -84,6 +97,7 @@ void TestStatusBar::tells_whether_samples_arrive() {
         return live.match(trackerText()).hasMatch();
     };
     QTRY_VERIFY(isLive());
+    QVERIFY(!button("reconnect"));
     QTRY_COMPARE(trackerText(), QString("Connected, but no samples for 1 s"));
     bar_->setEyetracker(other_.get());
     QCOMPARE(trackerText(), QString("Not connected: no device"));
@@ -99,6 +113,41 @@ void TestStatusBar::tells_when_the_connection_is_lost() {
     QCOMPARE(trackerText(), QString("Not connected: no device"));
 }
 
+void TestStatusBar::offers_to_reconnect_while_there_are_no_samples() {
+    tracker_->setConnected(true);
+    tracker_->setConnected(false);
+    tracker_->startRecord(folder_.filePath("kept.csv"));
+    button("reconnect")->click();
+    QCOMPARE(tracker_->calls, QStringList({"stop", "start"}));
+    QVERIFY(tracker_->isRecording());
+    QCOMPARE(trackerText(), QString("Not connected: no device"));  // the reason of this attempt
+    tracker_->setConnected(true);
+    QVERIFY(!button("reconnect"));
+    QTRY_VERIFY(button("reconnect"));  // connected, but silent
+    bar_->setEyetracker(nullptr);
+    QVERIFY(!button("reconnect"));
+    tracker_->discardRecord();
+}
+
+void TestStatusBar::tells_how_a_calibration_ended_data() {
+    QTest::addColumn<EyetrackerInterface::CalibrationResult>("result");
+    QTest::addColumn<QString>("text");
+    using Result = EyetrackerInterface::CalibrationResult;
+    QTest::newRow("done") << Result::Done << "Calibration done. Connected";
+    QTest::newRow("failed") << Result::Failed << "Calibration failed. Connected";
+    QTest::newRow("cancelled") << Result::Cancelled << "Calibration cancelled. Connected";
+    QTest::newRow("unknown") << Result::Unknown << "Calibration ended, result unknown. Connected";
+}
+
+void TestStatusBar::tells_how_a_calibration_ended() {
+    QFETCH(EyetrackerInterface::CalibrationResult, result);
+    tracker_->setConnected(true);
+    Q_EMIT tracker_->calibrationFinished(result);
+    QTEST(trackerText(), "text");
+    bar_->setEyetracker(other_.get());
+    QCOMPARE(trackerText(), QString("Not connected: no device"));
+}
+
 void TestStatusBar::shows_a_recording_and_its_file() {
     QCOMPARE(recordingText(), QString());
     tracker_->startRecord(folder_.filePath("a b.csv"));
@@ -106,13 +155,12 @@ void TestStatusBar::shows_a_recording_and_its_file() {
     tracker_->addSample({});
     tracker_->addSample({});
     QTRY_COMPARE(recordingText(), QString("Recording 00:00:00, 2 samples"));
-    QVERIFY(!label("openFolder").isVisibleTo(bar_.get()));
+    QVERIFY(!button("openFolder"));
     tracker_->stopRecord();
     QCOMPARE(recordingText(), QString("Saved a b.csv, 2 samples, 00:00"));
 
-    QVERIFY(label("openFolder").isVisibleTo(bar_.get()));
     QDesktopServices::setUrlHandler("file", this, "open");
-    Q_EMIT label("openFolder").linkActivated(QString());
+    button("openFolder")->click();
     QDesktopServices::unsetUrlHandler("file");
     QCOMPARE(opened_, QUrl::fromLocalFile(folder_.path()));
 }
@@ -142,8 +190,16 @@ void TestStatusBar::tells_why_a_recording_is_not_saved_until_it_is_saved() {
     tracker_->stopRecord();
     const QRegularExpression problem("^Not saved: .*missing.*: .+");
     QVERIFY2(problem.match(recordingText()).hasMatch(), qPrintable(recordingText()));
-    QVERIFY(tracker_->saveUnsaved(folder_.path()));
-    QCOMPARE(recordingText(), QString("Saved r.csv, 1 sample, 00:00"));
+    other_->startRecord(folder_.filePath("other.csv"));
+    other_->stopRecord();
+    QVERIFY2(recordingText().startsWith("Saved other.csv, 0 samples, 00:00; Not saved: "), qPrintable(recordingText()));
+    QVERIFY(button("retry"));
+    QSignalSpy saveAs(bar_.get(), &StatusBar::saveAsWanted);
+    button("saveAs")->click();
+    QCOMPARE(saveAs.size(), 1);
+    QVERIFY(tracker_->saveUnsavedAs(folder_.filePath("chosen.csv")));
+    QCOMPARE(recordingText(), QString("Saved chosen.csv, 1 sample, 00:00"));
+    QVERIFY(!button("retry"));
 }
 
 void TestStatusBar::long_texts_do_not_widen_the_bar() {
@@ -153,11 +209,21 @@ void TestStatusBar::long_texts_do_not_widen_the_bar() {
     bar_->resize(width, 100);
     bar_->show();
     QVERIFY(bar_->minimumSizeHint().width() < width);
-    QTRY_VERIFY(label("recordingStatus").y() == 0 && label("recordingStatus").parentWidget()->y() > 0);
-    const int lineHeight = label("trackerStatus").sizeHint().height();
-    QVERIFY(bar_->sizeHint().height() >= 2 * lineHeight);
+    const auto isBelow = [&] {
+        const auto bottom = label("trackerStatus").mapTo(bar_.get(), label("trackerStatus").rect().bottomLeft());
+        return label("recordingStatus").mapTo(bar_.get(), QPoint()).y() > bottom.y();
+    };
+    QTRY_VERIFY(isBelow());
     bar_->resize(5000, 100);
-    QTRY_VERIFY(bar_->sizeHint().height() < 2 * lineHeight);
+    QTRY_VERIFY(!isBelow());
+}
+
+void TestStatusBar::shows_a_problem_in_a_line_of_its_own() {
+    bar_->setProblem("port taken");
+    QCOMPARE(label("problem").text(), QString("port taken"));
+    QVERIFY(label("problem").isVisibleTo(bar_.get()));
+    bar_->setProblem(QString());
+    QVERIFY(!label("problem").isVisibleTo(bar_.get()));
 }
 
 OCELA_TEST(TestStatusBar)

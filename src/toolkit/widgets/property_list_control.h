@@ -30,6 +30,9 @@ public:
     /// Adds a widget below all properties and takes ownership of it.
     void addRow(QWidget *widget);
 
+    /// Returns whether no property has a row.
+    [[nodiscard]] bool isEmpty() const { return rows_.empty(); }
+
 protected:
     void changeEvent(QEvent *event) override;
 

@@ -1,0 +1,120 @@
+#include "app/recording_status_line.h"
+
+#include "app/status_texts.h"
+#include "core/eyetracker_interface.h"
+#include "toolkit/platform/app_helper.h"
+#include "views/elided_label.h"
+
+#include <QDesktopServices>
+#include <QDir>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QToolButton>
+#include <QUrl>
+
+namespace {
+
+constexpr int spacing = 12;
+
+QFileInfo fileAt(const QString &nativePath) {
+    return QFileInfo(QDir::fromNativeSeparators(nativePath));
+}
+
+}  // namespace
+
+RecordingStatusLine::RecordingStatusLine(QWidget *parent)
+    : BaseEyetrackerWidget(parent),
+      label_(new ElidedLabel(this)),
+      folderButton_(new QToolButton(this)),
+      retryButton_(new QToolButton(this)),
+      saveAsButton_(new QToolButton(this)) {
+    label_->setObjectName("recordingStatus");
+    folderButton_->setObjectName("openFolder");
+    retryButton_->setObjectName("retry");
+    saveAsButton_->setObjectName("saveAs");
+    connect(folderButton_, &QToolButton::clicked, this, &RecordingStatusLine::openFolder);
+    connect(retryButton_, &QToolButton::clicked, this, &RecordingStatusLine::retryWanted);
+    connect(saveAsButton_, &QToolButton::clicked, this, &RecordingStatusLine::saveAsWanted);
+
+    auto *row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(spacing);
+    row->addWidget(label_, 1);
+    for (QToolButton *button : {folderButton_, retryButton_, saveAsButton_})
+        row->addWidget(button);
+    hide();
+}
+
+void RecordingStatusLine::addTracker(EyetrackerInterface *tracker) {
+    trackers_.push_back(tracker);
+    connect(tracker, &EyetrackerInterface::recordStarted, this, &RecordingStatusLine::refresh);
+    const auto finish = [this, tracker](const QString &path) { setResult(*tracker, path); };
+    connect(tracker, &EyetrackerInterface::recordStopped, this, finish);
+    connect(tracker, &EyetrackerInterface::unsavedRecordSaved, this, finish);
+}
+
+void RecordingStatusLine::eyetrackerChanged() {
+    refresh();
+}
+
+void RecordingStatusLine::refresh() {
+    QStringList texts = runningRecordings();
+    const bool showsResult = texts.isEmpty() && result_;
+    const bool showsFile = showsResult && !result_->path.isEmpty();
+    if (showsResult)
+        texts << resultText();
+    const QString problem = unsavedProblem();
+    if (!problem.isEmpty())
+        texts << StatusTexts::notSaved(problem);
+
+    label_->setText(texts.join("; "));
+    label_->setToolTip(showsFile && problem.isEmpty() ? QDir::toNativeSeparators(result_->path).toHtmlEscaped()
+                                                      : QString());
+    folderButton_->setText(tr("Open folder"));
+    folderButton_->setVisible(showsFile);
+    retryButton_->setText(tr("Retry"));
+    retryButton_->setVisible(!problem.isEmpty());
+    saveAsButton_->setText(tr("Save as"));
+    saveAsButton_->setVisible(!problem.isEmpty());
+    setVisible(!texts.isEmpty());
+}
+
+QStringList RecordingStatusLine::runningRecordings() const {
+    QStringList texts;
+    for (const EyetrackerInterface *tracker : trackers_) {
+        if (!tracker->isRecording())
+            continue;
+        const QString name = tracker == eyetracker_ ? QString() : tracker->name();
+        texts << StatusTexts(locale()).recording(tracker->recordLength(), name);
+    }
+    return texts;
+}
+
+QString RecordingStatusLine::resultText() const {
+    if (result_->path.isEmpty())
+        return StatusTexts::notSaved(tr("discarded"));
+    return StatusTexts(locale()).saved(result_->length, fileAt(result_->path).fileName());
+}
+
+QString RecordingStatusLine::unsavedProblem() const {
+    QStringList problems;
+    for (const EyetrackerInterface *tracker : trackers_)
+        problems << tracker->unsavedProblem();
+    problems.removeAll(QString());
+    return problems.join("; ");
+}
+
+void RecordingStatusLine::setResult(const EyetrackerInterface &tracker, const QString &path) {
+    if (path.isEmpty() && !tracker.unsavedProblem().isEmpty())
+        result_.reset();
+    else
+        result_ = Result{path, tracker.finishedRecordLength()};
+    refresh();
+}
+
+void RecordingStatusLine::openFolder() const {
+    const QString folder = fileAt(result_->path).absolutePath();
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(folder)))
+        AppHelper::warningMessage(tr("The folder cannot be opened:") + '\n' + QDir::toNativeSeparators(folder),
+                                  QString(), QMessageBox::Warning);
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "core/record_length.h"
+#include "views/base_eyetracker_widget.h"
+
+#include <optional>
+#include <vector>
+
+class ElidedLabel;
+class QToolButton;
+
+/// Shows the running recordings of all trackers, then the saved file, or why a recording is not saved. Its buttons open
+/// the folder of the file, or save an unsaved recording. GUI thread.
+class RecordingStatusLine : public BaseEyetrackerWidget {
+    Q_OBJECT
+
+public:
+    explicit RecordingStatusLine(QWidget *parent = nullptr);
+
+    /// Shows the recordings of a tracker, also while another one is selected. The tracker is not owned.
+    void addTracker(EyetrackerInterface *tracker);
+
+    /// Updates the texts and the buttons. Hides the line if there is nothing to show.
+    void refresh();
+
+Q_SIGNALS:
+    /// The user wants to save the unsaved recordings again, or to another file.
+    void retryWanted();
+    void saveAsWanted();
+
+protected:
+    void eyetrackerChanged() override;
+
+private:
+    /// How the last recording has ended. The path is empty if the recording was discarded.
+    struct Result {
+        QString path;
+        RecordLength length;
+    };
+
+    [[nodiscard]] QStringList runningRecordings() const;
+    [[nodiscard]] QString resultText() const;
+    [[nodiscard]] QString unsavedProblem() const;
+    void setResult(const EyetrackerInterface &tracker, const QString &path);
+    void openFolder() const;
+
+    std::vector<EyetrackerInterface *> trackers_;
+    std::optional<Result> result_;  ///< without a value also if the last recording is unsaved
+
+    ElidedLabel *label_;
+    QToolButton *folderButton_;
+    QToolButton *retryButton_;
+    QToolButton *saveAsButton_;
+};

@@ -1,0 +1,71 @@
+#include "app/tracker_status_line.h"
+
+#include "views/elided_label.h"
+
+#include <QHBoxLayout>
+#include <QToolButton>
+
+namespace {
+
+constexpr int spacing = 12;
+constexpr std::chrono::seconds calibrationShownFor(15);
+
+}  // namespace
+
+TrackerStatusLine::TrackerStatusLine(QWidget *parent)
+    : BaseEyetrackerWidget(parent), label_(new ElidedLabel(this)), reconnectButton_(new QToolButton(this)) {
+    label_->setObjectName("trackerStatus");
+    reconnectButton_->setObjectName("reconnect");
+    connect(reconnectButton_, &QToolButton::clicked, this, &TrackerStatusLine::reconnect);
+
+    auto *row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(spacing);
+    row->addWidget(label_);
+    row->addWidget(reconnectButton_);
+    row->addStretch(1);
+}
+
+void TrackerStatusLine::eyetrackerChanged() {
+    monitor_.reset();
+    calibrationShown_.setRemainingTime(0);
+    if (eyetracker_) {
+        monitor_.emplace(*eyetracker_);
+        connections_ << connect(eyetracker_, &EyetrackerInterface::connectedChanged, this,
+                                [this] {
+                                    monitor_->connectionChanged();
+                                    refresh();
+                                })
+                     << connect(eyetracker_, &EyetrackerInterface::calibrationFinished, this,
+                                &TrackerStatusLine::showCalibration);
+    }
+    refresh();
+}
+
+void TrackerStatusLine::refresh() {
+    const TrackerStatus status = monitor_ ? monitor_->status() : TrackerStatus();
+    const QString text = monitor_ ? StatusTexts(locale()).tracker(status) : QString();
+    label_->setText(calibrationText() + text);
+    reconnectButton_->setText(tr("Reconnect"));
+    reconnectButton_->setToolTip(tr("Opens the tracker again. A running recording continues."));
+    reconnectButton_->setVisible(eyetracker_ && !status.isLive());
+}
+
+void TrackerStatusLine::reconnect() {
+    if (!eyetracker_)
+        return;
+    eyetracker_->reconnect();
+    // Forgets that the connection was lost: from now on, the problem of this attempt is shown.
+    monitor_.emplace(*eyetracker_);
+    refresh();
+}
+
+void TrackerStatusLine::showCalibration(EyetrackerInterface::CalibrationResult result) {
+    calibration_ = result;
+    calibrationShown_.setRemainingTime(calibrationShownFor);
+    refresh();
+}
+
+QString TrackerStatusLine::calibrationText() const {
+    return calibrationShown_.hasExpired() ? QString() : StatusTexts::calibration(calibration_) + ". ";
+}
