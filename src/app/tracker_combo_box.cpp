@@ -4,9 +4,17 @@
 
 #include <QIcon>
 
+namespace {
+
+constexpr int iconMargin = 4;
+
+}  // namespace
+
 void TrackerComboBox::addTracker(EyetrackerInterface *tracker) {
     trackers_.push_back(tracker);
     addItem(tracker->name());
+    // Room for the icon, so that the list does not become wider or cut off the name when a recording starts.
+    setMinimumWidth(QComboBox::sizeHint().width() + iconSize().width() + iconMargin);
     connect(tracker, &EyetrackerInterface::recordStarted, this, &TrackerComboBox::showRecordings);
     connect(tracker, &EyetrackerInterface::recordStopped, this, &TrackerComboBox::showRecordings);
 }

@@ -2,7 +2,6 @@
 
 #include "core/record_saving.h"
 
-#include <QFileInfo>
 #include <QLoggingCategory>
 #include <algorithm>
 
