@@ -137,6 +137,10 @@
         <source>server not running at %1</source>
         <translation>server not running at %1</translation>
     </message>
+    <message>
+        <source>no connection to %1: %2</source>
+        <translation>no connection to %1: %2</translation>
+    </message>
 </context>
 <context>
     <name>Generic</name>

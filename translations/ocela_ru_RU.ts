@@ -137,6 +137,10 @@
         <source>server not running at %1</source>
         <translation>сервер не запущен на %1</translation>
     </message>
+    <message>
+        <source>no connection to %1: %2</source>
+        <translation>нет соединения с %1: %2</translation>
+    </message>
 </context>
 <context>
     <name>Generic</name>

@@ -14,6 +14,8 @@ public:
 
     /// Must be called after each change of the connection.
     void connectionChanged();
+    /// Must be called after each attempt to connect that has failed. Its reason is then shown, not the earlier loss.
+    void connectionFailed() { wasConnected_ = false; }
 
     /// Returns the present state. Rate and valid share are those of the last two seconds.
     [[nodiscard]] TrackerStatus status() const;

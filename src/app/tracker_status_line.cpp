@@ -36,6 +36,11 @@ void TrackerStatusLine::eyetrackerChanged() {
                                     monitor_->connectionChanged();
                                     refresh();
                                 })
+                     << connect(eyetracker_, &EyetrackerInterface::connectionFailed, this,
+                                [this] {
+                                    monitor_->connectionFailed();
+                                    refresh();
+                                })
                      << connect(eyetracker_, &EyetrackerInterface::calibrationFinished, this,
                                 &TrackerStatusLine::showCalibration);
     }

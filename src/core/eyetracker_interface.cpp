@@ -25,6 +25,7 @@ QString defaultRecordsFolder() {
 
 EyetrackerInterface::EyetrackerInterface(const QString &dataFolder, QObject *parent)
     : QObject(parent), dataFolder_(dataFolder) {
+    qRegisterMetaType<CalibrationResult>("EyetrackerInterface::CalibrationResult");
     qRegisterMetaType<EyeTrackingSample>("EyeTrackingSample");
     qRegisterMetaType<QList<EyeTrackingSample>>("QList<EyeTrackingSample>");
 }

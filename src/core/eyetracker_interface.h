@@ -29,9 +29,9 @@ class QWidget;
 /// recording, the calibrated area and the connection state.
 ///
 /// MainWindow owns the trackers, from startup to exit. They live on the GUI thread. addSample(), the functions that
-/// read samples, isConnected() and calibratedArea() may be called from any thread. Call all other functions on the GUI
-/// thread; other threads use QMetaObject::invokeMethod(). A back-end must stop the threads that call addSample() before
-/// it is destroyed.
+/// read samples, isConnected(), calibratedArea() and pixelArea() may be called from any thread. Call all other
+/// functions on the GUI thread; other threads use QMetaObject::invokeMethod(). A back-end must stop the threads that
+/// call addSample() before it is destroyed.
 class EyetrackerInterface : public QObject {
     Q_OBJECT
 
@@ -71,7 +71,8 @@ public:
     /// text if the reason is not known. Called only while isConnected() is false.
     [[nodiscard]] virtual QString connectionProblem() const { return {}; }
     /// Opens the device again, also if it was stopped, was lost or could not be opened before. A running recording
-    /// continues. The new state is reported by connectedChanged() or by the next sample. GUI thread.
+    /// continues. The new state is reported by connectedChanged(), by connectionFailed() or by the next sample. GUI
+    /// thread.
     virtual void reconnect();
 
 Q_SIGNALS:
@@ -95,6 +96,9 @@ Q_SIGNALS:
     void connected();
     void disconnected();
     void connectedChanged(bool connected);
+    /// An attempt to connect has failed. connectionProblem() returns the reason. Emitted on the GUI thread, and not by
+    /// every back-end.
+    void connectionFailed();
 
 public Q_SLOTS:
     /// Opens the device and starts to deliver samples. Returns false if opening is known to have failed.
@@ -193,6 +197,9 @@ public:
 
     [[nodiscard]] QRect calibratedArea() const { return calibratedArea_.copy(); }
     [[nodiscard]] PixelUnit pixelUnit() const { return pixelUnit_; }
+    /// Returns the area that percent and pixels of the samples count from, in the unit of pixelUnit(). It is the
+    /// calibrated area, unless the device has a screen of its own. Empty if the area is not known. Any thread.
+    [[nodiscard]] virtual QRect pixelArea() const { return calibratedArea(); }
 
 protected:
     [[nodiscard]] const QString &dataFolder() const { return dataFolder_; }

@@ -1,14 +1,14 @@
 #include "trackers/gazepoint/gazepoint_connection.h"
 
-#include "trackers/gazepoint/gazepoint_record_reader.h"
-
 #include <QDateTime>
 #include <QDeadlineTimer>
 #include <QLoggingCategory>
 #include <QThread>
+#include <algorithm>
 #include <utility>
 
 using gazepoint::Connection;
+using CalibrationResult = EyetrackerInterface::CalibrationResult;
 
 namespace {
 
@@ -16,6 +16,9 @@ Q_LOGGING_CATEGORY(lcGazePoint, "ocela.gazepoint")
 
 constexpr int sendTimeoutMs = 30000;
 constexpr int interruptionCheckMs = 100;
+
+/// The server sends a message at the start and at the end of each point. A point takes 2 s by default.
+constexpr int calibrationTimeoutMs = 60000;
 
 /// Limits the memory for unread data. onReadyRead() treats each chunk as one message.
 constexpr qint64 maxUnreadBytes = 1 << 20;
@@ -27,18 +30,31 @@ constexpr const char *dataSwitches[] = {
     "ENABLE_SEND_POG_RIGHT",  "ENABLE_SEND_PUPILMM",
 };
 
+/// Limits the numbers in screenArea(), so that calculations with the area do not overflow.
+constexpr int maxPixels = 1 << 24;
+
 std::string_view view(const QByteArray &bytes) {
     return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
+}
+
+QRect areaOf(const gazepoint::Screen &screen) {
+    const auto bounded = [](int pixels, int min) { return std::clamp(pixels, min, maxPixels); };
+    return {bounded(screen.origin.x(), -maxPixels), bounded(screen.origin.y(), -maxPixels),
+            bounded(screen.size.width(), 0), bounded(screen.size.height(), 0)};
 }
 
 }  // namespace
 
 Connection::Connection(quint16 port, TakeSample takeSample)
-    : port_(port), takeSample_(std::move(takeSample)), socket_(this) {
+    : port_(port), takeSample_(std::move(takeSample)), socket_(this), calibrationTimer_(this) {
     socket_.setReadBufferSize(maxUnreadBytes);
     connect(&socket_, &QTcpSocket::connected, this, &Connection::onConnected);
     connect(&socket_, &QTcpSocket::disconnected, this, &Connection::onDisconnected);
+    connect(&socket_, &QTcpSocket::errorOccurred, this, &Connection::onError);
     connect(&socket_, &QTcpSocket::readyRead, this, &Connection::onReadyRead);
+    calibrationTimer_.setSingleShot(true);
+    calibrationTimer_.setInterval(calibrationTimeoutMs);
+    connect(&calibrationTimer_, &QTimer::timeout, this, [this] { finishCalibration(CalibrationResult::Unknown); });
 }
 
 // The socket's destructor emits disconnected(), which must not reach the destroyed members.
@@ -47,11 +63,17 @@ Connection::~Connection() {
 }
 
 void Connection::open() {
-    screenSize_ = QSize(0, 0);
+    screen_ = Screen();
     // connectToHost() has no effect on a socket that is still connecting or closing.
     if (socket_.state() != QAbstractSocket::UnconnectedState && socket_.state() != QAbstractSocket::ConnectedState)
         socket_.abort();
     socket_.connectToHost("127.0.0.1", port_);
+}
+
+void Connection::reopen() {
+    sendIsInterrupted_ = false;
+    socket_.abort();
+    open();
 }
 
 void Connection::close() {
@@ -60,12 +82,21 @@ void Connection::close() {
 }
 
 void Connection::calibrate() {
+    if (calibration_.isRunning())
+        Q_EMIT calibrationFinished(CalibrationResult::Cancelled);
+    if (!isOpen_) {
+        Q_EMIT calibrationFinished(CalibrationResult::Failed);
+        return;
+    }
+    calibration_.start();
+    calibrationTimer_.start();
     send("<SET ID=\"CALIBRATE_SHOW\" STATE=\"1\" />");
     send("<SET ID=\"CALIBRATE_START\" STATE=\"1\" />");
 }
 
 void Connection::onConnected() {
     qCDebug(lcGazePoint, "GazePoint connected");
+    isOpen_ = true;
     Q_EMIT connected();
     for (const char *name : dataSwitches)
         send(QByteArray("<SET ID=\"").append(name).append("\" STATE=\"1\" />"));
@@ -74,11 +105,20 @@ void Connection::onConnected() {
 
 void Connection::onDisconnected() {
     qCDebug(lcGazePoint, "GazePoint disconnected");
+    isOpen_ = false;
     Q_EMIT disconnected();
+    if (calibration_.isRunning())
+        finishCalibration(CalibrationResult::Unknown);
+}
+
+/// A connection that is lost is reported by disconnected().
+void Connection::onError(QAbstractSocket::SocketError error) {
+    if (!isOpen_)
+        Q_EMIT failed(error == QAbstractSocket::ConnectionRefusedError, socket_.errorString());
 }
 
 // Each chunk of received data is treated as one message: that is intended. If a chunk has two records, the second
-// overwrites the first. The rest of a split record is ignored.
+// overwrites the first. The rest of a split record is ignored. Only the messages about a calibration are split.
 void Connection::onReadyRead() {
     const QByteArray message = socket_.readAll();
     switch (kindOf(view(message))) {
@@ -91,26 +131,43 @@ void Connection::onReadyRead() {
         case Message::Other:
             break;
     }
+    watchCalibration(message);
     // QTcpSocket does not emit readyRead() for data that arrived during the wait in send().
     if (socket_.bytesAvailable() > 0)
         QMetaObject::invokeMethod(this, &Connection::onReadyRead, Qt::QueuedConnection);
 }
 
 void Connection::takeRecord(const QByteArray &message) {
-    if (screenSize_.width() == 0 || screenSize_.height() == 0) {
+    if (screen_.size.width() == 0 || screen_.size.height() == 0) {
         // Do not ask again while the server does not read, because each attempt would block in send().
         if (socket_.bytesToWrite() == 0)
             send("<GET ID=\"SCREEN_SIZE\" />");
         return;
     }
-    takeSample_(parseRecord(view(message), screenSize_, QDateTime::currentMSecsSinceEpoch()));
+    takeSample_(parseRecord(view(message), screen_.size, QDateTime::currentMSecsSinceEpoch()));
 }
 
 void Connection::takeScreenSize(const QByteArray &message) {
-    const QSize size = parseScreenSize(view(message));
-    if (size != screenSize_ && (size.width() < 0 || size.height() < 0))
+    const Screen screen = parseScreen(view(message));
+    const QSize size = screen.size;
+    if (size != screen_.size && (size.width() < 0 || size.height() < 0))
         qCWarning(lcGazePoint, "The server reports a screen of %d x %d pixels", size.width(), size.height());
-    screenSize_ = size;
+    screen_ = screen;
+    screenArea_.exchange(areaOf(screen));
+}
+
+void Connection::watchCalibration(const QByteArray &bytes) {
+    const CalibrationWatch::News news = calibration_.take(view(bytes));
+    if (news.isAlive)
+        calibrationTimer_.start();
+    if (news.result)
+        finishCalibration(*news.result);
+}
+
+void Connection::finishCalibration(CalibrationResult result) {
+    calibration_.stop();
+    calibrationTimer_.stop();
+    Q_EMIT calibrationFinished(result);
 }
 
 void Connection::send(const QByteArray &message) {
@@ -122,6 +179,6 @@ void Connection::send(const QByteArray &message) {
     // that data may call send().
     const QDeadlineTimer deadline(sendTimeoutMs);
     while (socket_.bytesToWrite() > 0 && socket_.state() == QAbstractSocket::ConnectedState && !deadline.hasExpired() &&
-           !QThread::currentThread()->isInterruptionRequested())
+           !sendIsInterrupted_ && !QThread::currentThread()->isInterruptionRequested())
         socket_.waitForBytesWritten(interruptionCheckMs);
 }

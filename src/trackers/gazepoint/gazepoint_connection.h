@@ -1,10 +1,16 @@
 #pragma once
 
 #include "core/eye_tracking_sample.h"
+#include "core/eyetracker_interface.h"
+#include "core/guarded.h"
+#include "trackers/gazepoint/gazepoint_calibration_watch.h"
+#include "trackers/gazepoint/gazepoint_record_reader.h"
 
 #include <QObject>
-#include <QSize>
+#include <QRect>
 #include <QTcpSocket>
+#include <QTimer>
+#include <atomic>
 #include <functional>
 
 namespace gazepoint {
@@ -12,9 +18,9 @@ namespace gazepoint {
 /// The connection to the vendor's server at 127.0.0.1. Each message is a line with one XML element.
 ///
 /// The back-end creates it and moves it to a thread of its own, so that a busy window does not delay or merge records.
-/// All functions must be called on that thread. A function that sends blocks until the operating system has accepted
-/// the message, at most 30 s or until an interruption of the thread is requested. Without a connection, the message is
-/// dropped.
+/// Unless stated otherwise, functions must be called on that thread. A function that sends blocks until the operating
+/// system has accepted the message, at most 30 s, until an interruption of the thread is requested or until
+/// interruptSend(). Without a connection, the message is dropped.
 class Connection : public QObject {
     Q_OBJECT
 
@@ -25,30 +31,48 @@ public:
     Connection(quint16 port, TakeSample takeSample);
     ~Connection() override;
 
-    /// Starts to connect. A failure is not reported.
+    /// Starts to connect.
     void open();
+    /// Closes the connection at once, without telling the server, and starts to connect. Ends interruptSend().
+    void reopen();
     /// Stops the data and disconnects.
     void close();
-    /// Starts the calibration of the server.
+    /// Starts the calibration of the server. Each call is followed by one calibrationFinished().
     void calibrate();
+
+    /// Lets functions that send return without waiting, until reopen() is called. Any thread.
+    void interruptSend() { sendIsInterrupted_ = true; }
+    /// Returns the tracked screen in device pixels. Empty until a server has sent it. Any thread.
+    [[nodiscard]] QRect screenArea() const { return screenArea_.copy(); }
 
 Q_SIGNALS:
     void connected();
     void disconnected();
+    /// The connection could not be opened. `reason` is the error text of the socket.
+    void failed(bool isRefused, const QString &reason);
+    void calibrationFinished(EyetrackerInterface::CalibrationResult result);
 
 private:
     void onConnected();
     void onDisconnected();
+    void onError(QAbstractSocket::SocketError error);
     void onReadyRead();
     void takeRecord(const QByteArray &message);
     void takeScreenSize(const QByteArray &message);
+    void watchCalibration(const QByteArray &bytes);
+    void finishCalibration(EyetrackerInterface::CalibrationResult result);
     /// Sends a message, which has no line end.
     void send(const QByteArray &message);
 
     const quint16 port_;
     const TakeSample takeSample_;
     QTcpSocket socket_;
-    QSize screenSize_{0, 0};  ///< in pixels; 0 x 0 until the server has sent it
+    bool isOpen_ = false;
+    Screen screen_;  ///< of size 0 x 0 until the server has sent it
+    Guarded<QRect> screenArea_;
+    CalibrationWatch calibration_;
+    QTimer calibrationTimer_;  ///< runs out if the server says nothing about the calibration
+    std::atomic<bool> sendIsInterrupted_{false};
 };
 
 }  // namespace gazepoint

@@ -1,11 +1,11 @@
 #include "trackers/gazepoint/gazepoint_record_reader.h"
 
 #include "core/pixels.h"
+#include "trackers/gazepoint/gazepoint_attributes.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <string>
 
 namespace {
 
@@ -38,25 +38,6 @@ T numberOr0(std::string_view text) {
 float fraction(std::string_view text) {
     const auto number = numberOr0<float>(text);
     return std::isfinite(number) ? number : 0.0F;
-}
-
-/// Splits the message at each space, and calls `take(key, value)` for every part with exactly one equals sign. All
-/// double quotes are removed from the value.
-template <typename Take>
-void forEachAttribute(std::string_view message, Take take) {
-    std::string unquoted;
-    while (!message.empty()) {
-        const std::size_t space = std::min(message.find(' '), message.size());
-        const std::string_view part = message.substr(0, space);
-        message.remove_prefix(std::min(space + 1, message.size()));
-
-        const std::size_t equals = part.find('=');
-        if (equals == std::string_view::npos || part.find('=', equals + 1) != std::string_view::npos)
-            continue;
-        unquoted.assign(part.substr(equals + 1));
-        unquoted.erase(std::remove(unquoted.begin(), unquoted.end(), '"'), unquoted.end());
-        take(part.substr(0, equals), std::string_view(unquoted));
-    }
 }
 
 struct Axis {
@@ -140,13 +121,17 @@ EyeTrackingSample gazepoint::parseRecord(std::string_view message, QSize screen,
     return sample;
 }
 
-QSize gazepoint::parseScreenSize(std::string_view message) {
-    QSize size(0, 0);
+gazepoint::Screen gazepoint::parseScreen(std::string_view message) {
+    Screen screen;
     forEachAttribute(message, [&](std::string_view key, std::string_view value) {
-        if (key == "WIDTH")
-            size.setWidth(numberOr0<int>(value));
+        if (key == "X")
+            screen.origin.setX(numberOr0<int>(value));
+        else if (key == "Y")
+            screen.origin.setY(numberOr0<int>(value));
+        else if (key == "WIDTH")
+            screen.size.setWidth(numberOr0<int>(value));
         else if (key == "HEIGHT")
-            size.setHeight(numberOr0<int>(value));
+            screen.size.setHeight(numberOr0<int>(value));
     });
-    return size;
+    return screen;
 }

@@ -2,6 +2,7 @@
 
 #include "core/eye_tracking_sample.h"
 
+#include <QPoint>
 #include <QSize>
 #include <string_view>
 
@@ -21,7 +22,14 @@ enum class Message {
 /// arrival.
 [[nodiscard]] EyeTrackingSample parseRecord(std::string_view message, QSize screen, qint64 timestampMs);
 
-/// Returns the size in a screen size message. A side is 0 if it is missing or invalid.
-[[nodiscard]] QSize parseScreenSize(std::string_view message);
+/// The tracked screen, in pixels.
+struct Screen {
+    QPoint origin;  ///< of the top-left corner, relative to the primary screen
+    QSize size{0, 0};
+};
+
+/// Returns the screen in a screen size message. Numbers that are missing or invalid are 0. Older servers do not send
+/// the origin.
+[[nodiscard]] Screen parseScreen(std::string_view message);
 
 }  // namespace gazepoint

@@ -15,8 +15,17 @@ GazePoint::GazePoint(const QString &dataFolder, QObject *parent, quint16 port)
       port_(port),
       connection_(new Connection(port, [this](const EyeTrackingSample &sample) { addSample(sample); })) {
     setPixelUnit(PixelUnit::Device);
-    connectionHelper_ << connect(connection_, &Connection::connected, this, [this] { setConnected(true); })
-                      << connect(connection_, &Connection::disconnected, this, [this] { setConnected(false); })
+    connectionHelper_ << connect(connection_, &Connection::connected, this, [this] {
+        failure_.reset();
+        setConnected(true);
+    });
+    connectionHelper_ << connect(connection_, &Connection::disconnected, this, [this] { setConnected(false); })
+                      << connect(connection_, &Connection::failed, this,
+                                 [this](bool isRefused, const QString &reason) {
+                                     failure_ = Failure{isRefused, reason};
+                                     Q_EMIT connectionFailed();
+                                 })
+                      << connect(connection_, &Connection::calibrationFinished, this, &GazePoint::calibrationFinished)
                       // The timer has no effect: that is intended.
                       << connect(&pollTimer_, &QTimer::timeout, this, [] {});
     pollTimer_.start(pollIntervalMs);
@@ -35,7 +44,20 @@ GazePoint::~GazePoint() {
 }
 
 QString GazePoint::connectionProblem() const {
-    return tr("server not running at %1").arg(QString("127.0.0.1:%1").arg(port_));
+    if (!failure_)
+        return {};
+    const QString address = QString("127.0.0.1:%1").arg(port_);
+    return failure_->isRefused ? tr("server not running at %1").arg(address)
+                               : tr("no connection to %1: %2").arg(address, failure_->reason);
+}
+
+void GazePoint::reconnect() {
+    connection_->interruptSend();
+    queue(&Connection::reopen);
+}
+
+QRect GazePoint::pixelArea() const {
+    return connection_->screenArea();
 }
 
 bool GazePoint::start() {

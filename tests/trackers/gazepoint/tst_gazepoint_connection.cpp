@@ -3,6 +3,7 @@
 #include "trackers/gazepoint/gazepoint_connection.h"
 
 #include <QElapsedTimer>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -23,6 +24,8 @@ private Q_SLOTS:
     void asks_for_no_screen_size_while_the_server_does_not_read();
     void split_record_yields_the_fields_of_its_first_part();
     void lost_connection_is_reported_and_restored();
+    void each_calibration_has_one_result();
+    void screen_area_is_bounded();
     void invalid_messages_are_ignored_data();
     void invalid_messages_are_ignored();
     void endless_line_does_not_stop_the_samples();
@@ -36,6 +39,7 @@ private:
     std::unique_ptr<QTcpServer> server_;
     std::unique_ptr<gazepoint::Connection> connection_;
     QVector<EyeTrackingSample> samples_;
+    QVector<EyetrackerInterface::CalibrationResult> results_;
     bool isConnected_ = false;
     QTcpSocket *peer_ = nullptr;
 };
@@ -44,11 +48,14 @@ void TestGazePointConnection::init() {
     server_ = std::make_unique<QTcpServer>();
     QVERIFY(server_->listen(QHostAddress::LocalHost));
     samples_.clear();
+    results_.clear();
     isConnected_ = false;
     connection_ = std::make_unique<gazepoint::Connection>(
         server_->serverPort(), [this](const EyeTrackingSample &sample) { samples_ << sample; });
     connect(connection_.get(), &gazepoint::Connection::connected, this, [this] { isConnected_ = true; });
     connect(connection_.get(), &gazepoint::Connection::disconnected, this, [this] { isConnected_ = false; });
+    connect(connection_.get(), &gazepoint::Connection::calibrationFinished, this,
+            [this](EyetrackerInterface::CalibrationResult result) { results_ << result; });
 }
 
 void TestGazePointConnection::cleanup() {
@@ -152,6 +159,48 @@ void TestGazePointConnection::lost_connection_is_reported_and_restored() {
     peer_->abort();
     QTRY_VERIFY(!isConnected_);
     connectServer();
+}
+
+void TestGazePointConnection::each_calibration_has_one_result() {
+    using Result = EyetrackerInterface::CalibrationResult;
+    const QByteArray started = "<ACK ID=\"CALIBRATE_START\" STATE=\"1\" />\r\n";
+    const auto lastResult = [this] { return results_.isEmpty() ? Result(-1) : results_.last(); };
+    connection_->calibrate();  // without a connection
+    QCOMPARE(results_, QVector<Result>({Result::Failed}));
+    connectServer();
+    sendScreenSize();
+
+    connection_->calibrate();
+    connection_->calibrate();
+    QCOMPARE(lastResult(), Result::Cancelled);
+    serve(started + started);
+    serve("<REC FPOGX=\"0.5\" />\r\n<CAL ID=\"CALIB_RESULT\" LV1=\"1\" RV1=\"1\" />\r\n");
+    QTRY_COMPARE(lastResult(), Result::Done);
+    QCOMPARE(samples_.size(), 1);
+
+    auto &timer = *connection_->findChild<QTimer *>();
+    QVERIFY(timer.interval() >= 60000 && !timer.isActive());
+    timer.setInterval(1);
+    connection_->calibrate();
+    QTRY_COMPARE(lastResult(), Result::Unknown);
+    timer.setInterval(60000);
+
+    results_.clear();
+    connection_->calibrate();
+    serve(started);
+    peer_->abort();
+    QTRY_COMPARE(results_, QVector<Result>({Result::Unknown}));
+}
+
+void TestGazePointConnection::screen_area_is_bounded() {
+    connectServer();
+    QVERIFY(connection_->screenArea().isEmpty());
+    serve("<ACK ID=\"SCREEN_SIZE\" X=\"-1920\" Y=\"9\" WIDTH=\"800\" HEIGHT=\"600\" />\r\n");
+    QTRY_COMPARE(connection_->screenArea(), QRect(-1920, 9, 800, 600));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("2147483647 x -1 pixels$"));
+    serve("<ACK ID=\"SCREEN_SIZE\" X=\"2147483647\" Y=\"-2147483648\" WIDTH=\"2147483647\" HEIGHT=\"-1\" />\r\n");
+    QTRY_VERIFY(connection_->screenArea().isEmpty());
+    QVERIFY(connection_->screenArea().right() > 0);
 }
 
 void TestGazePointConnection::invalid_messages_are_ignored_data() {

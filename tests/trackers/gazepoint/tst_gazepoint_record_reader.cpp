@@ -35,8 +35,8 @@ private Q_SLOTS:
     void reads_flags_exactly_data();
     void reads_flags_exactly();
     void reads_all_fields_of_a_captured_record();
-    void reads_screen_sizes_data();
-    void reads_screen_sizes();
+    void reads_screens_data();
+    void reads_screens();
 };
 
 void TestGazepointRecordReader::recognises_messages_data() {
@@ -125,21 +125,27 @@ void TestGazepointRecordReader::reads_all_fields_of_a_captured_record() {
              (QList<int>{1090, 431, 1101, 449, 729, 604}));  // the right eye is crossed
 }
 
-void TestGazepointRecordReader::reads_screen_sizes_data() {
+void TestGazepointRecordReader::reads_screens_data() {
     QTest::addColumn<QByteArray>("attributes");
+    QTest::addColumn<QPoint>("origin");
     QTest::addColumn<QSize>("size");
-    QTest::newRow("whole answer") << QByteArray("X=\"0\" Y=\"0\" WIDTH=\"1920\" HEIGHT=\"1080\"") << QSize(1920, 1080);
-    QTest::newRow("screen to the left") << QByteArray("X=\"-1920\" Y=\"0\" WIDTH=\"10\" HEIGHT=\"20\"")
-                                        << QSize(10, 20);
-    QTest::newRow("no height") << QByteArray("WIDTH=\"1920\"") << QSize(1920, 0);
-    QTest::newRow("overflow") << QByteArray("WIDTH=\"99999999999\" HEIGHT=\"2147483647\"")
-                              << QSize(0, std::numeric_limits<int>::max());
-    QTest::newRow("negative") << QByteArray("WIDTH=\"-5\" HEIGHT=\"10\"") << QSize(-5, 10);
+    const auto row = [](const char *name, const char *attributes, QPoint origin, QSize size) {
+        QTest::newRow(name) << QByteArray(attributes) << origin << size;
+    };
+    row("whole answer", "X=\"0\" Y=\"0\" WIDTH=\"1920\" HEIGHT=\"1080\"", {0, 0}, {1920, 1080});
+    row("screen to the left", "X=\"-1920\" Y=\"56\" WIDTH=\"10\" HEIGHT=\"20\"", {-1920, 56}, {10, 20});
+    row("older server", "WIDTH=\"1920\" HEIGHT=\"1080\"", {0, 0}, {1920, 1080});
+    row("no height", "X=\"5\" WIDTH=\"1920\"", {5, 0}, {1920, 0});
+    row("overflow", "X=\"99999999999\" WIDTH=\"99999999999\" HEIGHT=\"2147483647\"", {0, 0},
+        {0, std::numeric_limits<int>::max()});
+    row("negative", "WIDTH=\"-5\" HEIGHT=\"10\"", {0, 0}, {-5, 10});
 }
 
-void TestGazepointRecordReader::reads_screen_sizes() {
+void TestGazepointRecordReader::reads_screens() {
     QFETCH(QByteArray, attributes);
-    QTEST(gazepoint::parseScreenSize(view("<ACK ID=\"SCREEN_SIZE\" " + attributes + " />\r\n")), "size");
+    const gazepoint::Screen read = gazepoint::parseScreen(view("<ACK ID=\"SCREEN_SIZE\" " + attributes + " />\r\n"));
+    QTEST(read.origin, "origin");
+    QTEST(read.size, "size");
 }
 
 OCELA_TEST(TestGazepointRecordReader)

@@ -20,10 +20,14 @@ private Q_SLOTS:
 
     void sends_the_commands_and_reports_the_connection();
     void receives_every_record_while_its_thread_is_busy();
+    void reconnects_to_a_server_that_was_started_later();
+    void reconnects_while_connected_and_recording_data();
+    void reconnects_while_connected_and_recording();
     void is_destroyed_while_the_server_does_not_read();
 
 private:
     void connectServer();
+    void acceptConnection();
     [[nodiscard]] QByteArray received(int bytes);
     [[nodiscard]] bool sendRecord(int percent);
 
@@ -45,6 +49,10 @@ void TestGazePoint::cleanup() {
 
 void TestGazePoint::connectServer() {
     QVERIFY(tracker_->start());
+    acceptConnection();
+}
+
+void TestGazePoint::acceptConnection() {
     QTRY_VERIFY(server_->hasPendingConnections());
     peer_ = server_->nextPendingConnection();
     QCOMPARE(received(sizeof wire::enableData - 1), QByteArray(wire::enableData));
@@ -68,15 +76,18 @@ bool TestGazePoint::sendRecord(int percent) {
 void TestGazePoint::sends_the_commands_and_reports_the_connection() {
     QCOMPARE(tracker_->pixelUnit(), EyetrackerInterface::PixelUnit::Device);
     QSignalSpy changes(tracker_.get(), &EyetrackerInterface::connectedChanged);
+    QSignalSpy results(tracker_.get(), &EyetrackerInterface::calibrationFinished);
     tracker_->calibrate(QRect());  // without a connection
     connectServer();
     QTRY_COMPARE(changes, (QList<QVariantList>{{true}}));
+    QTRY_COMPARE(results.count(), 1);
     tracker_->calibrate(QRect());
     QCOMPARE(received(sizeof wire::calibrate - 1), QByteArray(wire::calibrate));
 
     QSignalSpy disconnections(peer_, &QTcpSocket::disconnected);
     tracker_->stop();
     QTRY_COMPARE(disconnections.count(), 1);
+    QTRY_COMPARE(results.count(), 2);
     QCOMPARE(peer_->readAll(), QByteArray(wire::disableData));
     QTRY_COMPARE(changes, (QList<QVariantList>{{true}, {false}}));
     tracker_->stop();
@@ -90,6 +101,56 @@ void TestGazePoint::receives_every_record_while_its_thread_is_busy() {
     QVERIFY(sendRecord(1) || sendRecord(1));
     for (int percent = 2; percent <= 6; ++percent)
         QVERIFY(sendRecord(percent));
+}
+
+void TestGazePoint::reconnects_to_a_server_that_was_started_later() {
+    const quint16 port = server_->serverPort();
+    const QString refused = QString("server not running at 127.0.0.1:%1").arg(port);
+    connectServer();
+    server_->close();
+    peer_->abort();
+    QTRY_VERIFY(!tracker_->isConnected());
+    QSignalSpy failures(tracker_.get(), &EyetrackerInterface::connectionFailed);
+    for (int count = 1; count <= 2; ++count) {
+        tracker_->reconnect();
+        QTRY_COMPARE(failures.count(), count);
+        QCOMPARE(tracker_->connectionProblem(), refused);
+    }
+    QVERIFY(server_->listen(QHostAddress::LocalHost, port));
+    tracker_->reconnect();
+    acceptConnection();
+    QTRY_VERIFY(tracker_->isConnected());
+    QCOMPARE(tracker_->connectionProblem(), QString());
+}
+
+void TestGazePoint::reconnects_while_connected_and_recording_data() {
+    QTest::addColumn<bool>("reads");
+    QTest::newRow("silent server") << true;
+    QTest::newRow("server does not read") << false;
+}
+
+void TestGazePoint::reconnects_while_connected_and_recording() {
+    QFETCH(bool, reads);
+    constexpr qint64 halfSendTimeoutMs = 15000;
+    connectServer();
+    QTRY_VERIFY(tracker_->isConnected());
+    tracker_->startRecord("unused.csv");
+    for (int i = 0; !reads && i < 100000; ++i)
+        tracker_->calibrate(QRect());
+    QSignalSpy changes(tracker_.get(), &EyetrackerInterface::connectedChanged);
+    QElapsedTimer timer;
+    timer.start();
+    tracker_->reconnect();
+    acceptConnection();
+    QTRY_COMPARE(changes, (QList<QVariantList>{{false}, {true}}));
+    QVERIFY(timer.elapsed() < halfSendTimeoutMs);
+
+    peer_->write("<ACK ID=\"SCREEN_SIZE\" X=\"-800\" Y=\"0\" WIDTH=\"800\" HEIGHT=\"600\" />\r\n");
+    QTRY_COMPARE(tracker_->pixelArea(), QRect(-800, 0, 800, 600));
+    QVERIFY(sendRecord(5));
+    QVERIFY(tracker_->isRecording());
+    QVERIFY(tracker_->recordLength().sampleCount > 0);
+    tracker_->discardRecord();
 }
 
 void TestGazePoint::is_destroyed_while_the_server_does_not_read() {
