@@ -1,11 +1,11 @@
 #include "app/tracker_view_widget.h"
 
+#include "app/gaze_cursor.h"
 #include "core/eyetracker_interface.h"
 #include "toolkit/platform/global_keyboard.h"
 #include "views/wheel_proof_combo_box.h"
 
 #include <QCheckBox>
-#include <QCursor>
 #include <QDir>
 #include <QEvent>
 #include <QGridLayout>
@@ -25,20 +25,13 @@ const QIcon &monitorIcon() {
     return icon;
 }
 
-/// Converts the sample's pixels to desktop coordinates. Physical pixels are assumed to be on the primary screen.
-QPoint desktopPosition(const EyeTrackingSample &sample, EyetrackerInterface::PixelUnit unit) {
-    const QPoint position(sample.x_px, sample.y_px);
-    const QScreen *screen = QGuiApplication::primaryScreen();
-    if (unit == EyetrackerInterface::PixelUnit::Desktop || !screen)
-        return position;
-    return position / screen->devicePixelRatio();
-}
-
 /// Called in the thread that emits the sample. The cursor is moved in the GUI thread: immediately if that is the same
 /// thread, otherwise queued.
-void followGaze(const EyeTrackingSample &sample, EyetrackerInterface::PixelUnit unit) {
-    if (sample.valid)
-        QMetaObject::invokeMethod(qApp, [sample, unit] { QCursor::setPos(desktopPosition(sample, unit)); });
+void followGaze(const EyetrackerInterface &tracker, const EyeTrackingSample &sample) {
+    if (!sample.valid)
+        return;
+    const gaze_cursor::Gaze gaze{{sample.x_px, sample.y_px}, tracker.pixelArea().topLeft(), tracker.pixelUnit()};
+    QMetaObject::invokeMethod(qApp, [gaze] { gaze_cursor::moveTo(gaze); });
 }
 
 }  // namespace
@@ -146,9 +139,9 @@ void TrackerViewWidget::eyetrackerChanged() {
                         Qt::DirectConnection)
                  << connect(
                         tracker, &EyetrackerInterface::newSample, tracker,
-                        [controlCursor = controlCursor_, unit = tracker->pixelUnit()](const EyeTrackingSample &sample) {
+                        [controlCursor = controlCursor_, tracker](const EyeTrackingSample &sample) {
                             if (*controlCursor)
-                                followGaze(sample, unit);
+                                followGaze(*tracker, sample);
                         },
                         Qt::DirectConnection);
     showRecording(tracker->isRecording());
