@@ -143,6 +143,13 @@
     </message>
 </context>
 <context>
+    <name>GazeTrailView</name>
+    <message>
+        <source>No gaze</source>
+        <translation>Взгляд не найден</translation>
+    </message>
+</context>
+<context>
     <name>Generic</name>
     <message>
         <source>Common</source>

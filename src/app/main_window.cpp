@@ -19,13 +19,13 @@
 #include "trackers/gazepoint/gazepoint_tracker.h"
 #include "views/eyetracker_connected_widget.h"
 #include "views/eyetracker_sample_viewer.h"
+#include "views/gaze_trail_view.h"
 
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QDir>
 #include <QGridLayout>
-#include <QLabel>
 #include <QMenu>
 #include <QPushButton>
 #include <QScreen>
@@ -53,6 +53,14 @@ QWidget *scrollable(QWidget *page) {
     area->setWidgetResizable(true);
     area->setWidget(page);
     return area;
+}
+
+QWidget *createView(EyetrackerInterface &tracker) {
+    if (QWidget *camera = tracker.createViewWidget())
+        return camera;
+    auto *trail = new GazeTrailView;
+    trail->setEyetracker(&tracker);
+    return trail;
 }
 
 }  // namespace
@@ -109,7 +117,7 @@ void MainWindow::buildTrackers() {
 void MainWindow::addTracker(EyetrackerInterface *tracker) {
     recording_journal::enable(*tracker, recording_journal::folderIn(dataFolder_),
                               [this] { return settings_->getDescribeRecordings(); });
-    trackers_.push_back({tracker, tracker->createViewWidget()});
+    trackers_.push_back({tracker, createView(*tracker)});
     recordings_->addTracker(tracker);
 }
 
@@ -165,17 +173,15 @@ QWidget *MainWindow::buildMainPage() {
     connect(dashboardButton_, &QPushButton::clicked, this, &MainWindow::openDashboard);
     viewStack_ = new QStackedWidget;
     viewStack_->setObjectName("views");
-    viewStack_->hide();
     for (const Tracker &entry : trackers_) {
         trackerCombo_->addTracker(entry.tracker);
-        viewStack_->addWidget(entry.view ? entry.view : new QLabel);
-        if (entry.view)
-            entry.view->setMinimumSize(minViewSize);
+        viewStack_->addWidget(entry.view);
+        entry.view->setMinimumSize(minViewSize);
     }
     connect(trackerCombo_, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &MainWindow::trackerIndexChanged);
 
     auto *page = new QWidget;
-    QGridLayout *grid = mainGrid_ = new QGridLayout(page);
+    auto *grid = new QGridLayout(page);
     grid->setContentsMargins(pageMargin, pageMargin, pageMargin, pageMargin);
     grid->setVerticalSpacing(pageMargin);
     grid->setHorizontalSpacing(2 * pageMargin);
@@ -185,6 +191,7 @@ QWidget *MainWindow::buildMainPage() {
     grid->addWidget(viewStack_, 2, 0, 1, 3);
     grid->addWidget(viewer, 3, 0, 1, 3);
     grid->setColumnStretch(1, 1);
+    grid->setRowStretch(2, 1);
     // Beside the other widgets, so that the window fits small screens.
     grid->addWidget(dashboardButton_, 0, 2, Qt::AlignRight);
     grid->addWidget(session, 1, 2, Qt::AlignTop);
@@ -266,14 +273,8 @@ void MainWindow::trackerIndexChanged(int index) {
 }
 
 void MainWindow::showView(int index) {
-    const bool hasView = trackers_[static_cast<std::size_t>(index)].view;
     viewStack_->setCurrentIndex(index);
-    // Without a camera view, the row of the sample viewer takes the remaining space.
-    viewStack_->setVisible(hasView);
-    mainGrid_->setRowStretch(2, hasView ? 1 : 0);
-    mainGrid_->setRowStretch(3, hasView ? 0 : 1);
-    if (hasView)
-        growTo(sizeHint());
+    growTo(sizeHint());
 }
 
 /// The window grows at most to the size of the screen, so that a camera view shrinks on a small screen.

@@ -12,7 +12,6 @@ class EyetrackerInterface;
 class JournalRecovery;
 class NewVersionButton;
 class OcelaHTTPExchange;
-class QGridLayout;
 class QMenu;
 class QPushButton;
 class QStackedWidget;
@@ -45,7 +44,7 @@ protected:
 private:
     struct Tracker {
         EyetrackerInterface *tracker;
-        QWidget *view;  ///< the camera view; null if the tracker has none
+        QWidget *view;  ///< the camera view or, for a tracker without one, the gaze trail
     };
 
     void buildSettings();
@@ -82,7 +81,6 @@ private:
     QTabWidget *pages_ = nullptr;
     QTabWidget *settingsTabs_ = nullptr;
     NewVersionButton *newVersionButton_ = nullptr;
-    QGridLayout *mainGrid_ = nullptr;
     TrackerComboBox *trackerCombo_ = nullptr;
     QPushButton *dashboardButton_ = nullptr;
     QStackedWidget *viewStack_ = nullptr;
