@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int iconMargin = 4;
+constexpr int iconMargin = 12;
 
 }  // namespace
 
