@@ -4,8 +4,8 @@
 #include "trackers/asee/sdk/asee_sdk.h"
 
 /// The vendor's functions, resolved at run time. The first call loads the library. If the library or one of its entry
-/// points is missing, the log says so once, and every function returns `notAvailable`. A failing call is logged when
-/// its result changes. Callable from any thread.
+/// points is missing, the log says so, and every function returns `notAvailable`. A failing call is logged when its
+/// result changes. Callable from any thread.
 namespace asee_sdk {
 
 constexpr int notAvailable = -1;
@@ -18,7 +18,10 @@ OCELA_ASEE_FUNCTIONS(OCELA_DECLARE)
 
 namespace asee {
 
-/// Returns why the library could not be loaded. Callable from any thread.
+/// Tries again to load the library if it could not be loaded. Callable from any thread.
+void loadLibrary();
+
+/// Returns why the last attempt to load the library failed. Callable from any thread.
 [[nodiscard]] const std::optional<VendorLibrary::Error> &libraryError();
 
 }  // namespace asee
