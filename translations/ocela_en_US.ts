@@ -15,6 +15,14 @@
         <source>Calibration</source>
         <translation>Calibration</translation>
     </message>
+    <message>
+        <source>Move until the orange circle (your eyes) is in the grey box</source>
+        <translation>Move until the orange circle (your eyes) is in the grey box</translation>
+    </message>
+    <message>
+        <source>Point %1 of %2</source>
+        <translation>Point %1 of %2</translation>
+    </message>
 </context>
 <context>
     <name>EyetechCalibrationWidget</name>
@@ -510,6 +518,49 @@
     <message>
         <source>not calibrated</source>
         <translation>not calibrated</translation>
+    </message>
+</context>
+<context>
+    <name>asee::CalibrationOutcome</name>
+    <message>
+        <source>The calibration is finished and saved</source>
+        <translation>The calibration is finished and saved</translation>
+    </message>
+    <message>
+        <source>The calibration has failed</source>
+        <translation>The calibration has failed</translation>
+    </message>
+    <message>
+        <source>Scores: left eye %1, right eye %2</source>
+        <translation>Scores: left eye %1, right eye %2</translation>
+    </message>
+    <message>
+        <source>The tracker did not start the calibration (%1)</source>
+        <translation>The tracker did not start the calibration (%1)</translation>
+    </message>
+    <message>
+        <source>The tracker refused point %1 of %2 (%3)</source>
+        <translation>The tracker refused point %1 of %2 (%3)</translation>
+    </message>
+    <message>
+        <source>The tracker could not compute the calibration (%1)</source>
+        <translation>The tracker could not compute the calibration (%1)</translation>
+    </message>
+    <message>
+        <source>The tracker refused the new calibration (%1)</source>
+        <translation>The tracker refused the new calibration (%1)</translation>
+    </message>
+    <message>
+        <source>The calibration is used, but not saved, see Ocela.log</source>
+        <translation>The calibration is used, but not saved, see Ocela.log</translation>
+    </message>
+    <message>
+        <source>its library is not available</source>
+        <translation>its library is not available</translation>
+    </message>
+    <message>
+        <source>error %1</source>
+        <translation>error %1</translation>
     </message>
 </context>
 </TS>

@@ -15,6 +15,14 @@
         <source>Calibration</source>
         <translation>Калибровка</translation>
     </message>
+    <message>
+        <source>Move until the orange circle (your eyes) is in the grey box</source>
+        <translation>Сядьте так, чтобы оранжевый круг (глаза) был в сером квадрате</translation>
+    </message>
+    <message>
+        <source>Point %1 of %2</source>
+        <translation>Точка %1 из %2</translation>
+    </message>
 </context>
 <context>
     <name>EyetechCalibrationWidget</name>
@@ -511,6 +519,49 @@
     <message>
         <source>not calibrated</source>
         <translation>нет калибровки</translation>
+    </message>
+</context>
+<context>
+    <name>asee::CalibrationOutcome</name>
+    <message>
+        <source>The calibration is finished and saved</source>
+        <translation>Калибровка завершена и сохранена</translation>
+    </message>
+    <message>
+        <source>The calibration has failed</source>
+        <translation>Калибровка не удалась</translation>
+    </message>
+    <message>
+        <source>Scores: left eye %1, right eye %2</source>
+        <translation>Оценки: левый глаз %1, правый глаз %2</translation>
+    </message>
+    <message>
+        <source>The tracker did not start the calibration (%1)</source>
+        <translation>Трекер не начал калибровку (%1)</translation>
+    </message>
+    <message>
+        <source>The tracker refused point %1 of %2 (%3)</source>
+        <translation>Трекер отклонил точку %1 из %2 (%3)</translation>
+    </message>
+    <message>
+        <source>The tracker could not compute the calibration (%1)</source>
+        <translation>Трекер не смог рассчитать калибровку (%1)</translation>
+    </message>
+    <message>
+        <source>The tracker refused the new calibration (%1)</source>
+        <translation>Трекер отклонил новую калибровку (%1)</translation>
+    </message>
+    <message>
+        <source>The calibration is used, but not saved, see Ocela.log</source>
+        <translation>Калибровка действует, но не сохранена, см. Ocela.log</translation>
+    </message>
+    <message>
+        <source>its library is not available</source>
+        <translation>его библиотека недоступна</translation>
+    </message>
+    <message>
+        <source>error %1</source>
+        <translation>ошибка %1</translation>
     </message>
 </context>
 </TS>

@@ -13,6 +13,17 @@ namespace {
 constexpr int boxSide = 240;
 constexpr QSize cameraImage(1280, 1024);
 constexpr float maxShrinkage = 30;
+constexpr int sideMargin = 20;
+
+/// Returns the y coordinate of the upper or lower edge of the targets in a row; `side` is -1 or 1.
+int edgeOfRow(std::size_t row, int side, QSize screen) {
+    const FractionPoint first = layout::points[3 * row];
+    return layout::pixelOf(first, screen).y() + side * static_cast<int>(layout::maxTargetRadius);
+}
+
+QRect strip(int top, int bottom, QSize screen) {
+    return {sideMargin, top, screen.width() - 2 * sideMargin, bottom - top};
+}
 
 }  // namespace
 
@@ -43,6 +54,14 @@ QPoint layout::eyePixel(const Eyes &eyes, QSize screen) {
 
 QRect layout::textArea(QSize screen) {
     return {0, boxSide, screen.width(), screen.height() - boxSide / 2};
+}
+
+QRect layout::hintArea(QSize screen) {
+    return strip(edgeOfRow(2, 1, screen), screen.height(), screen);
+}
+
+QRect layout::outcomeArea(QSize screen) {
+    return strip(edgeOfRow(0, 1, screen), edgeOfRow(1, -1, screen), screen);
 }
 
 float layout::gazeRadius(int fixationState) {

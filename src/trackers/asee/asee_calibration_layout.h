@@ -55,8 +55,14 @@ constexpr int redState = 3;
 /// Returns the centre of the eyes. The camera image has 1280 x 1024 pixels and is in the centre of the screen.
 [[nodiscard]] QPoint eyePixel(const Eyes &eyes, QSize screen);
 
-/// Returns the rectangle in which texts are centred.
+/// Returns the rectangle in which the requests to press a key are centred.
 [[nodiscard]] QRect textArea(QSize screen);
+
+/// Returns the strip below the last row of targets: what to do, and the number of the current point.
+[[nodiscard]] QRect hintArea(QSize screen);
+
+/// Returns the strip between the first and the second row of targets: how the calibration ended.
+[[nodiscard]] QRect outcomeArea(QSize screen);
 
 [[nodiscard]] float gazeRadius(int fixationState);
 

@@ -9,12 +9,16 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QThread>
+#include <utility>
+
+using CalibrationResult = EyetrackerInterface::CalibrationResult;
 
 namespace layout = asee::calibration_layout;
 
 namespace {
 
 constexpr int fontPixels = 24;
+constexpr int hintFontPixels = 20;  // four lines fit between two rows of targets on a screen of 960 x 540 pixels
 
 /// Draws nothing for a position outside the screen, which may be too large for QPainter.
 void drawDisc(QPainter &painter, QPoint centre, float radius) {
@@ -67,6 +71,12 @@ void CalibrationWidget::showOn(QRect area) {
     activateWindow();
 }
 
+void CalibrationWidget::bringToFront() {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    raise();
+    activateWindow();
+}
+
 void CalibrationWidget::setShowGaze(bool on) {
     showGaze_ = on;
     update();
@@ -78,7 +88,8 @@ void CalibrationWidget::showCalibration() {
     setShowGaze(false);
 }
 
-void CalibrationWidget::showPoint(asee::FractionPoint point, asee::FractionPoint next) {
+void CalibrationWidget::showPoint(int number, asee::FractionPoint point, asee::FractionPoint next) {
+    pointNumber_ = number;
     point_ = point;
     nextPoint_ = next;
     update();
@@ -92,6 +103,21 @@ void CalibrationWidget::showIntro() {
 void CalibrationWidget::setFinished() {
     finished_ = true;
     update();
+}
+
+void CalibrationWidget::setOutcome(const asee::CalibrationOutcome &outcome) {
+    // The screen was closed before the library's call returned.
+    if (!isCalibrating_)
+        return;
+    isCalibrating_ = false;
+    outcome_ = outcome;
+    update();
+    reportEnd(outcome.isSuccess() ? CalibrationResult::Done : CalibrationResult::Failed);
+}
+
+void CalibrationWidget::reportEnd(CalibrationResult result) {
+    if (!std::exchange(isEndReported_, true))
+        Q_EMIT ended(result);
 }
 
 void CalibrationWidget::takeGaze(const asee::GazeRecord &record) {
@@ -147,13 +173,23 @@ void CalibrationWidget::closeEvent(QCloseEvent *event) {
 void CalibrationWidget::startCalibration() {
     if (workerThread_->isRunning() || CalibWorker::isBusy())
         return;
+    // Changes by a calibration whose call of the library has blocked.
+    QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
     gate_->reset();
     finished_ = false;
+    isCalibrating_ = true;
+    pointNumber_ = 0;
     workerThread_->start();
     Q_EMIT signal_start_calibration(this);
 }
 
 void CalibrationWidget::endCalibration() {
+    stopWorker();
+    isCalibrating_ = false;
+    reportEnd(CalibrationResult::Cancelled);
+}
+
+void CalibrationWidget::stopWorker() {
     // If an earlier call timed out, do not wait again.
     if (!workerThread_->isRunning() || gate_->isCancelled())
         return;
@@ -163,12 +199,17 @@ void CalibrationWidget::endCalibration() {
         qCWarning(lcAsee, "A call of the vendor's library blocks the calibration. It ends when the call returns");
     // Removes a start that is still queued, because the next calibration would also run it.
     QCoreApplication::removePostedEvents(worker_, QEvent::MetaCall);
+    // Takes an outcome that the worker has reached before the cancellation.
+    QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
 }
 
 void CalibrationWidget::showEvent(QShowEvent *event) {
     // A calibration continues while the window is minimised, and must be visible when the window is restored.
-    if (!event->spontaneous())
+    if (!event->spontaneous()) {
         introMode_ = eyeBoxMode_ = true;
+        outcome_.reset();
+        isEndReported_ = false;
+    }
     QWidget::showEvent(event);
 }
 
@@ -180,9 +221,10 @@ void CalibrationWidget::paintEvent(QPaintEvent *) {
     if (introMode_)
         paintIntro(painter);
     else if (finished_)
-        paintText(painter, tr("Нажмите ESC для выхода"));
+        paintText(painter, tr("Нажмите ESC для выхода"), layout::textArea(size()), fontPixels);
     if (!introMode_ && !showGaze_)
         paintTarget(painter, point_);
+    paintHint(painter);
     if (showGaze_)
         paintGaze(painter);
 }
@@ -198,17 +240,29 @@ void CalibrationWidget::paintIntro(QPainter &painter) {
 void CalibrationWidget::paintEyeBox(QPainter &painter) const {
     painter.setBrush(QColor(layout::boxColour));
     painter.drawRect(layout::eyeBox(size()));
-    paintText(painter, tr("Нажмите Пробел для начала калибровки"));
+    paintText(painter, tr("Нажмите Пробел для начала калибровки"), layout::textArea(size()), fontPixels);
     painter.setBrush(QColor(layout::eyeColour));
     drawDisc(painter, layout::eyePixel(eyes_.copy(), size()), layout::eyeRadius);
 }
 
-void CalibrationWidget::paintText(QPainter &painter, const QString &text) const {
+void CalibrationWidget::paintHint(QPainter &painter) const {
+    paintText(painter, hint(), outcome_ ? layout::outcomeArea(size()) : layout::hintArea(size()), hintFontPixels);
+}
+
+QString CalibrationWidget::hint() const {
+    if (outcome_)
+        return outcome_->text() + '\n' + tr("Нажмите ESC для выхода");
+    if (introMode_)
+        return tr("Move until the orange circle (your eyes) is in the grey box");
+    return pointNumber_ > 0 ? tr("Point %1 of %2").arg(pointNumber_).arg(layout::points.size()) : QString();
+}
+
+void CalibrationWidget::paintText(QPainter &painter, const QString &text, QRect area, int pixelSize) const {
     QFont large = font();
-    large.setPixelSize(fontPixels);
+    large.setPixelSize(pixelSize);
     painter.setFont(large);
     painter.setPen(QColor(layout::textColour));
-    painter.drawText(layout::textArea(size()), Qt::AlignCenter, text);
+    painter.drawText(area, Qt::AlignCenter | Qt::TextWordWrap, text);
     painter.setPen(Qt::NoPen);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/eyetracker_interface.h"
 #include "core/guarded.h"
 #include "trackers/asee/asee_calibration_sequence.h"
 #include "trackers/asee/asee_record_reader.h"
@@ -7,10 +8,12 @@
 #include <QWidget>
 #include <atomic>
 #include <memory>
+#include <optional>
 
 class QThread;
 
 /// The full-screen calibration of the aSee Pro back-end: nine targets, a box for placing the eyes, and the live gaze.
+/// Texts beside the targets say what to do, and how the calibration ended.
 ///
 /// Space starts a calibration on the worker's thread. Escape, or closing the window, closes the screen and cancels the
 /// calibration within one second. A closed screen can be shown again. Space has no effect after a calibration until the
@@ -31,6 +34,12 @@ public:
 
     /// Shows the window full screen on the screen that contains the top-left corner of `area`.
     void showOn(QRect area);
+    /// Brings the visible window to the front. If it is minimised, restores it.
+    void bringToFront();
+    /// Returns whether the worker is calibrating.
+    [[nodiscard]] bool isCalibrating() const { return isCalibrating_; }
+    /// Returns the text beside the targets: what to do, the current point, or how the calibration ended.
+    [[nodiscard]] QString hint() const;
     /// Sets whether the live gaze point is drawn.
     void setShowGaze(bool on);
 
@@ -38,13 +47,18 @@ public:
 
     // Called by the worker.
     void showCalibration();
-    void showPoint(asee::FractionPoint point, asee::FractionPoint next);
+    void showPoint(int number, asee::FractionPoint point, asee::FractionPoint next);
     void showIntro();
     void setFinished();
+    void setOutcome(const asee::CalibrationOutcome &outcome);
 
     void takeGaze(const asee::GazeRecord &record);
 
 Q_SIGNALS:
+    /// The calibration has ended, or the screen was closed or destroyed before. Emitted once each time that the screen
+    /// was shown.
+    void ended(EyetrackerInterface::CalibrationResult result);
+
     void signal_calib_progress(int percent);
     void signal_calib_move_point(float value);
     void signal_gaze(float x, float y, int fixation);
@@ -65,11 +79,14 @@ private:
     void connectSignals();
     void startCalibration();
     void endCalibration();
+    void stopWorker();
+    void reportEnd(EyetrackerInterface::CalibrationResult result);
     void requestRepaint();
 
     void paintIntro(QPainter &painter);
     void paintEyeBox(QPainter &painter) const;
-    void paintText(QPainter &painter, const QString &text) const;
+    void paintHint(QPainter &painter) const;
+    void paintText(QPainter &painter, const QString &text, QRect area, int pixelSize) const;
     void paintTarget(QPainter &painter, asee::FractionPoint position) const;
     void paintGaze(QPainter &painter) const;
 
@@ -79,6 +96,10 @@ private:
     bool introMode_ = true;
     bool eyeBoxMode_ = true;
     bool finished_ = false;
+    bool isCalibrating_ = false;
+    bool isEndReported_ = true;
+    int pointNumber_ = 0;  ///< from 1; 0 before the first point
+    std::optional<asee::CalibrationOutcome> outcome_;
     std::atomic<bool> showGaze_{false};
     int gazeState_ = 0;
     asee::FractionPoint gaze_{-1, -1};

@@ -19,7 +19,9 @@ namespace {
 
 namespace layout = asee::calibration_layout;
 
+using asee::CalibrationOutcome;
 using asee::FractionPoint;
+using Failure = CalibrationOutcome::Failure;
 
 constexpr int pointCount = static_cast<int>(layout::points.size());
 constexpr int firstPoint = 4;  // the centre
@@ -28,6 +30,14 @@ constexpr int firstPoint = 4;  // the centre
 int printed(const char *function, int result) {
     asee::print("%s: %d\n", function, result);
     return result;
+}
+
+/// Prints and returns the scores of the calibration. Returns no scores if the library has none.
+std::optional<CalibrationOutcome::Scores> readScores() {
+    CalibrationOutcome::Scores scores{0, 0};
+    const int result = asee_sdk::_7i_get_calibration_score(&scores.left, &scores.right);
+    asee::print("%0.2f %0.2f\n", static_cast<double>(scores.left), static_cast<double>(scores.right));
+    return result == 0 ? std::optional(scores) : std::nullopt;
 }
 
 /// Returns the number of bytes written, or -1 after an error, which leaves the file unchanged.
@@ -116,21 +126,25 @@ void CalibWorker::process(CalibrationWidget *calibUI) {
     screen_ = calibUI;
     withScreen([this](CalibrationWidget &ui) { dataFolder_ = ui.dataFolder(); });
 
+    outcome_.reset();
     show([](CalibrationWidget &ui) { ui.showCalibration(); });
-    printed("_7i_start_calibration", asee_sdk::_7i_start_calibration(pointCount));
+    startResult_ = printed("_7i_start_calibration", asee_sdk::_7i_start_calibration(pointCount));
     if (runPoints())
         compute();
     else
         cancel();
+    if (outcome_)
+        show([outcome = *outcome_](CalibrationWidget &ui) { ui.setOutcome(outcome); });
     show([](CalibrationWidget &ui) { ui.showIntro(); });
 }
 
 bool CalibWorker::runPoints() {
     for (int k = firstPoint; k < firstPoint + pointCount; ++k) {
+        const int number = k - firstPoint + 1;
         const FractionPoint point = layout::points[static_cast<std::size_t>(k % pointCount)];
         const FractionPoint next = layout::points[static_cast<std::size_t>((k + 1) % pointCount)];
-        show([point, next](CalibrationWidget &ui) { ui.showPoint(point, next); });
-        if (!runPoint(k - firstPoint + 1, point) || !movePoint())
+        show([number, point, next](CalibrationWidget &ui) { ui.showPoint(number, point, next); });
+        if (!runPoint(number, point) || !movePoint())
             return false;
     }
     return true;
@@ -146,12 +160,19 @@ bool CalibWorker::runPoint(int number, FractionPoint point) {
                                                              Measurement::onFinish, measurement.context());
     asee::print("_7i_start_calibration_point: %d %d %0.2f %0.2f\n", lastPointResult_, number,
                 static_cast<double>(point.x), static_cast<double>(point.y));
-    if (lastPointResult_ != 0) {
-        qCWarning(lcAsee, "The calibration has failed: the library refused point %d with result %d", number,
-                  lastPointResult_);
-        return false;
-    }
-    return gate_->waitForPoint();
+    if (lastPointResult_ == 0)
+        return gate_->waitForPoint();
+    failAtPoint(number);
+    return false;
+}
+
+/// If the library did not start the calibration, that is the reason why it refuses a point.
+void CalibWorker::failAtPoint(int number) {
+    if (startResult_ != 0)
+        fail(Failure::Start, "_7i_start_calibration", startResult_);
+    else
+        fail(Failure::Point, QString("_7i_start_calibration_point, point %1,").arg(number), lastPointResult_);
+    outcome_->point = number;
 }
 
 bool CalibWorker::movePoint() {
@@ -175,18 +196,35 @@ void CalibWorker::compute() {
     asee_sdk::_7i_complete_calibration();
     // Prints the result of the last point, not of _7i_complete_calibration(): that is intended.
     printed("_7i_complete_calibration", lastPointResult_);
-    float left = 0;
-    float right = 0;
-    asee_sdk::_7i_get_calibration_score(&left, &right);
-    asee::print("%0.2f %0.2f\n", static_cast<double>(left), static_cast<double>(right));
+    const std::optional<CalibrationOutcome::Scores> scores = readScores();
     // If the screen was destroyed, the program may be exiting, so nothing is saved.
-    if (show([](CalibrationWidget &ui) { ui.setFinished(); }) && result == 0)
-        apply(coefficients);
+    if (!show([](CalibrationWidget &ui) { ui.setFinished(); }) || gate_->isCancelled())
+        return;
+    if (result != 0) {
+        fail(Failure::Computation, "_7i_compute_calibration", result);
+        return;
+    }
+    outcome_.emplace();
+    outcome_->scores = scores;
+    apply(coefficients);
 }
 
 void CalibWorker::apply(const Coefficients &coefficients) {
-    if (printed("_7i_start_tracking", asee_sdk::_7i_start_tracking(coefficients.data())) == 0)
+    const int result = printed("_7i_start_tracking", asee_sdk::_7i_start_tracking(coefficients.data()));
+    if (result == 0)
         show([](CalibrationWidget &ui) { ui.setShowGaze(true); });
     const qint64 written = save(dataFolder_ + "coefficient.dat", coefficients.data(), asee_sdk::coefficientBytes);
     asee::print("write coefficient file: %lld\n", static_cast<long long>(written));
+    if (result != 0)
+        fail(Failure::Tracking, "_7i_start_tracking", result);
+    else if (written < 0)
+        outcome_->failure = Failure::Saving;  // save() has logged the reason
+}
+
+void CalibWorker::fail(Failure failure, const QString &failedCall, int error) {
+    qCWarning(lcAsee).noquote() << "The calibration has failed:" << failedCall << "returned" << error;
+    if (!outcome_)
+        outcome_.emplace();
+    outcome_->failure = failure;
+    outcome_->error = error;
 }

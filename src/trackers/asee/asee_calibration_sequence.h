@@ -1,5 +1,6 @@
 #pragma once
 
+#include "trackers/asee/asee_calibration_outcome.h"
 #include "trackers/asee/asee_record_reader.h"
 #include "trackers/asee/sdk/asee_sdk.h"
 
@@ -8,6 +9,7 @@
 #include <atomic>
 #include <chrono>
 #include <memory>
+#include <optional>
 
 class CalibrationWidget;
 
@@ -41,6 +43,7 @@ public:
 
 public Q_SLOTS:
     /// Runs a calibration, and returns when it is finished, the library refuses a point, or the gate is cancelled.
+    /// Unless it was cancelled, passes its outcome to the screen.
     void process(CalibrationWidget *calibUI);
 
 private:
@@ -52,9 +55,12 @@ private:
     [[nodiscard]] bool runPoint(int number, asee::FractionPoint point);
     [[nodiscard]] bool movePoint();
 
+    void failAtPoint(int number);
     void cancel();
     void compute();
     void apply(const Coefficients &coefficients);
+    /// Sets the outcome, and logs it. `failedCall` is the function of the library with details.
+    void fail(asee::CalibrationOutcome::Failure failure, const QString &failedCall, int error);
     template <typename Use>
     bool withScreen(Use use) const;
     template <typename Change>
@@ -66,5 +72,7 @@ private:
     const asee::CalibrationPace pace_;
     CalibrationWidget *screen_ = nullptr;
     QString dataFolder_;
+    int startResult_ = 0;
     int lastPointResult_ = 0;
+    std::optional<asee::CalibrationOutcome> outcome_;  ///< empty until the calibration has ended or failed
 };

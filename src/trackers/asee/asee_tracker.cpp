@@ -128,11 +128,14 @@ void aSeePro::calibrate(QRect area) {
     if (!screen) {
         calibrationWidget_ = screen = new CalibrationWidget;
         screen->setDataFolder(folder_);
+        connect(screen, &CalibrationWidget::ended, this, &EyetrackerInterface::calibrationFinished);
     }
-    if (!screen->isVisible()) {
-        screen->setShowGaze(true);
-        screen->showOn(area);
+    if (screen->isVisible()) {
+        screen->bringToFront();
+        return;
     }
+    screen->setShowGaze(true);
+    screen->showOn(area);
 }
 
 void aSeePro::stopCalibration() {

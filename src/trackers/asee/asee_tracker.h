@@ -48,7 +48,8 @@ public Q_SLOTS:
     /// Stops the device, but keeps the connection state. If start() has succeeded before, a later start() does not
     /// start the device again. Both are intended.
     void stop() override;
-    /// Shows the calibration screen on the screen that contains the top-left corner of `area`.
+    /// Shows the calibration screen on the screen that contains the top-left corner of `area`. If the calibration
+    /// screen is already visible, brings it to the front, also if it is minimised.
     void calibrate(QRect area) override;
     void stopCalibration() override;
 

@@ -1,11 +1,17 @@
 #pragma once
 
+#include "core/eyetracker_interface.h"
 #include "scripted_asee.h"
 #include "support/file_content.h"
+#include "trackers/asee/asee_calibration_screen.h"
 
+#include <QApplication>
+#include <QSignalSpy>
 #include <QStringList>
 #include <array>
 #include <cstring>
+
+using CalibrationResult = EyetrackerInterface::CalibrationResult;
 
 namespace at = asee_sdk::gaze_record;
 
@@ -36,4 +42,23 @@ inline QStringList takeCalls() {
     for (const std::string &call : library().takeCalls())
         calls << QString::fromStdString(call);
     return calls;
+}
+
+/// QSignalSpy needs the name.
+inline const int resultType = qRegisterMetaType<CalibrationResult>("EyetrackerInterface::CalibrationResult");
+
+inline QList<CalibrationResult> resultsIn(const QSignalSpy &spy) {
+    QList<CalibrationResult> results;
+    for (const QList<QVariant> &arguments : spy)
+        results << arguments.first().value<CalibrationResult>();
+    return results;
+}
+
+/// Returns the existing calibration screen, or null.
+inline CalibrationWidget *calibrationScreen() {
+    for (QWidget *window : QApplication::topLevelWidgets()) {
+        if (auto *screen = qobject_cast<CalibrationWidget *>(window))
+            return screen;
+    }
+    return nullptr;
 }

@@ -1,6 +1,5 @@
 #include "asee_fixture.h"
 #include "support/test_main.h"
-#include "trackers/asee/asee_calibration_screen.h"
 
 #include <QTest>
 
@@ -12,6 +11,8 @@ private Q_SLOTS:
     void init();
 
     void intro_shows_nine_points_and_a_box_for_the_eyes();
+    void texts_cover_no_target_data();
+    void texts_cover_no_target();
     void target_shrinks_with_the_progress_data();
     void target_shrinks_with_the_progress();
     void target_moves_to_the_next_point();
@@ -20,6 +21,9 @@ private Q_SLOTS:
 
 private:
     [[nodiscard]] QColor colourAt(int x, int y) { return screen_->grab().toImage().pixelColor(x, y); }
+
+    /// Returns the bounding rectangle of the white pixels, which only texts have.
+    [[nodiscard]] QRect textPlace();
 
     std::unique_ptr<CalibrationWidget> screen_;
 };
@@ -40,6 +44,18 @@ void TestCalibrationScreen::init() {
     screen_->show();
 }
 
+QRect TestCalibrationScreen::textPlace() {
+    const QImage picture = screen_->grab().toImage();
+    QRect place;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            if (qGray(picture.pixel(x, y)) > 200)
+                place |= QRect(x, y, 1, 1);
+        }
+    }
+    return place;
+}
+
 void TestCalibrationScreen::intro_shows_nine_points_and_a_box_for_the_eyes() {
     const QImage picture = screen_->grab().toImage();
     for (const int x : {288, 960, 1632}) {
@@ -58,6 +74,33 @@ void TestCalibrationScreen::intro_shows_nine_points_and_a_box_for_the_eyes() {
     // The prompt is below the box, centred between y = 240 and y = 1320.
     const QImage text = picture.copy(600, 770, 720, 20);
     QVERIFY(text != picture.copy(600, 740, 720, 20));
+    // What the circle asks for is below the targets.
+    QVERIFY(picture.copy(600, 1115, 720, 25) != picture.copy(600, 1060, 720, 25));
+}
+
+void TestCalibrationScreen::texts_cover_no_target_data() {
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("small screen") << QSize(1366, 768);
+    QTest::newRow("Full HD at 200 %") << QSize(960, 540);
+}
+
+void TestCalibrationScreen::texts_cover_no_target() {
+    QFETCH(QSize, size);
+    screen_->resize(size);
+    const auto rowEdge = [size](double y, int side) { return static_cast<int>(size.height() * y) + side * 35; };
+
+    screen_->showCalibration();
+    screen_->showPoint(3, {0.5F, 0.85F}, {0.5F, 0.85F});
+    QCOMPARE(screen_->hint(), QString("Point 3 of 9"));
+    QVERIFY(QRect(QPoint(0, rowEdge(0.85, 1)), QPoint(size.width(), size.height())).contains(textPlace()));
+
+    QTest::keyClick(screen_.get(), Qt::Key_Space);
+    asee::CalibrationOutcome outcome;
+    outcome.failure = asee::CalibrationOutcome::Failure::Tracking;  // four lines, with the hint for Escape
+    outcome.scores = {0.25F, 0.75F};
+    screen_->setOutcome(outcome);
+    screen_->showIntro();
+    QVERIFY(QRect(QPoint(0, rowEdge(0.15, 1)), QPoint(size.width(), rowEdge(0.5, -1))).contains(textPlace()));
 }
 
 void TestCalibrationScreen::target_shrinks_with_the_progress_data() {
@@ -72,7 +115,7 @@ void TestCalibrationScreen::target_shrinks_with_the_progress() {
     QFETCH(int, percent);
     QFETCH(int, radius);
     screen_->showCalibration();
-    screen_->showPoint({0.25F, 0.5F}, {0.75F, 0.5F});
+    screen_->showPoint(1, {0.25F, 0.5F}, {0.75F, 0.5F});
     screen_->on_calib_progress(percent);
     QCOMPARE(colourAt(480, 600), dot);
     QCOMPARE(colourAt(480 + radius - 2, 600), radius > 5 ? ring : dot);
@@ -82,7 +125,7 @@ void TestCalibrationScreen::target_shrinks_with_the_progress() {
 
 void TestCalibrationScreen::target_moves_to_the_next_point() {
     screen_->showCalibration();
-    screen_->showPoint({0.25F, 0.5F}, {0.75F, 0.25F});
+    screen_->showPoint(1, {0.25F, 0.5F}, {0.75F, 0.25F});
     screen_->on_calib_move_point(0.5F);
     QCOMPARE(colourAt(960, 450), dot);
     screen_->on_calib_move_point(0.5F);  // of the remaining distance

@@ -1,13 +1,10 @@
 #include "asee_fixture.h"
 #include "support/redirected.h"
 #include "support/test_main.h"
-#include "trackers/asee/asee_calibration_screen.h"
 #include "trackers/asee/asee_tracker.h"
 
-#include <QApplication>
 #include <QElapsedTimer>
 #include <QRegularExpression>
-#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <future>
@@ -26,12 +23,12 @@ private Q_SLOTS:
     void visits_nine_points_centre_first_and_saves();
     void failed_calls_of_the_library_data();
     void failed_calls_of_the_library();
+    void unsaved_calibration_is_used();
     void can_be_cancelled_at_any_time_data();
     void can_be_cancelled_at_any_time();
     void blocked_library_does_not_block_the_screen();
     void late_callbacks_are_ignored();
     void callbacks_of_a_cancelled_point_do_not_reach_the_next();
-    void refused_point_ends_the_calibration();
     void is_closed_by_the_tracker();
 
 private:
@@ -96,6 +93,7 @@ QStringList TestCalibrationWidget::callsOfACalibration() {
 
 void TestCalibrationWidget::visits_nine_points_centre_first_and_saves() {
     const QSignalSpy moves(widget_.get(), &CalibrationWidget::signal_calib_move_point);
+    const QSignalSpy ends(widget_.get(), &CalibrationWidget::ended);
     QFile output(folder_->filePath("output"));
     QVERIFY(output.open(QIODevice::WriteOnly));
     press(Qt::Key_A);
@@ -109,26 +107,61 @@ void TestCalibrationWidget::visits_nine_points_centre_first_and_saves() {
     QCOMPARE(moves.first().first().toFloat(), 0.01F);
     QCOMPARE(moves.last().first().toFloat(), 0.29F);
 
+    QTRY_COMPARE_WITH_TIMEOUT(ends.count(), 1, maxWaitMs);
+    QCOMPARE(widget_->hint().section('\n', 0, 1),
+             QString("The calibration is finished and saved\nScores: left eye 0.25, right eye 0.75"));
     press(Qt::Key_Space);  // no effect, because the thread runs until Escape
     press(Qt::Key_Escape);
     QVERIFY(!widget_->isVisible());
     QCOMPARE(takeCalls(), QStringList());
+    QCOMPARE(resultsIn(ends), QList<CalibrationResult>({CalibrationResult::Done}));
 }
 
 void TestCalibrationWidget::failed_calls_of_the_library_data() {
-    QTest::addColumn<QString>("function");
+    QTest::addColumn<QStringList>("functions");
     QTest::addColumn<QStringList>("calls");
     QTest::addColumn<int>("bytes");
-    QTest::newRow("computation") << "_7i_compute_calibration" << measuring << 0;
+    QTest::addColumn<QString>("text");
+    const QStringList refused{measuring[0], firstPoint, "cancel_calibration", "complete_calibration"};
+    const QStringList complete = measuring + QStringList("start_tracking measured");
+    QTest::newRow("point") << QStringList("_7i_start_calibration_point") << refused << 0
+                           << "failed\nThe tracker refused point 1 of 9 (error 108)";
+    QTest::newRow("start and point") << QStringList{"_7i_start_calibration", "_7i_start_calibration_point"} << refused
+                                     << 0 << "failed\nThe tracker did not start the calibration (error 108)";
+    QTest::newRow("computation") << QStringList("_7i_compute_calibration") << measuring << 0
+                                 << "failed\nThe tracker could not compute the calibration (error 108)";
     QTest::newRow("tracking with the new coefficients")
-        << "_7i_start_tracking" << measuring + QStringList("start_tracking measured") << 1024;
+        << QStringList("_7i_start_tracking") << complete << 1024
+        << "failed\nThe tracker refused the new calibration (error 108)\nScores: left eye 0.25, right eye 0.75";
 }
 
 void TestCalibrationWidget::failed_calls_of_the_library() {
-    QFETCH(QString, function);
-    library().results[function.toStdString()] = 108;
-    QTEST(callsOfACalibration(), "calls");
+    QFETCH(QStringList, functions);
+    QFETCH(QStringList, calls);
+    QFETCH(QString, text);
+    const QSignalSpy ends(widget_.get(), &CalibrationWidget::ended);
+    for (const QString &function : functions)
+        library().results[function.toStdString()] = 108;
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("calibration has failed: .* returned 108$"));
+    press(Qt::Key_Space);
+    QTRY_COMPARE_WITH_TIMEOUT(ends.count(), 1, maxWaitMs);
+    QCOMPARE(takeCalls(), calls);
     QTEST(coefficients().size(), "bytes");
+    QVERIFY2(widget_->hint().contains(text), qPrintable(widget_->hint()));
+    press(Qt::Key_Escape);
+    QCOMPARE(resultsIn(ends), QList<CalibrationResult>({CalibrationResult::Failed}));
+}
+
+void TestCalibrationWidget::unsaved_calibration_is_used() {
+    const QSignalSpy ends(widget_.get(), &CalibrationWidget::ended);
+    widget_->setDataFolder(folder_->filePath("missing/"));
+    library().results["_7i_get_calibration_score"] = 108;
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Cannot save the calibration to "));
+    press(Qt::Key_Space);
+    QTRY_COMPARE_WITH_TIMEOUT(ends.count(), 1, maxWaitMs);
+    QVERIFY(library().wasCalled("start_tracking measured"));
+    QCOMPARE(resultsIn(ends), QList<CalibrationResult>({CalibrationResult::Failed}));
+    QCOMPARE(widget_->hint().section('\n', 0, -2), QString("The calibration is used, but not saved, see Ocela.log"));
 }
 
 void TestCalibrationWidget::can_be_cancelled_at_any_time_data() {
@@ -151,6 +184,7 @@ void TestCalibrationWidget::can_be_cancelled_at_any_time() {
     QFETCH(asee::CalibrationPace, pace);
     QFETCH(QString, action);
     open(pace);
+    const QSignalSpy ends(widget_.get(), &CalibrationWidget::ended);
     library().pointsFinish = pace.moveStep != quick.moveStep;
     if (!lastCall.isEmpty())
         press(Qt::Key_Space);
@@ -169,6 +203,7 @@ void TestCalibrationWidget::can_be_cancelled_at_any_time() {
         press(Qt::Key_Escape);
     QVERIFY(timer.elapsed() < maxWaitMs / 2);
     QVERIFY(!CalibWorker::isBusy());
+    QCOMPARE(resultsIn(ends), QList<CalibrationResult>({CalibrationResult::Cancelled}));
     const QStringList calls = takeCalls();
     if (!calls.isEmpty())
         QCOMPARE(calls.mid(calls.size() - 2), QList<QString>({"cancel_calibration", "complete_calibration"}));
@@ -189,11 +224,13 @@ void TestCalibrationWidget::blocked_library_does_not_block_the_screen() {
     press(Qt::Key_Space);
     QTRY_VERIFY_WITH_TIMEOUT(library().wasCalled("compute_calibration"), maxWaitMs);
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression("blocks the calibration"));
+    const QSignalSpy ends(widget_.get(), &CalibrationWidget::ended);
     QElapsedTimer timer;
     timer.start();
     press(Qt::Key_Escape);
     widget_.reset();
     QVERIFY(timer.elapsed() < 2 * shortEndTimeout.count());  // waits only once
+    QCOMPARE(resultsIn(ends), QList<CalibrationResult>({CalibrationResult::Cancelled}));
 
     open(quick);
     (void)takeCalls();
@@ -245,24 +282,15 @@ void TestCalibrationWidget::callbacks_of_a_cancelled_point_do_not_reach_the_next
     QVERIFY(!QTest::qWaitFor(continues, enoughForAnotherPointMs));
 }
 
-void TestCalibrationWidget::refused_point_ends_the_calibration() {
-    library().pointsFinish = false;
-    library().results["_7i_start_calibration_point"] = 107;
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("refused point 1 with result 107"));
-    press(Qt::Key_Space);
-    QTRY_VERIFY_WITH_TIMEOUT(library().wasCalled("complete_calibration") && !CalibWorker::isBusy(), maxWaitMs);
-    QCOMPARE(takeCalls(), (QStringList{measuring[0], firstPoint, "cancel_calibration", "complete_calibration"}));
-}
-
 void TestCalibrationWidget::is_closed_by_the_tracker() {
     widget_.reset();
     library().pointsFinish = false;
     auto tracker = std::make_unique<aSeePro>(folder_->path(), nullptr);
-    const auto isShown = [] { return !QApplication::topLevelWidgets().isEmpty(); };
     for (const bool isAsked : {true, false}) {
+        const QSignalSpy results(tracker.get(), &EyetrackerInterface::calibrationFinished);
         tracker->calibrate(QRect(0, 0, 640, 480));
-        QVERIFY(isShown());
-        QTest::keyClick(QApplication::topLevelWidgets().first(), Qt::Key_Space);
+        QVERIFY(calibrationScreen()->isVisible());
+        QTest::keyClick(calibrationScreen(), Qt::Key_Space);
         QTRY_VERIFY_WITH_TIMEOUT(library().wasCalled(firstPoint), maxWaitMs);
         if (isAsked)
             tracker->stopCalibration();
@@ -270,7 +298,8 @@ void TestCalibrationWidget::is_closed_by_the_tracker() {
             tracker.reset();
         QVERIFY(!CalibWorker::isBusy());
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(!isShown());
+        QVERIFY(!calibrationScreen());
+        QCOMPARE(resultsIn(results), QList<CalibrationResult>({CalibrationResult::Cancelled}));
         (void)takeCalls();
     }
 }

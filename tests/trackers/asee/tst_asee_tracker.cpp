@@ -24,6 +24,7 @@ private Q_SLOTS:
     void starts_once_and_stays_started();
     void failed_start_data();
     void failed_start();
+    void calibrate_restores_a_minimised_screen();
     void stop_clears_the_folder_of_unpacked_files();
     void delivered_files_are_copied_but_not_overwritten();
     void remembers_the_calibrated_area();
@@ -89,6 +90,14 @@ void TestAseePro::failed_start() {
     writeFile(path("coefficient.dat"), "coefficients");
     QVERIFY(tracker_->start());
     QVERIFY(tracker_->isConnected());
+}
+
+void TestAseePro::calibrate_restores_a_minimised_screen() {
+    tracker_->calibrate(QRect(0, 0, 640, 480));
+    calibrationScreen()->showMinimized();
+    tracker_->calibrate(QRect(0, 0, 640, 480));
+    QVERIFY(calibrationScreen()->isVisible() && !calibrationScreen()->isMinimized());
+    QVERIFY(calibrationScreen()->isFullScreen());
 }
 
 void TestAseePro::stop_clears_the_folder_of_unpacked_files() {
