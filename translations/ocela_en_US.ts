@@ -519,6 +519,18 @@
         <source>not calibrated</source>
         <translation>not calibrated</translation>
     </message>
+    <message>
+        <source>device cannot be opened (error %1)</source>
+        <translation>device cannot be opened (error %1)</translation>
+    </message>
+    <message>
+        <source>device does not start (error %1)</source>
+        <translation>device does not start (error %1)</translation>
+    </message>
+    <message>
+        <source>calibrated, reconnect to use it</source>
+        <translation>calibrated, reconnect to use it</translation>
+    </message>
 </context>
 <context>
     <name>asee::CalibrationOutcome</name>

@@ -520,6 +520,18 @@
         <source>not calibrated</source>
         <translation>нет калибровки</translation>
     </message>
+    <message>
+        <source>device cannot be opened (error %1)</source>
+        <translation>устройство не открывается (ошибка %1)</translation>
+    </message>
+    <message>
+        <source>device does not start (error %1)</source>
+        <translation>устройство не запускается (ошибка %1)</translation>
+    </message>
+    <message>
+        <source>calibrated, reconnect to use it</source>
+        <translation>калибровка выполнена, переподключите устройство</translation>
+    </message>
 </context>
 <context>
     <name>asee::CalibrationOutcome</name>

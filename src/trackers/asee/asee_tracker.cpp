@@ -66,7 +66,18 @@ QWidget *aSeePro::createViewWidget() {
 QString aSeePro::connectionProblem() const {
     if (const auto &error = asee::libraryError())
         return libraryProblem(*error);
-    return QFileInfo::exists(folder_ + coefficientFile) ? QString() : tr("not calibrated");
+    switch (obstacle_.at) {
+        case Obstacle::Connection:
+            return tr("device cannot be opened (error %1)").arg(obstacle_.error);
+        case Obstacle::Start:
+            return tr("device does not start (error %1)").arg(obstacle_.error);
+        case Obstacle::Coefficients:
+        case Obstacle::None:
+            break;
+    }
+    if (!QFileInfo::exists(folder_ + coefficientFile))
+        return tr("not calibrated");
+    return obstacle_.at == Obstacle::Coefficients ? tr("calibrated, reconnect to use it") : QString();
 }
 
 void aSeePro::copyInstalledFiles() const {
@@ -82,19 +93,51 @@ void aSeePro::copyInstalledFiles() const {
 bool aSeePro::start() {
     if (started_)
         return true;
-    const int error = asee_sdk::_7i_device_connect();
-    if (error != 0) {
-        AppHelper::warningMessage(QString("code: %1").arg(error), "others error!!!", QMessageBox::Warning);
-        return false;
+    open();
+    if (obstacle_.at == Obstacle::Connection)
+        AppHelper::warningMessage(QString("code: %1").arg(obstacle_.error), "others error!!!", QMessageBox::Warning);
+    return started_;
+}
+
+void aSeePro::reconnect() {
+    // The library ends a running calibration when it is stopped.
+    if (CalibrationWidget *screen = calibrationWidget_; screen && screen->isCalibrating())
+        screen->close();
+    asee::loadLibrary();
+    stop();
+    open();
+    qCInfo(lcAsee).noquote() << "Reconnect:" << obstacle_.logText();
+}
+
+QString aSeePro::Obstacle::logText() const {
+    switch (at) {
+        case Connection:
+            return QString("the device cannot be opened, error %1").arg(error);
+        case Start:
+            return QString("the device does not start, error %1").arg(error);
+        case Coefficients:
+            return "the device is not calibrated";
+        case None:
+            break;
     }
+    return "the device is open";
+}
+
+void aSeePro::open() {
+    obstacle_ = tryToOpen();
+    started_ = obstacle_.at == Obstacle::None;
+    setConnected(started_);
+}
+
+aSeePro::Obstacle aSeePro::tryToOpen() {
+    if (const int error = asee_sdk::_7i_device_connect(); error != 0)
+        return {Obstacle::Connection, error};
     asee_sdk::_7i_set_image_callback(&aSeePro::onImage, this);
     asee_sdk::_7i_set_gaze_callback(&aSeePro::onGaze, this);
     const QByteArray config = QFile::encodeName(folder_ + "config");
-    if (asee_sdk::_7i_start(config.constData()) != 0)
-        return false;
-    started_ = startTracking();
-    setConnected(started_);
-    return started_;
+    if (const int error = asee_sdk::_7i_start(config.constData()); error != 0)
+        return {Obstacle::Start, error};
+    return {startTracking() ? Obstacle::None : Obstacle::Coefficients, 0};
 }
 
 bool aSeePro::startTracking() {

@@ -29,6 +29,9 @@ public:
     /// Returns an aSeeProPreviewWidget, which the caller owns.
     [[nodiscard]] QWidget *createViewWidget() override;
     [[nodiscard]] QString connectionProblem() const override;
+    /// Stops the device and opens it again, also if start() would do nothing. If the library could not be loaded, tries
+    /// that again first. A failure is shown only by connectionProblem(). A running calibration is cancelled.
+    void reconnect() override;
 
     /// Sets whether camera images are copied. The default is false.
     void setPreviewEnabled(bool on) { previewEnabled_ = on; }
@@ -46,7 +49,7 @@ public Q_SLOTS:
     /// nothing and return true.
     bool start() override;
     /// Stops the device, but keeps the connection state. If start() has succeeded before, a later start() does not
-    /// start the device again. Both are intended.
+    /// start the device again. Both are intended; reconnect() starts it.
     void stop() override;
     /// Shows the calibration screen on the screen that contains the top-left corner of `area`. If the calibration
     /// screen is already visible, brings it to the front, also if it is minimised.
@@ -54,17 +57,30 @@ public Q_SLOTS:
     void stopCalibration() override;
 
 private:
+    /// What has prevented open() from connecting.
+    struct Obstacle {
+        enum At { None, Connection, Start, Coefficients };
+
+        [[nodiscard]] QString logText() const;
+
+        At at = None;
+        int error = 0;  ///< the library's error code
+    };
+
     static void onImage(const unsigned char *image, int size, int width, int height, long long stamp, void *context);
     static void onGaze(const void *record, void *context);
 
     void copyInstalledFiles() const;
-    bool startTracking();
+    void open();
+    [[nodiscard]] Obstacle tryToOpen();
+    [[nodiscard]] bool startTracking();
     void takeImage(const unsigned char *image, int size, int width, int height, long long stamp);
     void takeGaze(const void *record);
 
     const QString folder_;  ///< the data folder, with a slash at its end
     aSeeProSettings *settings_;
     bool started_ = false;
+    Obstacle obstacle_;  ///< of the last open()
     std::atomic<bool> previewEnabled_{false};
     asee::FrameBuffer frameBuffer_;
     /// Null without a calibration screen. Threads of the library access it only through LiveObjects.

@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QMessageBox>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -24,6 +25,10 @@ private Q_SLOTS:
     void starts_once_and_stays_started();
     void failed_start_data();
     void failed_start();
+    void reconnects_during_a_recording();
+    void failed_reconnect_data() { failed_start_data(); }
+    void failed_reconnect();
+    void reconnect_cancels_a_calibration();
     void calibrate_restores_a_minimised_screen();
     void stop_clears_the_folder_of_unpacked_files();
     void delivered_files_are_copied_but_not_overwritten();
@@ -63,10 +68,12 @@ void TestAseePro::failed_start_data() {
     QTest::addColumn<QString>("function");
     QTest::addColumn<bool>("started");
     QTest::addColumn<QString>("box");
-    QTest::newRow("no device") << "_7i_device_connect" << false << "others error!!! code: 7";
-    QTest::newRow("library does not start") << "_7i_start" << false << QString();
-    QTest::newRow("no coefficients") << QString() << false << QString();
-    QTest::newRow("refused coefficients") << "_7i_start_tracking" << true << QString();
+    QTest::addColumn<QString>("problem");
+    QTest::newRow("no device") << "_7i_device_connect" << false << "others error!!! code: 7"
+                               << "device cannot be opened (error 7)";
+    QTest::newRow("library does not start") << "_7i_start" << false << QString() << "device does not start (error 7)";
+    QTest::newRow("no coefficients") << QString() << false << QString() << "not calibrated";
+    QTest::newRow("refused coefficients") << "_7i_start_tracking" << true << QString() << QString();
 }
 
 void TestAseePro::failed_start() {
@@ -85,10 +92,66 @@ void TestAseePro::failed_start() {
     QTEST(tracker_->isConnected(), "started");
     QCoreApplication::processEvents();
     QTEST(box, "box");
+    QTEST(tracker_->connectionProblem(), "problem");
 
     library().results.clear();
     writeFile(path("coefficient.dat"), "coefficients");
     QVERIFY(tracker_->start());
+    QVERIFY(tracker_->isConnected());
+}
+
+void TestAseePro::reconnects_during_a_recording() {
+    const QSignalSpy changes(tracker_.get(), &EyetrackerInterface::connectedChanged);
+    const TestRecord record;
+    const auto send = [&record] { library().gaze(record.data(), library().context); };
+    QVERIFY(tracker_->start());
+    const QStringList opening = takeCalls();
+    tracker_->startRecord(path("record.csv"));
+    send();
+    tracker_->stop();
+    tracker_->reconnect();
+    send();
+    QCOMPARE(takeCalls(), QStringList({"stop", "stop"}) + opening);
+    QCOMPARE(changes.count(), 1);
+    QCOMPARE(tracker_->recordLength().sampleCount, std::size_t{2});
+    QVERIFY(tracker_->stopRecord());
+}
+
+void TestAseePro::failed_reconnect() {
+    QFETCH(QString, function);
+    QFETCH(bool, started);
+    QVERIFY(tracker_->start());
+    if (function.isEmpty())
+        QVERIFY(QFile::remove(path("coefficient.dat")));
+    library().results[function.toStdString()] = 7;
+    if (!function.isEmpty())
+        QTest::ignoreMessage(QtInfoMsg, QRegularExpression('^' + function + R"( \([a-z, ]+\) returned 7$)"));
+    tracker_->reconnect();  // without a box
+    QCOMPARE(tracker_->isConnected(), started);
+    QTEST(tracker_->connectionProblem(), "problem");
+
+    library().results.clear();
+    writeFile(path("coefficient.dat"), "coefficients");
+    if (function.isEmpty())
+        QCOMPARE(tracker_->connectionProblem(), QString("calibrated, reconnect to use it"));
+    tracker_->reconnect();
+    QVERIFY(tracker_->isConnected());
+}
+
+void TestAseePro::reconnect_cancels_a_calibration() {
+    const QSignalSpy results(tracker_.get(), &EyetrackerInterface::calibrationFinished);
+    QVERIFY(tracker_->start());
+    library().pointsFinish = false;
+    tracker_->calibrate(QRect(0, 0, 640, 480));
+    tracker_->reconnect();
+    QCOMPARE(results.count(), 0);  // not started yet
+    QTest::keyClick(calibrationScreen(), Qt::Key_Space);
+    QTRY_VERIFY_WITH_TIMEOUT(library().wasCalled("start_calibration_point 1 50 50"), maxWaitMs);
+    (void)takeCalls();
+    tracker_->reconnect();
+    QCOMPARE(takeCalls().mid(0, 3), QStringList({"cancel_calibration", "complete_calibration", "stop"}));
+    QCOMPARE(resultsIn(results), QList<CalibrationResult>({CalibrationResult::Cancelled}));
+    QVERIFY(!calibrationScreen()->isVisible());
     QVERIFY(tracker_->isConnected());
 }
 
