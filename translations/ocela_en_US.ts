@@ -25,6 +25,13 @@
     </message>
 </context>
 <context>
+    <name>Dashboard</name>
+    <message>
+        <source>The browser cannot be opened. Open this page:</source>
+        <translation>The browser cannot be opened. Open this page:</translation>
+    </message>
+</context>
+<context>
     <name>EyetechCalibrationWidget</name>
     <message>
         <source>Save</source>
@@ -235,18 +242,6 @@
         <translation>A new version is available</translation>
     </message>
     <message>
-        <source>Show window</source>
-        <translation>Show window</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>Quit</translation>
-    </message>
-    <message>
-        <source>Eye Tracker Service</source>
-        <translation>Eye Tracker Service</translation>
-    </message>
-    <message>
         <source>Ocela</source>
         <translation>Ocela</translation>
     </message>
@@ -257,10 +252,6 @@
     <message>
         <source>Other programs cannot reach Ocela: %1</source>
         <translation>Other programs cannot reach Ocela: %1</translation>
-    </message>
-    <message>
-        <source>The browser cannot be started. Open this address: %1</source>
-        <translation>The browser cannot be started. Open this address: %1</translation>
     </message>
 </context>
 <context>
@@ -511,6 +502,53 @@
     <message>
         <source>Screen</source>
         <translation>Screen</translation>
+    </message>
+</context>
+<context>
+    <name>TrayIcon</name>
+    <message>
+        <source>Show window</source>
+        <translation>Show window</translation>
+    </message>
+    <message>
+        <source>Open dashboard</source>
+        <translation>Open dashboard</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Quit</translation>
+    </message>
+    <message>
+        <source>Eye Tracker Service</source>
+        <translation>Eye Tracker Service</translation>
+    </message>
+    <message>
+        <source>Recording: %1</source>
+        <translation>Recording: %1</translation>
+    </message>
+    <message>
+        <source>Recording saved</source>
+        <translation>Recording saved</translation>
+    </message>
+    <message>
+        <source>Recording not saved</source>
+        <translation>Recording not saved</translation>
+    </message>
+    <message>
+        <source>Connection lost</source>
+        <translation>Connection lost</translation>
+    </message>
+    <message>
+        <source>%1 is recording, but sends no samples.</source>
+        <translation>%1 is recording, but sends no samples.</translation>
+    </message>
+    <message>
+        <source>Interrupted recording recovered</source>
+        <translation>Interrupted recording recovered</translation>
+    </message>
+    <message>
+        <source>Ocela continues in the background. To end it, choose Quit in the menu of this icon.</source>
+        <translation>Ocela continues in the background. To end it, choose Quit in the menu of this icon.</translation>
     </message>
 </context>
 <context>

@@ -25,6 +25,13 @@
     </message>
 </context>
 <context>
+    <name>Dashboard</name>
+    <message>
+        <source>The browser cannot be opened. Open this page:</source>
+        <translation>Не удалось открыть браузер. Откройте эту страницу:</translation>
+    </message>
+</context>
+<context>
     <name>EyetechCalibrationWidget</name>
     <message>
         <source>Save</source>
@@ -235,18 +242,6 @@
         <translation>Доступна новая версия</translation>
     </message>
     <message>
-        <source>Show window</source>
-        <translation>Показать окно</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>Выход</translation>
-    </message>
-    <message>
-        <source>Eye Tracker Service</source>
-        <translation>Служба айтрекера</translation>
-    </message>
-    <message>
         <source>Ocela</source>
         <translation>Ocela</translation>
     </message>
@@ -257,10 +252,6 @@
     <message>
         <source>Other programs cannot reach Ocela: %1</source>
         <translation>Ocela недоступна другим программам: %1</translation>
-    </message>
-    <message>
-        <source>The browser cannot be started. Open this address: %1</source>
-        <translation>Не удалось запустить браузер. Откройте этот адрес: %1</translation>
     </message>
 </context>
 <context>
@@ -512,6 +503,53 @@
     <message>
         <source>Screen</source>
         <translation>Экран</translation>
+    </message>
+</context>
+<context>
+    <name>TrayIcon</name>
+    <message>
+        <source>Show window</source>
+        <translation>Показать окно</translation>
+    </message>
+    <message>
+        <source>Open dashboard</source>
+        <translation>Открыть панель</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Выход</translation>
+    </message>
+    <message>
+        <source>Eye Tracker Service</source>
+        <translation>Служба айтрекера</translation>
+    </message>
+    <message>
+        <source>Recording: %1</source>
+        <translation>Идёт запись: %1</translation>
+    </message>
+    <message>
+        <source>Recording saved</source>
+        <translation>Запись сохранена</translation>
+    </message>
+    <message>
+        <source>Recording not saved</source>
+        <translation>Запись не сохранена</translation>
+    </message>
+    <message>
+        <source>Connection lost</source>
+        <translation>Соединение потеряно</translation>
+    </message>
+    <message>
+        <source>%1 is recording, but sends no samples.</source>
+        <translation>Запись с %1 идёт, но данные не поступают.</translation>
+    </message>
+    <message>
+        <source>Interrupted recording recovered</source>
+        <translation>Прерванная запись восстановлена</translation>
+    </message>
+    <message>
+        <source>Ocela continues in the background. To end it, choose Quit in the menu of this icon.</source>
+        <translation>Ocela продолжает работать в фоне. Чтобы завершить её, выберите «Выход» в меню этого значка.</translation>
     </message>
 </context>
 <context>

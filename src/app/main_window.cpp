@@ -1,16 +1,17 @@
 #include "app/main_window.h"
 
 #include "api/ocela_http_exchange.h"
+#include "app/dashboard.h"
 #include "app/recording_keeper.h"
 #include "app/session_strip.h"
 #include "app/status_bar.h"
 #include "app/tracker_combo_box.h"
 #include "app/tracker_view_widget.h"
+#include "app/tray_icon.h"
 #include "core/eyetracker_interface.h"
 #include "core/journal_recovery.h"
 #include "core/recording_journal.h"
 #include "toolkit/base/file_utilities.h"
-#include "toolkit/platform/app_helper.h"
 #include "toolkit/platform/autorun_helper.h"
 #include "toolkit/widgets/new_version_button.h"
 #include "toolkit/widgets/property_list_control.h"
@@ -23,10 +24,8 @@
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QDesktopServices>
 #include <QDir>
 #include <QGridLayout>
-#include <QMenu>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
@@ -35,6 +34,7 @@
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QStyle>
+#include <QSystemTrayIcon>
 #include <QTabWidget>
 
 namespace {
@@ -75,11 +75,12 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent) {
     retranslate();
     resize(initialSize);
     growTo(sizeHint());
-    if (!hidesToTray())
+    if (settings_->getHideWindowOnStart())
+        tray_->startHidden();
+    else
         show();
     selectInitialTracker();
-    journalRecovery_ = std::make_unique<JournalRecovery>(recording_journal::folderIn(dataFolder_),
-                                                         trackers_.front().tracker->recordsFolder());
+    startRecovery();
     // A logout of the user quits the application without closing its windows.
     connect(qApp, &QCoreApplication::aboutToQuit, this, &MainWindow::shutDown);
     // Windows may end the process before the application quits.
@@ -87,7 +88,9 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent) {
 }
 
 MainWindow::~MainWindow() {
-    trayIcon_->hide();
+    journalRecovery_.reset();
+    delete tray_;
+    tray_ = nullptr;
     // Stops the first tracker, even if another one is selected. This is intended. shutDown() stops the selected
     // tracker.
     trackers_.front().tracker->stop();
@@ -170,7 +173,7 @@ QWidget *MainWindow::buildMainPage() {
     trackerCombo_ = new TrackerComboBox;
     trackerCombo_->setObjectName("trackers");
     dashboardButton_ = new QPushButton;
-    connect(dashboardButton_, &QPushButton::clicked, this, &MainWindow::openDashboard);
+    connect(dashboardButton_, &QPushButton::clicked, this, &dashboard::open);
     viewStack_ = new QStackedWidget;
     viewStack_->setObjectName("views");
     for (const Tracker &entry : trackers_) {
@@ -212,19 +215,17 @@ void MainWindow::buildStatusBar() {
 }
 
 void MainWindow::buildTray() {
-    trayMenu_ = new QMenu(this);
-    showAction_ = trayMenu_->addAction(QString(), this, &MainWindow::show);
-    quitAction_ = trayMenu_->addAction(QString(), this, &MainWindow::close);
-    for (QAction *action : {showAction_, quitAction_})
-        action->setShortcut(QKeySequence());
+    tray_ = new TrayIcon(this, *exchange_);
+    for (const Tracker &entry : trackers_)
+        tray_->addTracker(entry.tracker);
+}
 
-    trayIcon_ = new QSystemTrayIcon(QIcon(":/images/ocela.png"), this);
-    trayIcon_->setContextMenu(trayMenu_);
-    connect(trayIcon_, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
-        if (reason == QSystemTrayIcon::Trigger)
-            toggleVisible();
-    });
-    trayIcon_->show();
+void MainWindow::startRecovery() {
+    const auto tell = [this](const QString &path) {
+        QMetaObject::invokeMethod(tray_, [this, path] { tray_->showRecovered(path); });
+    };
+    journalRecovery_ = std::make_unique<JournalRecovery>(recording_journal::folderIn(dataFolder_),
+                                                         trackers_.front().tracker->recordsFolder(), tell);
 }
 
 void MainWindow::retranslate() {
@@ -233,11 +234,12 @@ void MainWindow::retranslate() {
     settingsTabs_->setTabText(0, QCoreApplication::translate("Generic", "Common"));
     newVersionButton_->setText(tr("Доступна новая версия"));
     dashboardButton_->setText(tr("Open dashboard"));
-    showAction_->setText(tr("Show window"));
-    quitAction_->setText(tr("Quit"));
-    trayIcon_->setToolTip(tr("Eye Tracker Service"));
-    status_->setLocale(QLocale(settings_->getLanguage()));
+    const QLocale locale(settings_->getLanguage());
+    status_->setLocale(locale);
+    tray_->retranslate(locale);
     const QString problem = exchange_->listenProblem();
+    dashboardButton_->setEnabled(problem.isEmpty());
+    dashboardButton_->setToolTip(problem);
     status_->setProblem(problem.isEmpty() ? QString() : tr("Other programs cannot reach Ocela: %1").arg(problem));
 }
 
@@ -288,27 +290,16 @@ bool MainWindow::hidesToTray() const {
     return settings_->getHideWindowOnStart() && QSystemTrayIcon::isSystemTrayAvailable();
 }
 
-void MainWindow::openDashboard() {
-    QString problem = exchange_->listenProblem();
-    const QUrl url(QString("http://localhost:%1/").arg(OcelaHTTPExchange::port));
-    if (problem.isEmpty() && !QDesktopServices::openUrl(url))
-        problem = tr("The browser cannot be started. Open this address: %1").arg(url.toString());
-    if (!problem.isEmpty())
-        AppHelper::warningMessage(problem, QString(), QMessageBox::Warning);
-}
-
-void MainWindow::toggleVisible() {
-    setVisible(!isVisible());
-    if (isVisible()) {
-        raise();
-        activateWindow();
-    }
+void MainWindow::hideToTray() {
+    hide();
+    if (!settings_->getHidingExplained())
+        settings_->setHidingExplained(tray_->explainHiding());
 }
 
 void MainWindow::closeEvent(QCloseEvent *event) {
     if (isVisible() && hidesToTray()) {
         event->ignore();
-        hide();
+        hideToTray();
         return;
     }
     if (!recordings_->mayClose()) {
@@ -332,7 +323,7 @@ void MainWindow::shutDown() {
 }
 
 void MainWindow::changeEvent(QEvent *event) {
-    if (event->type() == QEvent::LanguageChange && trayIcon_)
+    if (event->type() == QEvent::LanguageChange && tray_)
         retranslate();
     QMainWindow::changeEvent(event);
 }

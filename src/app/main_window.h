@@ -3,7 +3,6 @@
 #include "app/settings.h"
 
 #include <QMainWindow>
-#include <QSystemTrayIcon>
 #include <memory>
 #include <vector>
 
@@ -12,13 +11,13 @@ class EyetrackerInterface;
 class JournalRecovery;
 class NewVersionButton;
 class OcelaHTTPExchange;
-class QMenu;
 class QPushButton;
 class QStackedWidget;
 class QTabWidget;
 class RecordingKeeper;
 class StatusBar;
 class TrackerComboBox;
+class TrayIcon;
 
 /// The main window. Owns the settings, the trackers, the HTTP API, the widgets for the selected tracker, and the tray
 /// icon. GUI thread.
@@ -54,6 +53,7 @@ private:
     void buildPages();
     void buildStatusBar();
     void buildTray();
+    void startRecovery();
     void selectInitialTracker();
 
     void addTracker(EyetrackerInterface *tracker);
@@ -62,9 +62,8 @@ private:
     void growTo(QSize wanted);
     void applyRecordsPath();
     [[nodiscard]] bool hidesToTray() const;
+    void hideToTray();
     void shutDown();
-    void toggleVisible();
-    void openDashboard();
     void retranslate();
 
     QString dataFolder_;
@@ -85,8 +84,5 @@ private:
     QPushButton *dashboardButton_ = nullptr;
     QStackedWidget *viewStack_ = nullptr;
     StatusBar *status_ = nullptr;
-    QSystemTrayIcon *trayIcon_ = nullptr;
-    QMenu *trayMenu_ = nullptr;
-    QAction *showAction_ = nullptr;
-    QAction *quitAction_ = nullptr;
+    TrayIcon *tray_ = nullptr;
 };

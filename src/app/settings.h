@@ -64,4 +64,8 @@ public:
     Q_CLASSINFO("SessionNotVisible", "true")
     VT_PROPERTY(QString, Task, "")
     Q_CLASSINFO("TaskNotVisible", "true")
+
+    /// Whether a message has told the user that closing the window only hides it. It is shown once.
+    VT_PROPERTY(bool, HidingExplained, false)
+    Q_CLASSINFO("HidingExplainedNotVisible", "true")
 };

@@ -13,6 +13,7 @@
 #include <exception>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -41,8 +42,9 @@ private:
 /// Recovers one journal, which it has locked.
 class Recovery {
 public:
-    Recovery(JournalFolder &folder, const QString &recordsFolder, const std::atomic<bool> &stopping)
-        : folder_(folder), recordsFolder_(recordsFolder), stopping_(stopping) {}
+    Recovery(JournalFolder &folder, const QString &recordsFolder, const JournalRecovery::Recovered &recovered,
+             const std::atomic<bool> &stopping)
+        : folder_(folder), recordsFolder_(recordsFolder), recovered_(recovered), stopping_(stopping) {}
 
     void run() {
         if (!readInfo() || finishIfEnded())
@@ -169,6 +171,8 @@ private:
             qCInfo(lcRecovery).noquote() << "Recovered" << rowCount_
                                          << "samples of an interrupted recording:" << native(candidate);
             finish();
+            if (recovered_)
+                recovered_(candidate);
             return Outcome::Done;
         }
         return fail(native(path) + ": all numbered names are taken");
@@ -209,29 +213,31 @@ private:
 
     JournalFolder &folder_;
     const QString &recordsFolder_;
+    const JournalRecovery::Recovered &recovered_;
     const std::atomic<bool> &stopping_;
     JournalInfo info_;
     quint64 rowCount_ = 0;
     QString problem_;
 };
 
-void recoverAll(const QString &journalsFolder, const QString &recordsFolder, const std::atomic<bool> &stopping) {
+void recoverAll(const QString &journalsFolder, const QString &recordsFolder,
+                const JournalRecovery::Recovered &recovered, const std::atomic<bool> &stopping) {
     for (const QFileInfo &entry : QDir(journalsFolder).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name)) {
         if (stopping)
             return;
         if (entry.fileName().contains(damagedMark))
             continue;
         if (const auto folder = JournalFolder::open(entry.absoluteFilePath()))
-            Recovery(*folder, recordsFolder, stopping).run();
+            Recovery(*folder, recordsFolder, recovered, stopping).run();
     }
 }
 
 }  // namespace
 
-JournalRecovery::JournalRecovery(const QString &journalsFolder, const QString &recordsFolder)
-    : thread_([this, journalsFolder, recordsFolder] {
+JournalRecovery::JournalRecovery(const QString &journalsFolder, const QString &recordsFolder, Recovered recovered)
+    : thread_([this, journalsFolder, recordsFolder, recovered = std::move(recovered)] {
           try {
-              recoverAll(journalsFolder, recordsFolder, stopping_);
+              recoverAll(journalsFolder, recordsFolder, recovered, stopping_);
           } catch (const std::exception &error) {
               qCWarning(lcRecovery) << "Recovery ended before all journals were examined:" << error.what();
           }

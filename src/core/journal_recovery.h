@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <atomic>
+#include <functional>
 #include <thread>
 
 /// Recovers the recordings of programs that ended unexpectedly. The main window owns one from startup on.
@@ -12,7 +13,10 @@
 /// See docs/records.md.
 class JournalRecovery {
 public:
-    JournalRecovery(const QString &journalsFolder, const QString &recordsFolder);
+    /// Called on the thread of the recovery after the recording has got its file `path`.
+    using Recovered = std::function<void(const QString &path)>;
+
+    JournalRecovery(const QString &journalsFolder, const QString &recordsFolder, Recovered recovered = {});
     /// Interrupts the recovery and waits for its end. The next start recovers the rest.
     ~JournalRecovery();
     JournalRecovery(const JournalRecovery &) = delete;

@@ -36,7 +36,8 @@ private Q_SLOTS:
     void tracker_has_a_journal_until_its_recording_is_saved_or_discarded();
 
 private:
-    void recover() const { JournalRecovery(path("journal"), path("records")).waitForDone(); }
+    /// Returns the paths of the recovered files.
+    QStringList recover() const;
     [[nodiscard]] QString path(const QString &name) const { return folder_->filePath(name); }
     [[nodiscard]] JournalInfo info(const QString &phase) const;
     void writeJournal(const QByteArray &json, const QByteArray &rows) const;
@@ -48,6 +49,14 @@ void TestJournalRecovery::init() {
     folder_ = std::make_unique<QTemporaryDir>();
     for (const char *name : {"journal/a", "records", "target"})
         QVERIFY(QDir(folder_->path()).mkpath(name));
+}
+
+QStringList TestJournalRecovery::recover() const {
+    QStringList paths;
+    JournalRecovery(path("journal"), path("records"), [&](const QString &recovered) {
+        paths << recovered;
+    }).waitForDone();
+    return paths;
 }
 
 JournalInfo TestJournalRecovery::info(const QString &phase) const {
@@ -124,7 +133,7 @@ void TestJournalRecovery::journal_is_recovered_kept_or_removed() {
     if (!warning.isEmpty())
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(warning));
 
-    recover();
+    QCOMPARE(recover(), recovered.isNull() ? QStringList() : QStringList(path("target/r_recovered.csv")));
     QCOMPARE(readFile(path("target/r_recovered.csv")), recovered);
     QCOMPARE(readFile(path("target/saved.csv")), saved);
     QCOMPARE(QDir(path("journal")).entryList(QDir::Dirs | QDir::NoDotAndDotDot), journals);

@@ -1,0 +1,208 @@
+#include "app/tray_icon.h"
+
+#include "api/ocela_http_exchange.h"
+#include "app/dashboard.h"
+#include "app/status_texts.h"
+#include "core/eyetracker_interface.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QMenu>
+#include <QPainter>
+
+namespace {
+
+constexpr std::chrono::seconds trayTimeout(10);
+constexpr std::chrono::milliseconds trayPollInterval(250);
+/// After this time, the icon has its place in the tray. An earlier message would be shown in a corner of the screen.
+constexpr std::chrono::seconds trayLayoutTime(1);
+
+constexpr QRgb markColour = 0xffe01b24;
+
+/// A disc in the lower right corner, with a white edge that separates it from any image.
+void drawMark(QPixmap &image) {
+    const qreal size = image.width() * 0.5;
+    const qreal edge = image.width() / 16.0;
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(Qt::white, edge));
+    painter.setBrush(QColor(markColour));
+    const qreal left = image.width() - size - edge / 2;
+    painter.drawEllipse(QRectF(left, left, size, size));
+}
+
+QIcon withMark(const QIcon &icon) {
+    QIcon marked;
+    for (const int size : {16, 22, 24, 32, 48, 64, 128}) {
+        QPixmap image = icon.pixmap(size).scaled(size, size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+        image.setDevicePixelRatio(1);
+        drawMark(image);
+        marked.addPixmap(image);
+    }
+    return marked;
+}
+
+QString fileNameOf(const QString &path) {
+    return QFileInfo(QDir::fromNativeSeparators(path)).fileName();
+}
+
+}  // namespace
+
+TrayIcon::TrayIcon(QWidget *window, const OcelaHTTPExchange &api)
+    : QObject(window),
+      window_(window),
+      api_(api),
+      plainIcon_(":/images/ocela.png"),
+      recordingIcon_(withMark(plainIcon_)),
+      icon_(new QSystemTrayIcon(this)),
+      menu_(std::make_unique<QMenu>()) {
+    buildMenu();
+    icon_->setContextMenu(menu_.get());
+    connect(icon_, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+        if (reason == QSystemTrayIcon::Trigger)
+            toggleWindow();
+    });
+    connect(&trayTimer_, &QTimer::timeout, this, &TrayIcon::waitForTray);
+    showState();
+    icon_->show();
+}
+
+TrayIcon::~TrayIcon() {
+    icon_->hide();
+}
+
+void TrayIcon::buildMenu() {
+    showAction_ = menu_->addAction(QString(), this, &TrayIcon::showWindow);
+    dashboardAction_ = menu_->addAction(QString(), this, &dashboard::open);
+    quitAction_ = menu_->addAction(QString(), window_, &QWidget::close);
+    for (QAction *action : menu_->actions())
+        action->setShortcut(QKeySequence());
+}
+
+void TrayIcon::addTracker(EyetrackerInterface *tracker) {
+    trackers_.push_back(tracker);
+    connect(tracker, &EyetrackerInterface::recordStarted, this, &TrayIcon::showState);
+    connect(tracker, &EyetrackerInterface::recordStopped, this,
+            [this, tracker](const QString &path) { recordStopped(*tracker, path); });
+    connect(tracker, &EyetrackerInterface::unsavedRecordSaved, this,
+            [this, tracker](const QString &path) { recordStopped(*tracker, path); });
+    connect(tracker, &EyetrackerInterface::disconnected, this, [this, tracker] { connectionLost(*tracker); });
+}
+
+void TrayIcon::retranslate(const QLocale &locale) {
+    locale_ = locale;
+    const QString problem = api_.listenProblem();
+    showAction_->setText(tr("Show window"));
+    dashboardAction_->setText(problem.isEmpty() ? tr("Open dashboard") : tr("Open dashboard") + " (" + problem + ')');
+    dashboardAction_->setEnabled(problem.isEmpty());
+    quitAction_->setText(tr("Quit"));
+    showState();
+}
+
+void TrayIcon::startHidden() {
+    isStarting_ = true;
+    trayDeadline_ = QDeadlineTimer(trayTimeout);
+    trayTimer_.start(trayPollInterval);
+    waitForTray();
+}
+
+void TrayIcon::waitForTray() {
+    if (QSystemTrayIcon::isSystemTrayAvailable()) {
+        trayTimer_.stop();
+        // An icon that was shown before its tray existed may not be in the tray.
+        icon_->hide();
+        icon_->show();
+        QTimer::singleShot(trayLayoutTime, this, &TrayIcon::tellStart);
+    } else if (trayDeadline_.hasExpired()) {
+        trayTimer_.stop();
+        isStarting_ = false;
+        window_->show();
+    }
+}
+
+void TrayIcon::tellStart() {
+    isStarting_ = false;
+    if (const QString problem = api_.listenProblem(); !problem.isEmpty())
+        tell(QApplication::applicationName(), problem, QSystemTrayIcon::Warning);
+    tellRecovered();
+}
+
+void TrayIcon::toggleWindow() {
+    if (isWindowShown())
+        window_->hide();
+    else
+        showWindow();
+}
+
+void TrayIcon::showWindow() {
+    window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);
+    window_->show();
+    window_->raise();
+    window_->activateWindow();
+}
+
+bool TrayIcon::isWindowShown() const {
+    return window_->isVisible() && !window_->isMinimized();
+}
+
+QStringList TrayIcon::recordingTrackers() const {
+    QStringList names;
+    for (const EyetrackerInterface *tracker : trackers_) {
+        if (tracker->isRecording())
+            names << tracker->name();
+    }
+    return names;
+}
+
+void TrayIcon::showState() {
+    const QStringList recording = recordingTrackers();
+    icon_->setIcon(recording.isEmpty() ? plainIcon_ : recordingIcon_);
+    QStringList lines{tr("Eye Tracker Service")};
+    if (!recording.isEmpty())
+        lines << tr("Recording: %1").arg(recording.join(", "));
+    if (const QString problem = api_.listenProblem(); !problem.isEmpty())
+        lines << problem;
+    icon_->setToolTip(lines.join('\n'));
+}
+
+void TrayIcon::recordStopped(const EyetrackerInterface &tracker, const QString &path) {
+    showState();
+    const QString problem = tracker.unsavedProblem();
+    if (!path.isEmpty())
+        tell(tr("Recording saved"), StatusTexts(locale_).saved(tracker.finishedRecordLength(), fileNameOf(path)),
+             QSystemTrayIcon::Information);
+    else if (!problem.isEmpty())
+        tell(tr("Recording not saved"), problem, QSystemTrayIcon::Critical);
+}
+
+void TrayIcon::connectionLost(const EyetrackerInterface &tracker) {
+    if (tracker.isRecording())
+        tell(tr("Connection lost"), tr("%1 is recording, but sends no samples.").arg(tracker.name()),
+             QSystemTrayIcon::Warning);
+}
+
+void TrayIcon::showRecovered(const QString &path) {
+    recovered_ << fileNameOf(path);
+    if (!isStarting_)
+        tellRecovered();
+}
+
+/// A message may replace the one before, so each message names all files.
+void TrayIcon::tellRecovered() {
+    if (!recovered_.isEmpty())
+        tell(tr("Interrupted recording recovered"), recovered_.join('\n'), QSystemTrayIcon::Information);
+}
+
+bool TrayIcon::explainHiding() {
+    tell(QApplication::applicationName(),
+         tr("Ocela continues in the background. To end it, choose Quit in the menu of this icon."),
+         QSystemTrayIcon::Information);
+    return QSystemTrayIcon::supportsMessages();
+}
+
+void TrayIcon::tell(const QString &title, const QString &text, QSystemTrayIcon::MessageIcon kind) {
+    if (!isWindowShown())
+        icon_->showMessage(title, text, kind);
+}
