@@ -1,4 +1,5 @@
 #include "app/main_window.h"
+#include "app/single_instance.h"
 #include "app/startup.h"
 #include "toolkit/platform/console.h"
 
@@ -24,8 +25,11 @@ int main(int argc, char *argv[]) {
     startup::prepareApplication();
     QApplication application(argc, argv);
     startup::setIdentity();
-    if (startup::refuseSecondInstance())
+    const SingleInstance instance;
+    if (!instance.mayRun()) {
+        startup::showRefusal(instance);
         return -1;
+    }
     startup::startLogFile();
 
     QSplashScreen splash(startup::splashImage());

@@ -1,15 +1,20 @@
 #include "app/startup.h"
 
 #include "app/settings.h"
+#include "app/single_instance.h"
 #include "toolkit/base/file_utilities.h"
 #include "toolkit/base/log_file.h"
 #include "toolkit/platform/app_helper.h"
+#include "toolkit/settings/settings_file.h"
+#include "toolkit/settings/ui_language.h"
 
 #include <QApplication>
 #include <QFontDatabase>
 #include <QIcon>
+#include <QLocale>
 #include <QStandardPaths>
 #include <QThreadPool>
+#include <QTimer>
 #include <cstdio>
 #include <cstdlib>
 
@@ -22,15 +27,16 @@ constexpr qreal splashPixelRatio = 2.0;
 
 constexpr int taskTimeoutMs = 300;
 
-bool isAlreadyRunning() {
-    const QString executable = AppHelper::executableName(applicationName);
-    int count = 0;
-    for (const QString &name : AppHelper::getRunningApps()) {
-        // The list includes this process.
-        if (name.compare(executable, Qt::CaseInsensitive) == 0 && ++count > 1)
-            return true;
+constexpr int refusalPollIntervalMs = 500;
+
+/// Returns the language in the settings file, which must not be changed here.
+QString storedLanguage() {
+    const QStringList languages = Settings::supportedLanguages();
+    for (const settings_file::Entry &entry : settings_file::read(Settings::defaultFilePath()).entries) {
+        if (entry.name == "Language" && languages.contains(entry.text))
+            return entry.text;
     }
-    return false;
+    return UiLanguage::preferred(languages, QLocale::system().uiLanguages());
 }
 
 }  // namespace
@@ -58,15 +64,18 @@ void startup::setIdentity() {
     QApplication::setQuitOnLastWindowClosed(false);
 }
 
-bool startup::refuseSecondInstance() {
-    if (!isAlreadyRunning())
-        return false;
-    // The settings set the language of the message box.
-    Settings settings(Settings::defaultFilePath(), Settings::supportedLanguages(), nullptr);
-    settings.reload();
+void startup::showRefusal(const SingleInstance &instance) {
+    UiLanguage language;
+    language.use(storedLanguage());
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        QWidget *box = QApplication::activeModalWidget();
+        if (box != nullptr && !instance.isAnotherRunning())
+            box->close();
+    });
+    timer.start(refusalPollIntervalMs);
     AppHelper::warningMessage(QCoreApplication::translate("Generic", "Ocela уже запущена"), QString(),
                               QMessageBox::Warning);
-    return true;
 }
 
 void startup::startLogFile() {

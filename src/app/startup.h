@@ -2,6 +2,8 @@
 
 #include <QPixmap>
 
+class SingleInstance;
+
 /// The steps of main() before and after the lifetime of the main window, in order. GUI thread.
 namespace startup {
 
@@ -14,10 +16,11 @@ void prepareApplication();
 /// Sets the names of the organisation and the application, which determine the folders for the user's data.
 void setIdentity();
 
-/// Returns whether another instance of the program is running. If so, shows a warning.
-[[nodiscard]] bool refuseSecondInstance();
+/// Tells the user that another copy of the program is running. Returns when the user closes the message, or when no
+/// other copy is left. Changes no file: the other copy uses them.
+void showRefusal(const SingleInstance &instance);
 
-/// Starts the log file in the data folder. Call it after refuseSecondInstance(), so that a second instance does not
+/// Starts the log file in the data folder. Call it after showRefusal(), so that a refused copy does not
 /// write to the log file of the first.
 void startLogFile();
 

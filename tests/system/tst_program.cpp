@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QTest>
+#include <csignal>
 
 namespace {
 
@@ -21,6 +22,8 @@ private Q_SLOTS:
     void cleanup();
 
     void refuses_a_second_instance();
+    void refusal_ends_with_the_other_instance_and_blocks_nobody();
+    void one_of_two_instances_that_start_together_runs();
     void ignores_start_hidden_without_a_tray();
     void starts_with_defaults_if_the_settings_file_is_damaged();
 
@@ -57,6 +60,45 @@ void TestProgram::refuses_a_second_instance() {
 
     QVERIFY(!program_->window().isEmpty());
     QCOMPARE(program_->close(), 0);
+}
+
+void TestProgram::refusal_ends_with_the_other_instance_and_blocks_nobody() {
+    QVERIFY(program_->startWindow());
+    const QByteArray halfWritten = "<settings><prop";
+    home_->writeSettings(halfWritten);
+    Program refused(*home_);
+    Program stopped(*home_);
+    for (Program *instance : {&refused, &stopped}) {
+        instance->start();
+        QTRY_VERIFY_WITH_TIMEOUT(!instance->window("").isEmpty(), timeoutMs);
+    }
+    QCOMPARE(home_->readSettings(), QString(halfWritten));
+
+    QCOMPARE(::kill(static_cast<pid_t>(stopped.process().processId()), SIGSTOP), 0);
+    program_->process().kill();
+    QCOMPARE(refused.process().waitForExitCode(), 255);
+    QCOMPARE(refused.problems(), QStringList());
+    home_->writeSettings({{"SelectedTracker", "gazepoint"}});
+    Program next(*home_);
+    QVERIFY(next.startWindow());
+    QCOMPARE(next.close(), 0);
+}
+
+void TestProgram::one_of_two_instances_that_start_together_runs() {
+    Program second(*home_);
+    program_->start();
+    second.start();
+    Program *running = nullptr;
+    const auto hasWindow = [&] {
+        running = program_->window().isEmpty() ? &second : program_.get();
+        return !running->window().isEmpty();
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(hasWindow(), timeoutMs);
+    Program &refused = running == &second ? *program_ : second;
+    QTRY_VERIFY_WITH_TIMEOUT(!refused.window("").isEmpty(), timeoutMs);
+    QVERIFY(refused.window().isEmpty());
+    QCOMPARE(running->close(), 0);
+    QCOMPARE(refused.process().waitForExitCode(), 255);
 }
 
 void TestProgram::ignores_start_hidden_without_a_tray() {

@@ -3,6 +3,7 @@
 #include <QMessageBox>
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
 /// Helpers for the process, its platform and message boxes.
 class AppHelper {
@@ -11,6 +12,13 @@ public:
     /// has one entry, including the calling process. On Linux, a process of another user is listed by its kernel name,
     /// because its executable cannot be read. Zombies are not listed. Any thread.
     static QStringList getRunningApps();
+
+    struct RunningApp {
+        qint64 process;  ///< the process id
+        QString name;
+    };
+    /// Returns the same processes with their ids. Any thread.
+    static QVector<RunningApp> runningApps();
 
     /// Returns the file name of the program `base` on this platform, for example "Ocela.exe" on Windows. Any thread.
     static QString executableName(const QString &base);

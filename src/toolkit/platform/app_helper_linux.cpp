@@ -37,8 +37,8 @@ bool isProcess(const QString &entry) {
 
 }  // namespace
 
-QStringList AppHelper::getRunningApps() {
-    QStringList names;
+QVector<AppHelper::RunningApp> AppHelper::runningApps() {
+    QVector<RunningApp> apps;
     for (const QString &entry : QDir("/proc").entryList(QDir::Dirs)) {
         if (!isProcess(entry))
             continue;
@@ -46,9 +46,9 @@ QStringList AppHelper::getRunningApps() {
         const QString executable = executableOf(process);
         const QString name = executable.isEmpty() ? kernelNameOf(process) : executable;
         if (!name.isEmpty())
-            names << name;
+            apps.append({entry.toLongLong(), name});
     }
-    return names;
+    return apps;
 }
 
 QString AppHelper::executableName(const QString &base) {
