@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/eyetracker_interface.h"
 #include "scripted_asee.h"
 #include "support/file_content.h"
 #include "trackers/asee/asee_calibration_screen.h"
