@@ -393,6 +393,17 @@
     </message>
 </context>
 <context>
+    <name>SettingsNotice</name>
+    <message>
+        <source>The settings file %1 cannot be read: %2</source>
+        <translation>The settings file %1 cannot be read: %2</translation>
+    </message>
+    <message>
+        <source>The defaults apply, and changes are not kept. Start Ocela again to use the file.</source>
+        <translation>The defaults apply, and changes are not kept. Start Ocela again to use the file.</translation>
+    </message>
+</context>
+<context>
     <name>StatusTexts</name>
     <message>
         <source>Not connected</source>

@@ -393,6 +393,17 @@
     </message>
 </context>
 <context>
+    <name>SettingsNotice</name>
+    <message>
+        <source>The settings file %1 cannot be read: %2</source>
+        <translation>Не удаётся прочитать файл настроек %1: %2</translation>
+    </message>
+    <message>
+        <source>The defaults apply, and changes are not kept. Start Ocela again to use the file.</source>
+        <translation>Действуют значения по умолчанию, изменения не сохраняются. Чтобы использовать файл, запустите Ocela снова.</translation>
+    </message>
+</context>
+<context>
     <name>StatusTexts</name>
     <message>
         <source>Not connected</source>

@@ -4,6 +4,7 @@
 #include "app/dashboard.h"
 #include "app/recording_keeper.h"
 #include "app/session_strip.h"
+#include "app/settings_notice.h"
 #include "app/status_bar.h"
 #include "app/tracker_combo_box.h"
 #include "app/tracker_view_widget.h"
@@ -36,6 +37,7 @@
 #include <QStyle>
 #include <QSystemTrayIcon>
 #include <QTabWidget>
+#include <QVBoxLayout>
 
 namespace {
 
@@ -79,6 +81,7 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent) {
         tray_->startHidden();
     else
         show();
+    settingsNotice_->showMessage(this);
     selectInitialTracker();
     startRecovery();
     // A logout of the user quits the application without closing its windows.
@@ -158,7 +161,23 @@ QWidget *MainWindow::buildSettingsPage() {
         editor->setContentsMargins(settingsMargin, settingsMargin, settingsMargin, settingsMargin);
         settingsTabs_->addTab(scrollable(editor.release()), entry.tracker->name());
     }
-    return settingsTabs_;
+    auto *page = new QWidget;
+    auto *column = new QVBoxLayout(page);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(buildSettingsNotice());
+    column->addWidget(settingsTabs_);
+    return page;
+}
+
+QWidget *MainWindow::buildSettingsNotice() {
+    settingsNotice_ = new SettingsNotice;
+    settingsNotice_->setContentsMargins(settingsMargin, settingsMargin, settingsMargin, settingsMargin);
+    settingsNotice_->addSettings(settings_);
+    for (const Tracker &entry : trackers_) {
+        if (entry.tracker->settings())
+            settingsNotice_->addSettings(entry.tracker->settings());
+    }
+    return settingsNotice_;
 }
 
 QWidget *MainWindow::buildMainPage() {

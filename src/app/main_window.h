@@ -15,6 +15,7 @@ class QPushButton;
 class QStackedWidget;
 class QTabWidget;
 class RecordingKeeper;
+class SettingsNotice;
 class StatusBar;
 class TrackerComboBox;
 class TrayIcon;
@@ -50,6 +51,7 @@ private:
     void buildTrackers();
     [[nodiscard]] QWidget *buildMainPage();
     [[nodiscard]] QWidget *buildSettingsPage();
+    [[nodiscard]] QWidget *buildSettingsNotice();
     void buildPages();
     void buildStatusBar();
     void buildTray();
@@ -79,6 +81,7 @@ private:
 
     QTabWidget *pages_ = nullptr;
     QTabWidget *settingsTabs_ = nullptr;
+    SettingsNotice *settingsNotice_ = nullptr;
     NewVersionButton *newVersionButton_ = nullptr;
     TrackerComboBox *trackerCombo_ = nullptr;
     QPushButton *dashboardButton_ = nullptr;

@@ -4,6 +4,7 @@
 #include "system/timeout.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QTest>
 #include <csignal>
 
@@ -26,6 +27,7 @@ private Q_SLOTS:
     void one_of_two_instances_that_start_together_runs();
     void ignores_start_hidden_without_a_tray();
     void starts_with_defaults_if_the_settings_file_is_damaged();
+    void keeps_a_settings_file_that_cannot_be_read();
 
 private:
     std::unique_ptr<Home> home_;
@@ -120,6 +122,24 @@ void TestProgram::starts_with_defaults_if_the_settings_file_is_damaged() {
     QCOMPARE(program_->problems().size(), 1);
     QVERIFY2(program_->problems().first().contains(home_->settingsFile() + ".damaged"),
              qPrintable(program_->problems().first()));
+}
+
+void TestProgram::keeps_a_settings_file_that_cannot_be_read() {
+    const QString path = home_->settingsFile();
+    QVERIFY(QFile::remove(path));
+    QVERIFY(QFile::link("/proc/self/mem", path));  // reading it fails
+    QVERIFY(program_->startWindow());
+    QVERIFY(!desktop::waitFor("again to use the file.").isEmpty());
+    desktop::save(desktop::screenshot(), "unread-settings-message");
+    desktop::press("Return", program_->window("^Ocela$"));
+    QVERIFY(desktop::choose("eyetech", "gazepoint"));
+    QVERIFY(desktop::click("Settings"));
+    QVERIFY(!desktop::waitFor("OcelaSettings.xml cannot be read: Input/output error").isEmpty());
+    desktop::save(desktop::screenshot(), "unread-settings");
+    QCOMPARE(program_->close(), 0);
+    QVERIFY(QFileInfo(path).isSymLink());
+    QVERIFY(!QFile::exists(path + ".damaged"));
+    QCOMPARE(program_->problems().filter("cannot be read").size(), 1);
 }
 
 OCELA_TEST(TestProgram)

@@ -61,8 +61,8 @@ Entry readEntry(QXmlStreamReader &xml) {
 
 }  // namespace
 
-Contents settings_file::parse(QIODevice &device) {
-    QXmlStreamReader xml(&device);
+Contents settings_file::parse(const QByteArray &document) {
+    QXmlStreamReader xml(document);
     Contents contents;
     if (xml.readNextStartElement() && xml.name() != rootElement)
         xml.raiseError(QStringLiteral("the root element is not \"%1\"").arg(rootElement));
@@ -75,7 +75,7 @@ Contents settings_file::parse(QIODevice &device) {
     while (!xml.atEnd())
         xml.readNext();
     if (xml.hasError())
-        return {{}, QStringLiteral("line %1: %2").arg(xml.lineNumber()).arg(xml.errorString())};
+        return {{}, QStringLiteral("line %1: %2").arg(xml.lineNumber()).arg(xml.errorString()), true};
     return contents;
 }
 
@@ -83,12 +83,14 @@ Contents settings_file::read(const QString &path) {
     QFile file(path);
     // Opening a pipe would block until a writer opens it, too.
     if (!QFileInfo(path).isFile())
-        return {{}, QStringLiteral("it is not a regular file")};
+        return {{}, QStringLiteral("it is not a regular file"), false};
     if (!file.open(QIODevice::ReadOnly))
-        return {{}, file.errorString()};
+        return {{}, file.errorString(), false};
     if (file.size() > maxFileBytes)
-        return {{}, QStringLiteral("it is too large (%1 bytes)").arg(file.size())};
-    return parse(file);
+        return {{}, QStringLiteral("it is too large (%1 bytes)").arg(file.size()), true};
+    // Another program may have locked a part of the file, so reading can fail, too.
+    const QByteArray document = file.readAll();
+    return file.error() == QFileDevice::NoError ? parse(document) : Contents{{}, file.errorString(), false};
 }
 
 QString settings_file::write(const QString &path, const QVector<Entry> &entries) {

@@ -1,9 +1,8 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QVector>
-
-class QIODevice;
 
 /// Reads and writes settings files, which are XML with one property per line:
 ///
@@ -23,10 +22,11 @@ struct Entry {
 
 struct Contents {
     QVector<Entry> entries;
-    QString error;  ///< empty on success; `entries` is empty after an error
+    QString error;           ///< empty on success; `entries` is empty after an error
+    bool isDamaged = false;  ///< the file was read, but is not a settings file
 };
 
-[[nodiscard]] Contents parse(QIODevice &device);
+[[nodiscard]] Contents parse(const QByteArray &document);
 [[nodiscard]] Contents read(const QString &path);
 
 /// Writes the file atomically and creates its folder. Returns the reason for a failure, or an empty text on

@@ -7,9 +7,13 @@
 #include <QFileInfo>
 #include <QHash>
 #include <QScopedValueRollback>
+#include <QThread>
 #include <utility>
 
 namespace {
+
+constexpr int maxReadAttempts = 6;
+constexpr int readRetryMs = 200;
 
 QString native(const QString &path) {
     return QDir::toNativeSeparators(path);
@@ -29,16 +33,33 @@ VTSettings::VTSettings(QString filePath, bool saveOnChange, QObject *parent, VTS
 
 bool VTSettings::reload() {
     const QScopedValueRollback<bool> guard(reloading_, true);
-    settings_file::Contents file;
-    if (QFileInfo::exists(filePath_))
-        file = settings_file::read(filePath_);
-    if (!file.error.isEmpty())
+    const settings_file::Contents file = readFile();
+    readProblem_.clear();
+    if (file.isDamaged)
         setAside(file.error);
+    else if (!file.error.isEmpty())
+        leaveUnread(file.error);
     restore(file.entries);
     return file.error.isEmpty();
 }
 
+settings_file::Contents VTSettings::readFile() const {
+    settings_file::Contents file;
+    for (int attempt = 1; attempt <= maxReadAttempts; ++attempt) {
+        if (!QFileInfo::exists(filePath_))
+            return {};
+        file = settings_file::read(filePath_);
+        if (file.error.isEmpty() || file.isDamaged)
+            return file;
+        if (attempt < maxReadAttempts)
+            QThread::msleep(readRetryMs);
+    }
+    return file;
+}
+
 bool VTSettings::save() {
+    if (!readProblem_.isEmpty())
+        return false;
     QVector<settings_file::Entry> entries;
     for (const PropertyDescriptor &descriptor : metaDescriptor())
         entries.append({descriptor.name, property_value::toText(descriptor, getValue(descriptor.name))});
@@ -48,11 +69,19 @@ bool VTSettings::save() {
     return error.isEmpty();
 }
 
-void VTSettings::setAside(const QString &reason) const {
+void VTSettings::setAside(const QString &reason) {
     const QString kept = settings_file::moveAside(filePath_);
+    if (kept.isEmpty())
+        readProblem_ = reason;
     const QString outcome = kept.isEmpty() ? QStringLiteral("it could not be renamed") : "kept as " + native(kept);
     qCWarning(lcSettings).noquote() << "Settings file" << native(filePath_) << "cannot be used:" << reason + ";"
                                     << outcome + "; the defaults apply";
+}
+
+void VTSettings::leaveUnread(const QString &reason) {
+    readProblem_ = reason;
+    qCWarning(lcSettings).noquote() << "Settings file" << native(filePath_)
+                                    << "cannot be read:" << reason + "; the defaults apply, and changes are not saved";
 }
 
 void VTSettings::restore(const QVector<settings_file::Entry> &entries) {

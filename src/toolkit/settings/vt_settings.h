@@ -12,7 +12,7 @@ enum class VTSettingsFormat { Xml };
 ///
 /// Only `reload()` reads the file, so the owner can connect the signals before or after it. With `saveOnChange`, each
 /// `changedProperty` writes the file. A failed save keeps the values in memory and logs one warning. The next change
-/// saves again.
+/// saves again. A file that reload() could not read is never written, because it may have values that are not known.
 class VTSettings : public AbstractSettings {
     Q_OBJECT
 
@@ -25,19 +25,26 @@ public:
     /// not exist. The setters emit their signals, and nothing is written. Properties in the file that the class does
     /// not declare are written again by the next save.
     ///
-    /// If the file is damaged or cannot be read, sets the defaults, adds ".damaged" to the file's name, logs one
-    /// warning and returns false.
+    /// If the file is damaged, sets the defaults, adds ".damaged" to the file's name, logs one warning and returns
+    /// false. If the file cannot be read, for example because a backup holds it, tries again for a second. Then sets
+    /// the defaults, keeps the file, logs one warning and returns false; see readProblem().
     bool reload();
 
-    /// Writes the file. Required only without `saveOnChange`.
+    /// Returns why the file could not be read, or an empty text. Until another reload() succeeds, nothing is saved.
+    [[nodiscard]] const QString &readProblem() const { return readProblem_; }
+
+    /// Writes the file. Required only without `saveOnChange`. Returns false after a failure.
     bool save();
 
 private:
-    void setAside(const QString &reason) const;
+    [[nodiscard]] settings_file::Contents readFile() const;
+    void setAside(const QString &reason);
+    void leaveUnread(const QString &reason);
     void restore(const QVector<settings_file::Entry> &entries);
     void restoreProperty(const QString &name, const QString *text);
 
     const QString filePath_;
     QVector<settings_file::Entry> unknown_;
+    QString readProblem_;
     bool reloading_ = false;
 };
