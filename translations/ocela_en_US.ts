@@ -253,6 +253,10 @@
         <source>Other programs cannot reach Ocela: %1</source>
         <translation>Other programs cannot reach Ocela: %1</translation>
     </message>
+    <message>
+        <source>&quot;Start with the system&quot; could not be changed:</source>
+        <translation>&quot;Start with the system&quot; could not be changed:</translation>
+    </message>
 </context>
 <context>
     <name>OcelaHTTPExchange</name>

@@ -253,6 +253,10 @@
         <source>Other programs cannot reach Ocela: %1</source>
         <translation>Ocela недоступна другим программам: %1</translation>
     </message>
+    <message>
+        <source>&quot;Start with the system&quot; could not be changed:</source>
+        <translation>Не удалось изменить «Запускать вместе с системой»:</translation>
+    </message>
 </context>
 <context>
     <name>OcelaHTTPExchange</name>

@@ -112,6 +112,10 @@ Section "Ocela" program
   WriteUninstaller "$INSTDIR\uninstall.exe"
   ; The shortcut's working directory is the output folder.
   CreateShortcut "$SMPROGRAMS\Ocela.lnk" "$INSTDIR\Ocela.exe"
+  ; "Start with the system" is on in a new profile. In another one, the user has decided.
+  ${IfNot} ${FileExists} "$LOCALAPPDATA\Velmora\OcelaSettings.xml"
+    CreateShortcut "$SMSTARTUP\Ocela.lnk" "$INSTDIR\Ocela.exe"
+  ${EndIf}
   WriteRegStr HKCU "${UNINSTALL_KEY}" "DisplayName" "Ocela"
   WriteRegStr HKCU "${UNINSTALL_KEY}" "DisplayVersion" "${VERSION}"
   WriteRegStr HKCU "${UNINSTALL_KEY}" "DisplayIcon" "$INSTDIR\Ocela.exe"
@@ -133,7 +137,7 @@ Section Uninstall
   SetOutPath "$TEMP"
   RMDir "$INSTDIR"
   Delete "$SMPROGRAMS\Ocela.lnk"
-  ; The program creates this shortcut when "start with the system" is switched on.
+  ; The program also creates this shortcut, when "Start with the system" is switched on.
   Delete "$SMSTARTUP\Ocela.lnk"
   DeleteRegKey HKCU "${UNINSTALL_KEY}"
 SectionEnd

@@ -13,6 +13,7 @@
 #include "core/journal_recovery.h"
 #include "core/recording_journal.h"
 #include "toolkit/base/file_utilities.h"
+#include "toolkit/platform/app_helper.h"
 #include "toolkit/platform/autorun_helper.h"
 #include "toolkit/widgets/new_version_button.h"
 #include "toolkit/widgets/property_list_control.h"
@@ -28,6 +29,7 @@
 #include <QDir>
 #include <QGridLayout>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <QScreen>
 #include <QScrollArea>
 #include <QSessionManager>
@@ -107,8 +109,25 @@ void MainWindow::buildSettings() {
     FileUtilities::createIfNotExists(dataFolder_);
     settings_ = new Settings(Settings::defaultFilePath(), Settings::supportedLanguages(), this);
     settings_->reload();
-    connect(settings_, &Settings::changedAutoRun, this,
-            [](bool on) { AutorunHelper::setAppInAutorunUsingExe("Ocela.exe", on, false); });
+    connect(settings_, &Settings::changedAutoRun, this, &MainWindow::changeAutorun);
+}
+
+void MainWindow::changeAutorun(bool on) {
+    if (isRevertingAutorun_)
+        return;
+    const QString problem = AutorunHelper::changeAutorun("Ocela.exe", on, false);
+    if (problem.isEmpty())
+        return;
+    // Queued, because the change that has failed is still being reported to the editor.
+    const auto revert = [this, on, problem] {
+        {
+            const QScopedValueRollback<bool> guard(isRevertingAutorun_, true);
+            settings_->setAutoRun(!on);
+        }
+        AppHelper::warningMessage(tr("\"Start with the system\" could not be changed:") + '\n' + problem, QString(),
+                                  QMessageBox::Warning);
+    };
+    QMetaObject::invokeMethod(this, revert, Qt::QueuedConnection);
 }
 
 void MainWindow::buildTrackers() {

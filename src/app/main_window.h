@@ -63,6 +63,7 @@ private:
     void showView(int index);
     void growTo(QSize wanted);
     void applyRecordsPath();
+    void changeAutorun(bool on);
     [[nodiscard]] bool hidesToTray() const;
     void hideToTray();
     void shutDown();
@@ -73,6 +74,7 @@ private:
     std::vector<Tracker> trackers_;
     RecordingKeeper *recordings_ = nullptr;
     EyetrackerInterface *currentTracker_ = nullptr;
+    bool isRevertingAutorun_ = false;
     bool closed_ = false;
     /// Destroyed before the trackers, which are children of the window, because its threads read from them.
     std::unique_ptr<OcelaHTTPExchange> exchange_;

@@ -74,7 +74,7 @@ private Q_SLOTS:
     void selected_tracker_is_shown_until_another_is_selected_or_the_window_is_closed();
     void changing_the_language_changes_all_texts_immediately();
     void wheel_over_a_list_changes_nothing();
-    void enabling_autorun_adds_the_program_to_autostart();
+    void failing_autorun_is_shown_and_switched_back();
 };
 
 void TestMainWindow::initTestCase() {
@@ -202,12 +202,22 @@ void TestMainWindow::wheel_over_a_list_changes_nothing() {
     }
 }
 
-void TestMainWindow::enabling_autorun_adds_the_program_to_autostart() {
+void TestMainWindow::failing_autorun_is_shown_and_switched_back() {
     MainWindow window;  // loading the settings must not change the autostart list, so there is no warning
     settingsOf(window).setAutoRun(false);
     // The program is not in the folder of this test, so adding it fails with a warning.
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Cannot add to autostart .*Ocela"));
     settingsOf(window).setAutoRun(true);
+    QString text;
+    QTimer::singleShot(0, [&] {
+        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        QVERIFY(box);
+        text = box->text();
+        box->accept();
+    });
+    QTRY_VERIFY2(text.contains("Cannot add to autostart"), qPrintable(text));
+    QVERIFY(!settingsOf(window).getAutoRun());
+    QVERIFY(readFile(Settings::defaultFilePath()).contains("\"AutoRun\">false"));
 }
 
 OCELA_TEST(TestMainWindow)

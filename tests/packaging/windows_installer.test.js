@@ -1,6 +1,6 @@
 import assert from 'node:assert/strict';
 import { spawnSync } from 'node:child_process';
-import { appendFileSync, copyFileSync, existsSync, readFileSync, readdirSync, writeFileSync } from 'node:fs';
+import { appendFileSync, copyFileSync, existsSync, readFileSync, readdirSync, rmSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { after, test } from 'node:test';
 import { fileURLToPath } from 'node:url';
@@ -37,7 +37,6 @@ test('the installer installs, upgrades and removes the program silently', async 
     for (const name of ['QuickLink2.dll', 'http/own.html', 'http/outdated.html'])
         writeFileSync(join(folder, name), name);
     appendFileSync(join(folder, 'installed-files.txt'), 'http\\outdated.html\n');
-    copyFileSync(join(startMenu, 'Ocela.lnk'), autorun);
 
     assert.equal(wine('start', '/unix', autorun), 0);
     await waitFor(page, 'the program serves the dashboard');
@@ -46,8 +45,11 @@ test('the installer installs, upgrades and removes the program silently', async 
     assert.equal(wine(uninstaller, '/S', `_?=Z:${folder.replaceAll('/', '\\')}`), 2, 'a running program is not removed');
     assert.ok(await page());
     assert.equal(wine('taskkill', '/im', 'Ocela.exe'), 0);
+    rmSync(autorun);
     await waitFor(async () => await page() === '' && wine(setup, '/S') === 0, 'the program is upgraded');
     assert.ok(!existsSync(join(folder, 'http/outdated.html')));
+    assert.ok(!existsSync(autorun), 'an upgrade keeps the choice of the user');
+    copyFileSync(join(startMenu, 'Ocela.lnk'), autorun);
 
     assert.equal(wine(uninstaller, '/S'), 0);
     await waitFor(() => !isRegistered(), 'the program is removed');

@@ -15,4 +15,7 @@ public:
     /// Returns false after a failure, and logs one warning with the file and the reason. Adding a program that does not
     /// exist fails. Removing a program that is not listed succeeds.
     static bool setAppInAutorunUsingExe(const QString &exeName, bool enable, bool allUsers);
+
+    /// Does the same. Returns the logged text after a failure, and otherwise an empty text.
+    [[nodiscard]] static QString changeAutorun(const QString &exeName, bool enable, bool allUsers);
 };

@@ -22,28 +22,32 @@ QString autostartFolder(bool allUsers) {
     return folders.value(allUsers ? 1 : 0, "/etc/xdg") + "/autostart";
 }
 
-bool fail(const char *what, const QString &path, const QString &reason) {
-    qCWarning(lcToolkit).noquote() << what << path + ": " + reason;
-    return false;
+QString fail(const QString &what, const QString &path, const QString &reason) {
+    const QString problem = what + ' ' + path + ": " + reason;
+    qCWarning(lcToolkit).noquote() << problem;
+    return problem;
 }
 
-bool addEntry(const QString &path, const QString &program) {
+QString addEntry(const QString &path, const QString &program) {
     if (!QFileInfo(program).isExecutable())
         return fail("Cannot add to autostart", program, "the program does not exist");
-    if (!FileUtilities::createIfNotExists(QFileInfo(path).path()))
-        return false;
+    const QString folder = QFileInfo(path).path();
+    if (!FileUtilities::createIfNotExists(folder))
+        return "Cannot create " + folder;  // the reason is logged
     QSaveFile file(path);
-    return FileUtilities::save(file, desktopEntry(program)) || fail("Cannot write", path, file.errorString());
+    const bool saved = FileUtilities::save(file, desktopEntry(program));
+    return saved ? QString() : fail("Cannot write", path, file.errorString());
 }
 
-bool removeEntry(const QString &path) {
+QString removeEntry(const QString &path) {
     QFile file(path);
-    return !file.exists() || file.remove() || fail("Cannot remove", path, file.errorString());
+    const bool removed = !file.exists() || file.remove();
+    return removed ? QString() : fail("Cannot remove", path, file.errorString());
 }
 
 }  // namespace
 
-bool AutorunHelper::setAppInAutorunUsingExe(const QString &exeName, bool enable, bool allUsers) {
+QString AutorunHelper::changeAutorun(const QString &exeName, bool enable, bool allUsers) {
     const QString name = withoutExe(exeName);
     const QString path = autostartFolder(allUsers) + '/' + name + ".desktop";
     return enable ? addEntry(path, QCoreApplication::applicationDirPath() + '/' + name) : removeEntry(path);

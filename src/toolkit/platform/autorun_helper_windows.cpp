@@ -42,9 +42,10 @@ QString native(const QString &path) {
     return QDir::toNativeSeparators(path);
 }
 
-bool fail(const char *what, const QString &path, const QString &reason) {
-    qCWarning(lcToolkit).noquote() << what << native(path) + ": " + reason;
-    return false;
+QString fail(const QString &what, const QString &path, const QString &reason) {
+    const QString problem = what + ' ' + native(path) + ": " + reason;
+    qCWarning(lcToolkit).noquote() << problem;
+    return problem;
 }
 
 QString startupFolder(bool allUsers) {
@@ -77,7 +78,7 @@ HRESULT saveShortcut(const QString &path, const QString &program) {
     return file->Save(wide(native(path)), TRUE);
 }
 
-bool addShortcut(const QString &path, const QString &program) {
+QString addShortcut(const QString &path, const QString &program) {
     if (!QFileInfo::exists(program))
         return fail("Cannot add to autostart", program, "the program does not exist");
     const ComSession com;
@@ -86,7 +87,7 @@ bool addShortcut(const QString &path, const QString &program) {
     const HRESULT result = saveShortcut(temporary, program);
     const bool saved = SUCCEEDED(result);
     if (saved && MoveFileExW(wide(native(temporary)), wide(native(path)), MOVEFILE_REPLACE_EXISTING))
-        return true;
+        return {};
     const QString reason = saved ? qt_error_string() : qt_error_string(static_cast<int>(result));
     // Windows opens all files in the Startup folder at login.
     QFile::remove(temporary);
@@ -94,15 +95,15 @@ bool addShortcut(const QString &path, const QString &program) {
 }
 
 /// QFile cannot be used: it follows a shortcut to its target.
-bool removeShortcut(const QString &path) {
+QString removeShortcut(const QString &path) {
     if (DeleteFileW(wide(native(path))) || GetLastError() == ERROR_FILE_NOT_FOUND)
-        return true;
+        return {};
     return fail("Cannot remove", path, qt_error_string());
 }
 
 }  // namespace
 
-bool AutorunHelper::setAppInAutorunUsingExe(const QString &exeName, bool enable, bool allUsers) {
+QString AutorunHelper::changeAutorun(const QString &exeName, bool enable, bool allUsers) {
     const QString folder = startupFolder(allUsers);
     if (folder.isEmpty())
         return fail("Cannot change the autostart of", exeName, "there is no Startup folder");
