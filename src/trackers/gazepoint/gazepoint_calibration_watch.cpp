@@ -14,7 +14,7 @@ constexpr std::string_view calibrationPrefix = "<CAL ";
 constexpr std::string_view resultPrefix = "<CAL ID=\"CALIB_RESULT\"";
 
 /// A result of 100 points, the maximum of the server, has 15 KB.
-constexpr std::size_t maxLineBytes = 64 * 1024;
+constexpr std::size_t maxLineBytes = std::size_t{64} * 1024;
 
 bool startsWith(std::string_view text, std::string_view prefix) {
     return text.substr(0, prefix.size()) == prefix;

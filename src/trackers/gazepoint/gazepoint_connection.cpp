@@ -171,7 +171,7 @@ void Connection::finishCalibration(CalibrationResult result) {
 }
 
 void Connection::send(const QByteArray &message) {
-    if (message.isEmpty() || socket_.state() != QAbstractSocket::ConnectedState)
+    if (message.isEmpty() || sendIsInterrupted_ || socket_.state() != QAbstractSocket::ConnectedState)
         return;
     socket_.write(message + "\r\n");
     socket_.flush();

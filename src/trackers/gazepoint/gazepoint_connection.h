@@ -40,7 +40,7 @@ public:
     /// Starts the calibration of the server. Each call is followed by one calibrationFinished().
     void calibrate();
 
-    /// Lets functions that send return without waiting, until reopen() is called. Any thread.
+    /// Lets functions that send return at once, and drop their messages, until reopen() is called. Any thread.
     void interruptSend() { sendIsInterrupted_ = true; }
     /// Returns the tracked screen in device pixels. Empty until a server has sent it. Any thread.
     [[nodiscard]] QRect screenArea() const { return screenArea_.copy(); }

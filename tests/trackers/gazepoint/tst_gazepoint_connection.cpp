@@ -8,6 +8,7 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
+#include <QThread>
 
 constexpr qint64 halfSendTimeoutMs = 15000;
 
@@ -24,6 +25,7 @@ private Q_SLOTS:
     void asks_for_no_screen_size_while_the_server_does_not_read();
     void split_record_yields_the_fields_of_its_first_part();
     void lost_connection_is_reported_and_restored();
+    void reopens_while_a_message_waits_for_the_server();
     void each_calibration_has_one_result();
     void screen_area_is_bounded();
     void invalid_messages_are_ignored_data();
@@ -159,6 +161,26 @@ void TestGazePointConnection::lost_connection_is_reported_and_restored() {
     peer_->abort();
     QTRY_VERIFY(!isConnected_);
     connectServer();
+}
+
+void TestGazePointConnection::reopens_while_a_message_waits_for_the_server() {
+    connectServer();
+    peer_->setReadBufferSize(1);
+    connection_->findChild<QTcpSocket *>()->write(QByteArray(32 << 20, ' '));
+    QElapsedTimer timer;
+    timer.start();
+    const std::unique_ptr<QThread> user(QThread::create([this] { connection_->interruptSend(); }));
+    user->start();
+    connection_->calibrate();
+    QVERIFY(timer.elapsed() < halfSendTimeoutMs);
+    QVERIFY(user->wait());
+
+    connection_->reopen();
+    QCOMPARE(results_,
+             QVector<EyetrackerInterface::CalibrationResult>({EyetrackerInterface::CalibrationResult::Unknown}));
+    QTRY_VERIFY(server_->hasPendingConnections());
+    peer_ = server_->nextPendingConnection();
+    QCOMPARE(received(sizeof wire::enableData - 1), QByteArray(wire::enableData));
 }
 
 void TestGazePointConnection::each_calibration_has_one_result() {

@@ -21,7 +21,6 @@ private Q_SLOTS:
     void sends_the_commands_and_reports_the_connection();
     void receives_every_record_while_its_thread_is_busy();
     void reconnects_to_a_server_that_was_started_later();
-    void reconnects_while_connected_and_recording_data();
     void reconnects_while_connected_and_recording();
     void is_destroyed_while_the_server_does_not_read();
 
@@ -123,27 +122,14 @@ void TestGazePoint::reconnects_to_a_server_that_was_started_later() {
     QCOMPARE(tracker_->connectionProblem(), QString());
 }
 
-void TestGazePoint::reconnects_while_connected_and_recording_data() {
-    QTest::addColumn<bool>("reads");
-    QTest::newRow("silent server") << true;
-    QTest::newRow("server does not read") << false;
-}
-
 void TestGazePoint::reconnects_while_connected_and_recording() {
-    QFETCH(bool, reads);
-    constexpr qint64 halfSendTimeoutMs = 15000;
     connectServer();
     QTRY_VERIFY(tracker_->isConnected());
     tracker_->startRecord("unused.csv");
-    for (int i = 0; !reads && i < 100000; ++i)
-        tracker_->calibrate(QRect());
     QSignalSpy changes(tracker_.get(), &EyetrackerInterface::connectedChanged);
-    QElapsedTimer timer;
-    timer.start();
     tracker_->reconnect();
     acceptConnection();
     QTRY_COMPARE(changes, (QList<QVariantList>{{false}, {true}}));
-    QVERIFY(timer.elapsed() < halfSendTimeoutMs);
 
     peer_->write("<ACK ID=\"SCREEN_SIZE\" X=\"-800\" Y=\"0\" WIDTH=\"800\" HEIGHT=\"600\" />\r\n");
     QTRY_COMPARE(tracker_->pixelArea(), QRect(-800, 0, 800, 600));
