@@ -14,17 +14,17 @@ namespace gaze_cursor {
 struct Gaze {
     QPoint pixel;   ///< relative to `origin`
     QPoint origin;  ///< the top-left corner of EyetrackerInterface::pixelArea()
-    EyetrackerInterface::PixelUnit unit;
+    EyetrackerInterface::PixelUnit unit = EyetrackerInterface::PixelUnit::Desktop;
 };
 
 struct Screen {
-    QRect geometry;    ///< QScreen::geometry(): its top-left corner in physical pixels, its size in desktop pixels
-    qreal pixelRatio;  ///< physical pixels per desktop pixel
+    QRect geometry;        ///< QScreen::geometry(): its top-left corner in physical pixels, its size in desktop pixels
+    qreal pixelRatio = 1;  ///< physical pixels per desktop pixel
 };
 
 struct Place {
-    std::size_t screen;  ///< index of the screen
-    QPoint position;     ///< in desktop pixels, inside of the screen
+    std::size_t screen = 0;  ///< index of the screen
+    QPoint position;         ///< in desktop pixels, inside of the screen
 };
 
 /// Returns the place of the gaze. A gaze beside all screens is moved to the edge of the nearest one. Returns nothing if

@@ -19,9 +19,9 @@ public:
     static constexpr std::chrono::milliseconds maxGap{150};
 
     struct Point {
-        QPointF percent;   ///< of the screen
-        double freshness;  ///< 1 now, 0 at the end of the trail
-        bool isJoined;     ///< with the point before it
+        QPointF percent;        ///< of the screen
+        double freshness = 0;   ///< 1 now, 0 at the end of the trail
+        bool isJoined = false;  ///< with the point before it
     };
 
     /// Adds the gaze of a sample that is not older than the last one. Ignores invalid samples.

@@ -2,6 +2,7 @@
 
 #include "core/eyetracker_interface.h"
 
+#include <QEvent>
 #include <QPainter>
 #include <QScreen>
 
@@ -50,6 +51,12 @@ void GazeTrailView::showEvent(QShowEvent *event) {
 void GazeTrailView::hideEvent(QHideEvent *event) {
     timer_.stop();
     BaseEyetrackerWidget::hideEvent(event);
+}
+
+void GazeTrailView::changeEvent(QEvent *event) {
+    if (event->type() == QEvent::LanguageChange)
+        update();
+    BaseEyetrackerWidget::changeEvent(event);
 }
 
 void GazeTrailView::refresh() {
