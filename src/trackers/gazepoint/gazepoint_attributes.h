@@ -12,9 +12,9 @@ template <typename Take>
 void forEachAttribute(std::string_view message, Take take) {
     std::string unquoted;
     while (!message.empty()) {
-        const std::size_t space = std::min(message.find(' '), message.size());
+        const std::size_t space = message.find(' ');
         const std::string_view part = message.substr(0, space);
-        message.remove_prefix(std::min(space + 1, message.size()));
+        message = space == std::string_view::npos ? std::string_view() : message.substr(space + 1);
 
         const std::size_t equals = part.find('=');
         if (equals == std::string_view::npos || part.find('=', equals + 1) != std::string_view::npos)
