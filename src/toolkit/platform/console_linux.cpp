@@ -1,4 +1,5 @@
 #include "toolkit/platform/console.h"
+#include "toolkit/platform/output_limit.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -8,6 +9,7 @@
 #include <mutex>
 #include <poll.h>
 #include <string>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
@@ -21,9 +23,19 @@ constexpr std::size_t maxWriteBytes = _POSIX_PIPE_BUF;
 /// the output of programs to a file.
 constexpr off_t maxFileBytes = 10 << 20;
 
-bool isTerminalOrPipe(int stream) {
+/// Returns the type of a stream as in stat::st_mode, or 0 if the stream is not open.
+mode_t typeOf(int stream) {
     struct stat state {};
-    return isatty(stream) != 0 || (fstat(stream, &state) == 0 && S_ISFIFO(state.st_mode));
+    return fstat(stream, &state) == 0 ? state.st_mode & S_IFMT : 0;
+}
+
+bool isTerminalOrPipe(int stream) {
+    return isatty(stream) != 0 || typeOf(stream) == S_IFIFO;
+}
+
+bool isPipeOrSocket(int stream) {
+    const mode_t type = typeOf(stream);
+    return type == S_IFIFO || type == S_IFSOCK;
 }
 
 /// Writing to a terminal or a pipe may block. The stream is opened again for non-blocking output, because O_NONBLOCK on
@@ -75,13 +87,23 @@ void console::prepare() {
 void console::print(std::string_view text) {
     // Another thread must not fill the pipe between the check and the write.
     static std::mutex mutex;
+    static OutputLimit limit;
     const std::lock_guard<std::mutex> lock(mutex);
+    if (isPipeOrSocket(STDOUT_FILENO) && !limit.admits(text))
+        return;
     while (!text.empty() && hasRoom(STDOUT_FILENO)) {
         const ssize_t written = write(STDOUT_FILENO, text.data(), std::min(text.size(), maxWriteBytes));
         if (written <= 0)
             return;
         text.remove_prefix(static_cast<std::size_t>(written));
     }
+}
+
+bool console::canAnswer() {
+    if (isatty(STDIN_FILENO) != 0)
+        return !isInBackground();
+    int unreadBytes = 0;
+    return ioctl(STDIN_FILENO, FIONREAD, &unreadBytes) == 0 && unreadBytes > 0;
 }
 
 int console::readCharacter() {

@@ -1,5 +1,7 @@
 #include "toolkit/platform/console.h"
+#include "toolkit/platform/output_limit.h"
 
+#include <mutex>
 #include <windows.h>
 
 namespace {
@@ -36,10 +38,26 @@ void console::prepare() {
 }
 
 void console::print(std::string_view text) {
+    static std::mutex mutex;
+    static OutputLimit limit;
+    const std::lock_guard<std::mutex> lock(mutex);
     const HANDLE stream = GetStdHandle(STD_OUTPUT_HANDLE);
+    if (GetFileType(stream) == FILE_TYPE_PIPE && !limit.admits(text))
+        return;
     DWORD written = 0;
     if (stream && hasRoom(stream, text.size()))
         WriteFile(stream, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+}
+
+bool console::canAnswer() {
+    const HANDLE stream = GetStdHandle(STD_INPUT_HANDLE);
+    DWORD unreadBytes = 0;
+    if (PeekNamedPipe(stream, nullptr, 0, nullptr, &unreadBytes, nullptr))
+        return unreadBytes > 0;
+    LARGE_INTEGER size{};
+    LARGE_INTEGER position{};
+    return stream && GetFileType(stream) == FILE_TYPE_DISK && GetFileSizeEx(stream, &size) &&
+           SetFilePointerEx(stream, {}, &position, FILE_CURRENT) && position.QuadPart < size.QuadPart;
 }
 
 int console::readCharacter() {

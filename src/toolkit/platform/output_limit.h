@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+/// Limits what the program prints to a pipe or socket, because it may print 100 lines a second for days. A text may
+/// follow itself 1000 times, so texts after a repeated one are still printed. All texts together have at most 10 MB.
+/// Not thread-safe.
+class OutputLimit {
+public:
+    static constexpr std::size_t maxBytes = 10 << 20;
+    static constexpr int maxRepetitionCount = 1000;
+
+    /// Returns whether `text` may be printed, and counts it.
+    [[nodiscard]] bool admits(std::string_view text);
+
+private:
+    std::string lastText_;
+    int repetitionCount_ = 0;
+    std::size_t byteCount_ = 0;
+};
