@@ -1,6 +1,7 @@
 #include "eyetech/cable.h"
 
 #include <filesystem>
+#include <utility>
 
 namespace sim::eyetech {
 
@@ -25,6 +26,19 @@ void Cable::deviceStarted() {
 
 bool Cable::pluggedIn() {
     const std::lock_guard lock(mutex_);
+    const bool isPluggedIn = isConnected();
+    if (!std::exchange(wasPluggedIn_, isPluggedIn) && isPluggedIn)
+        ++replugCount_;
+    return isPluggedIn;
+}
+
+int Cable::replugCount() {
+    (void)pluggedIn();
+    const std::lock_guard lock(mutex_);
+    return replugCount_;
+}
+
+bool Cable::isConnected() const {
     if (secondsSince(loaded_) < options_.appearAfter_s || unpluggedByTime())
         return false;
     std::error_code error;

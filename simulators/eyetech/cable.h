@@ -16,16 +16,21 @@ public:
     /// Starts the time until the devices are unplugged. Only the first call has an effect.
     void deviceStarted();
     [[nodiscard]] bool pluggedIn();
+    /// Returns how often the devices were plugged in again, as far as the calls of pluggedIn() have noticed it.
+    [[nodiscard]] int replugCount();
 
 private:
     using Clock = std::chrono::steady_clock;
 
+    [[nodiscard]] bool isConnected() const;
     [[nodiscard]] bool unpluggedByTime() const;
 
     const Clock::time_point loaded_ = Clock::now();
     std::mutex mutex_;  // guards the members below
     Options options_;
     std::optional<Clock::time_point> started_;
+    bool wasPluggedIn_ = true;
+    int replugCount_ = 0;
 };
 
 }  // namespace sim::eyetech

@@ -42,6 +42,8 @@ private:
     Library() = default;
 
     [[nodiscard]] Options options();
+    /// Returns the id of the first device.
+    [[nodiscard]] int firstDevice();
     /// Returns null if there is no such device.
     Unit *unit(int device);
     /// Returns null if there is no such calibration.

@@ -7,7 +7,8 @@ namespace sim::eyetech {
 
 namespace {
 
-constexpr int firstDevice = 101;
+constexpr int initialFirstDevice = 101;
+constexpr int newIdOffset = 10;
 constexpr float eyeRadius_cm = 1.2F;
 
 }  // namespace
@@ -17,8 +18,12 @@ Library::Unit::Unit(Person &person, Cable &cable) : device(person, cable) {
         settings.add(name);
 }
 
+int Library::firstDevice() {
+    return initialFirstDevice + (options().has("new-ids") ? newIdOffset * cable_.replugCount() : 0);
+}
+
 Library::Unit *Library::unit(int device) {
-    const int index = device - firstDevice;
+    const int index = device - firstDevice();
     return index >= 0 && index < options().deviceCount ? &units_[static_cast<std::size_t>(index)] : nullptr;
 }
 
@@ -31,9 +36,10 @@ int Library::QLDevice_Enumerate(int *count, int *devices) {
     }
     if (options.enumerateError != Ok)
         return options.enumerateError;
+    const int first = firstDevice();
     std::set<int> ids;
     for (int i = 0; i < options.deviceCount && cable_.pluggedIn(); ++i)
-        ids.insert(firstDevice + i);
+        ids.insert(first + i);
     return listDevices(ids, count, devices);
 }
 
@@ -53,7 +59,8 @@ int Library::QLDevice_GetInfo(int device, quicklink2::QLDeviceInfo *info) {
     if (unit(device) == nullptr || info == nullptr)
         return BadArgument;
     qstrncpy(info->modelName, "Simulated tracker", sizeof info->modelName);
-    qstrncpy(info->serialNumber, QByteArray("SIM-" + QByteArray::number(device)), sizeof info->serialNumber);
+    qstrncpy(info->serialNumber, QByteArray("SIM-" + QByteArray::number(initialFirstDevice + device - firstDevice())),
+             sizeof info->serialNumber);
     return Ok;
 }
 

@@ -23,8 +23,8 @@ Options Options::fromEnvironment() {
     options.rateHz = number("OCELA_SIM_EYETECH_RATE", options.rateHz, 1, 1000);
     options.image = imageSize("OCELA_SIM_EYETECH_IMAGE", options.image);
     options.reportedImage = size("OCELA_SIM_EYETECH_TOLD_IMAGE");
-    options.faults = words("OCELA_SIM_EYETECH_FAULT",
-                           {"target-fails-once", "target-fails", "distracted", "small-target-buffer", "null-image"});
+    options.faults = words("OCELA_SIM_EYETECH_FAULT", {"target-fails-once", "target-fails", "distracted",
+                                                       "small-target-buffer", "null-image", "new-ids"});
     return options;
 }
 
