@@ -58,6 +58,13 @@
     </message>
 </context>
 <context>
+    <name>EyetechVideoDisplayWidget</name>
+    <message>
+        <source>The colour of the markers rates your distance: green is good, red is too near or too far. Click to see the pupils under them.</source>
+        <translation>Цвет меток оценивает расстояние: зелёный — хорошо, красный — слишком близко или далеко. Щёлкните, чтобы увидеть зрачки под ними.</translation>
+    </message>
+</context>
+<context>
     <name>EyetrackerConnectedWidget</name>
     <message>
         <source>No tracker</source>

@@ -3,6 +3,7 @@
 #include "trackers/eyetech/eyetech_camera_layout.h"
 #include "trackers/eyetech/eyetech_tracker.h"
 
+#include <QEvent>
 #include <QPainter>
 #include <array>
 
@@ -13,6 +14,7 @@ namespace {
 /// Smaller widgets and images are not drawn.
 constexpr int minPixels = 10;
 
+constexpr int outlineWidth = 2;
 constexpr QSize minSize(256, 135);
 constexpr QSize defaultSize = minSize * 2;
 
@@ -31,6 +33,7 @@ const QBrush &brushFor(layout::Distance distance) {
 EyetechVideoDisplayWidget::EyetechVideoDisplayWidget(EyetechGrabber *grabber, QWidget *parent)
     : QWidget(parent), grabber_(grabber) {
     setMinimumSize(minSize);
+    retranslate();
     if (grabber_)
         connections_ << connect(grabber_, &EyetechGrabber::newFrame, this, &EyetechVideoDisplayWidget::showFrame,
                                 Qt::QueuedConnection);
@@ -38,6 +41,23 @@ EyetechVideoDisplayWidget::EyetechVideoDisplayWidget(EyetechGrabber *grabber, QW
 
 EyetechVideoDisplayWidget::~EyetechVideoDisplayWidget() {
     connections_.clear();
+}
+
+void EyetechVideoDisplayWidget::retranslate() {
+    setToolTip(
+        tr("The colour of the markers rates your distance: green is good, red is too near or too far. Click to "
+           "see the pupils under them."));
+}
+
+void EyetechVideoDisplayWidget::changeEvent(QEvent *event) {
+    if (event->type() == QEvent::LanguageChange)
+        retranslate();
+    QWidget::changeEvent(event);
+}
+
+void EyetechVideoDisplayWidget::mousePressEvent(QMouseEvent *) {
+    showsPupils_ = !showsPupils_;
+    update();
 }
 
 QSize EyetechVideoDisplayWidget::sizeHint() const {
@@ -74,8 +94,9 @@ void EyetechVideoDisplayWidget::drawPupils(QPainter &painter, double scale) cons
     const float distance_cm = frame_.distance_cm();
     const float factor = layout::sizeFactor(distance_cm);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(brushFor(layout::rate(distance_cm)));
+    const QBrush &brush = brushFor(layout::rate(distance_cm));
+    painter.setPen(showsPupils_ ? QPen(brush, outlineWidth) : QPen(Qt::NoPen));
+    painter.setBrush(showsPupils_ ? QBrush() : brush);
     for (const QLFrameData::Eye &eye : {frame_.leftEye(), frame_.rightEye()}) {
         if (eye.found)
             painter.drawEllipse(layout::marker({eye.pupilX, eye.pupilY}, scale, factor));

@@ -8,7 +8,8 @@
 class EyetechGrabber;
 
 /// The camera image of an EyeTech tracker, with a marker on each pupil. The colour of the markers rates the user's
-/// distance. Paints nothing before the first frame, and for a frame without an image.
+/// distance. The markers cover the pupils; a click switches between filled markers and their outlines. Paints nothing
+/// before the first frame, and for a frame without an image.
 ///
 /// Owned by the caller of EyetechGrabber::createViewWidget(), and destroyed before the tracker. Frames arrive by queued
 /// calls. GUI thread.
@@ -27,14 +28,18 @@ public Q_SLOTS:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
+    void retranslate();
     void drawImage(QPainter &painter, QSize size) const;
     void drawPupils(QPainter &painter, double scale) const;
 
     EyetechGrabber *grabber_;
     bool enabled_ = true;
     bool hasFrame_ = false;
+    bool showsPupils_ = false;  ///< the markers are only outlines
     ConnectionHelper connections_;
     QLFrameData frame_;
     bool plainBackground_ = false;  ///< whether a plain box is drawn instead of the image

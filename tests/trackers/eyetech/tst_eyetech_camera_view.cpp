@@ -18,6 +18,11 @@ private Q_SLOTS:
     void frame_fits_into_the_widget();
     void paints_image_and_pupils_data();
     void paints_image_and_pupils();
+    void click_shows_the_pupils();
+
+private:
+    /// Returns a view with bands of 50 pixels at the sides, after a frame with the right pupil, or before it.
+    QImage shown(QSize camera, float pupilX, bool hasFrame, bool clicked);
 };
 
 void TestEyetechCameraView::distance_chooses_colour_and_size_data() {
@@ -81,15 +86,12 @@ void TestEyetechCameraView::paints_image_and_pupils_data() {
     QTest::newRow("pupil position overflows") << true << camera << 3e38F << grey << grey;
 }
 
-void TestEyetechCameraView::paints_image_and_pupils() {
-    QFETCH(const bool, hasFrame);
-    QFETCH(const QSize, camera);
-    QFETCH(const float, pupilX);
+QImage TestEyetechCameraView::shown(QSize camera, float pupilX, bool hasFrame, bool clicked) {
     freshScript();
     const QTemporaryDir folder;
     EyetechGrabber tracker(folder.path(), nullptr);
     EyetechVideoDisplayWidget view(&tracker);
-    view.resize(612, 270);  // bands of 50 pixels at the sides
+    view.resize(612, 270);
 
     const std::vector<unsigned char> pixels(2048UL * 1080UL, 100);
     QLFrameData frame;
@@ -102,13 +104,29 @@ void TestEyetechCameraView::paints_image_and_pupils() {
     if (hasFrame)
         Q_EMIT tracker.newFrame(frame);
     QCoreApplication::processEvents();
+    if (clicked)
+        QTest::mouseClick(&view, Qt::LeftButton);
 
-    QImage shown(view.size(), QImage::Format_ARGB32);
-    shown.fill(Qt::transparent);
-    view.render(&shown, QPoint(), QRegion(), QWidget::RenderFlags());
-    QTEST(shown.pixelColor(50 + 128 + 22, 135), "atPupil");
-    QTEST(shown.pixelColor(50 + 128 + 26, 135), "beside");
-    QCOMPARE(shown.pixelColor(48, 135), QColor(Qt::transparent));
+    QImage picture(view.size(), QImage::Format_ARGB32);
+    picture.fill(Qt::transparent);
+    view.render(&picture, QPoint(), QRegion(), QWidget::RenderFlags());
+    return picture;
+}
+
+void TestEyetechCameraView::paints_image_and_pupils() {
+    QFETCH(const QSize, camera);
+    QFETCH(const float, pupilX);
+    QFETCH(const bool, hasFrame);
+    const QImage picture = shown(camera, pupilX, hasFrame, false);
+    QTEST(picture.pixelColor(50 + 128 + 22, 135), "atPupil");
+    QTEST(picture.pixelColor(50 + 128 + 26, 135), "beside");
+    QCOMPARE(picture.pixelColor(48, 135), QColor(Qt::transparent));
+}
+
+void TestEyetechCameraView::click_shows_the_pupils() {
+    const QImage picture = shown({2048, 1080}, 512, true, true);
+    QCOMPARE(picture.pixelColor(50 + 128, 135), QColor(100, 100, 100));
+    QCOMPARE(picture.pixelColor(50 + 128 + 24, 135), QColor("#3C0"));
 }
 
 OCELA_TEST(TestEyetechCameraView)
