@@ -47,6 +47,33 @@
     </message>
 </context>
 <context>
+    <name>EyetechDeviceQuestion</name>
+    <message>
+        <source>%1, serial number %2</source>
+        <translation>%1, serial number %2</translation>
+    </message>
+    <message>
+        <source>Choose an EyeTech tracker</source>
+        <translation>Choose an EyeTech tracker</translation>
+    </message>
+    <message>
+        <source>Several EyeTech trackers are attached. Which one do you want to use?</source>
+        <translation>Several EyeTech trackers are attached. Which one do you want to use?</translation>
+    </message>
+    <message>
+        <source>Ocela remembers its serial number. You can change the number in the settings.</source>
+        <translation>Ocela remembers its serial number. You can change the number in the settings.</translation>
+    </message>
+    <message>
+        <source>Use</source>
+        <translation>Use</translation>
+    </message>
+    <message>
+        <source>Not now</source>
+        <translation>Not now</translation>
+    </message>
+</context>
+<context>
     <name>EyetechGrabber</name>
     <message>
         <source>no device found</source>
@@ -55,6 +82,10 @@
     <message>
         <source>device not available</source>
         <translation>device not available</translation>
+    </message>
+    <message>
+        <source>several devices attached, none chosen</source>
+        <translation>several devices attached, none chosen</translation>
     </message>
 </context>
 <context>
@@ -232,6 +263,14 @@
     <message>
         <source>CalibrationDelayMs</source>
         <translation>Pause before a target</translation>
+    </message>
+    <message>
+        <source>DeviceSerialNumber</source>
+        <translation>Serial number of the device</translation>
+    </message>
+    <message>
+        <source>Several devices</source>
+        <translation>Several devices</translation>
     </message>
 </context>
 <context>

@@ -47,6 +47,33 @@
     </message>
 </context>
 <context>
+    <name>EyetechDeviceQuestion</name>
+    <message>
+        <source>%1, serial number %2</source>
+        <translation>%1, серийный номер %2</translation>
+    </message>
+    <message>
+        <source>Choose an EyeTech tracker</source>
+        <translation>Выбор трекера EyeTech</translation>
+    </message>
+    <message>
+        <source>Several EyeTech trackers are attached. Which one do you want to use?</source>
+        <translation>Подключено несколько трекеров EyeTech. Какой из них использовать?</translation>
+    </message>
+    <message>
+        <source>Ocela remembers its serial number. You can change the number in the settings.</source>
+        <translation>Ocela запомнит его серийный номер. Номер можно изменить в настройках.</translation>
+    </message>
+    <message>
+        <source>Use</source>
+        <translation>Использовать</translation>
+    </message>
+    <message>
+        <source>Not now</source>
+        <translation>Не сейчас</translation>
+    </message>
+</context>
+<context>
     <name>EyetechGrabber</name>
     <message>
         <source>no device found</source>
@@ -55,6 +82,10 @@
     <message>
         <source>device not available</source>
         <translation>устройство недоступно</translation>
+    </message>
+    <message>
+        <source>several devices attached, none chosen</source>
+        <translation>подключено несколько устройств, ни одно не выбрано</translation>
     </message>
 </context>
 <context>
@@ -232,6 +263,14 @@
     <message>
         <source>CalibrationDelayMs</source>
         <translation>Пауза перед точкой</translation>
+    </message>
+    <message>
+        <source>DeviceSerialNumber</source>
+        <translation>Серийный номер устройства</translation>
+    </message>
+    <message>
+        <source>Several devices</source>
+        <translation>Несколько устройств</translation>
     </message>
 </context>
 <context>

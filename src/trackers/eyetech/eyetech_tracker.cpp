@@ -2,6 +2,7 @@
 
 #include "trackers/eyetech/eyetech_calibration_screen.h"
 #include "trackers/eyetech/eyetech_camera_view.h"
+#include "trackers/eyetech/eyetech_device_question.h"
 #include "trackers/eyetech/eyetech_device_selection.h"
 #include "trackers/eyetech/eyetech_frame_fetcher.h"
 #include "trackers/eyetech/eyetech_library.h"
@@ -22,7 +23,6 @@ constexpr char deviceSettingsFile[] = "QL2Settings.txt";
 
 constexpr int pollIntervalMs = 10;
 constexpr int emptyFrameDelayMs = 1000;
-constexpr int maxDeviceCount = 100;
 
 QByteArray libraryVersion() {
     std::array<char, 32> buffer{};
@@ -72,9 +72,62 @@ void EyetechGrabber::findLibrary() {
         return;
     }
     qCDebug(lcEyetech) << "Quick Link 2 loaded. Version:" << libraryVersion().constData();
-    deviceId_ = eyetech::selectDevice(deviceSettingsFile);
+    selectDevice();
     if (deviceId_ == 0)
         qCDebug(lcEyetech, "Device not found");
+}
+
+void EyetechGrabber::selectDevice() {
+    closeDeviceQuestion();
+    const eyetech::DeviceSelection selection =
+        eyetech::selectDevice({eyetechSettings_->getDeviceSerialNumber(), serialNumber_});
+    undecided_ = selection.undecided;
+    if (!undecided_.empty())
+        qCInfo(lcEyetech) << undecided_.size() << "devices are attached, and none is chosen";
+    if (selection.device != 0)
+        useDevice(selection.device);
+}
+
+void EyetechGrabber::useDevice(int device) {
+    const eyetech::DeviceDescription description = eyetech::describeDevice(device);
+    qCInfo(lcEyetech).noquote() << "Using the device" << description.model << "with the serial number"
+                                << description.serialNumber;
+    deviceId_ = device;
+    if (serialNumber_ != description.serialNumber)
+        calibrationId_ = 0;
+    serialNumber_ = description.serialNumber;
+    eyetech::applySettings(device, deviceSettingsFile);
+    // A device that was plugged in again may have lost it.
+    if (calibrationId_ != 0)
+        (void)applyCalibration(calibrationId_);
+}
+
+bool EyetechGrabber::applyCalibration(int calibrationId) {
+    calibrationId_ = calibrationId;
+    return quicklink2::QLDevice_ApplyCalibration(deviceId_, calibrationId) == 0;
+}
+
+/// Shows the question, unless it was shown before for the same devices.
+void EyetechGrabber::askForDevice() {
+    if (question_)
+        return;
+    question_ = std::make_unique<EyetechDeviceQuestion>(undecided_);
+    // Queued, because the question is destroyed.
+    connect(
+        question_.get(), &EyetechDeviceQuestion::answered, this,
+        [this](int device) {
+            closeDeviceQuestion();
+            useDevice(device);
+            if (!serialNumber_.isEmpty())
+                eyetechSettings_->setDeviceSerialNumber(serialNumber_);
+        },
+        Qt::QueuedConnection);
+    question_->show();
+}
+
+void EyetechGrabber::closeDeviceQuestion() {
+    undecided_.clear();
+    question_.reset();
 }
 
 void EyetechGrabber::buildPolling() {
@@ -95,6 +148,8 @@ QWidget *EyetechGrabber::createViewWidget() {
 QString EyetechGrabber::connectionProblem() const {
     if (const auto &error = eyetech::libraryError())
         return libraryProblem(*error);
+    if (!undecided_.empty())
+        return tr("several devices attached, none chosen");
     return deviceId_ == 0 ? tr("no device found") : tr("device not available");
 }
 
@@ -114,6 +169,7 @@ void EyetechGrabber::storeCalibratedArea() {
 
 bool EyetechGrabber::start() {
     startRequested_ = true;
+    mayAsk_ = true;
     if (quicklink2::QLDevice_Start(deviceId_) == 0)
         return true;
     qCDebug(lcEyetech, "Device not started successfully!");
@@ -123,8 +179,26 @@ bool EyetechGrabber::start() {
 void EyetechGrabber::stop() {
     // Makes the poll start the device again, although it was stopped: that is intended.
     startRequested_ = true;
+    mayAsk_ = false;
+    question_.reset();
     eyetech::stopDevice(deviceId_);
     closeCalibrationWidget();
+}
+
+void EyetechGrabber::reconnect() {
+    if (isCalibrating_)
+        stopCalibration();
+    stop();
+    mayAsk_ = true;
+    deviceId_ = 0;
+    if (eyetech::libraryError())
+        findLibrary();
+    else
+        selectDevice();
+    if (deviceId_ == 0)
+        setConnected(false);
+    else
+        start();
 }
 
 void EyetechGrabber::poll() {
@@ -138,15 +212,19 @@ void EyetechGrabber::poll() {
         fetchFrame();
 }
 
-// The result is not checked: that is intended. A failed call leaves the count unchanged, and selectDevice() prints the
-// failure.
+// If the devices cannot be enumerated, selectDevice() prints the failure.
 bool EyetechGrabber::findDevice() {
-    std::array<int, maxDeviceCount> devices{};
-    int count = maxDeviceCount;
-    quicklink2::QLDevice_Enumerate(&count, devices.data());
-    if (count == 0)
+    const std::vector<int> devices = eyetech::enumerateDevices();
+    if (devices.empty()) {
+        closeDeviceQuestion();
         return false;
-    deviceId_ = eyetech::selectDevice(deviceSettingsFile);
+    }
+    if (devices == undecided_) {
+        if (mayAsk_)
+            askForDevice();
+        return false;
+    }
+    selectDevice();
     return true;
 }
 

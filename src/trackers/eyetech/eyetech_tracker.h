@@ -7,8 +7,10 @@
 #include <QFutureWatcher>
 #include <QTimer>
 #include <memory>
+#include <vector>
 
 class EyetechCalibrationWidget;
+class EyetechDeviceQuestion;
 class EyetechSettings;
 
 /// The back-end for EyeTech trackers, which uses the vendor's QuickLink2 library.
@@ -17,9 +19,12 @@ class EyetechSettings;
 /// pool fetches one frame at a time. The task does not access this object, and the destructor does not wait for it,
 /// because the library's call may block for 10 s. Everything else runs on the GUI thread.
 ///
-/// Owns its settings and its calibration screen. The last screen is kept, open or closed, until the next one replaces
-/// it or the tracker is destroyed. If its calibration is still running further up the call stack, the screen lives
-/// until that calibration returns.
+/// If several devices are attached, and no console can answer which one to use, a small window asks. It is
+/// shown only between start() and stop(), while the user has selected this tracker.
+///
+/// Owns its settings, this window and its calibration screen. The last screen is kept, open or closed, until the next
+/// one replaces it or the tracker is destroyed. If its calibration is still running further up the call stack, the
+/// screen lives until that calibration returns.
 class EyetechGrabber : public EyetrackerInterface {
     Q_OBJECT
 
@@ -31,6 +36,14 @@ public:
     [[nodiscard]] VTSettings *settings() override;
     [[nodiscard]] QWidget *createViewWidget() override;
     [[nodiscard]] QString connectionProblem() const override;
+
+    /// Cancels a running calibration, stops the device and looks for devices again, because a device may have a new id
+    /// after it was plugged in again. Prefers the device that was used before, and applies its last calibration. Loads
+    /// the vendor's library if it could not be loaded before. Asks again which of several devices to use, if the user
+    /// has closed the question.
+    ///
+    /// A task that still fetches a frame is not waited for. The next frame is fetched after it has ended.
+    void reconnect() override;
 
     /// Returns 0 while no device is chosen.
     [[nodiscard]] int deviceId() const { return deviceId_; }
@@ -54,6 +67,11 @@ private:
     void buildSettings();
     void buildPolling();
     void findLibrary();
+    void selectDevice();
+    void useDevice(int device);
+    [[nodiscard]] bool applyCalibration(int calibrationId);
+    void askForDevice();
+    void closeDeviceQuestion();
     void takeTimings();
     void storeCalibratedArea();
 
@@ -69,6 +87,10 @@ private:
 
     QLFrameData lastFrame_;
     int deviceId_ = 0;
+    QString serialNumber_;                             ///< of the last used device
+    int calibrationId_ = 0;                            ///< of the calibration that was applied to it, or 0
+    std::vector<int> undecided_;                       ///< the devices of which the user must choose one
+    std::unique_ptr<EyetechDeviceQuestion> question_;  ///< about `undecided_`; hidden if the user has closed it
     std::shared_ptr<EyetechCalibrationWidget> calibrationWidget_;
     bool isCalibrating_ = false;  ///< a calibration is running further up the call stack
     QTimer pollTimer_;
@@ -76,6 +98,7 @@ private:
     QFutureWatcher<QLFrameData> frameWatcher_;
     bool frameAwaited_ = false;  ///< from the start of a frame task until its frame is taken
     bool startRequested_ = false;
+    bool mayAsk_ = false;  ///< the question about several devices may be shown
     bool lastImageInvalid_ = false;
     EyetechSettings *eyetechSettings_ = nullptr;
 };

@@ -5,6 +5,7 @@
 #include "trackers/eyetech/script.h"
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 #include <unistd.h>
@@ -18,11 +19,13 @@ private Q_SLOTS:
     void failing_call_is_logged_when_its_result_changes();
     void chooses_a_device_data();
     void chooses_a_device();
-    void does_not_repeat_a_question_after_the_end_of_input();
+    void leaves_several_devices_undecided_data();
+    void leaves_several_devices_undecided();
+    void applies_the_settings_file();
 
 private:
     /// Returns the result of selectDevice() with `input` on standard input. Its output is in `printed_`.
-    int select(const QByteArray &input);
+    eyetech::DeviceSelection select(const QByteArray &input, const QStringList &serialNumbers = {});
     void attach(int result, const QList<int> &devices);
 
     Script *script_ = nullptr;
@@ -46,25 +49,24 @@ void TestEyetechLibrary::attach(int result, const QList<int> &devices) {
         std::fill_n(info->serialNumber, sizeof info->serialNumber, static_cast<char>('0' + device));  // not terminated
         return 0;
     };
-    script_->QLSettings_Create = [](int, int *settings) { return *settings = 42, 0; };
 }
 
-int TestEyetechLibrary::select(const QByteArray &input) {
+eyetech::DeviceSelection TestEyetechLibrary::select(const QByteArray &input, const QStringList &serialNumbers) {
     QFile in(folder_.filePath("in"));
     QFile out(folder_.filePath("out"));
     if (!in.open(QIODevice::ReadWrite | QIODevice::Truncate) || !out.open(QIODevice::ReadWrite | QIODevice::Truncate))
         qFatal("cannot create the files for the streams");
     in.write(input);
     in.seek(0);
-    int device = 0;
+    eyetech::DeviceSelection selection;
     {
         const Redirected typed(STDIN_FILENO, in.handle());
         const Redirected shown(STDOUT_FILENO, out.handle());
-        device = eyetech::selectDevice("QL2Settings.txt");
+        selection = eyetech::selectDevice(serialNumbers);
     }
     out.seek(0);
     printed_ = out.readAll();
-    return device;
+    return selection;
 }
 
 void TestEyetechLibrary::calls_go_through_while_the_library_is_loaded() {
@@ -118,7 +120,6 @@ void TestEyetechLibrary::chooses_a_device_data() {
     QTest::newRow("the second of two") << 0 << two << QByteArray("1\n") << 7 << question;
     QTest::newRow("number too high") << 0 << two << QByteArray("2") << 0 << question + "Invalid device: 2.\n\n";
     QTest::newRow("a letter") << 0 << two << QByteArray("a") << 0 << question + "Invalid device: 49.\n\n";
-    QTest::newRow("end of input") << 0 << two << QByteArray() << 0 << question + "Invalid device: -49.\n\n";
 }
 
 void TestEyetechLibrary::chooses_a_device() {
@@ -127,26 +128,50 @@ void TestEyetechLibrary::chooses_a_device() {
     QFETCH(const QByteArray, input);
     QFETCH(const int, chosen);
     attach(result, devices);
+    if (result != 0)
+        QTest::ignoreMessage(QtInfoMsg, "QLDevice_Enumerate returned 3: unknown calibration");
+    const eyetech::DeviceSelection selection = select(input);
+    QCOMPARE(selection.device, chosen);
+    QVERIFY(selection.undecided.empty());
+    QTEST(printed_, "printed");
+}
+
+void TestEyetechLibrary::leaves_several_devices_undecided_data() {
+    QTest::addColumn<QStringList>("serialNumbers");
+    QTest::addColumn<int>("chosen");
+    const QString third(64, '3');
+    QTest::newRow("no serial number") << QStringList{QString(), QString()} << 0;
+    QTest::newRow("unknown serial number") << QStringList{"4"} << 0;
+    QTest::newRow("known serial number") << QStringList{third} << 3;
+    QTest::newRow("second number is known") << QStringList{"4", third} << 3;
+    QTest::newRow("first number takes precedence") << QStringList{QString(64, '2'), third} << 2;
+}
+
+// Without input, no console can answer.
+void TestEyetechLibrary::leaves_several_devices_undecided() {
+    QFETCH(const QStringList, serialNumbers);
+    QFETCH(const int, chosen);
+    attach(0, {1, 2, 3});
+    const eyetech::DeviceSelection selection = select(QByteArray(), serialNumbers);
+    QCOMPARE(selection.device, chosen);
+    QCOMPARE(selection.undecided, chosen == 0 ? (std::vector<int>{1, 2, 3}) : std::vector<int>());
+    QCOMPARE(printed_, QByteArray());
+    attach(0, {1});
+    QCOMPARE(select(QByteArray(), serialNumbers).device, 1);
+}
+
+void TestEyetechLibrary::applies_the_settings_file() {
     QList<int> given;
+    script_->QLSettings_Create = [](int, int *settings) { return *settings = 42, 0; };
     script_->QLSettings_Load = [&](const char *path, int *settings) {
-        return given << int(qstrlen(path)) << *settings, 0;
+        return given << int(qstrlen(path)) << *settings, 1;
     };
     script_->QLDevice_ImportSettings = [&](int device, int settings) { return given << device << settings, 0; };
     script_->QLAPI_ImportSettings = [&](int settings) { return given << settings, 0; };
-    if (result != 0)
-        QTest::ignoreMessage(QtInfoMsg, "QLDevice_Enumerate returned 3: unknown calibration");
-    QCOMPARE(select(input), chosen);
-    QTEST(printed_, "printed");
-    QCOMPARE(given, chosen == 0 ? QList<int>() : (QList<int>{15, 42, chosen, 42, 42}));
-}
-
-void TestEyetechLibrary::does_not_repeat_a_question_after_the_end_of_input() {
-    attach(0, {1, 2, 3});
-    QCOMPARE(select(QByteArray()), 0);
-    QCOMPARE(select("1"), 0);
-    QCOMPARE(printed_, QByteArray());
-    attach(0, {1, 2});
-    QCOMPARE(select("1"), 2);
+    QTest::ignoreMessage(QtInfoMsg, QRegularExpression("absent.txt does not exist"));
+    QTest::ignoreMessage(QtInfoMsg, QRegularExpression("QLSettings_Load returned 1"));
+    eyetech::applySettings(7, "absent.txt");
+    QCOMPARE(given, (QList<int>{10, 42, 7, 42, 42}));
 }
 
 OCELA_TEST(TestEyetechLibrary)

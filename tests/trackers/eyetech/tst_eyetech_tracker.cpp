@@ -1,15 +1,22 @@
+#include "support/redirected.h"
 #include "support/test_main.h"
 #include "trackers/eyetech/eyetech_calibration_screen.h"
+#include "trackers/eyetech/eyetech_device_question.h"
 #include "trackers/eyetech/eyetech_frame_fetcher.h"
 #include "trackers/eyetech/eyetech_tracker.h"
 #include "trackers/eyetech/record_builder.h"
 #include "trackers/eyetech/script.h"
 
+#include <QApplication>
+#include <QDialogButtonBox>
 #include <QElapsedTimer>
+#include <QListWidget>
+#include <QPushButton>
 #include <QRegularExpression>
 #include <QSemaphore>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QTest>
 #include <atomic>
 #include <future>
@@ -20,6 +27,7 @@ class TestEyetechGrabber : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase();
     void init();
     void cleanup() { tracker_.reset(); }
 
@@ -32,10 +40,18 @@ private Q_SLOTS:
     void larger_record_does_no_harm();
     void fetches_one_frame_at_a_time_and_does_not_wait_at_destruction();
     void keeps_its_settings();
+    void reconnects_a_device_with_a_new_id();
+    void reconnects_without_waiting_for_a_frame();
+    void asks_for_one_of_several_devices();
+    void closed_question_returns_with_reconnect();
 
 private:
+    void attachTwo();
+    [[nodiscard]] static EyetechDeviceQuestion *question();
     void open() { tracker_ = std::make_unique<EyetechGrabber>(folder_->path(), nullptr); }
 
+    QTemporaryFile emptyInput_;
+    std::unique_ptr<Redirected> input_;
     std::unique_ptr<QTemporaryDir> folder_;
     std::unique_ptr<EyetechGrabber> tracker_;
     Script *script_ = nullptr;
@@ -43,6 +59,12 @@ private:
     std::atomic<int> status_{3};
     std::atomic<int> result_{0};
 };
+
+/// The console must not answer a question.
+void TestEyetechGrabber::initTestCase() {
+    QVERIFY(emptyInput_.open());
+    input_ = std::make_unique<Redirected>(STDIN_FILENO, emptyInput_.handle());
+}
 
 void TestEyetechGrabber::init() {
     folder_ = std::make_unique<QTemporaryDir>();
@@ -216,7 +238,8 @@ void TestEyetechGrabber::keeps_its_settings() {
     for (const PropertyDescriptor &property : settings->metaDescriptor())
         shown << (property.visible ? property.name : QString());
     shown.removeAll(QString());
-    QCOMPARE(shown, QStringList({"Calibration", "CalibrationTimeMs", "CalibrationAnimationMs", "CalibrationDelayMs"}));
+    QCOMPARE(shown, QStringList({"Calibration", "CalibrationTimeMs", "CalibrationAnimationMs", "CalibrationDelayMs",
+                                 "DeviceSerialNumber"}));
 
     eyetech::CalibrationSequence::timings = {};
     open();
@@ -226,6 +249,129 @@ void TestEyetechGrabber::keeps_its_settings() {
     QCOMPARE(tracker_->calibratedArea(), QRect(-10, 20, 300, 200));
     QCOMPARE(qobject_cast<EyetechSettings *>(tracker_->settings())->getCalibration(),
              EyetechSettings::Calibration_16_points);
+}
+
+void TestEyetechGrabber::reconnects_a_device_with_a_new_id() {
+    std::atomic<int> attached{7};
+    std::atomic<int> started{0};
+    script_->QLDevice_Enumerate = [&](int *count, int *ids) {
+        return *ids = attached, *count = attached == 0 ? 0 : 1, 0;
+    };
+    script_->QLDevice_GetStatus = [&](int device, int *status) {
+        return *status = device != attached ? 0 : (device == started ? 3 : 2), 0;
+    };
+    script_->QLDevice_Start = [&](int device) { return started = device, 0; };
+    script_->QLDevice_Stop = [&](int) { return started = 0, 0; };
+    open();
+    QVERIFY(tracker_->start());
+    QVERIFY(tracker_->startRecord(folder_->filePath("record.csv")));
+    QTRY_VERIFY(tracker_->recordLength().sampleCount > 0);
+    attached = 8;
+    QTRY_VERIFY(!tracker_->isConnected());
+    (void)script_->takeCalls();
+    tracker_->reconnect();
+    QCOMPARE(tracker_->deviceId(), 8);
+    const QList<QByteArray> calls = script_->takeCalls();
+    QVERIFY(calls.indexOf("QLDevice_Stop") < calls.indexOf("QLDevice_ImportSettings"));
+    QCOMPARE(calls.last(), QByteArray("QLDevice_Start"));
+    QTRY_VERIFY(tracker_->isConnected());
+    const std::size_t count = tracker_->recordLength().sampleCount;
+    QTRY_VERIFY(tracker_->recordLength().sampleCount > count + 2);
+
+    attached = 0;
+    tracker_->reconnect();
+    QVERIFY(!tracker_->isConnected());
+    attached = 9;
+    QTRY_VERIFY(tracker_->isConnected());
+    QCOMPARE(started.load(), 9);
+    QVERIFY(tracker_->isRecording());
+    tracker_.reset();
+    freshScript();
+}
+
+void TestEyetechGrabber::reconnects_without_waiting_for_a_frame() {
+    QSemaphore released;
+    std::atomic<int> calls{0};
+    std::atomic<bool> ended{false};
+    script_->QLDevice_GetFrame = [&](int, int waitMs, quicklink2::QLFrameRecord *) {
+        if (++calls > 1)
+            return 1;
+        ended = released.tryAcquire(1, 6 * waitMs);
+        return 0;
+    };
+    open();
+    QTRY_COMPARE(calls.load(), 1);
+    tracker_->reconnect();
+    QVERIFY(!ended);
+    QTest::qWait(100);
+    QCOMPARE(calls.load(), 1);  // a frame at a time
+    released.release();
+    QTRY_VERIFY(calls > 2);
+    tracker_.reset();
+    freshScript();
+}
+
+void TestEyetechGrabber::attachTwo() {
+    script_->QLDevice_Enumerate = [](int *count, int *ids) { return ids[0] = 5, ids[1] = 7, *count = 2, 0; };
+    script_->QLDevice_GetInfo = [](int device, quicklink2::QLDeviceInfo *info) {
+        qstrcpy(info->modelName, "TM");
+        qstrcpy(info->serialNumber, device == 5 ? "five\1" : "seven\1");
+        return 0;
+    };
+}
+
+EyetechDeviceQuestion *TestEyetechGrabber::question() {
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (auto *found = qobject_cast<EyetechDeviceQuestion *>(widget); found && found->isVisible())
+            return found;
+    }
+    return nullptr;
+}
+
+void TestEyetechGrabber::asks_for_one_of_several_devices() {
+    attachTwo();
+    open();
+    QTest::qWait(100);
+    QVERIFY(!question());  // the tracker is not selected yet
+    tracker_->start();
+    QTRY_VERIFY(question());
+    tracker_->stop();
+    QVERIFY(!question());
+    tracker_->start();
+    QTRY_VERIFY(question());
+    QVERIFY(!tracker_->isConnected());
+    auto *list = question()->findChild<QListWidget *>();
+    QCOMPARE(list->count(), 2);
+    list->setCurrentRow(1);
+    question()->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok)->click();
+    QTRY_COMPARE(tracker_->deviceId(), 7);
+    QTRY_VERIFY(tracker_->isConnected());
+    QVERIFY(!question());
+
+    open();
+    QCOMPARE(tracker_->deviceId(), 7);
+    QCOMPARE(qobject_cast<EyetechSettings *>(tracker_->settings())->getDeviceSerialNumber(), QString("seven"));
+    script_->QLDevice_Enumerate = [](int *count, int *ids) { return *ids = 5, *count = 1, 0; };
+    tracker_->reconnect();
+    QCOMPARE(tracker_->deviceId(), 5);
+    tracker_.reset();
+    freshScript();
+}
+
+void TestEyetechGrabber::closed_question_returns_with_reconnect() {
+    attachTwo();
+    open();
+    tracker_->start();
+    QTRY_VERIFY(question());
+    question()->reject();
+    QTest::qWait(100);
+    QVERIFY(!question());
+    QVERIFY(tracker_->connectionProblem().contains("several devices"));
+    tracker_->reconnect();
+    QTRY_VERIFY(question());
+    script_->QLDevice_Enumerate = [](int *count, int *) { return *count = 0, 0; };
+    QTRY_VERIFY(!question());
+    QCOMPARE(tracker_->connectionProblem(), QString("no device found"));
 }
 
 OCELA_TEST(TestEyetechGrabber)
