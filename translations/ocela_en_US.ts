@@ -45,6 +45,38 @@
         <source>Calibration</source>
         <translation>Calibration</translation>
     </message>
+    <message>
+        <source>Press Escape or click to close this screen.</source>
+        <translation>Press Escape or click to close this screen.</translation>
+    </message>
+    <message>
+        <source>The calibration has failed: the tracker refused to start it.</source>
+        <translation>The calibration has failed: the tracker refused to start it.</translation>
+    </message>
+    <message>
+        <source>The calibration has failed: the tracker did not return its targets.</source>
+        <translation>The calibration has failed: the tracker did not return its targets.</translation>
+    </message>
+    <message>
+        <source>The calibration has failed: the tracker was lost. Check its cable and calibrate again.</source>
+        <translation>The calibration has failed: the tracker was lost. Check its cable and calibrate again.</translation>
+    </message>
+    <message>
+        <source>The calibration has failed: the tracker refused its result.</source>
+        <translation>The calibration has failed: the tracker refused its result.</translation>
+    </message>
+    <message>
+        <source>The tracker does not accept this target and tries again. Look at its centre, or press Escape to cancel.</source>
+        <translation>The tracker does not accept this target and tries again. Look at its centre, or press Escape to cancel.</translation>
+    </message>
+    <message>
+        <source>L: left eye, R: right eye</source>
+        <translation>L: left eye, R: right eye</translation>
+    </message>
+    <message>
+        <source>A smaller score is better, below 10 is good</source>
+        <translation>A smaller score is better, below 10 is good</translation>
+    </message>
 </context>
 <context>
     <name>EyetechDeviceQuestion</name>

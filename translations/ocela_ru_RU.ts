@@ -45,6 +45,38 @@
         <source>Calibration</source>
         <translation>Калибровка</translation>
     </message>
+    <message>
+        <source>Press Escape or click to close this screen.</source>
+        <translation>Нажмите Escape или щёлкните мышью, чтобы закрыть этот экран.</translation>
+    </message>
+    <message>
+        <source>The calibration has failed: the tracker refused to start it.</source>
+        <translation>Калибровка не удалась: трекер отказался её начать.</translation>
+    </message>
+    <message>
+        <source>The calibration has failed: the tracker did not return its targets.</source>
+        <translation>Калибровка не удалась: трекер не сообщил её точки.</translation>
+    </message>
+    <message>
+        <source>The calibration has failed: the tracker was lost. Check its cable and calibrate again.</source>
+        <translation>Калибровка не удалась: связь с трекером потеряна. Проверьте кабель и повторите калибровку.</translation>
+    </message>
+    <message>
+        <source>The calibration has failed: the tracker refused its result.</source>
+        <translation>Калибровка не удалась: трекер не принял её результат.</translation>
+    </message>
+    <message>
+        <source>The tracker does not accept this target and tries again. Look at its centre, or press Escape to cancel.</source>
+        <translation>Трекер не принимает эту точку и пробует снова. Смотрите в её центр или нажмите Escape для отмены.</translation>
+    </message>
+    <message>
+        <source>L: left eye, R: right eye</source>
+        <translation>L: левый глаз, R: правый глаз</translation>
+    </message>
+    <message>
+        <source>A smaller score is better, below 10 is good</source>
+        <translation>Чем меньше оценка, тем лучше; меньше 10 — хорошо</translation>
+    </message>
 </context>
 <context>
     <name>EyetechDeviceQuestion</name>

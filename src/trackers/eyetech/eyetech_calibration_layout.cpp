@@ -10,7 +10,9 @@ namespace {
 
 constexpr float maxGoodScore = 10.0F;  // a good score is below this
 constexpr int cellCount = 5;           // columns and rows of the grid that places the buttons
-constexpr QPointF textOffset(10, 10);
+constexpr QPoint textOffset(10, 10);
+/// Limits the time if many texts are at one place, after a target was repeated many times.
+constexpr int maxMoveCount = 10;
 /// Larger than any window, but small enough for QPainter.
 constexpr int maxPixel = 1000000;
 
@@ -36,8 +38,39 @@ QString layout::scoreText(const QString &eye, const quicklink2::QLScore &score) 
     return eye + QString::number(static_cast<double>(score.score), 'f', 2);
 }
 
-QPointF layout::textPosition(QPoint gazePoint) {
+QPoint layout::textPosition(QPoint gazePoint) {
     return gazePoint + textOffset;
+}
+
+std::vector<QRect> layout::separated(QSize area, std::vector<QRect> boxes, const std::vector<QRect> &obstacles) {
+    std::vector<QRect> placed = obstacles;
+    for (QRect &box : boxes) {
+        const int maxTop = std::max(0, area.height() - box.height());
+        box.moveLeft(std::clamp(box.left(), 0, std::max(0, area.width() - box.width())));
+        box.moveTop(std::clamp(box.top(), 0, maxTop));
+        const auto covered = [&] {
+            return std::find_if(placed.begin(), placed.end(),
+                                [&](const QRect &other) { return other.intersects(box); });
+        };
+        auto other = covered();
+        for (int i = 0; i < maxMoveCount && other != placed.end(); ++i) {
+            const int below = other->bottom() + 1;
+            box.moveTop(below <= maxTop ? below : std::max(0, other->top() - box.height()));
+            other = covered();
+        }
+        placed.push_back(box);
+    }
+    return boxes;
+}
+
+QRect layout::targetBox(QPoint centre) {
+    return {centre - QPoint(targetDiameter, targetDiameter) / 2, QSize(targetDiameter, targetDiameter)};
+}
+
+QRect layout::messageBox(QSize area, QPoint target) {
+    const int height = area.height() / 3;
+    const bool isTargetAbove = target.y() < area.height() / 2;
+    return {0, isTargetAbove ? area.height() - height : 0, area.width(), height};
 }
 
 layout::Buttons layout::buttons(QSize area) {

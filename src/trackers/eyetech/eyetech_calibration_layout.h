@@ -6,6 +6,7 @@
 #include <QPoint>
 #include <QRect>
 #include <QString>
+#include <vector>
 
 /// The geometry, colours and texts of the calibration screen. Pixels are relative to its window, which has the size of
 /// the calibrated area. Reentrant.
@@ -35,8 +36,18 @@ struct Target {
 /// handle.
 [[nodiscard]] QPoint gazePoint(QSize area, const Target &target, const quicklink2::QLScore &score);
 [[nodiscard]] QString scoreText(const QString &eye, const quicklink2::QLScore &score);
-/// Returns the start of the text at a gaze point.
-[[nodiscard]] QPointF textPosition(QPoint gazePoint);
+/// Returns the start of the text at a gaze point, on its baseline.
+[[nodiscard]] QPoint textPosition(QPoint gazePoint);
+/// Returns the boxes of texts, moved into the window. A box that would cover an obstacle or an earlier box is moved
+/// below it or, at the bottom of the window, above it.
+[[nodiscard]] std::vector<QRect> separated(QSize area, std::vector<QRect> boxes, const std::vector<QRect> &obstacles);
+/// Returns the bounds of a target.
+[[nodiscard]] QRect targetBox(QPoint centre);
+constexpr int textPixels = 16;  ///< font size of scores
+
+/// Returns the part of the window for a message, which does not cover the target.
+[[nodiscard]] QRect messageBox(QSize area, QPoint target);
+constexpr int messagePixels = 24;  ///< font size of messages
 
 struct Buttons {
     QRect save;

@@ -8,6 +8,7 @@
 #include <QTimer>
 #include <algorithm>
 
+using eyetech::CalibrationOutcome;
 using eyetech::CalibrationSequence;
 using quicklink2::QLScore;
 using quicklink2::QLTarget;
@@ -20,6 +21,8 @@ constexpr int maxTargetCount = 20;
 constexpr int minDelayMs = 100;
 constexpr int minCalibrationMs = 500;
 constexpr int resultPollMs = 10;
+/// The number of failed measurements after which the user is told about a target.
+constexpr int minReportedRefusalCount = 3;
 /// Limits the memory if the device fails at every measurement.
 constexpr std::size_t maxMeasurementCount = 1000;
 
@@ -57,19 +60,29 @@ QLScore scoreOf(int calibration, int target, int eye) {
 
 eyetech::CalibrationTimings CalibrationSequence::timings{1000, 1000, 2000};
 
-bool CalibrationSequence::run(int device, QSize area) {
+CalibrationOutcome CalibrationSequence::run(int device, QSize area) {
     isBusy_ = true;
     isCancelled_ = false;
+    isDeviceLost_ = false;
     device_ = device;
     area_ = area;
-    const std::optional<DeviceTargets> targets = initialize() ? fetchTargets() : std::nullopt;
-    if (!targets || !runTargets(*targets)) {
+    const CalibrationOutcome outcome = runSteps();
+    if (outcome != CalibrationOutcome::Done)
         cancel();
-        return false;
-    }
+    return outcome;
+}
+
+CalibrationOutcome CalibrationSequence::runSteps() {
+    if (!initialize())
+        return CalibrationOutcome::NotStarted;
+    const std::optional<DeviceTargets> targets = fetchTargets();
+    if (!targets)
+        return CalibrationOutcome::NoTargets;
+    if (!runTargets(*targets))
+        return isDeviceLost_ ? CalibrationOutcome::DeviceLost : CalibrationOutcome::Cancelled;
     isBusy_ = false;
     readScores(*targets);
-    return true;
+    return CalibrationOutcome::Done;
 }
 
 // Only the result `badArgument` is treated as a failure: that is intended.
@@ -108,10 +121,29 @@ bool CalibrationSequence::runTargets(const DeviceTargets &targets) {
 /// Repeats the measurement until it succeeds or the device is lost. The wait between two attempts limits the rate if
 /// the device fails at once.
 bool CalibrationSequence::runTarget(const QLTarget &target) {
+    refusalCount_ = 0;
     bool isDone = measure(target);
-    while (!isDone && continues() && waitWithEvents(resultPollMs))
+    while (!isDone && continues()) {
+        countRefusal(target);
+        if (!waitWithEvents(resultPollMs))
+            return false;
         isDone = measure(target);
+    }
     return isDone;
+}
+
+void CalibrationSequence::countRefusal(const QLTarget &target) {
+    if (isTargetRefused())
+        return;
+    ++refusalCount_;
+    if (!isTargetRefused())
+        return;
+    qCWarning(lcEyetech, "The device keeps refusing the calibration target %d", target.id);
+    Q_EMIT targetMoved();
+}
+
+bool CalibrationSequence::isTargetRefused() const {
+    return refusalCount_ >= minReportedRefusalCount;
 }
 
 bool CalibrationSequence::measure(const QLTarget &target) {
@@ -155,6 +187,7 @@ void CalibrationSequence::waitForResult(const QLTarget &target) {
 bool CalibrationSequence::continues() {
     if (!isCancelled_ && !isAttached(deviceStatus(device_))) {
         qCWarning(lcEyetech, "The calibration has failed: the device was lost");
+        isDeviceLost_ = true;
         isCancelled_ = true;
     }
     return !isCancelled_;

@@ -262,11 +262,14 @@ void EyetechGrabber::openCalibrationWidget(QRect area) {
     calibrationWidget_ = std::make_shared<EyetechCalibrationWidget>(this, area, eyetechSettings_->getCalibration());
     connect(
         calibrationWidget_.get(), &EyetechCalibrationWidget::calibrated, this,
-        [this](int calibrationId) {
-            quicklink2::QLDevice_ApplyCalibration(deviceId_, calibrationId);
+        [this, widget = calibrationWidget_.get()](int calibrationId) {
+            if (!applyCalibration(calibrationId))
+                widget->fail(eyetech::CalibrationOutcome::NotApplied);
             Q_EMIT calibrated();
         },
         Qt::DirectConnection);
+    connect(calibrationWidget_.get(), &EyetechCalibrationWidget::finished, this,
+            &EyetrackerInterface::calibrationFinished, Qt::DirectConnection);
     // Queued, so that the calibration does not run inside the handler of the button's click.
     connect(calibrationWidget_.get(), &EyetechCalibrationWidget::calibrationWanted, this,
             &EyetechGrabber::runCalibration, Qt::QueuedConnection);

@@ -59,6 +59,9 @@ public Q_SLOTS:
     /// Shows the calibration screen over `area`, and processes events until the calibration has ended. Does nothing if
     /// no device is chosen. If a calibration is already running, cancels it and returns at once. The function that runs
     /// the old calibration then runs the new one, so nested calls do not accumulate on the call stack.
+    ///
+    /// A click on "Recalibrate" starts another calibration on the same screen. calibrationFinished() is emitted once
+    /// for each of them. After it, closing the screen has no further result.
     void calibrate(QRect area) override;
     void stopCalibration() override;
     [[nodiscard]] QLFrameData getLastFrame() const { return lastFrame_; }

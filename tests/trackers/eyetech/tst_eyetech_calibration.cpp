@@ -19,6 +19,7 @@ static void initResources() {
 }
 
 using Calls = QList<QByteArray>;
+using CalibrationResult = EyetrackerInterface::CalibrationResult;
 
 /// Tests calibrations with a fake library whose device has the targets 1 and 2.
 class TestEyetechCalibrationWidget : public QObject {
@@ -33,8 +34,9 @@ private Q_SLOTS:
     void shows_the_scores_and_the_gaze();
     void recalibrates_and_saves();
     void failed_target_is_repeated();
-    void failing_call_closes_the_screen_data();
-    void failing_call_closes_the_screen();
+    void refused_target_is_explained_on_the_screen();
+    void failure_is_explained_on_the_screen_data();
+    void failure_is_explained_on_the_screen();
     void can_be_cancelled_at_any_time_data();
     void can_be_cancelled_at_any_time();
     void nested_calibrations_do_not_accumulate();
@@ -46,11 +48,14 @@ private:
     void act(const QString &action);
     [[nodiscard]] QWidget *screen() const;
     [[nodiscard]] QPushButton *button(const QString &text) const;
+    /// Returns the number of white pixels on the screen.
+    [[nodiscard]] int whiteCount() const;
 
     QTemporaryDir folder_;
     std::unique_ptr<EyetechGrabber> tracker_;
     Script *script_ = nullptr;
     int calibratedCount_ = 0;
+    QList<CalibrationResult> results_;
     QList<int> statuses_;  ///< results of QLCalibration_GetStatus, one per call; 0 afterwards
     QList<int> times_;     ///< the requested durations of measurements
     const QRect area_{40, 30, 500, 400};
@@ -85,9 +90,12 @@ void TestEyetechCalibrationWidget::init() {
     statuses_ = {1, 1};
     times_.clear();
     calibratedCount_ = 0;
+    results_.clear();
     tracker_ = std::make_unique<EyetechGrabber>(folder_.path(), nullptr);
     eyetech::CalibrationSequence::timings = {0, 100, 499};
     connect(tracker_.get(), &EyetrackerInterface::calibrated, this, [this] { ++calibratedCount_; });
+    connect(tracker_.get(), &EyetrackerInterface::calibrationFinished, this,
+            [this](CalibrationResult result) { results_ << result; });
     (void)script_->takeCalls();
 }
 
@@ -104,6 +112,7 @@ void TestEyetechCalibrationWidget::act(const QString &action) {
         {"Escape", [] { Q_EMIT GlobalKeyboard::Instance()->keyPressed(Qt::Key_Escape); }},
         {"stopCalibration()", [this] { tracker_->stopCalibration(); }},
         {"stop()", [this] { tracker_->stop(); }},
+        {"reconnect()", [this] { tracker_->reconnect(); }},
         {"another calibrate()", [this] { tracker_->calibrate(area_); }},
         {"quitting", [] { QCoreApplication::quit(); }},
         {"losing the device",
@@ -129,6 +138,16 @@ QPushButton *TestEyetechCalibrationWidget::button(const QString &text) const {
     return nullptr;
 }
 
+int TestEyetechCalibrationWidget::whiteCount() const {
+    const QImage picture = screen()->grab().toImage();
+    int count = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x)
+            count += picture.pixel(x, y) == qRgb(255, 255, 255) ? 1 : 0;
+    }
+    return count;
+}
+
 void TestEyetechCalibrationWidget::runs_the_whole_sequence() {
     int applied = 0;
     script_->QLDevice_ApplyCalibration = [&](int device, int calibration) {
@@ -143,6 +162,7 @@ void TestEyetechCalibrationWidget::runs_the_whole_sequence() {
     QCOMPARE(applied, 79);
     QCOMPARE(times_, (QList<int>{500, 500}));  // the minimum
     QCOMPARE(calibratedCount_, 1);
+    QCOMPARE(results_, QList<CalibrationResult>{CalibrationResult::Done});
     QCOMPARE(tracker_->calibratedArea(), area_);
     QVERIFY(screen() && screen()->geometry() == area_);
 }
@@ -151,9 +171,9 @@ void TestEyetechCalibrationWidget::shows_the_scores_and_the_gaze() {
     calibrate();
     const auto pixel = [&](int x, int y) { return screen()->grab().toImage().pixelColor(x, y); };
     QCOMPARE(pixel(250, 20), QColor("#333"));
-    QCOMPARE(pixel(100, 100 + 6), QColor("#3C0"));  // beside the dot in the centre
+    QCOMPARE(pixel(100, 100 - 8), QColor("#3C0"));  // beside the dot in the centre
     QCOMPARE(pixel(100, 100 - 17), QColor("#FFF"));
-    QCOMPARE(pixel(400, 300 + 6), QColor("#C30"));
+    QCOMPARE(pixel(400, 300 - 8), QColor("#C30"));
     QCOMPARE(pixel(50, 100), QColor("#3C0"));    // the gaze of the left eye
     QVERIFY(pixel(370, 300) != QColor("#333"));  // the line to the gaze of the right eye
 
@@ -177,10 +197,17 @@ void TestEyetechCalibrationWidget::recalibrates_and_saves() {
     QCOMPARE(script_->takeCalls().mid(0, 2), (Calls{"QLCalibration_Initialize", "QLCalibration_GetTargets"}));
     button("Save")->click();
     QVERIFY(!screen());
+    QCOMPARE(results_, (QList<CalibrationResult>{CalibrationResult::Done, CalibrationResult::Done}));
     QCOMPARE(script_->takeCalls().last(), QByteArray("QLCalibration_Finalize"));
     // A later key press must not cancel the saved calibration.
     act("Escape");
     QCOMPARE(script_->takeCalls(), Calls());
+
+    // A device that was plugged in again gets the calibration.
+    script_->QLDevice_Enumerate = [](int *count, int *devices) { return *devices = 8, *count = 1, 0; };
+    tracker_->reconnect();
+    QCOMPARE(tracker_->deviceId(), 8);
+    QVERIFY(script_->takeCalls().contains("QLDevice_ApplyCalibration"));
 }
 
 void TestEyetechCalibrationWidget::failed_target_is_repeated() {
@@ -189,28 +216,49 @@ void TestEyetechCalibrationWidget::failed_target_is_repeated() {
     QCOMPARE(times_.size(), 3);
     // Intended: the second measurement of the first target gets the scores of the second target.
     const QImage shown = screen()->grab().toImage();
-    QCOMPARE(shown.pixelColor(100, 100 + 6), QColor("#C30"));
-    QCOMPARE(shown.pixelColor(400, 300 + 6), QColor("#3C0"));
+    QCOMPARE(shown.pixelColor(100, 100 - 8), QColor("#C30"));
+    QCOMPARE(shown.pixelColor(400, 300 - 8), QColor("#3C0"));
 }
 
-void TestEyetechCalibrationWidget::failing_call_closes_the_screen_data() {
+void TestEyetechCalibrationWidget::refused_target_is_explained_on_the_screen() {
+    int refusals = 0;
+    int whiteAtFirst = 0;
+    int whiteAtLast = 0;
+    script_->QLCalibration_GetStatus = [&](int, int, int *status) {
+        if (refusals == 1)
+            whiteAtFirst = whiteCount();
+        if (refusals == 10)
+            whiteAtLast = whiteCount();
+        return *status = ++refusals > 10 ? 0 : 5, 0;
+    };
+    QTest::ignoreMessage(QtWarningMsg, "The device keeps refusing the calibration target 1");
+    calibrate();
+    QVERIFY2(whiteAtLast > whiteAtFirst + 100, qPrintable(QString("%1, %2").arg(whiteAtFirst).arg(whiteAtLast)));
+    QCOMPARE(results_, QList<CalibrationResult>{CalibrationResult::Done});
+}
+
+void TestEyetechCalibrationWidget::failure_is_explained_on_the_screen_data() {
     QTest::addColumn<int>("initialised");
     QTest::addColumn<int>("targets");
     QTest::addColumn<int>("count");
+    QTest::addColumn<int>("applied");
     QTest::addColumn<bool>("calibrates");
-    QTest::newRow("initialisation fails") << 1 << 0 << 2 << false;
-    QTest::newRow("initialisation returns another result") << 2 << 0 << 2 << true;
-    QTest::newRow("too many targets") << 0 << 11 << 25 << false;
-    QTest::newRow("fetching targets fails") << 0 << 10 << 20 << false;
-    QTest::newRow("count above the maximum") << 0 << 0 << 1000000 << true;
-    QTest::newRow("negative count") << 0 << 0 << -1 << true;
+    QTest::newRow("initialisation fails") << 1 << 0 << 2 << 0 << false;
+    QTest::newRow("initialisation returns another result") << 2 << 0 << 2 << 0 << true;
+    QTest::newRow("too many targets") << 0 << 11 << 25 << 0 << false;
+    QTest::newRow("fetching targets fails") << 0 << 10 << 20 << 0 << false;
+    QTest::newRow("count above the maximum") << 0 << 0 << 1000000 << 0 << true;
+    QTest::newRow("negative count") << 0 << 0 << -1 << 0 << true;
+    QTest::newRow("the result is refused") << 0 << 0 << 0 << 4 << false;
 }
 
-void TestEyetechCalibrationWidget::failing_call_closes_the_screen() {
+void TestEyetechCalibrationWidget::failure_is_explained_on_the_screen() {
     QFETCH(const int, initialised);
     QFETCH(const int, targets);
     QFETCH(const int, count);
+    QFETCH(const int, applied);
     QFETCH(const bool, calibrates);
+    script_->QLDevice_ApplyCalibration = [&](int, int) { return applied; };
     script_->QLCalibration_Initialize = [&](int, int, int) { return initialised; };
     script_->QLCalibration_GetTargets = [&](int, int *number, quicklink2::QLTarget *) {
         return *number = count, targets;
@@ -218,17 +266,25 @@ void TestEyetechCalibrationWidget::failing_call_closes_the_screen() {
     if (targets != 0)
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("GetTargets returned " + QString::number(targets)));
     calibrate();
-    QCOMPARE(calibratedCount_ == 1, calibrates);
-    QCOMPARE(screen() != nullptr, calibrates);
-    QCOMPARE(script_->takeCalls().last(), calibrates ? "QLDevice_ApplyCalibration" : "QLCalibration_Cancel");
+    QCOMPARE(calibratedCount_ == 1, calibrates || applied != 0);
+    QCOMPARE(results_, QList<CalibrationResult>{calibrates ? CalibrationResult::Done : CalibrationResult::Failed});
+    const bool isApplied = initialised != 1 && targets == 0;
+    QCOMPARE(script_->takeCalls().last(), isApplied ? "QLDevice_ApplyCalibration" : "QLCalibration_Cancel");
+    QCOMPARE(button("Recalibrate") != nullptr, calibrates);
+    if (calibrates)
+        return;
+    QVERIFY(whiteCount() > 100);
+    QTest::mouseClick(screen(), Qt::LeftButton);
+    QVERIFY(!screen());
+    QCOMPARE(results_.size(), 1);
 }
 
 void TestEyetechCalibrationWidget::can_be_cancelled_at_any_time_data() {
     QTest::addColumn<QString>("action");
     QTest::addColumn<int>("status");
     QTest::addColumn<int>("polls");
-    for (const char *action : {"Escape", "stopCalibration()", "stop()", "another calibrate()", "quitting",
-                               "losing the device", "destroying the tracker"}) {
+    for (const char *action : {"Escape", "stopCalibration()", "stop()", "reconnect()", "another calibrate()",
+                               "quitting", "losing the device", "destroying the tracker"}) {
         QTest::addRow("%s during the move to a target", action) << action << 1 << 0;
         QTest::addRow("%s during a measurement", action) << action << 1 << 4;
         QTest::addRow("%s while a target is repeated", action) << action << 5 << 9;
@@ -241,6 +297,7 @@ void TestEyetechCalibrationWidget::can_be_cancelled_at_any_time() {
     QFETCH(const int, polls);
     eyetech::CalibrationSequence::timings.animationMs = 90;
     const bool restarts = action.startsWith("another");
+    const bool isLost = action.startsWith("losing");
     bool acted = false;
     const auto actLater = [&] {
         QTimer::singleShot(0, this, [&] {
@@ -256,12 +313,18 @@ void TestEyetechCalibrationWidget::can_be_cancelled_at_any_time() {
     };
     if (polls == 0)
         QTimer::singleShot(0, this, actLater);
-    if (action == "losing the device")
+    if (status == 5)
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("keeps refusing"));
+    if (isLost)
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("the device was lost"));
     calibrate();
     QVERIFY(acted);
     QCOMPARE(calibratedCount_, restarts ? 1 : 0);
-    QCOMPARE(screen() != nullptr, restarts);
+    QList<CalibrationResult> expected{isLost ? CalibrationResult::Failed : CalibrationResult::Cancelled};
+    if (restarts)
+        expected << CalibrationResult::Done;
+    QCOMPARE(results_, expected);
+    QCOMPARE(screen() != nullptr, restarts || isLost);
 }
 
 /// calibrate() during a calibration replaces the running one, without nested calls.
@@ -282,6 +345,8 @@ void TestEyetechCalibrationWidget::nested_calibrations_do_not_accumulate() {
     calibrate();
     QCOMPARE(maxDepth, 1);
     QCOMPARE(calibratedCount_, 1);
+    QCOMPARE(results_.count(CalibrationResult::Cancelled), 20);
+    QCOMPARE(results_.count(CalibrationResult::Done), 1);
 }
 
 OCELA_TEST(TestEyetechCalibrationWidget)

@@ -13,6 +13,7 @@ private Q_SLOTS:
     void points_are_truncated_to_pixels_data();
     void points_are_truncated_to_pixels();
     void score_decides_the_colour_and_text();
+    void texts_do_not_cover_each_other();
 };
 
 void TestEyetechCalibrationLayout::points_are_truncated_to_pixels_data() {
@@ -53,6 +54,19 @@ void TestEyetechCalibrationLayout::score_decides_the_colour_and_text() {
     QCOMPARE(colour(std::numeric_limits<float>::quiet_NaN(), 1.0F), bad);
     QCOMPARE(layout::scoreText("L:", {0, 0, 10.0F}), QString("L:10.00"));
     QCOMPARE(layout::scoreText("R:", {0, 0, 0.126F}), QString("R:0.13"));
+}
+
+void TestEyetechCalibrationLayout::texts_do_not_cover_each_other() {
+    const QSize area(1000, 500);
+    const std::vector<QRect> wanted{{100, 100, 60, 20}, {110, 105, 60, 20}, {300, 100, 60, 20},
+                                    {990, 490, 60, 20}, {985, 488, 60, 20}, {-1000000, -1000000, 60, 20}};
+    const std::vector<QRect> expected{{100, 100, 60, 20}, {110, 120, 60, 20}, {300, 100, 60, 20},
+                                      {940, 480, 60, 20}, {940, 460, 60, 20}, {0, 0, 60, 20}};
+    QCOMPARE(layout::separated(area, wanted, {}), expected);
+    const std::vector<QRect> target{layout::targetBox({100, 100})};
+    QCOMPARE(layout::separated(area, {{110, 105, 60, 20}}, target), (std::vector<QRect>{{110, 125, 60, 20}}));
+    // Many texts at one place end in a limited time.
+    QVERIFY(layout::separated(area, std::vector<QRect>(2000, QRect(0, 0, 60, 20)), {}).back().isValid());
 }
 
 OCELA_TEST(TestEyetechCalibrationLayout)
