@@ -80,7 +80,8 @@ private Q_SLOTS:
 
 private:
     [[nodiscard]] QSystemTrayIcon &icon() const { return *trayIcon_->findChild<QSystemTrayIcon *>(); }
-    [[nodiscard]] QAction &action(const QString &text) const;
+    /// Returns null if the menu has no such action.
+    [[nodiscard]] QAction *action(const QString &text) const;
 
     std::optional<XcbConnection> tray_;
     TrayIcon *trayIcon_ = nullptr;
@@ -104,11 +105,11 @@ void TestMainWindowTray::init() {
     trayIcon_ = window_->findChild<TrayIcon *>();
 }
 
-QAction &TestMainWindowTray::action(const QString &text) const {
+QAction *TestMainWindowTray::action(const QString &text) const {
     QAction *found = nullptr;
     for (QAction *action : icon().contextMenu()->actions())
         found = action->text() == text ? action : found;
-    return *found;
+    return found;
 }
 
 void TestMainWindowTray::click_on_the_icon_toggles_the_window() {
@@ -122,16 +123,16 @@ void TestMainWindowTray::click_on_the_icon_toggles_the_window() {
 
 void TestMainWindowTray::starts_hidden_and_quit_hides_a_visible_window() {
     QVERIFY(!window_->isVisible());
-    action("Show window").trigger();
+    action("Show window")->trigger();
     QVERIFY(window_->isVisible());
-    action("Quit").trigger();
+    action("Quit")->trigger();
     QVERIFY(!window_->isVisible());
     QVERIFY(!window_->isClosed());
 }
 
 void TestMainWindowTray::minimised_window_is_shown() {
     const std::function<void()> ways[] = {[this] { Q_EMIT icon().activated(QSystemTrayIcon::Trigger); },
-                                          [this] { action("Show window").trigger(); }};
+                                          [this] { action("Show window")->trigger(); }};
     for (const auto &show : ways) {
         window_->showMinimized();
         QVERIFY(window_->isMinimized());
@@ -203,11 +204,11 @@ void TestMainWindowTray::port_of_another_program_is_shown() {
     const QString problem = "Port 3735 is used by another program";
     QTRY_VERIFY2(message().contains(problem), qPrintable(message()));
     QCOMPARE(icon().toolTip(), "Eye Tracker Service\n" + problem);
-    QVERIFY(!action("Open dashboard (" + problem + ")").isEnabled());
+    QVERIFY(!action("Open dashboard (" + problem + ")")->isEnabled());
 }
 
 void TestMainWindowTray::quit_exits_when_the_window_is_hidden() {
-    QTimer::singleShot(0, &action("Quit"), &QAction::trigger);
+    QTimer::singleShot(0, action("Quit"), &QAction::trigger);
     QTimer::singleShot(20000, window_.get(), [] { QCoreApplication::exit(1); });
     QCOMPARE(QCoreApplication::exec(), 0);
     QVERIFY(window_->isClosed());

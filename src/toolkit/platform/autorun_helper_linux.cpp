@@ -23,7 +23,7 @@ QString autostartFolder(bool allUsers) {
 }
 
 QString fail(const QString &what, const QString &path, const QString &reason) {
-    const QString problem = what + ' ' + path + ": " + reason;
+    QString problem = what + ' ' + path + ": " + reason;
     qCWarning(lcToolkit).noquote() << problem;
     return problem;
 }

@@ -43,7 +43,7 @@ QString native(const QString &path) {
 }
 
 QString fail(const QString &what, const QString &path, const QString &reason) {
-    const QString problem = what + ' ' + native(path) + ": " + reason;
+    QString problem = what + ' ' + native(path) + ": " + reason;
     qCWarning(lcToolkit).noquote() << problem;
     return problem;
 }
