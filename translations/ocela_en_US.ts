@@ -123,8 +123,8 @@
 <context>
     <name>EyetechVideoDisplayWidget</name>
     <message>
-        <source>The colour of the markers rates your distance: green is good, red is too near or too far. Click to see the pupils under them.</source>
-        <translation>The colour of the markers rates your distance: green is good, red is too near or too far. Click to see the pupils under them.</translation>
+        <source>The colour of the markers rates your distance: green is good, red is too near or too far. Click to see the pupils under the markers.</source>
+        <translation>The colour of the markers rates your distance: green is good, red is too near or too far. Click to see the pupils under the markers.</translation>
     </message>
 </context>
 <context>
@@ -470,8 +470,8 @@
         <translation>Task</translation>
     </message>
     <message>
-        <source>Optional. Names the record files that &quot;Start record&quot; begins.</source>
-        <translation>Optional. Names the record files that &quot;Start record&quot; begins.</translation>
+        <source>Optional. Added to the file name of recordings that you start with &quot;Start record&quot;.</source>
+        <translation>Optional. Added to the file name of recordings that you start with &quot;Start record&quot;.</translation>
     </message>
 </context>
 <context>
@@ -481,8 +481,8 @@
         <translation>The settings file %1 cannot be read: %2</translation>
     </message>
     <message>
-        <source>The defaults apply, and changes are not kept. Start Ocela again to use the file.</source>
-        <translation>The defaults apply, and changes are not kept. Start Ocela again to use the file.</translation>
+        <source>The defaults apply, and changes are not saved. Start Ocela again to use the file.</source>
+        <translation>The defaults apply, and changes are not saved. Start Ocela again to use the file.</translation>
     </message>
 </context>
 <context>

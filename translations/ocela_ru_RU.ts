@@ -55,7 +55,7 @@
     </message>
     <message>
         <source>The calibration has failed: the tracker did not return its targets.</source>
-        <translation>Калибровка не удалась: трекер не сообщил её точки.</translation>
+        <translation>Калибровка не удалась: трекер не передал точки калибровки.</translation>
     </message>
     <message>
         <source>The calibration has failed: the tracker was lost. Check its cable and calibrate again.</source>
@@ -123,8 +123,8 @@
 <context>
     <name>EyetechVideoDisplayWidget</name>
     <message>
-        <source>The colour of the markers rates your distance: green is good, red is too near or too far. Click to see the pupils under them.</source>
-        <translation>Цвет меток оценивает расстояние: зелёный — хорошо, красный — слишком близко или далеко. Щёлкните, чтобы увидеть зрачки под ними.</translation>
+        <source>The colour of the markers rates your distance: green is good, red is too near or too far. Click to see the pupils under the markers.</source>
+        <translation>Цвет меток оценивает расстояние: зелёный — хорошо, красный — слишком близко или далеко. Щёлкните, чтобы увидеть зрачки под метками.</translation>
     </message>
 </context>
 <context>
@@ -470,8 +470,8 @@
         <translation>Задание</translation>
     </message>
     <message>
-        <source>Optional. Names the record files that &quot;Start record&quot; begins.</source>
-        <translation>Необязательно. Входит в имя файла, когда запись начата кнопкой «Начать запись».</translation>
+        <source>Optional. Added to the file name of recordings that you start with &quot;Start record&quot;.</source>
+        <translation>Необязательно. Добавляется к имени файла записи, начатой кнопкой «Начать запись».</translation>
     </message>
 </context>
 <context>
@@ -481,7 +481,7 @@
         <translation>Не удаётся прочитать файл настроек %1: %2</translation>
     </message>
     <message>
-        <source>The defaults apply, and changes are not kept. Start Ocela again to use the file.</source>
+        <source>The defaults apply, and changes are not saved. Start Ocela again to use the file.</source>
         <translation>Действуют значения по умолчанию, изменения не сохраняются. Чтобы использовать файл, запустите Ocela снова.</translation>
     </message>
 </context>
@@ -606,7 +606,7 @@
     </message>
     <message>
         <source>Open dashboard</source>
-        <translation>Открыть панель</translation>
+        <translation>Открыть веб-панель</translation>
     </message>
     <message>
         <source>Quit</source>
@@ -642,7 +642,7 @@
     </message>
     <message>
         <source>Ocela continues in the background. To end it, choose Quit in the menu of this icon.</source>
-        <translation>Ocela продолжает работать в фоне. Чтобы завершить её, выберите «Выход» в меню этого значка.</translation>
+        <translation>Ocela продолжает работать в фоне. Чтобы завершить программу, выберите «Выход» в меню этого значка.</translation>
     </message>
 </context>
 <context>

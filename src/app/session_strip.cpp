@@ -13,7 +13,8 @@
 namespace {
 
 constexpr int spacing = 6;
-/// Three texts of this length and the date fit into a file name of 255 bytes, also with two bytes per character.
+/// Three texts of this length, the date and the time fit into a file name of 255 bytes, even with two bytes per
+/// character.
 constexpr int maxLength = 32;
 
 }  // namespace
@@ -34,7 +35,7 @@ SessionStrip::Field SessionStrip::addField(QFormLayout *form, const char *name, 
     const QRegularExpression valid(R"([^<>:"/\\|?*\x{0}-\x{1f}\x{7f}]*)");
     field.edit->setValidator(new QRegularExpressionValidator(valid, field.edit));
     field.edit->setText(text);
-    // The text of an edited settings file.
+    // A text in a settings file that was edited by hand may be invalid.
     if (!field.edit->hasAcceptableInput())
         field.edit->clear();
     field.label->setBuddy(field.edit);
@@ -75,5 +76,6 @@ void SessionStrip::retranslate() {
     fields_[1].label->setText(tr("Session"));
     fields_[2].label->setText(tr("Task"));
     for (const Field &field : fields_)
-        field.edit->setToolTip(tr("Optional. Names the record files that \"Start record\" begins."));
+        field.edit->setToolTip(
+            tr("Optional. Added to the file name of recordings that you start with \"Start record\"."));
 }

@@ -36,7 +36,7 @@ void SettingsNotice::refresh() {
                          .arg(QDir::toNativeSeparators(settings->filePath()), settings->readProblem());
     }
     if (!lines.isEmpty())
-        lines << tr("The defaults apply, and changes are not kept. Start Ocela again to use the file.");
+        lines << tr("The defaults apply, and changes are not saved. Start Ocela again to use the file.");
     setText(lines.join('\n'));
     setTextFormat(Qt::PlainText);
     setWordWrap(true);

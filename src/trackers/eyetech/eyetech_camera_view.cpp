@@ -46,7 +46,7 @@ EyetechVideoDisplayWidget::~EyetechVideoDisplayWidget() {
 void EyetechVideoDisplayWidget::retranslate() {
     setToolTip(
         tr("The colour of the markers rates your distance: green is good, red is too near or too far. Click to "
-           "see the pupils under them."));
+           "see the pupils under the markers."));
 }
 
 void EyetechVideoDisplayWidget::changeEvent(QEvent *event) {
