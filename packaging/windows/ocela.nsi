@@ -112,7 +112,7 @@ Section "Ocela" program
   WriteUninstaller "$INSTDIR\uninstall.exe"
   ; The shortcut's working directory is the output folder.
   CreateShortcut "$SMPROGRAMS\Ocela.lnk" "$INSTDIR\Ocela.exe"
-  ; "Start with the system" is on in a new profile. In another one, the user has decided.
+  ; "Start with the system" is on by default. If there is a settings file, the user has already decided.
   ${IfNot} ${FileExists} "$LOCALAPPDATA\Velmora\OcelaSettings.xml"
     CreateShortcut "$SMSTARTUP\Ocela.lnk" "$INSTDIR\Ocela.exe"
   ${EndIf}

@@ -16,7 +16,8 @@ public:
     /// Starts the time until the devices are unplugged. Only the first call has an effect.
     void deviceStarted();
     [[nodiscard]] bool pluggedIn();
-    /// Returns how often the devices were plugged in again, as far as the calls of pluggedIn() have noticed it.
+    /// Returns how often the devices were plugged in again. Counts only changes that a call of pluggedIn() has
+    /// detected.
     [[nodiscard]] int replugCount();
 
 private:

@@ -47,7 +47,7 @@ constexpr int pageMargin = 8;
 constexpr int settingsMargin = 8;
 constexpr QSize initialSize(520, 420);
 
-/// A camera view shrinks to this size, so that the window fits a screen of 960 x 540 pixels: 1920 x 1080 at 200 %.
+/// The minimum size of a camera view. With it, the window fits a screen of 960 x 540 pixels (1920 x 1080 at 200 %).
 constexpr QSize minViewSize(128, 60);
 
 /// Returns a scroll area for a page that may be higher than a small screen.

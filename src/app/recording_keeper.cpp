@@ -85,7 +85,7 @@ void RecordingKeeper::saveAs() {
     if (busy_ || tracker == trackers_.end())
         return;
     const QScopedValueRollback<bool> busy(busy_, true);
-    // An existing file is renamed, so there is no question about it.
+    // Does not ask before overwriting, because an existing file is renamed.
     const QString path =
         QFileDialog::getSaveFileName(window_, tr("Save as"), (*tracker)->unsavedPath(), tr("Record files (*.csv)"),
                                      nullptr, QFileDialog::DontConfirmOverwrite);

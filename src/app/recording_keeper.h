@@ -28,7 +28,8 @@ public:
 
     /// Tries again to save the unsaved recordings. Does nothing while a question is open.
     void retry();
-    /// Asks for a file and saves the last unsaved recording there. Does nothing while a question is open.
+    /// Asks for a file and saves the last unsaved recording to it. If several trackers have unsaved recordings, uses
+    /// the first of these trackers. Does nothing while a question is open.
     void saveAs();
 
 private:

@@ -9,8 +9,8 @@
 class ElidedLabel;
 class QToolButton;
 
-/// Shows the running recordings of all trackers, then the saved file, or why a recording is not saved. Its buttons open
-/// the folder of the file, or save an unsaved recording. GUI thread.
+/// The part of the status bar for recordings. Shows the running recordings of all trackers, then the saved file, or why
+/// a recording was not saved. Its buttons open the folder of the file, or ask for another attempt to save. GUI thread.
 class RecordingStatusLine : public BaseEyetrackerWidget {
     Q_OBJECT
 
@@ -24,15 +24,16 @@ public:
     void refresh();
 
 Q_SIGNALS:
-    /// The user wants to save the unsaved recordings again, or to another file.
+    /// The user wants to try again to save the unsaved recordings.
     void retryWanted();
+    /// The user wants to save an unsaved recording to another file.
     void saveAsWanted();
 
 protected:
     void eyetrackerChanged() override;
 
 private:
-    /// How the last recording has ended. The path is empty if the recording was discarded.
+    /// The end of the last recording. The path is empty if the recording was discarded.
     struct Result {
         QString path;
         RecordLength length;
@@ -45,7 +46,7 @@ private:
     void openFolder() const;
 
     std::vector<EyetrackerInterface *> trackers_;
-    std::optional<Result> result_;  ///< without a value also if the last recording is unsaved
+    std::optional<Result> result_;  ///< std::nullopt before the first result, and while the last recording is unsaved
 
     ElidedLabel *label_;
     QToolButton *folderButton_;

@@ -8,10 +8,11 @@ class QLabel;
 class QLineEdit;
 class Settings;
 
-/// The fields for the participant, the session and the task, which name the record files. Each field may be empty. The
-/// settings store the texts. GUI thread.
+/// The fields for the participant, the session and the task. The names of record files begin with their texts. Each
+/// field may be empty. The settings store the texts. GUI thread.
 ///
-/// A field does not accept characters that a file name cannot have on Windows or Linux. A tool tip then names them.
+/// A field does not accept characters that a file name on Windows or Linux cannot contain. A tool tip then lists these
+/// characters.
 class SessionStrip : public QWidget {
     Q_OBJECT
 
@@ -19,7 +20,7 @@ public:
     /// `settings` must outlive this object.
     explicit SessionStrip(Settings &settings, QWidget *parent = nullptr);
 
-    /// Returns the name of a record file that starts now, for example
+    /// Returns the name of the record file of a recording that starts now, for example
     /// "P01_baseline_reading_2026-03-14_15-09-26-535_ocela.csv", or an empty text if all fields are empty.
     [[nodiscard]] QString recordFileName() const;
 

@@ -57,7 +57,7 @@ public:
     Q_CLASSINFO("SelectedTrackerEditable", "true")
     Q_CLASSINFO("SelectedTrackerNotVisible", "true")
 
-    /// The texts that name the record files. See SessionStrip.
+    /// The names of record files begin with these texts. See SessionStrip.
     VT_PROPERTY(QString, Participant, "")
     Q_CLASSINFO("ParticipantNotVisible", "true")
     VT_PROPERTY(QString, Session, "")
@@ -65,7 +65,7 @@ public:
     VT_PROPERTY(QString, Task, "")
     Q_CLASSINFO("TaskNotVisible", "true")
 
-    /// Whether a message has told the user that closing the window only hides it. It is shown once.
+    /// Whether the message has been shown that closing the window only hides it. The message is shown once.
     VT_PROPERTY(bool, HidingExplained, false)
     Q_CLASSINFO("HidingExplainedNotVisible", "true")
 };

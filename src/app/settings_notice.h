@@ -5,16 +5,16 @@
 
 class VTSettings;
 
-/// Tells which settings files could not be read, above the editors of the settings. Hidden if there are none. GUI
-/// thread.
+/// A label above the editors of the settings that lists the settings files that could not be read. Hidden if all files
+/// were read. GUI thread.
 class SettingsNotice : public QLabel {
     Q_OBJECT
 
 public:
-    /// Adds settings, which are not owned. They must have been read.
+    /// Adds settings, which are not owned. Their reload() must have been called.
     void addSettings(const VTSettings *settings);
 
-    /// Shows the same text over the window, without waiting for the user.
+    /// Shows the same text in a message box over the window, unless all files were read. Does not wait for the user.
     void showMessage(QWidget *window) const;
 
 protected:

@@ -11,10 +11,10 @@
 
 namespace {
 
-/// The time for other copies to refuse themselves. Under load, a start takes a second.
+/// The time for other instances to refuse themselves. Under load, a start takes a second.
 constexpr int decisionTimeoutMs = 3000;
 constexpr int pollIntervalMs = 50;
-/// Another copy may hold a refusal's lock for a moment, in isRefused().
+/// Another instance may hold the lock of a refusal for a moment, in isRefused().
 constexpr int maxLockAttempts = 20;
 
 }  // namespace
@@ -36,7 +36,8 @@ SingleInstance::~SingleInstance() {
         QFile::remove(refusalPath(QCoreApplication::applicationPid()));
 }
 
-/// The count includes this process, unless it is refused or has another file name.
+/// Counts the instances that were not refused. Includes this process, unless it was refused or its executable has
+/// another name.
 int SingleInstance::countCopies() const {
     const QString executable = AppHelper::executableName(QCoreApplication::applicationName());
     int count = 0;
@@ -49,7 +50,7 @@ int SingleInstance::countCopies() const {
 
 bool SingleInstance::isRefused(qint64 process) const {
     const QString path = refusalPath(process);
-    // A file without a lock is left from a process that has crashed. Its process id may be in use again.
+    // A file without a lock was left by a process that has crashed. Another process may have its id now.
     return QFile::exists(path) && !FileLock().tryLock(path);
 }
 

@@ -29,7 +29,7 @@ constexpr int taskTimeoutMs = 300;
 
 constexpr int refusalPollIntervalMs = 500;
 
-/// Returns the language in the settings file, which must not be changed here.
+/// Returns the language in the settings file. Settings::reload() is not used, because it may rename the file.
 QString storedLanguage() {
     const QStringList languages = Settings::supportedLanguages();
     for (const settings_file::Entry &entry : settings_file::read(Settings::defaultFilePath()).entries) {

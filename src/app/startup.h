@@ -16,12 +16,12 @@ void prepareApplication();
 /// Sets the names of the organisation and the application, which determine the folders for the user's data.
 void setIdentity();
 
-/// Tells the user that another copy of the program is running. Returns when the user closes the message, or when no
-/// other copy is left. Changes no file: the other copy uses them.
+/// Tells the user that another instance of the program is running. Returns when the user closes the message, or when
+/// the other instance has ended. Changes no file of the user, because the other instance uses the same files.
 void showRefusal(const SingleInstance &instance);
 
-/// Starts the log file in the data folder. Call it after showRefusal(), so that a refused copy does not
-/// write to the log file of the first.
+/// Starts the log file in the data folder. Call it only if SingleInstance::mayRun(), so that a refused instance does
+/// not write to the log file of the running one.
 void startLogFile();
 
 [[nodiscard]] QPixmap splashImage();

@@ -9,7 +9,8 @@ class QBoxLayout;
 class RecordingStatusLine;
 class TrackerStatusLine;
 
-/// Says what the selected tracker is doing, and how the recordings of all trackers are going. GUI thread.
+/// The status bar of the main window. Shows the state of the selected tracker and the recordings of all trackers. GUI
+/// thread.
 ///
 /// The texts are updated once a second. The recordings are shown beside the tracker or, if there is not enough room,
 /// below it. The bar does not make the window wider: it cuts off texts that are too long.
@@ -26,8 +27,9 @@ public:
     void setProblem(const QString &problem);
 
 Q_SIGNALS:
-    /// The user wants to save the unsaved recordings again, or to another file.
+    /// The user wants to try again to save the unsaved recordings.
     void retryWanted();
+    /// The user wants to save an unsaved recording to another file.
     void saveAsWanted();
 
 protected:

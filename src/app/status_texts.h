@@ -7,20 +7,20 @@
 #include <QLocale>
 #include <optional>
 
-/// The state of the selected tracker.
+/// The state of a tracker.
 struct TrackerStatus {
     bool connected = false;
     QString problem;  ///< why the tracker is not connected, or an empty text if that is not known
 
     std::chrono::milliseconds silence{0};  ///< since the last sample or, before the first sample, since the connection
-    std::optional<double> rateHz;
-    std::optional<double> validShare;  ///< 0 to 1
+    std::optional<double> rateHz;          ///< without a value if there are not enough samples
+    std::optional<double> validShare;      ///< 0 to 1; without a value if there are no samples
 
     /// Whether samples arrive.
     [[nodiscard]] bool isLive() const { return connected && silence < EyetrackerInterface::silenceLimit; }
 };
 
-/// The texts of the status bar, in the language of the user interface. Numbers have the format of `locale`.
+/// The texts of the status bar, in the language of the user interface. Numbers have the format of `locale`. GUI thread.
 class StatusTexts {
     Q_DECLARE_TR_FUNCTIONS(StatusTexts)
 

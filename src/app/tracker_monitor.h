@@ -14,16 +14,16 @@ public:
 
     /// Must be called after each change of the connection.
     void connectionChanged();
-    /// Must be called after each attempt to connect that has failed. Its reason is then shown, not the earlier loss.
+    /// Must be called after each failed attempt to connect. status() then has its reason instead of "connection lost".
     void connectionFailed() { wasConnected_ = false; }
 
-    /// Returns the present state. Rate and valid share are those of the last two seconds.
+    /// Returns the current state. Rate and valid share are those of the last two seconds.
     [[nodiscard]] TrackerStatus status() const;
 
 private:
     using Clock = std::chrono::steady_clock;
 
     const EyetrackerInterface *tracker_;
-    Clock::time_point start_ = Clock::now();  ///< of the connection; earlier samples do not count
-    bool wasConnected_;
+    Clock::time_point start_ = Clock::now();  ///< last change of the connection; earlier samples do not count
+    bool wasConnected_;                       ///< since the last failed attempt to connect
 };

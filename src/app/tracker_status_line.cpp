@@ -60,7 +60,7 @@ void TrackerStatusLine::reconnect() {
     if (!eyetracker_)
         return;
     eyetracker_->reconnect();
-    // Forgets that the connection was lost: from now on, the problem of this attempt is shown.
+    // Without a new monitor, the earlier loss would be shown instead of the problem of this attempt.
     monitor_.emplace(*eyetracker_);
     refresh();
 }

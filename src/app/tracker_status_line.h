@@ -10,8 +10,8 @@
 class ElidedLabel;
 class QToolButton;
 
-/// Says what the selected tracker is doing, and for some seconds how its last calibration has ended. While the tracker
-/// is not connected or delivers no samples, a button opens it again. GUI thread.
+/// The part of the status bar for the selected tracker. Shows its state, and for 15 s the result of its last
+/// calibration. While the tracker is not connected or delivers no samples, a button opens it again. GUI thread.
 class TrackerStatusLine : public BaseEyetrackerWidget {
     Q_OBJECT
 
@@ -31,7 +31,7 @@ private:
 
     std::optional<TrackerMonitor> monitor_;
     EyetrackerInterface::CalibrationResult calibration_ = EyetrackerInterface::CalibrationResult::Unknown;
-    QDeadlineTimer calibrationShown_{0};  ///< expires when the result of the calibration is no longer shown
+    QDeadlineTimer calibrationShown_{0};  ///< the result of a calibration is shown until it expires
     ElidedLabel *label_;
     QToolButton *reconnectButton_;
 };

@@ -24,8 +24,8 @@ public:
     explicit TrackerViewWidget(QWidget *parent = nullptr);
     ~TrackerViewWidget() override;
 
-    /// Sets a function that returns the name of a record file for the "Start record" button. The file is created in the
-    /// folder of the tracker. An empty name selects the tracker's default name.
+    /// Sets a function that is called when the user presses "Start record", and returns the name of the record file.
+    /// The file is created in the tracker's recordsFolder(). An empty name selects the tracker's default name.
     void setNameRecord(std::function<QString()> nameRecord) { nameRecord_ = std::move(nameRecord); }
 
 protected:

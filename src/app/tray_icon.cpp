@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::chrono::seconds trayTimeout(10);
 constexpr std::chrono::milliseconds trayPollInterval(250);
-/// After this time, the icon has its place in the tray. An earlier message would be shown in a corner of the screen.
+/// After this time, the icon has its position in the tray. An earlier message would be shown in a corner of the screen.
 constexpr std::chrono::seconds trayLayoutTime(1);
 
 constexpr QRgb markColour = 0xffe01b24;
@@ -189,7 +189,7 @@ void TrayIcon::showRecovered(const QString &path) {
         tellRecovered();
 }
 
-/// A message may replace the one before, so each message names all files.
+/// A message may replace the previous message, so each message names all recovered files.
 void TrayIcon::tellRecovered() {
     if (!recovered_.isEmpty())
         tell(tr("Interrupted recording recovered"), recovered_.join('\n'), QSystemTrayIcon::Information);

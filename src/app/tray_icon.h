@@ -18,9 +18,8 @@ class QWidget;
 
 /// The tray icon of the main window, with its menu. The main window owns it. GUI thread.
 ///
-/// A red mark and the tool tip tell that a tracker is recording. While the user does not see the window, because it is
-/// hidden or minimised, messages tell what the window would tell: a connection was lost during a recording, and a
-/// recording was saved, not saved or recovered.
+/// A red mark and the tool tip show that a tracker is recording. While the window is hidden or minimised, messages tell
+/// the user that a connection was lost during a recording, and that a recording was saved, not saved or recovered.
 class TrayIcon : public QObject {
     Q_OBJECT
 
@@ -29,17 +28,17 @@ public:
     TrayIcon(QWidget *window, const OcelaHTTPExchange &api);
     ~TrayIcon() override;
 
-    /// Tells about the recordings of a tracker, which is not owned.
+    /// Shows the recordings and lost connections of a tracker, which is not owned.
     void addTracker(EyetrackerInterface *tracker);
 
     /// Sets all texts in the language of the user interface. Numbers have the format of `locale`.
     void retranslate(const QLocale &locale);
 
-    /// Keeps the window hidden as long as a tray may still appear, because desktops start their programs in any order.
-    /// Shows the window if there is none after 10 s: there would be no other way to it.
+    /// Waits up to 10 s for a tray while the window is hidden, because a desktop session starts its programs in any
+    /// order. If there is no tray then, shows the window, because the user could not show it.
     void startHidden();
 
-    /// Tells that a recording of an earlier run of the program was recovered.
+    /// Tells that a recording of an earlier run of the program was recovered. `path` is its record file.
     void showRecovered(const QString &path);
 
     /// Tells that the program runs without its window, and how to end it. Returns false if this tray cannot show

@@ -132,7 +132,7 @@ RecordSlice EyeTrackingCSV::slice(std::size_t first, std::size_t maxCount) const
 
 RecordLength EyeTrackingCSV::length() const {
     RecordLength length{rows_.size(), {}};
-    // A loaded file has no origins, and a row may be missing after memory was exhausted.
+    // A loaded file has no origins. After memory ran out, there may be an origin without a row.
     if (const std::size_t count = std::min(rows_.size(), origins_.size()); count > 0)
         length.duration =
             std::chrono::duration_cast<std::chrono::milliseconds>(origins_[count - 1].arrival - origins_[0].arrival);

@@ -51,7 +51,7 @@ public:
     void setPhases(std::unique_ptr<RecordingPhases> phases) { phases_ = std::move(phases); }
     /// Sets the folders that saveFile() tries if the record file cannot be written to its own folder.
     void setFallbackFolders(const QStringList &folders) { fallbackFolders_ = folders; }
-    /// Changes the path of the record file, before it is written.
+    /// Changes the path of the record file. Call it only before the file is written.
     void setPath(const QString &path) { filePath_ = path; }
 
     /// Tells the RecordingPhases object, if there is one, that the recording is discarded.
@@ -69,6 +69,8 @@ public:
     /// Returns a copy of up to `maxCount` rows from `first` on; none if there are not that many rows.
     [[nodiscard]] RecordSlice slice(std::size_t first, std::size_t maxCount) const;
 
+    /// Returns the number of rows and the duration. The duration of a loaded file is 0, because it has no arrival
+    /// times.
     [[nodiscard]] RecordLength length() const;
 
     /// Returns where the sample of a row comes from.

@@ -24,9 +24,9 @@ class QWidget;
 
 /// The base class of all trackers. The rest of the program uses only this interface of a device family.
 ///
-/// A back-end implements the seven pure virtual functions. It delivers samples only with addSample(), and reports its
-/// connection only with setConnected(). The base class stores the samples of the last two seconds, the running
-/// recording, the calibrated area and the connection state.
+/// A back-end implements the seven pure virtual functions. It delivers samples only with addSample(), reports its
+/// connection state only with setConnected(), and emits calibrationFinished() after each calibration. The base class
+/// stores the samples of the last two seconds, the running recording, the calibrated area and the connection state.
 ///
 /// MainWindow owns the trackers, from startup to exit. They live on the GUI thread. addSample(), the functions that
 /// read samples, isConnected(), calibratedArea() and pixelArea() may be called from any thread. Call all other
@@ -51,7 +51,7 @@ public:
     };
     Q_ENUM(CalibrationResult)
 
-    /// A connected tracker without a sample for this time is silent, and its last sample is not live.
+    /// A connected tracker that has sent no sample for this time is silent. Its last sample is not live.
     static constexpr std::chrono::seconds silenceLimit{1};
 
     /// Maximum age of a sample in the window, relative to the newest sample.
@@ -71,8 +71,8 @@ public:
     /// text if the reason is not known. Called only while isConnected() is false.
     [[nodiscard]] virtual QString connectionProblem() const { return {}; }
     /// Opens the device again, also if it was stopped, was lost or could not be opened before. A running recording
-    /// continues. The new state is reported by connectedChanged(), by connectionFailed() or by the next sample. GUI
-    /// thread.
+    /// continues. The new state is reported by connectedChanged(), by connectionFailed() or by the next sample. The
+    /// default implementation calls stop() and start(). GUI thread.
     virtual void reconnect();
 
 Q_SIGNALS:
@@ -82,13 +82,13 @@ Q_SIGNALS:
     void newSample(EyeTrackingSample sample);
     /// A calibration was successful. Not every device reports that.
     void calibrated();
-    /// A calibration that calibrate() started has ended. Emitted once for each of them, on the GUI thread.
+    /// A calibration that calibrate() started has ended. Emitted once for each calibration, on the GUI thread.
     void calibrationFinished(EyetrackerInterface::CalibrationResult result);
     void recordStarted();
     /// A recording was stopped. `path` is the file that was written, which may differ from the path that was passed to
     /// startRecord(). It is empty if the recording was discarded, or if no file could be written; see unsavedProblem().
     void recordStopped(QString path);
-    /// saveUnsaved() has written a recording to the file `path`.
+    /// saveUnsaved() or saveUnsavedAs() has written a recording to the file `path`.
     void unsavedRecordSaved(QString path);
     /// Asks the calibration screen to close.
     void stopCalibrationRequest();
@@ -156,16 +156,16 @@ public:
     [[nodiscard]] const RecordLength &finishedRecordLength() const { return finishedLength_; }
 
     /// Returns why the last stopped recording could not be saved anywhere, or an empty text if all were saved. Unsaved
-    /// recordings stay in memory until saveUnsaved() or discardUnsaved().
+    /// recordings stay in memory until saveUnsaved(), saveUnsavedAs() or discardUnsaved().
     [[nodiscard]] QString unsavedProblem() const;
 
     /// Tries again to save the unsaved recordings, in `folder` unless it is empty. Returns whether all are saved.
     [[nodiscard]] bool saveUnsaved(const QString &folder = QString());
 
-    /// Tries to save the last unsaved recording to the file `path`. Returns whether it is saved. Does nothing and
-    /// returns true if there is none.
+    /// Tries to save the last unsaved recording to the file `path`. Returns whether it is saved. If there is no unsaved
+    /// recording, does nothing and returns true.
     [[nodiscard]] bool saveUnsavedAs(const QString &path);
-    /// Returns the path of the last unsaved recording. Call it only if there is one.
+    /// Returns the path of the last unsaved recording. Call it only if unsavedProblem() is not empty.
     [[nodiscard]] QString unsavedPath() const;
 
     void discardUnsaved();
@@ -197,8 +197,8 @@ public:
 
     [[nodiscard]] QRect calibratedArea() const { return calibratedArea_.copy(); }
     [[nodiscard]] PixelUnit pixelUnit() const { return pixelUnit_; }
-    /// Returns the area that percent and pixels of the samples count from, in the unit of pixelUnit(). It is the
-    /// calibrated area, unless the device has a screen of its own. Empty if the area is not known. Any thread.
+    /// Returns the area to which percent and pixels of the samples are relative, in the unit of pixelUnit(). It is the
+    /// calibrated area, unless the device itself reports the tracked screen. Empty if it is not known. Any thread.
     [[nodiscard]] virtual QRect pixelArea() const { return calibratedArea(); }
 
 protected:

@@ -13,7 +13,7 @@
 /// See docs/records.md.
 class JournalRecovery {
 public:
-    /// Called on the thread of the recovery after the recording has got its file `path`.
+    /// Called on the thread of the recovery after a recording was written to the file `path`.
     using Recovered = std::function<void(const QString &path)>;
 
     JournalRecovery(const QString &journalsFolder, const QString &recordsFolder, Recovered recovered = {});

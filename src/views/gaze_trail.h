@@ -9,22 +9,22 @@
 
 struct NumberedSample;
 
-/// The valid gaze of the last second, which fades with its age. Plain data without a widget.
+/// The valid gaze of the last second, which fades with its age. Not thread-safe.
 class GazeTrail {
 public:
     using Clock = std::chrono::steady_clock;
 
     static constexpr std::chrono::milliseconds length{1000};
-    /// Longer losses of the gaze interrupt the trail. Saccades are shorter, blinks are not.
+    /// A longer loss of the gaze interrupts the trail. Saccades are shorter than this limit, blinks are longer.
     static constexpr std::chrono::milliseconds maxGap{150};
 
     struct Point {
         QPointF percent;        ///< of the screen
-        double freshness = 0;   ///< 1 now, 0 at the end of the trail
-        bool isJoined = false;  ///< with the point before it
+        double freshness = 0;   ///< 1 on arrival, 0 at the age `length`
+        bool isJoined = false;  ///< whether a line leads from the previous point to this one
     };
 
-    /// Adds the gaze of a sample that is not older than the last one. Ignores invalid samples.
+    /// Adds the gaze of a sample. It must not be older than the previous one. Ignores invalid samples.
     void add(const NumberedSample &entry);
     /// Removes the gaze that has faded.
     void removeOld(Clock::time_point now);
@@ -43,13 +43,13 @@ private:
     std::deque<Gaze> gazes_;
 };
 
-/// The place of the picture of a screen in a widget.
+/// The geometry of the picture of a screen in a widget. Reentrant.
 namespace gaze_picture {
 
 /// Returns the largest rectangle with the proportions of `screen` in the middle of `available`.
 [[nodiscard]] QRectF screenIn(const QRectF &available, QSize screen);
 
-/// Returns the place of a gaze in the picture. A gaze beside the screen is moved to its edge.
+/// Returns the position of a gaze in the picture. A gaze outside the screen is moved to its edge.
 [[nodiscard]] QPointF placeOf(QPointF percent, const QRectF &screen);
 
 }  // namespace gaze_picture

@@ -3,7 +3,8 @@
 #include <QComboBox>
 #include <QWheelEvent>
 
-/// A list of choices that ignores the mouse wheel, because a stray turn would stop a device. GUI thread.
+/// A combo box that ignores the mouse wheel, because a stray turn would select another tracker and stop the device. GUI
+/// thread.
 class WheelProofComboBox : public QComboBox {
     Q_OBJECT
 

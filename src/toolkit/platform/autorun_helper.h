@@ -16,6 +16,7 @@ public:
     /// exist fails. Removing a program that is not listed succeeds.
     static bool setAppInAutorunUsingExe(const QString &exeName, bool enable, bool allUsers);
 
-    /// Does the same. Returns the logged text after a failure, and otherwise an empty text.
+    /// Does the same as setAppInAutorunUsingExe(). Returns the reason for a failure, in English, or an empty text on
+    /// success.
     [[nodiscard]] static QString changeAutorun(const QString &exeName, bool enable, bool allUsers);
 };

@@ -7,7 +7,7 @@
 ///
 /// Output is for users who start the program from a console. It is dropped if its reader does not keep up, or if it
 /// would make a file larger than 10 MB. A pipe or socket gets at most 10 MB, and at most 1000 repetitions of a text,
-/// because desktop sessions connect it to their journal.
+/// because desktop sessions connect standard output to their journal.
 ///
 /// On Windows only files and pipes are used, because a GUI program has no console. The non-blocking mode of a pipe
 /// also applies to other processes that write to it. Line endings are written unchanged.

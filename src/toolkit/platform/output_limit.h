@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
-/// Limits what the program prints to a pipe or socket, because it may print 100 lines a second for days. A text may
-/// follow itself 1000 times, so texts after a repeated one are still printed. All texts together have at most 10 MB.
-/// Not thread-safe.
+/// Limits the output of the program to a pipe or socket, because it may print 100 lines per second for days. A text may
+/// be repeated 1000 times in succession; a different text is still printed after that. All texts together have at most
+/// 10 MB. Not thread-safe.
 class OutputLimit {
 public:
     static constexpr std::size_t maxBytes = 10 << 20;

@@ -12,7 +12,7 @@ enum class VTSettingsFormat { Xml };
 ///
 /// Only `reload()` reads the file, so the owner can connect the signals before or after it. With `saveOnChange`, each
 /// `changedProperty` writes the file. A failed save keeps the values in memory and logs one warning. The next change
-/// saves again. A file that reload() could not read is never written, because it may have values that are not known.
+/// saves again. A file that reload() could not read is never written, because its values would be lost.
 class VTSettings : public AbstractSettings {
     Q_OBJECT
 
@@ -26,8 +26,8 @@ public:
     /// not declare are written again by the next save.
     ///
     /// If the file is damaged, sets the defaults, adds ".damaged" to the file's name, logs one warning and returns
-    /// false. If the file cannot be read, for example because a backup holds it, tries again for a second. Then sets
-    /// the defaults, keeps the file, logs one warning and returns false; see readProblem().
+    /// false. If the file cannot be read, for example because a backup program has locked it, retries for a second.
+    /// Then sets the defaults, keeps the file, logs one warning and returns false; see readProblem().
     bool reload();
 
     /// Returns why the file could not be read, or an empty text. Until another reload() succeeds, nothing is saved.

@@ -6,12 +6,13 @@
 
 namespace asee {
 
-/// How a calibration ended that was not cancelled. The calibration sequence creates it, and the screen shows it.
+/// The outcome of a calibration that was not cancelled. The calibration sequence creates it on its thread, and passes a
+/// copy to the screen on the GUI thread.
 struct CalibrationOutcome {
     Q_DECLARE_TR_FUNCTIONS(asee::CalibrationOutcome)
 
 public:
-    /// The step that has failed.
+    /// The step that failed.
     enum class Failure { None, Start, Point, Computation, Tracking, Saving };
 
     /// The library's scores of the eyes. Their unit is not known.
@@ -26,7 +27,7 @@ public:
     [[nodiscard]] QString text() const;
 
     Failure failure = Failure::None;
-    int error = 0;                 ///< the result of the library's function that has failed
+    int error = 0;                 ///< the result of the function of the library that failed
     int point = 0;                 ///< the refused point, from 1
     std::optional<Scores> scores;  ///< if the library has computed them
 

@@ -106,7 +106,7 @@ void CalibrationWidget::setFinished() {
 }
 
 void CalibrationWidget::setOutcome(const asee::CalibrationOutcome &outcome) {
-    // The screen was closed before the library's call returned.
+    // The screen was closed before the call of the library returned.
     if (!isCalibrating_)
         return;
     isCalibrating_ = false;
@@ -173,7 +173,7 @@ void CalibrationWidget::closeEvent(QCloseEvent *event) {
 void CalibrationWidget::startCalibration() {
     if (workerThread_->isRunning() || CalibWorker::isBusy())
         return;
-    // Changes by a calibration whose call of the library has blocked.
+    // Delivers queued changes of an earlier calibration, which continued because a call of the library blocked.
     QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
     gate_->reset();
     finished_ = false;
@@ -199,7 +199,7 @@ void CalibrationWidget::stopWorker() {
         qCWarning(lcAsee, "A call of the vendor's library blocks the calibration. It ends when the call returns");
     // Removes a start that is still queued, because the next calibration would also run it.
     QCoreApplication::removePostedEvents(worker_, QEvent::MetaCall);
-    // Takes an outcome that the worker has reached before the cancellation.
+    // Delivers the outcome if the calibration ended before it was cancelled.
     QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
 }
 

@@ -13,7 +13,7 @@
 class QThread;
 
 /// The full-screen calibration of the aSee Pro back-end: nine targets, a box for placing the eyes, and the live gaze.
-/// Texts beside the targets say what to do, and how the calibration ended.
+/// Texts between the targets tell the user what to do, and how the calibration ended.
 ///
 /// Space starts a calibration on the worker's thread. Escape, or closing the window, closes the screen and cancels the
 /// calibration within one second. A closed screen can be shown again. Space has no effect after a calibration until the
@@ -38,7 +38,7 @@ public:
     void bringToFront();
     /// Returns whether the worker is calibrating.
     [[nodiscard]] bool isCalibrating() const { return isCalibrating_; }
-    /// Returns the text beside the targets: what to do, the current point, or how the calibration ended.
+    /// Returns the text between the targets: an instruction, the number of the current point, or the outcome.
     [[nodiscard]] QString hint() const;
     /// Sets whether the live gaze point is drawn.
     void setShowGaze(bool on);
@@ -55,8 +55,8 @@ public:
     void takeGaze(const asee::GazeRecord &record);
 
 Q_SIGNALS:
-    /// The calibration has ended, or the screen was closed or destroyed before. Emitted once each time that the screen
-    /// was shown.
+    /// The calibration has ended, or the screen was closed or destroyed before it ended. Emitted once each time that
+    /// the screen was shown.
     void ended(EyetrackerInterface::CalibrationResult result);
 
     void signal_calib_progress(int percent);

@@ -84,8 +84,8 @@ private:
         const CalibWorker &worker;
     };
 
-    /// Tokens are never destroyed: at an address that is used again, a late callback of an earlier point would end a
-    /// newer one. A calibration adds nine pointers.
+    /// Tokens are never destroyed. If an address were used again, a late callback of an earlier point would finish a
+    /// newer point. Each calibration adds nine tokens.
     static Token *newToken(const CalibWorker &worker) {
         static auto &tokens = *new Guarded<std::list<Token>>;
         return tokens.with([&worker](std::list<Token> &all) { return &all.emplace_back(Token{worker}); });
@@ -166,7 +166,7 @@ bool CalibWorker::runPoint(int number, FractionPoint point) {
     return false;
 }
 
-/// If the library did not start the calibration, that is the reason why it refuses a point.
+/// Reports the failure to start the calibration instead, if there was one, because it is the reason of the refusal.
 void CalibWorker::failAtPoint(int number) {
     if (startResult_ != 0)
         fail(Failure::Start, "_7i_start_calibration", startResult_);

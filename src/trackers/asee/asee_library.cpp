@@ -23,7 +23,7 @@ constexpr const char *entryPoints[] = {
 #undef OCELA_NAME
 };
 
-/// What has failed if an entry point fails. The meanings of the vendor's error codes are not known.
+/// The name and the purpose of each entry point, for the log. The meanings of the vendor's error codes are not known.
 constexpr const char *loggedNames[] = {
     "_7i_device_connect (open the device)",
     "_7i_set_image_callback (receive camera images)",
@@ -50,8 +50,8 @@ constexpr bool sameOrder() {
 }
 static_assert(std::size(loggedNames) == std::size(entryPoints) && sameOrder());
 
-/// The attempts to load the library. Only the last one can have succeeded. They are never destroyed, because the
-/// library's threads and the calibration worker may run until the process ends.
+/// Stores the attempts to load the library. Only the last attempt can have succeeded. They are never destroyed, because
+/// the library's threads and the calibration worker may run until the process ends.
 class Loader {
 public:
     Loader() { load(); }

@@ -18,10 +18,10 @@ OCELA_ASEE_FUNCTIONS(OCELA_DECLARE)
 
 namespace asee {
 
-/// Tries again to load the library if it could not be loaded. Callable from any thread.
+/// Loads the library, unless it is already loaded. Callable from any thread.
 void loadLibrary();
 
-/// Returns why the last attempt to load the library failed. Callable from any thread.
+/// Returns why the last attempt to load the library failed, or std::nullopt. Callable from any thread.
 [[nodiscard]] const std::optional<VendorLibrary::Error> &libraryError();
 
 }  // namespace asee

@@ -29,8 +29,8 @@ public:
     /// Returns an aSeeProPreviewWidget, which the caller owns.
     [[nodiscard]] QWidget *createViewWidget() override;
     [[nodiscard]] QString connectionProblem() const override;
-    /// Stops the device and opens it again, also if start() would do nothing. If the library could not be loaded, tries
-    /// that again first. A failure is shown only by connectionProblem(). A running calibration is cancelled.
+    /// Stops the device and opens it again, also if start() would do nothing. If the library could not be loaded, first
+    /// tries again to load it. A failure is reported only by connectionProblem(). A running calibration is cancelled.
     void reconnect() override;
 
     /// Sets whether camera images are copied. The default is false.
@@ -57,7 +57,7 @@ public Q_SLOTS:
     void stopCalibration() override;
 
 private:
-    /// What has prevented open() from connecting.
+    /// The step at which open() failed.
     struct Obstacle {
         enum At { None, Connection, Start, Coefficients };
 

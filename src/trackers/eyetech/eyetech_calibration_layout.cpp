@@ -11,7 +11,7 @@ namespace {
 constexpr float maxGoodScore = 10.0F;  // a good score is below this
 constexpr int cellCount = 5;           // columns and rows of the grid that places the buttons
 constexpr QPoint textOffset(10, 10);
-/// Limits the time if many texts are at one place, after a target was repeated many times.
+/// Limits the time if many texts are at the same position because a target was repeated many times.
 constexpr int maxMoveCount = 10;
 /// Larger than any window, but small enough for QPainter.
 constexpr int maxPixel = 1000000;

@@ -73,9 +73,9 @@ private:
 
     EyetechGrabber *grabber_;
     bool calibrationWanted_ = true;
-    bool isFinished_ = false;  ///< finished() was emitted for the current calibration
+    bool isFinished_ = false;  ///< whether finished() was emitted for the current calibration
     eyetech::CalibrationOutcome failure_ = eyetech::CalibrationOutcome::Done;
-    QTimer closeTimer_;  ///< after a failure
+    QTimer closeTimer_;  ///< closes the screen after a failure
     eyetech::CalibrationSequence sequence_;
     ConnectionHelper connections_;
 

@@ -21,7 +21,7 @@ constexpr int maxTargetCount = 20;
 constexpr int minDelayMs = 100;
 constexpr int minCalibrationMs = 500;
 constexpr int resultPollMs = 10;
-/// The number of failed measurements after which the user is told about a target.
+/// The number of failed measurements after which the screen tells the user that the device refuses the target.
 constexpr int minReportedRefusalCount = 3;
 /// Limits the memory if the device fails at every measurement.
 constexpr std::size_t maxMeasurementCount = 1000;

@@ -9,16 +9,17 @@ class QListWidget;
 
 /// A small window that asks which of several EyeTech devices to use. It does not block the program.
 ///
-/// Owned by the tracker, which shows it and destroys it when the question is settled. Closing it without an answer only
-/// hides it. GUI thread.
+/// Owned by the tracker, which shows it, and destroys it when no answer is needed any more. If the user closes the
+/// window without an answer, it is only hidden. GUI thread.
 class EyetechDeviceQuestion : public QDialog {
     Q_OBJECT
 
 public:
+    /// `devices` are the ids of the attached devices.
     explicit EyetechDeviceQuestion(std::vector<int> devices, QWidget *parent = nullptr);
 
 Q_SIGNALS:
-    /// The user has chosen a device.
+    /// The user has chosen the device with this id.
     void answered(int device);
 
 protected:

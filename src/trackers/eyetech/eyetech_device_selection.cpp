@@ -75,7 +75,7 @@ eyetech::DeviceSelection askOnConsole(const Devices &devices) {
     if (index >= 0 && index < count)
         return {devices[static_cast<std::size_t>(index)], {}};
     print("Invalid device: %d.\n\n", index);
-    // At the end of the input, the console would be asked for ever.
+    // At the end of the input, the console would otherwise be asked again at each poll.
     return {0, character < 0 ? devices : Devices()};
 }
 

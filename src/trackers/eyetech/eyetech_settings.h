@@ -3,9 +3,8 @@
 #include "toolkit/settings/vt_property.h"
 #include "toolkit/settings/vt_settings.h"
 
-/// The settings of the EyeTech back-end, including the area of the last calibration and the
-/// chosen device. Every change is saved. Owned by
-/// the back-end, which calls reload().
+/// The settings of the EyeTech back-end, including the area of the last calibration and the chosen device. Every change
+/// is saved. Owned by the back-end, which calls reload().
 class EyetechSettings : public VTSettings {
     Q_OBJECT
 
@@ -51,7 +50,8 @@ public:
     Q_CLASSINFO("CalibrationDelayMsStep", "100")
     Q_CLASSINFO("CalibrationDelayMsSuffix", QT_TRANSLATE_NOOP("Generic", "ms"))
 
-    /// The serial number of the device that is used if several are attached. If it is empty, the user is asked.
+    /// The serial number of the device that is used if several devices are attached. If it is empty or not attached,
+    /// the user is asked.
     VT_PROPERTY(QString, DeviceSerialNumber, QString())
     Q_CLASSINFO("DeviceSerialNumberDisplayName", QT_TRANSLATE_NOOP("Generic", "DeviceSerialNumber"))
     Q_CLASSINFO("DeviceSerialNumberCategory", QT_TRANSLATE_NOOP("Generic", "Several devices"))

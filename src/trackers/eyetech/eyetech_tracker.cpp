@@ -97,7 +97,7 @@ void EyetechGrabber::useDevice(int device) {
         calibrationId_ = 0;
     serialNumber_ = description.serialNumber;
     eyetech::applySettings(device, deviceSettingsFile);
-    // A device that was plugged in again may have lost it.
+    // A device that was plugged in again may have lost its calibration.
     if (calibrationId_ != 0)
         (void)applyCalibration(calibrationId_);
 }

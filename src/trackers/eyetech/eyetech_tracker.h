@@ -19,10 +19,10 @@ class EyetechSettings;
 /// pool fetches one frame at a time. The task does not access this object, and the destructor does not wait for it,
 /// because the library's call may block for 10 s. Everything else runs on the GUI thread.
 ///
-/// If several devices are attached, and no console can answer which one to use, a small window asks. It is
+/// If several devices are attached, and no console can answer which one to use, an EyetechDeviceQuestion asks. It is
 /// shown only between start() and stop(), while the user has selected this tracker.
 ///
-/// Owns its settings, this window and its calibration screen. The last screen is kept, open or closed, until the next
+/// Owns its settings, this question and its calibration screen. The last screen is kept, open or closed, until the next
 /// one replaces it or the tracker is destroyed. If its calibration is still running further up the call stack, the
 /// screen lives until that calibration returns.
 class EyetechGrabber : public EyetrackerInterface {
@@ -42,7 +42,7 @@ public:
     /// the vendor's library if it could not be loaded before. Asks again which of several devices to use, if the user
     /// has closed the question.
     ///
-    /// A task that still fetches a frame is not waited for. The next frame is fetched after it has ended.
+    /// Does not wait for a task that still fetches a frame. The next frame is fetched after that task has ended.
     void reconnect() override;
 
     /// Returns 0 while no device is chosen.
@@ -61,7 +61,7 @@ public Q_SLOTS:
     /// the old calibration then runs the new one, so nested calls do not accumulate on the call stack.
     ///
     /// A click on "Recalibrate" starts another calibration on the same screen. calibrationFinished() is emitted once
-    /// for each of them. After it, closing the screen has no further result.
+    /// for each calibration. When the screen is closed after that, the signal is not emitted again.
     void calibrate(QRect area) override;
     void stopCalibration() override;
     [[nodiscard]] QLFrameData getLastFrame() const { return lastFrame_; }

@@ -99,7 +99,8 @@ void CalibrationWatch::takeLine(std::string_view line, News &news) {
     }
 }
 
-/// Takes the answer to a command, or the news that another client or the server's own window stopped the calibration.
+/// Takes the answer to a start command, or the message that another client or the server's window stopped the
+/// calibration.
 std::optional<Result> CalibrationWatch::takeAnswer(bool started) {
     if (unansweredCount_ == 0)
         return started ? std::nullopt : std::optional(Result::Cancelled);

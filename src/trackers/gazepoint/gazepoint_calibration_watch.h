@@ -22,10 +22,10 @@ public:
     [[nodiscard]] bool isRunning() const { return running_; }
 
     struct News {
-        bool isAlive = false;          ///< there was a message about the calibration
-        std::optional<Result> result;  ///< the calibration has ended
+        bool isAlive = false;          ///< whether there was a message about the calibration
+        std::optional<Result> result;  ///< has a value if the calibration has ended
     };
-    /// Takes the next bytes from the server. Without a running calibration, they are ignored.
+    /// Reads the next bytes from the server. Ignores them if no calibration is running.
     [[nodiscard]] News take(std::string_view bytes);
 
 private:
@@ -33,7 +33,7 @@ private:
     [[nodiscard]] std::optional<Result> takeAnswer(bool started);
 
     bool running_ = false;
-    int unansweredCount_ = 0;  ///< commands to start that the server has not acknowledged
+    int unansweredCount_ = 0;  ///< number of start commands that the server has not acknowledged
     std::string line_;         ///< the start of an incomplete line
     bool lineIsTooLong_ = false;
 };

@@ -111,7 +111,7 @@ void Connection::onDisconnected() {
         finishCalibration(CalibrationResult::Unknown);
 }
 
-/// A connection that is lost is reported by disconnected().
+/// Reports only errors while connecting. The loss of an open connection is reported by disconnected().
 void Connection::onError(QAbstractSocket::SocketError error) {
     if (!isOpen_)
         Q_EMIT failed(error == QAbstractSocket::ConnectionRefusedError, socket_.errorString());

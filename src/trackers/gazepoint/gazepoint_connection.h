@@ -33,14 +33,15 @@ public:
 
     /// Starts to connect.
     void open();
-    /// Closes the connection at once, without telling the server, and starts to connect. Ends interruptSend().
+    /// Closes the connection at once, without a message to the server, and starts to connect. Ends the effect of
+    /// interruptSend().
     void reopen();
     /// Stops the data and disconnects.
     void close();
     /// Starts the calibration of the server. Each call is followed by one calibrationFinished().
     void calibrate();
 
-    /// Lets functions that send return at once, and drop their messages, until reopen() is called. Any thread.
+    /// Makes functions that send return at once and drop their messages, until reopen() is called. Any thread.
     void interruptSend() { sendIsInterrupted_ = true; }
     /// Returns the tracked screen in device pixels. Empty until a server has sent it. Any thread.
     [[nodiscard]] QRect screenArea() const { return screenArea_.copy(); }
@@ -71,7 +72,7 @@ private:
     Screen screen_;  ///< of size 0 x 0 until the server has sent it
     Guarded<QRect> screenArea_;
     CalibrationWatch calibration_;
-    QTimer calibrationTimer_;  ///< runs out if the server says nothing about the calibration
+    QTimer calibrationTimer_;  ///< expires if the server sends no messages about the calibration
     std::atomic<bool> sendIsInterrupted_{false};
 };
 

@@ -41,7 +41,7 @@ public Q_SLOTS:
     /// Returns at once. Samples may arrive until disconnected() is emitted.
     void stop() override;
     /// Starts the calibration of the server. `area` is ignored: the server chooses the screen. The result is Unknown if
-    /// the connection is lost, or if the server says nothing about the calibration for a minute.
+    /// the connection is lost, or if the server sends no message about the calibration for a minute.
     void calibrate(QRect area) override;
     void stopCalibration() override {}
 

@@ -43,7 +43,7 @@ inline QStringList takeCalls() {
     return calls;
 }
 
-/// QSignalSpy needs the name.
+/// QSignalSpy records the argument only if its type is registered under this name.
 inline const int resultType = qRegisterMetaType<CalibrationResult>("EyetrackerInterface::CalibrationResult");
 
 inline QList<CalibrationResult> resultsIn(const QSignalSpy &spy) {

@@ -74,7 +74,7 @@ void TestCalibrationScreen::intro_shows_nine_points_and_a_box_for_the_eyes() {
     // The prompt is below the box, centred between y = 240 and y = 1320.
     const QImage text = picture.copy(600, 770, 720, 20);
     QVERIFY(text != picture.copy(600, 740, 720, 20));
-    // What the circle asks for is below the targets.
+    // The instruction is below the targets.
     QVERIFY(picture.copy(600, 1115, 720, 25) != picture.copy(600, 1060, 720, 25));
 }
 
