@@ -306,6 +306,13 @@
     </message>
 </context>
 <context>
+    <name>MainPage</name>
+    <message>
+        <source>Open dashboard</source>
+        <translation>Open dashboard</translation>
+    </message>
+</context>
+<context>
     <name>MainWindow</name>
     <message>
         <source>Main</source>
@@ -316,16 +323,8 @@
         <translation>Settings</translation>
     </message>
     <message>
-        <source>Доступна новая версия</source>
-        <translation>A new version is available</translation>
-    </message>
-    <message>
         <source>Ocela</source>
         <translation>Ocela</translation>
-    </message>
-    <message>
-        <source>Open dashboard</source>
-        <translation>Open dashboard</translation>
     </message>
     <message>
         <source>Other programs cannot reach Ocela: %1</source>
@@ -486,6 +485,13 @@
     </message>
 </context>
 <context>
+    <name>SettingsPage</name>
+    <message>
+        <source>Доступна новая версия</source>
+        <translation>A new version is available</translation>
+    </message>
+</context>
+<context>
     <name>StatusTexts</name>
     <message>
         <source>Not connected</source>
@@ -553,6 +559,10 @@
     <message>
         <source>Calibration ended, result unknown</source>
         <translation>Calibration ended, result unknown</translation>
+    </message>
+    <message>
+        <source>Interrupted recording recovered: %1</source>
+        <translation>Interrupted recording recovered: %1</translation>
     </message>
 </context>
 <context>

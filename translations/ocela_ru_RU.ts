@@ -306,6 +306,13 @@
     </message>
 </context>
 <context>
+    <name>MainPage</name>
+    <message>
+        <source>Open dashboard</source>
+        <translation>Открыть веб-панель</translation>
+    </message>
+</context>
+<context>
     <name>MainWindow</name>
     <message>
         <source>Main</source>
@@ -316,16 +323,8 @@
         <translation>Настройки</translation>
     </message>
     <message>
-        <source>Доступна новая версия</source>
-        <translation>Доступна новая версия</translation>
-    </message>
-    <message>
         <source>Ocela</source>
         <translation>Ocela</translation>
-    </message>
-    <message>
-        <source>Open dashboard</source>
-        <translation>Открыть веб-панель</translation>
     </message>
     <message>
         <source>Other programs cannot reach Ocela: %1</source>
@@ -486,6 +485,13 @@
     </message>
 </context>
 <context>
+    <name>SettingsPage</name>
+    <message>
+        <source>Доступна новая версия</source>
+        <translation>Доступна новая версия</translation>
+    </message>
+</context>
+<context>
     <name>StatusTexts</name>
     <message>
         <source>Not connected</source>
@@ -554,6 +560,10 @@
     <message>
         <source>Calibration ended, result unknown</source>
         <translation>Калибровка закончена, результат неизвестен</translation>
+    </message>
+    <message>
+        <source>Interrupted recording recovered: %1</source>
+        <translation>Восстановлена прерванная запись: %1</translation>
     </message>
 </context>
 <context>

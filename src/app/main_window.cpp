@@ -1,13 +1,10 @@
 #include "app/main_window.h"
 
 #include "api/ocela_http_exchange.h"
-#include "app/dashboard.h"
+#include "app/main_page.h"
 #include "app/recording_keeper.h"
-#include "app/session_strip.h"
-#include "app/settings_notice.h"
+#include "app/settings_page.h"
 #include "app/status_bar.h"
-#include "app/tracker_combo_box.h"
-#include "app/tracker_view_widget.h"
 #include "app/tray_icon.h"
 #include "core/eyetracker_interface.h"
 #include "core/journal_recovery.h"
@@ -15,57 +12,24 @@
 #include "toolkit/base/file_utilities.h"
 #include "toolkit/platform/app_helper.h"
 #include "toolkit/platform/autorun_helper.h"
-#include "toolkit/widgets/new_version_button.h"
-#include "toolkit/widgets/property_list_control.h"
 #include "trackers/asee/asee_tracker.h"
 #include "trackers/eyetech/eyetech_tracker.h"
 #include "trackers/gazepoint/gazepoint_tracker.h"
-#include "views/eyetracker_connected_widget.h"
-#include "views/eyetracker_sample_viewer.h"
-#include "views/gaze_trail_view.h"
 
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDir>
-#include <QGridLayout>
-#include <QPushButton>
 #include <QScopedValueRollback>
 #include <QScreen>
-#include <QScrollArea>
 #include <QSessionManager>
-#include <QSignalBlocker>
-#include <QStackedWidget>
 #include <QStatusBar>
 #include <QStyle>
 #include <QSystemTrayIcon>
 #include <QTabWidget>
-#include <QVBoxLayout>
 
 namespace {
 
-constexpr int pageMargin = 8;
-constexpr int settingsMargin = 8;
 constexpr QSize initialSize(520, 420);
-
-/// The minimum size of a camera view. With it, the window fits a screen of 960 x 540 pixels (1920 x 1080 at 200 %).
-constexpr QSize minViewSize(128, 60);
-
-/// Returns a scroll area for a page that may be higher than a small screen.
-QWidget *scrollable(QWidget *page) {
-    auto *area = new QScrollArea;
-    area->setFrameShape(QFrame::NoFrame);
-    area->setWidgetResizable(true);
-    area->setWidget(page);
-    return area;
-}
-
-QWidget *createView(EyetrackerInterface &tracker) {
-    if (QWidget *camera = tracker.createViewWidget())
-        return camera;
-    auto *trail = new GazeTrailView;
-    trail->setEyetracker(&tracker);
-    return trail;
-}
 
 }  // namespace
 
@@ -83,7 +47,7 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent) {
         tray_->startHidden();
     else
         show();
-    settingsNotice_->showMessage(this);
+    settingsPage_->showReadProblem(this);
     selectInitialTracker();
     startRecovery();
     // A logout of the user quits the application without closing its windows.
@@ -98,7 +62,7 @@ MainWindow::~MainWindow() {
     tray_ = nullptr;
     // Stops the first tracker, even if another one is selected. This is intended. shutDown() stops the selected
     // tracker.
-    trackers_.front().tracker->stop();
+    trackers_.front()->stop();
     // The widgets must be destroyed before the trackers that they use.
     delete takeCentralWidget();
     delete status_;
@@ -142,7 +106,7 @@ void MainWindow::buildTrackers() {
 void MainWindow::addTracker(EyetrackerInterface *tracker) {
     recording_journal::enable(*tracker, recording_journal::folderIn(dataFolder_),
                               [this] { return settings_->getDescribeRecordings(); });
-    trackers_.push_back({tracker, createView(*tracker)});
+    trackers_.push_back(tracker);
     recordings_->addTracker(tracker);
 }
 
@@ -151,101 +115,26 @@ void MainWindow::applyRecordsPath() {
     const bool isDefault = path.isEmpty() || QDir(path) == QDir(settings_->getRecordsPathDefault().toString());
     if (!isDefault)
         FileUtilities::createIfNotExists(path);
-    for (const Tracker &entry : trackers_)
-        entry.tracker->setRecordsFolder(isDefault ? QString() : path);
+    for (EyetrackerInterface *tracker : trackers_)
+        tracker->setRecordsFolder(isDefault ? QString() : path);
 }
 
 void MainWindow::buildPages() {
+    mainPage_ = new MainPage(*settings_, trackers_);
+    connect(mainPage_, &MainPage::trackerChosen, this, &MainWindow::trackerIndexChanged);
+    settingsPage_ = new SettingsPage(*settings_, trackers_);
     pages_ = new QTabWidget(this);
-    QWidget *settingsPage = buildSettingsPage();
-    pages_->addTab(buildMainPage(), QString());
-    pages_->addTab(settingsPage, QString());
+    pages_->addTab(mainPage_, QString());
+    pages_->addTab(settingsPage_, QString());
     setCentralWidget(pages_);
-}
-
-QWidget *MainWindow::buildSettingsPage() {
-    settingsTabs_ = new QTabWidget;
-    auto *common = new PropertyListControl(settings_);
-    common->setContentsMargins(settingsMargin, settingsMargin, settingsMargin, settingsMargin);
-    newVersionButton_ = new NewVersionButton(QString(), OCELA_RELEASE_INFO_URL, common);
-    common->addRow(newVersionButton_);
-    settingsTabs_->addTab(scrollable(common), QString());
-
-    for (const Tracker &entry : trackers_) {
-        if (!entry.tracker->settings())
-            continue;
-        auto editor = std::make_unique<PropertyListControl>(entry.tracker->settings());
-        if (editor->isEmpty())
-            continue;
-        editor->setContentsMargins(settingsMargin, settingsMargin, settingsMargin, settingsMargin);
-        settingsTabs_->addTab(scrollable(editor.release()), entry.tracker->name());
-    }
-    auto *page = new QWidget;
-    auto *column = new QVBoxLayout(page);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->addWidget(buildSettingsNotice());
-    column->addWidget(settingsTabs_);
-    return page;
-}
-
-QWidget *MainWindow::buildSettingsNotice() {
-    settingsNotice_ = new SettingsNotice;
-    settingsNotice_->setContentsMargins(settingsMargin, settingsMargin, settingsMargin, settingsMargin);
-    settingsNotice_->addSettings(settings_);
-    for (const Tracker &entry : trackers_) {
-        if (entry.tracker->settings())
-            settingsNotice_->addSettings(entry.tracker->settings());
-    }
-    return settingsNotice_;
-}
-
-QWidget *MainWindow::buildMainPage() {
-    auto *panel = new TrackerViewWidget;
-    auto *indicator = new EyetrackerConnectedWidget;
-    auto *viewer = new EyetrackerSampleViewer;
-    trackerWidgets_ = {panel, indicator, viewer};
-
-    auto *session = new SessionStrip(*settings_);
-    panel->setNameRecord([session] { return session->recordFileName(); });
-
-    trackerCombo_ = new TrackerComboBox;
-    trackerCombo_->setObjectName("trackers");
-    dashboardButton_ = new QPushButton;
-    connect(dashboardButton_, &QPushButton::clicked, this, &dashboard::open);
-    viewStack_ = new QStackedWidget;
-    viewStack_->setObjectName("views");
-    for (const Tracker &entry : trackers_) {
-        trackerCombo_->addTracker(entry.tracker);
-        viewStack_->addWidget(entry.view);
-        entry.view->setMinimumSize(minViewSize);
-    }
-    connect(trackerCombo_, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &MainWindow::trackerIndexChanged);
-
-    auto *page = new QWidget;
-    auto *grid = new QGridLayout(page);
-    grid->setContentsMargins(pageMargin, pageMargin, pageMargin, pageMargin);
-    grid->setVerticalSpacing(pageMargin);
-    grid->setHorizontalSpacing(2 * pageMargin);
-    grid->addWidget(trackerCombo_, 0, 0, Qt::AlignLeft);
-    grid->addWidget(indicator, 0, 1, Qt::AlignLeft);
-    grid->addWidget(panel, 1, 0, 1, 2);
-    grid->addWidget(viewStack_, 2, 0, 1, 3);
-    grid->addWidget(viewer, 3, 0, 1, 3);
-    grid->setColumnStretch(1, 1);
-    grid->setRowStretch(2, 1);
-    // Beside the other widgets, so that the window fits small screens.
-    grid->addWidget(dashboardButton_, 0, 2, Qt::AlignRight);
-    grid->addWidget(session, 1, 2, Qt::AlignTop);
-    return page;
 }
 
 void MainWindow::buildStatusBar() {
     status_ = new StatusBar;
-    for (const Tracker &entry : trackers_)
-        status_->addTracker(entry.tracker);
+    for (EyetrackerInterface *tracker : trackers_)
+        status_->addTracker(tracker);
     connect(status_, &StatusBar::retryWanted, recordings_, &RecordingKeeper::retry);
     connect(status_, &StatusBar::saveAsWanted, recordings_, &RecordingKeeper::saveAs);
-    trackerWidgets_.push_back(status_);
     auto *bar = new QStatusBar;
     bar->setSizeGripEnabled(false);
     bar->addWidget(status_, 1);
@@ -254,30 +143,29 @@ void MainWindow::buildStatusBar() {
 
 void MainWindow::buildTray() {
     tray_ = new TrayIcon(this, *exchange_);
-    for (const Tracker &entry : trackers_)
-        tray_->addTracker(entry.tracker);
+    for (EyetrackerInterface *tracker : trackers_)
+        tray_->addTracker(tracker);
 }
 
 void MainWindow::startRecovery() {
     const auto tell = [this](const QString &path) {
-        QMetaObject::invokeMethod(tray_, [this, path] { tray_->showRecovered(path); });
+        QMetaObject::invokeMethod(tray_, [this, path] {
+            tray_->showRecovered(path);
+            status_->showRecovered(path);
+        });
     };
     journalRecovery_ = std::make_unique<JournalRecovery>(recording_journal::folderIn(dataFolder_),
-                                                         trackers_.front().tracker->recordsFolder(), tell);
+                                                         trackers_.front()->recordsFolder(), tell);
 }
 
 void MainWindow::retranslate() {
     pages_->setTabText(0, tr("Main"));
     pages_->setTabText(1, tr("Settings"));
-    settingsTabs_->setTabText(0, QCoreApplication::translate("Generic", "Common"));
-    newVersionButton_->setText(tr("Доступна новая версия"));
-    dashboardButton_->setText(tr("Open dashboard"));
     const QLocale locale(settings_->getLanguage());
     status_->setLocale(locale);
     tray_->retranslate(locale);
     const QString problem = exchange_->listenProblem();
-    dashboardButton_->setEnabled(problem.isEmpty());
-    dashboardButton_->setToolTip(problem);
+    mainPage_->setDashboardProblem(problem);
     status_->setProblem(problem.isEmpty() ? QString() : tr("Other programs cannot reach Ocela: %1").arg(problem));
 }
 
@@ -285,7 +173,7 @@ void MainWindow::selectInitialTracker() {
     const QString selected = settings_->getSelectedTracker();
     int index = 0;
     for (std::size_t i = 0; i < trackers_.size(); ++i) {
-        if (trackers_[i].tracker->name() == selected) {
+        if (trackers_[i]->name() == selected) {
             index = static_cast<int>(i);
             break;
         }
@@ -298,26 +186,17 @@ void MainWindow::trackerIndexChanged(int index) {
         return;
     if (currentTracker_)
         currentTracker_->stop();
-    currentTracker_ = trackers_[static_cast<std::size_t>(index)].tracker;
-    {
-        const QSignalBlocker blocker(trackerCombo_);
-        trackerCombo_->setCurrentIndex(index);
-    }
-    showView(index);
-    for (BaseEyetrackerWidget *widget : trackerWidgets_)
-        widget->setEyetracker(currentTracker_);
+    currentTracker_ = trackers_[static_cast<std::size_t>(index)];
+    mainPage_->showTracker(index);
+    status_->setEyetracker(currentTracker_);
+    growTo(sizeHint());
     exchange_->setTracker(currentTracker_);
 
     currentTracker_->start();
     settings_->setSelectedTracker(currentTracker_->name());
 }
 
-void MainWindow::showView(int index) {
-    viewStack_->setCurrentIndex(index);
-    growTo(sizeHint());
-}
-
-/// The window grows at most to the size of the screen, so that a camera view shrinks on a small screen.
+/// The window grows at most to the size of the screen, so that the view of the tracker shrinks on a small screen.
 void MainWindow::growTo(QSize wanted) {
     const QSize frame(0, style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, this));
     resize(size().expandedTo(wanted.boundedTo(screen()->availableGeometry().size() - frame)));

@@ -6,18 +6,14 @@
 #include <memory>
 #include <vector>
 
-class BaseEyetrackerWidget;
 class EyetrackerInterface;
 class JournalRecovery;
-class NewVersionButton;
+class MainPage;
 class OcelaHTTPExchange;
-class QPushButton;
-class QStackedWidget;
 class QTabWidget;
 class RecordingKeeper;
-class SettingsNotice;
+class SettingsPage;
 class StatusBar;
-class TrackerComboBox;
 class TrayIcon;
 
 /// The main window. Owns the settings, the trackers, the HTTP API, the widgets for the selected tracker, and the tray
@@ -42,16 +38,8 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
-    struct Tracker {
-        EyetrackerInterface *tracker;
-        QWidget *view;  ///< the camera view or, for a tracker without one, the gaze trail
-    };
-
     void buildSettings();
     void buildTrackers();
-    [[nodiscard]] QWidget *buildMainPage();
-    [[nodiscard]] QWidget *buildSettingsPage();
-    [[nodiscard]] QWidget *buildSettingsNotice();
     void buildPages();
     void buildStatusBar();
     void buildTray();
@@ -60,7 +48,6 @@ private:
 
     void addTracker(EyetrackerInterface *tracker);
     void trackerIndexChanged(int index);
-    void showView(int index);
     void growTo(QSize wanted);
     void applyRecordsPath();
     void changeAutorun(bool on);
@@ -71,7 +58,7 @@ private:
 
     QString dataFolder_;
     Settings *settings_ = nullptr;
-    std::vector<Tracker> trackers_;
+    std::vector<EyetrackerInterface *> trackers_;
     RecordingKeeper *recordings_ = nullptr;
     EyetrackerInterface *currentTracker_ = nullptr;
     bool isRevertingAutorun_ = false;
@@ -79,15 +66,10 @@ private:
     /// Destroyed before the trackers, which are children of the window, because its threads read from them.
     std::unique_ptr<OcelaHTTPExchange> exchange_;
     std::unique_ptr<JournalRecovery> journalRecovery_;
-    std::vector<BaseEyetrackerWidget *> trackerWidgets_;
 
     QTabWidget *pages_ = nullptr;
-    QTabWidget *settingsTabs_ = nullptr;
-    SettingsNotice *settingsNotice_ = nullptr;
-    NewVersionButton *newVersionButton_ = nullptr;
-    TrackerComboBox *trackerCombo_ = nullptr;
-    QPushButton *dashboardButton_ = nullptr;
-    QStackedWidget *viewStack_ = nullptr;
+    MainPage *mainPage_ = nullptr;
+    SettingsPage *settingsPage_ = nullptr;
     StatusBar *status_ = nullptr;
     TrayIcon *tray_ = nullptr;
 };

@@ -53,6 +53,11 @@ void RecordingStatusLine::addTracker(EyetrackerInterface *tracker) {
     connect(tracker, &EyetrackerInterface::unsavedRecordSaved, this, finish);
 }
 
+void RecordingStatusLine::showRecovered(const QString &path) {
+    result_ = Result{path, {}};
+    refresh();
+}
+
 void RecordingStatusLine::eyetrackerChanged() {
     refresh();
 }
@@ -93,7 +98,8 @@ QStringList RecordingStatusLine::runningRecordings() const {
 QString RecordingStatusLine::resultText() const {
     if (result_->path.isEmpty())
         return StatusTexts::notSaved(tr("discarded"));
-    return StatusTexts(locale()).saved(result_->length, fileAt(result_->path).fileName());
+    const QString name = fileAt(result_->path).fileName();
+    return result_->length ? StatusTexts(locale()).saved(*result_->length, name) : StatusTexts::recovered(name);
 }
 
 QString RecordingStatusLine::unsavedProblem() const {

@@ -20,6 +20,9 @@ public:
     /// Shows the recordings of a tracker, also while another one is selected. The tracker is not owned.
     void addTracker(EyetrackerInterface *tracker);
 
+    /// Shows the file of a recovered recording, until the next recording.
+    void showRecovered(const QString &path);
+
     /// Updates the texts and the buttons. Hides the line if there is nothing to show.
     void refresh();
 
@@ -36,7 +39,7 @@ private:
     /// The end of the last recording. The path is empty if the recording was discarded.
     struct Result {
         QString path;
-        RecordLength length;
+        std::optional<RecordLength> length;  ///< without a value if the recording was recovered
     };
 
     [[nodiscard]] QStringList runningRecordings() const;

@@ -47,6 +47,11 @@ void StatusBar::addTracker(EyetrackerInterface *tracker) {
     recordingLine_->addTracker(tracker);
 }
 
+void StatusBar::showRecovered(const QString &path) {
+    recordingLine_->showRecovered(path);
+    arrange();
+}
+
 void StatusBar::setProblem(const QString &problem) {
     problemLabel_->setText(problem);
     problemLabel_->setVisible(!problem.isEmpty());

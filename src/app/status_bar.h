@@ -23,6 +23,9 @@ public:
     /// Shows the recordings of a tracker, also while another one is selected. The tracker is not owned.
     void addTracker(EyetrackerInterface *tracker);
 
+    /// Shows the file of a recovered recording, until the next recording.
+    void showRecovered(const QString &path);
+
     /// Shows a problem of the program in a line of its own. An empty text hides the line.
     void setProblem(const QString &problem);
 

@@ -68,6 +68,10 @@ QString StatusTexts::saved(const RecordLength &length, const QString &fileName) 
     return tr("Saved %1").arg(fileName) + ", " + samples(length.sampleCount) + ", " + shortClock(length.duration);
 }
 
+QString StatusTexts::recovered(const QString &fileName) {
+    return tr("Interrupted recording recovered: %1").arg(fileName);
+}
+
 QString StatusTexts::notSaved(const QString &problem) {
     return tr("Not saved: %1").arg(problem);
 }

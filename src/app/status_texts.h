@@ -33,6 +33,8 @@ public:
     /// `trackerName` is empty for the selected tracker.
     [[nodiscard]] QString recording(const RecordLength &length, const QString &trackerName) const;
     [[nodiscard]] QString saved(const RecordLength &length, const QString &fileName) const;
+    /// For a recording of an earlier run of the program.
+    [[nodiscard]] static QString recovered(const QString &fileName);
     [[nodiscard]] static QString notSaved(const QString &problem);
 
 private:

@@ -31,6 +31,7 @@ private Q_SLOTS:
     void tells_how_a_calibration_ended_data();
     void tells_how_a_calibration_ended();
     void shows_a_recording_and_its_file();
+    void shows_a_recovered_file_until_the_next_recording();
     void shows_a_recording_of_a_tracker_that_is_not_selected();
     void tells_why_a_recording_is_not_saved_until_it_is_saved();
     void long_texts_do_not_widen_the_bar();
@@ -163,6 +164,15 @@ void TestStatusBar::shows_a_recording_and_its_file() {
     button("openFolder")->click();
     QDesktopServices::unsetUrlHandler("file");
     QCOMPARE(opened_, QUrl::fromLocalFile(folder_.path()));
+}
+
+void TestStatusBar::shows_a_recovered_file_until_the_next_recording() {
+    bar_->showRecovered(folder_.filePath("x_recovered.csv"));
+    QCOMPARE(recordingText(), QString("Interrupted recording recovered: x_recovered.csv"));
+    QVERIFY(button("openFolder"));
+    tracker_->startRecord(folder_.filePath("x.csv"));
+    tracker_->discardRecord();
+    QCOMPARE(recordingText(), QString("Not saved: discarded"));
 }
 
 void TestStatusBar::shows_a_recording_of_a_tracker_that_is_not_selected() {

@@ -1,0 +1,73 @@
+#include "app/settings_page.h"
+
+#include "app/settings.h"
+#include "app/settings_notice.h"
+#include "core/eyetracker_interface.h"
+#include "toolkit/widgets/new_version_button.h"
+#include "toolkit/widgets/property_list_control.h"
+
+#include <QEvent>
+#include <QScrollArea>
+#include <QTabWidget>
+#include <QVBoxLayout>
+#include <memory>
+
+namespace {
+
+constexpr int margin = 8;
+
+/// Returns a scroll area for an editor that may be higher than a small screen.
+QWidget *scrollable(std::unique_ptr<PropertyListControl> editor) {
+    editor->setContentsMargins(margin, margin, margin, margin);
+    auto *area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setWidget(editor.release());
+    return area;
+}
+
+}  // namespace
+
+SettingsPage::SettingsPage(Settings &settings, const std::vector<EyetrackerInterface *> &trackers)
+    : notice_(new SettingsNotice), tabs_(new QTabWidget) {
+    notice_->setContentsMargins(margin, margin, margin, margin);
+    notice_->addSettings(&settings);
+    addEditors(settings, trackers);
+
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(notice_);
+    column->addWidget(tabs_);
+    retranslate();
+}
+
+void SettingsPage::addEditors(Settings &settings, const std::vector<EyetrackerInterface *> &trackers) {
+    auto common = std::make_unique<PropertyListControl>(&settings);
+    newVersionButton_ = new NewVersionButton(QString(), OCELA_RELEASE_INFO_URL, common.get());
+    common->addRow(newVersionButton_);
+    tabs_->addTab(scrollable(std::move(common)), QString());
+
+    for (EyetrackerInterface *tracker : trackers) {
+        if (!tracker->settings())
+            continue;
+        notice_->addSettings(tracker->settings());
+        auto editor = std::make_unique<PropertyListControl>(tracker->settings());
+        if (!editor->isEmpty())
+            tabs_->addTab(scrollable(std::move(editor)), tracker->name());
+    }
+}
+
+void SettingsPage::showReadProblem(QWidget *window) const {
+    notice_->showMessage(window);
+}
+
+void SettingsPage::changeEvent(QEvent *event) {
+    if (event->type() == QEvent::LanguageChange)
+        retranslate();
+    QWidget::changeEvent(event);
+}
+
+void SettingsPage::retranslate() {
+    tabs_->setTabText(0, QCoreApplication::translate("Generic", "Common"));
+    newVersionButton_->setText(tr("Доступна новая версия"));
+}
