@@ -198,6 +198,8 @@ void MainWindow::trackerIndexChanged(int index) {
 
 /// The window grows at most to the size of the screen, so that the view of the tracker shrinks on a small screen.
 void MainWindow::growTo(QSize wanted) {
+    if (isMaximized() || isFullScreen())
+        return;
     const QSize frame(0, style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, this));
     resize(size().expandedTo(wanted.boundedTo(screen()->availableGeometry().size() - frame)));
 }

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScopedValueRollback>
@@ -85,12 +86,16 @@ void RecordingKeeper::saveAs() {
     if (busy_ || tracker == trackers_.end())
         return;
     const QScopedValueRollback<bool> busy(busy_, true);
+    // Another recording may stay unsaved while the dialog is open.
+    const QString unsaved = (*tracker)->unsavedPath();
     // Does not ask before overwriting, because an existing file is renamed.
-    const QString path =
-        QFileDialog::getSaveFileName(window_, tr("Save as"), (*tracker)->unsavedPath(), tr("Record files (*.csv)"),
-                                     nullptr, QFileDialog::DontConfirmOverwrite);
-    if (!path.isEmpty())
-        (void)(*tracker)->saveUnsavedAs(path);
+    QString path = QFileDialog::getSaveFileName(window_, tr("Save as"), unsaved, tr("Record files (*.csv)"), nullptr,
+                                                QFileDialog::DontConfirmOverwrite);
+    if (path.isEmpty())
+        return;
+    if (QFileInfo(path).suffix().isEmpty())
+        path += ".csv";
+    (void)(*tracker)->saveUnsavedAs(unsaved, path);
 }
 
 QStringList RecordingKeeper::recordingTrackers() const {

@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QHBoxLayout>
+#include <QTextDocument>
 #include <QToolButton>
 #include <QUrl>
 
@@ -47,14 +48,14 @@ RecordingStatusLine::RecordingStatusLine(QWidget *parent)
 
 void RecordingStatusLine::addTracker(EyetrackerInterface *tracker) {
     trackers_.push_back(tracker);
-    connect(tracker, &EyetrackerInterface::recordStarted, this, &RecordingStatusLine::refresh);
+    connect(tracker, &EyetrackerInterface::recordStarted, this, [this, tracker] { recordStarted(*tracker); });
     const auto finish = [this, tracker](const QString &path) { setResult(*tracker, path); };
     connect(tracker, &EyetrackerInterface::recordStopped, this, finish);
     connect(tracker, &EyetrackerInterface::unsavedRecordSaved, this, finish);
 }
 
 void RecordingStatusLine::showRecovered(const QString &path) {
-    result_ = Result{path, {}};
+    result_ = Result{nullptr, path, {}};
     refresh();
 }
 
@@ -64,17 +65,16 @@ void RecordingStatusLine::eyetrackerChanged() {
 
 void RecordingStatusLine::refresh() {
     QStringList texts = runningRecordings();
-    const bool showsResult = texts.isEmpty() && result_;
-    const bool showsFile = showsResult && !result_->path.isEmpty();
-    if (showsResult)
+    const bool showsFile = result_ && !result_->path.isEmpty();
+    if (result_)
         texts << resultText();
     const QString problem = unsavedProblem();
     if (!problem.isEmpty())
         texts << StatusTexts::notSaved(problem);
 
     label_->setText(texts.join("; "));
-    label_->setToolTip(showsFile && problem.isEmpty() ? QDir::toNativeSeparators(result_->path).toHtmlEscaped()
-                                                      : QString());
+    label_->setToolTip(
+        showsFile && problem.isEmpty() ? Qt::convertFromPlainText(QDir::toNativeSeparators(result_->path)) : QString());
     folderButton_->setText(tr("Open folder"));
     folderButton_->setVisible(showsFile);
     retryButton_->setText(tr("Retry"));
@@ -99,7 +99,7 @@ QString RecordingStatusLine::resultText() const {
     if (result_->path.isEmpty())
         return StatusTexts::notSaved(tr("discarded"));
     const QString name = fileAt(result_->path).fileName();
-    return result_->length ? StatusTexts(locale()).saved(*result_->length, name) : StatusTexts::recovered(name);
+    return result_->tracker ? StatusTexts(locale()).saved(result_->length, name) : StatusTexts::recovered(name);
 }
 
 QString RecordingStatusLine::unsavedProblem() const {
@@ -110,11 +110,18 @@ QString RecordingStatusLine::unsavedProblem() const {
     return problems.join("; ");
 }
 
+void RecordingStatusLine::recordStarted(const EyetrackerInterface &tracker) {
+    const bool isOfAnother = result_ && result_->tracker && result_->tracker != &tracker;
+    if (!isOfAnother)
+        result_.reset();
+    refresh();
+}
+
 void RecordingStatusLine::setResult(const EyetrackerInterface &tracker, const QString &path) {
     if (path.isEmpty() && !tracker.unsavedProblem().isEmpty())
         result_.reset();
     else
-        result_ = Result{path, tracker.finishedRecordLength()};
+        result_ = Result{&tracker, path, tracker.finishedRecordLength()};
     refresh();
 }
 

@@ -38,13 +38,15 @@ protected:
 private:
     /// The end of the last recording. The path is empty if the recording was discarded.
     struct Result {
+        const EyetrackerInterface *tracker;  ///< null if the recording was recovered
         QString path;
-        std::optional<RecordLength> length;  ///< without a value if the recording was recovered
+        RecordLength length;
     };
 
     [[nodiscard]] QStringList runningRecordings() const;
     [[nodiscard]] QString resultText() const;
     [[nodiscard]] QString unsavedProblem() const;
+    void recordStarted(const EyetrackerInterface &tracker);
     void setResult(const EyetrackerInterface &tracker, const QString &path);
     void openFolder() const;
 

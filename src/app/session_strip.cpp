@@ -7,8 +7,11 @@
 #include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QRegularExpressionValidator>
+#include <QRegularExpression>
+#include <QTextDocument>
 #include <QToolTip>
+#include <QValidator>
+#include <algorithm>
 
 namespace {
 
@@ -16,6 +19,23 @@ constexpr int spacing = 6;
 /// Three texts of this length, the date and the time fit into a file name of 255 bytes, even with two bytes per
 /// character.
 constexpr int maxLength = 32;
+
+constexpr char forbiddenCharacters[] = "<>:\"/\\|?*";
+
+/// Accepts a text that can be a part of a file name, on Windows and on Linux. Removes control characters, because a
+/// cell that is copied from a spreadsheet ends with a line break.
+class FileNamePart : public QValidator {
+public:
+    using QValidator::QValidator;
+
+    State validate(QString &text, int &position) const override {
+        const int sizeBefore = text.size();
+        text.remove(QRegularExpression("[\\x{0}-\\x{1f}\\x{7f}]"));
+        position = std::max(0, position - (sizeBefore - text.size()));
+        const auto isForbidden = [](QChar character) { return QLatin1String(forbiddenCharacters).contains(character); };
+        return std::any_of(text.begin(), text.end(), isForbidden) ? Invalid : Acceptable;
+    }
+};
 
 }  // namespace
 
@@ -32,12 +52,13 @@ SessionStrip::Field SessionStrip::addField(QFormLayout *form, const char *name, 
     const Field field{new QLabel(this), new QLineEdit(this)};
     field.edit->setObjectName(name);
     field.edit->setMaxLength(maxLength);
-    const QRegularExpression valid(R"([^<>:"/\\|?*\x{0}-\x{1f}\x{7f}]*)");
-    field.edit->setValidator(new QRegularExpressionValidator(valid, field.edit));
-    field.edit->setText(text);
-    // A text in a settings file that was edited by hand may be invalid.
-    if (!field.edit->hasAcceptableInput())
-        field.edit->clear();
+    const auto *validator = new FileNamePart(field.edit);
+    field.edit->setValidator(validator);
+    // Somebody may have edited the settings file.
+    QString stored = text;
+    int position = 0;
+    if (validator->validate(stored, position) == QValidator::Acceptable)
+        field.edit->setText(stored);
     field.label->setBuddy(field.edit);
     form->addRow(field.label, field.edit);
 
@@ -46,7 +67,7 @@ SessionStrip::Field SessionStrip::addField(QFormLayout *form, const char *name, 
         const QString reason = edit->text().size() < maxLength
                                    ? tr("A file name cannot contain these characters: %1").arg("< > : \" / \\ | ? *")
                                    : tr("The text has at most %1 characters.").arg(maxLength);
-        QToolTip::showText(edit->mapToGlobal({0, edit->height()}), reason.toHtmlEscaped(), edit);
+        QToolTip::showText(edit->mapToGlobal({0, edit->height()}), Qt::convertFromPlainText(reason), edit);
     });
     return field;
 }

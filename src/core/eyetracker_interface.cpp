@@ -111,14 +111,16 @@ bool EyetrackerInterface::saveUnsaved(const QString &folder) {
     return unsaved_.empty();
 }
 
-bool EyetrackerInterface::saveUnsavedAs(const QString &path) {
-    if (unsaved_.empty())
+bool EyetrackerInterface::saveUnsavedAs(const QString &unsavedPath, const QString &path) {
+    const auto isWanted = [&](const Recording &recording) { return recording->currentFilePath() == unsavedPath; };
+    const auto found = std::find_if(unsaved_.begin(), unsaved_.end(), isWanted);
+    if (found == unsaved_.end())
         return true;
-    unsaved_.back()->setPath(path);
-    if (!save(*unsaved_.back()))
+    (*found)->setPath(path);
+    if (!save(**found))
         return false;
-    const Recording saved = std::move(unsaved_.back());
-    unsaved_.pop_back();
+    const Recording saved = std::move(*found);
+    unsaved_.erase(found);
     reportSaved(*saved);
     return true;
 }

@@ -162,9 +162,9 @@ public:
     /// Tries again to save the unsaved recordings, in `folder` unless it is empty. Returns whether all are saved.
     [[nodiscard]] bool saveUnsaved(const QString &folder = QString());
 
-    /// Tries to save the last unsaved recording to the file `path`. Returns whether it is saved. If there is no unsaved
-    /// recording, does nothing and returns true.
-    [[nodiscard]] bool saveUnsavedAs(const QString &path);
+    /// Tries to save the unsaved recording whose path is `unsavedPath` to the file `path`. Returns whether it is saved.
+    /// Returns true if there is no such recording.
+    [[nodiscard]] bool saveUnsavedAs(const QString &unsavedPath, const QString &path);
     /// Returns the path of the last unsaved recording. Call it only if unsavedProblem() is not empty.
     [[nodiscard]] QString unsavedPath() const;
 

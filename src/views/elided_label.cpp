@@ -3,6 +3,7 @@
 #include <QHelpEvent>
 #include <QPainter>
 #include <QStyle>
+#include <QTextDocument>
 #include <QToolTip>
 
 ElidedLabel::ElidedLabel(QWidget *parent) : QLabel(parent) {
@@ -17,7 +18,7 @@ QSize ElidedLabel::minimumSizeHint() const {
 bool ElidedLabel::event(QEvent *event) {
     if (event->type() != QEvent::ToolTip || !toolTip().isEmpty() || shownText() == text())
         return QLabel::event(event);
-    QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), text().toHtmlEscaped(), this);
+    QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), Qt::convertFromPlainText(text()), this);
     return true;
 }
 

@@ -28,13 +28,13 @@ std::vector<GazeTrail::Point> GazeTrail::points(Clock::time_point now) const {
     return points;
 }
 
-QRectF gaze_picture::screenIn(const QRectF &available, QSize screen) {
+QRectF gaze_trail::screenIn(const QRectF &available, QSize screen) {
     QRectF picture(QPointF(), QSizeF(screen).scaled(available.size(), Qt::KeepAspectRatio));
     picture.moveCenter(available.center());
     return picture;
 }
 
-QPointF gaze_picture::placeOf(QPointF percent, const QRectF &screen) {
+QPointF gaze_trail::placeOf(QPointF percent, const QRectF &screen) {
     const auto at = [](double start, double length, double share) {
         return start + length * std::clamp(share, 0.0, 100.0) / 100;
     };

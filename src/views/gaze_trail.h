@@ -44,7 +44,7 @@ private:
 };
 
 /// The geometry of the picture of a screen in a widget. Reentrant.
-namespace gaze_picture {
+namespace gaze_trail {
 
 /// Returns the largest rectangle with the proportions of `screen` in the middle of `available`.
 [[nodiscard]] QRectF screenIn(const QRectF &available, QSize screen);
@@ -52,4 +52,4 @@ namespace gaze_picture {
 /// Returns the position of a gaze in the picture. A gaze outside the screen is moved to its edge.
 [[nodiscard]] QPointF placeOf(QPointF percent, const QRectF &screen);
 
-}  // namespace gaze_picture
+}  // namespace gaze_trail

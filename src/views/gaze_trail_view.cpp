@@ -86,7 +86,7 @@ void GazeTrailView::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF inside = QRectF(rect()).adjusted(frameWidth, frameWidth, -frameWidth, -frameWidth);
-    const QRectF screen = gaze_picture::screenIn(inside, screenSize());
+    const QRectF screen = gaze_trail::screenIn(inside, screenSize());
     drawScreen(painter, screen);
     if (trail_.isEmpty()) {
         painter.setPen(palette().color(QPalette::PlaceholderText));
@@ -108,7 +108,7 @@ void GazeTrailView::drawTrail(QPainter &painter, const QRectF &screen) const {
     const std::vector<GazeTrail::Point> points = trail_.points(GazeTrail::Clock::now());
     QPointF previous;
     for (const GazeTrail::Point &point : points) {
-        const QPointF place = gaze_picture::placeOf(point.percent, screen);
+        const QPointF place = gaze_trail::placeOf(point.percent, screen);
         if (point.isJoined) {
             painter.setPen(QPen(faded(colour, point.freshness), trailWidth, Qt::SolidLine, Qt::RoundCap));
             painter.drawLine(previous, place);

@@ -68,6 +68,9 @@ void TestSessionStrip::names_the_record_file() {
 void TestSessionStrip::refuses_characters_that_a_file_name_cannot_have() {
     type("participant", "a<b>c:d\"e/f\\g|h?i*j");
     QCOMPARE(text("participant"), QString("abcdefghij"));
+    auto *edit = strip_->findChild<QLineEdit *>("session");
+    edit->insert("a cell\r\n");
+    QCOMPARE(edit->text(), QString("a cell"));
     type("task", QString(100, 'x'));
     QVERIFY(text("task").size() < 100);
 }

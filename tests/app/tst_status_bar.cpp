@@ -181,9 +181,12 @@ void TestStatusBar::shows_a_recording_of_a_tracker_that_is_not_selected() {
     tracker_->startRecord(folder_.filePath("selected.csv"));
     tracker_->addSample({});
     tracker_->discardRecord();
+    QCOMPARE(recordingText(), QString("Recording (fake) 00:00:00, 0 samples; Not saved: discarded"));
+    other_->stopRecord();
+    QCOMPARE(recordingText(), QString("Saved other.csv, 0 samples, 00:00"));
+    other_->startRecord(folder_.filePath("again.csv"));
     QCOMPARE(recordingText(), QString("Recording (fake) 00:00:00, 0 samples"));
     other_->discardRecord();
-    QCOMPARE(recordingText(), QString("Not saved: discarded"));
 }
 
 void TestStatusBar::tells_why_a_recording_is_not_saved_until_it_is_saved() {
@@ -207,7 +210,7 @@ void TestStatusBar::tells_why_a_recording_is_not_saved_until_it_is_saved() {
     QSignalSpy saveAs(bar_.get(), &StatusBar::saveAsWanted);
     button("saveAs")->click();
     QCOMPARE(saveAs.size(), 1);
-    QVERIFY(tracker_->saveUnsavedAs(folder_.filePath("chosen.csv")));
+    QVERIFY(tracker_->saveUnsavedAs(tracker_->unsavedPath(), folder_.filePath("chosen.csv")));
     QCOMPARE(recordingText(), QString("Saved chosen.csv, 1 sample, 00:00"));
     QVERIFY(!button("retry"));
 }

@@ -99,9 +99,9 @@ void TestGazeTrailView::picture_keeps_the_proportions_of_the_screen_data() {
 void TestGazeTrailView::picture_keeps_the_proportions_of_the_screen() {
     QFETCH(QSize, screen);
     QFETCH(QPointF, gaze);
-    const QRectF picture = gaze_picture::screenIn(QRectF(0, 0, 400, 250), screen);
+    const QRectF picture = gaze_trail::screenIn(QRectF(0, 0, 400, 250), screen);
     QTEST(picture, "picture");
-    QTEST(gaze_picture::placeOf(gaze, picture), "place");
+    QTEST(gaze_trail::placeOf(gaze, picture), "place");
 }
 
 void TestGazeTrailView::shows_the_gaze_until_it_is_lost_data() {
