@@ -642,16 +642,20 @@
         <translation>Connection lost</translation>
     </message>
     <message>
-        <source>%1 is recording, but sends no samples.</source>
-        <translation>%1 is recording, but sends no samples.</translation>
-    </message>
-    <message>
         <source>Interrupted recording recovered</source>
         <translation>Interrupted recording recovered</translation>
     </message>
     <message>
         <source>Ocela continues in the background. To end it, choose Quit in the menu of this icon.</source>
         <translation>Ocela continues in the background. To end it, choose Quit in the menu of this icon.</translation>
+    </message>
+    <message>
+        <source>No samples</source>
+        <translation>No samples</translation>
+    </message>
+    <message>
+        <source>%1 is recording, but sends no samples. Open the window, choose this tracker and press Reconnect.</source>
+        <translation>%1 is recording, but sends no samples. Open the window, choose this tracker and press Reconnect.</translation>
     </message>
 </context>
 <context>

@@ -643,16 +643,20 @@
         <translation>Соединение потеряно</translation>
     </message>
     <message>
-        <source>%1 is recording, but sends no samples.</source>
-        <translation>Запись с %1 идёт, но данные не поступают.</translation>
-    </message>
-    <message>
         <source>Interrupted recording recovered</source>
         <translation>Прерванная запись восстановлена</translation>
     </message>
     <message>
         <source>Ocela continues in the background. To end it, choose Quit in the menu of this icon.</source>
         <translation>Ocela продолжает работать в фоне. Чтобы завершить программу, выберите «Выход» в меню этого значка.</translation>
+    </message>
+    <message>
+        <source>No samples</source>
+        <translation>Нет данных</translation>
+    </message>
+    <message>
+        <source>%1 is recording, but sends no samples. Open the window, choose this tracker and press Reconnect.</source>
+        <translation>Запись с %1 идёт, но данные не поступают. Откройте окно, выберите этот трекер и нажмите «Переподключить».</translation>
     </message>
 </context>
 <context>

@@ -11,6 +11,7 @@
 #include <QFileInfo>
 #include <QMenu>
 #include <QPainter>
+#include <algorithm>
 
 namespace {
 
@@ -18,6 +19,10 @@ constexpr std::chrono::seconds trayTimeout(10);
 constexpr std::chrono::milliseconds trayPollInterval(250);
 /// After this time, the icon has its position in the tray. An earlier message would be shown in a corner of the screen.
 constexpr std::chrono::seconds trayLayoutTime(1);
+
+/// Shorter gaps are usual, for example while a device is opened again.
+constexpr std::chrono::seconds noSamplesTime(5);
+constexpr std::chrono::seconds noSamplesPollInterval(1);
 
 constexpr QRgb markColour = 0xffe01b24;
 
@@ -65,6 +70,8 @@ TrayIcon::TrayIcon(QWidget *window, const OcelaHTTPExchange &api)
             toggleWindow();
     });
     connect(&trayTimer_, &QTimer::timeout, this, &TrayIcon::waitForTray);
+    connect(&samplesTimer_, &QTimer::timeout, this, &TrayIcon::checkSamples);
+    samplesTimer_.start(noSamplesPollInterval);
     showState();
     icon_->show();
 }
@@ -82,13 +89,18 @@ void TrayIcon::buildMenu() {
 }
 
 void TrayIcon::addTracker(EyetrackerInterface *tracker) {
-    trackers_.push_back(tracker);
-    connect(tracker, &EyetrackerInterface::recordStarted, this, &TrayIcon::showState);
+    Observed &observed = trackers_.emplace_back(Observed{tracker, {}, {}});
+    connect(tracker, &EyetrackerInterface::recordStarted, this, [this, &observed] {
+        observed.recordStart = Clock::now();
+        observed.toldAfter.reset();
+        showState();
+    });
     connect(tracker, &EyetrackerInterface::recordStopped, this,
             [this, tracker](const QString &path) { recordStopped(*tracker, path); });
     connect(tracker, &EyetrackerInterface::unsavedRecordSaved, this,
             [this, tracker](const QString &path) { recordStopped(*tracker, path); });
-    connect(tracker, &EyetrackerInterface::disconnected, this, [this, tracker] { connectionLost(*tracker); });
+    connect(tracker, &EyetrackerInterface::disconnected, this,
+            [this, &observed] { tellNoSamples(observed, tr("Connection lost")); });
 }
 
 void TrayIcon::retranslate(const QLocale &locale) {
@@ -149,9 +161,9 @@ bool TrayIcon::isWindowShown() const {
 
 QStringList TrayIcon::recordingTrackers() const {
     QStringList names;
-    for (const EyetrackerInterface *tracker : trackers_) {
-        if (tracker->isRecording())
-            names << tracker->name();
+    for (const Observed &observed : trackers_) {
+        if (observed.tracker->isRecording())
+            names << observed.tracker->name();
     }
     return names;
 }
@@ -177,10 +189,23 @@ void TrayIcon::recordStopped(const EyetrackerInterface &tracker, const QString &
         tell(tr("Recording not saved"), problem, QSystemTrayIcon::Critical);
 }
 
-void TrayIcon::connectionLost(const EyetrackerInterface &tracker) {
-    if (tracker.isRecording())
-        tell(tr("Connection lost"), tr("%1 is recording, but sends no samples.").arg(tracker.name()),
-             QSystemTrayIcon::Warning);
+void TrayIcon::checkSamples() {
+    for (Observed &observed : trackers_) {
+        const Clock::time_point arrival = observed.tracker->lastNumberedSample().arrival;
+        if (Clock::now() - std::max(observed.recordStart, arrival) >= noSamplesTime)
+            tellNoSamples(observed, tr("No samples"));
+    }
+}
+
+void TrayIcon::tellNoSamples(Observed &observed, const QString &title) {
+    const quint64 newest = observed.tracker->lastNumberedSample().number;
+    if (!observed.tracker->isRecording() || isWindowShown() || observed.toldAfter == newest)
+        return;
+    observed.toldAfter = newest;
+    tell(title,
+         tr("%1 is recording, but sends no samples. Open the window, choose this tracker and press Reconnect.")
+             .arg(observed.tracker->name()),
+         QSystemTrayIcon::Warning);
 }
 
 void TrayIcon::showRecovered(const QString &path) {

@@ -7,8 +7,10 @@
 #include <QStringList>
 #include <QSystemTrayIcon>
 #include <QTimer>
+#include <chrono>
+#include <list>
 #include <memory>
-#include <vector>
+#include <optional>
 
 class EyetrackerInterface;
 class OcelaHTTPExchange;
@@ -19,7 +21,7 @@ class QWidget;
 /// The tray icon of the main window, with its menu. The main window owns it. GUI thread.
 ///
 /// A red mark and the tool tip show that a tracker is recording. While the window is hidden or minimised, messages tell
-/// the user that a connection was lost during a recording, and that a recording was saved, not saved or recovered.
+/// the user that a recording gets no samples, and that a recording was saved, not saved or recovered.
 class TrayIcon : public QObject {
     Q_OBJECT
 
@@ -28,7 +30,9 @@ public:
     TrayIcon(QWidget *window, const OcelaHTTPExchange &api);
     ~TrayIcon() override;
 
-    /// Shows the recordings and lost connections of a tracker, which is not owned.
+    /// Shows the recordings of a tracker, which is not owned. A message tells that a recording gets no samples: when
+    /// the connection is lost, or after 5 s without a sample, because not every device reports a loss. The message is
+    /// not repeated before another sample has arrived.
     void addTracker(EyetrackerInterface *tracker);
 
     /// Sets all texts in the language of the user interface. Numbers have the format of `locale`.
@@ -46,6 +50,14 @@ public:
     [[nodiscard]] bool explainHiding();
 
 private:
+    using Clock = std::chrono::steady_clock;
+
+    struct Observed {
+        EyetrackerInterface *tracker = nullptr;
+        Clock::time_point recordStart;
+        std::optional<quint64> toldAfter;  ///< the newest sample at the last message of this recording
+    };
+
     void buildMenu();
     void toggleWindow();
     void showWindow();
@@ -56,14 +68,15 @@ private:
     void showState();
     [[nodiscard]] QStringList recordingTrackers() const;
     void recordStopped(const EyetrackerInterface &tracker, const QString &path);
-    void connectionLost(const EyetrackerInterface &tracker);
+    void checkSamples();
+    void tellNoSamples(Observed &observed, const QString &title);
     void tellRecovered();
     /// Shows a message unless the user sees the window.
     void tell(const QString &title, const QString &text, QSystemTrayIcon::MessageIcon kind);
 
     QWidget *const window_;
     const OcelaHTTPExchange &api_;
-    std::vector<EyetrackerInterface *> trackers_;
+    std::list<Observed> trackers_;  ///< a list, because signal connections refer to its elements
     QLocale locale_;
     QStringList recovered_;  ///< the names of the recovered files
 
@@ -75,6 +88,7 @@ private:
     QAction *dashboardAction_ = nullptr;
     QAction *quitAction_ = nullptr;
 
+    QTimer samplesTimer_;
     QTimer trayTimer_;  ///< looks for a tray after startHidden()
     QDeadlineTimer trayDeadline_;
     bool isStarting_ = false;  ///< from startHidden() until messages can be shown

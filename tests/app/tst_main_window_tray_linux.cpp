@@ -74,6 +74,7 @@ private Q_SLOTS:
     void minimised_window_is_shown();
     void hiding_is_explained_once();
     void messages_tell_about_recordings_while_the_window_is_hidden();
+    void recording_without_samples_is_told_once();
     void tray_may_appear_after_a_hidden_start();
     void port_of_another_program_is_shown();
     void quit_exits_when_the_window_is_hidden();
@@ -179,6 +180,28 @@ void TestMainWindowTray::messages_tell_about_recordings_while_the_window_is_hidd
         // The first messages wait until the icon has its place.
         QTRY_COMPARE(message(), hidden ? QString("Interrupted recording recovered|P01_recovered.csv") : QString());
     }
+}
+
+void TestMainWindowTray::recording_without_samples_is_told_once() {
+    FakeTracker tracker;
+    const QTemporaryDir folder;
+    trayIcon_->addTracker(&tracker);
+    window_->hide();
+    clearMessage(icon());
+    tracker.setConnected(true);
+    tracker.startRecord(folder.filePath("P02.csv"));
+    tracker.addSample({});
+    // This device does not report the loss.
+    QTRY_VERIFY_WITH_TIMEOUT(message().contains("No samples|fake is recording, but sends no samples. Open"), 10000);
+    QVERIFY(tracker.isConnected());
+    clearMessage(icon());
+    tracker.setConnected(false);
+    QCOMPARE(message(), QString());
+    tracker.addSample({});
+    tracker.setConnected(true);
+    tracker.setConnected(false);
+    QVERIFY2(message().contains("Connection lost"), qPrintable(message()));
+    tracker.discardRecord();
 }
 
 void TestMainWindowTray::tray_may_appear_after_a_hidden_start() {
