@@ -20,6 +20,7 @@
 #include <QTest>
 #include <QTimer>
 #include <QWheelEvent>
+#include <cerrno>
 #include <memory>
 
 namespace {
@@ -204,6 +205,7 @@ void TestMainWindow::wheel_over_a_list_changes_nothing() {
 
 void TestMainWindow::failing_autorun_is_shown_and_switched_back() {
     MainWindow window;  // loading the settings must not change the autostart list, so there is no warning
+    settingsOf(window).setLanguage("ru_RU");
     settingsOf(window).setAutoRun(false);
     // The program is not in the folder of this test, so adding it fails with a warning.
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Cannot add to autostart .*Ocela"));
@@ -215,7 +217,10 @@ void TestMainWindow::failing_autorun_is_shown_and_switched_back() {
         text = box->text();
         box->accept();
     });
-    QTRY_VERIFY2(text.contains("Cannot add to autostart"), qPrintable(text));
+    QTRY_VERIFY(!text.isEmpty());
+    const QString program = QDir::toNativeSeparators(QCoreApplication::applicationDirPath() + "/Ocela");
+    QVERIFY2(text.startsWith("Не удалось изменить «Запускать вместе с системой»:\n" + program), qPrintable(text));
+    QVERIFY2(text.endsWith(": " + qt_error_string(ENOENT)), qPrintable(text));
     QVERIFY(!settingsOf(window).getAutoRun());
     QVERIFY(readFile(Settings::defaultFilePath()).contains("\"AutoRun\">false"));
 }

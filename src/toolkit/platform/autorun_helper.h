@@ -16,7 +16,7 @@ public:
     /// exist fails. Removing a program that is not listed succeeds.
     static bool setAppInAutorunUsingExe(const QString &exeName, bool enable, bool allUsers);
 
-    /// Does the same as setAppInAutorunUsingExe(). Returns the reason for a failure, in English, or an empty text on
-    /// success.
+    /// Does the same as setAppInAutorunUsingExe(). Returns an empty text on success, or a text for the user: the file
+    /// and, if it is known, the system's reason.
     [[nodiscard]] static QString changeAutorun(const QString &exeName, bool enable, bool allUsers);
 };

@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QStandardPaths>
+#include <cerrno>
 
 namespace {
 
@@ -22,21 +23,22 @@ QString autostartFolder(bool allUsers) {
     return folders.value(allUsers ? 1 : 0, "/etc/xdg") + "/autostart";
 }
 
-QString fail(const QString &what, const QString &path, const QString &reason) {
-    QString problem = what + ' ' + path + ": " + reason;
-    qCWarning(lcToolkit).noquote() << problem;
+QString fail(const char *what, const QString &path, const QString &reason) {
+    QString problem = path + ": " + reason;
+    qCWarning(lcToolkit).noquote() << what << problem;
     return problem;
 }
 
 QString addEntry(const QString &path, const QString &program) {
-    if (!QFileInfo(program).isExecutable())
-        return fail("Cannot add to autostart", program, "the program does not exist");
-    const QString folder = QFileInfo(path).path();
+    const QFileInfo file(program);
+    if (!file.isExecutable())
+        return fail("Cannot add to autostart", program, qt_error_string(file.exists() ? EACCES : ENOENT));
+    QString folder = QFileInfo(path).path();
     if (!FileUtilities::createIfNotExists(folder))
-        return "Cannot create " + folder;  // the reason is logged
-    QSaveFile file(path);
-    const bool saved = FileUtilities::save(file, desktopEntry(program));
-    return saved ? QString() : fail("Cannot write", path, file.errorString());
+        return folder;  // the reason is logged
+    QSaveFile entry(path);
+    const bool saved = FileUtilities::save(entry, desktopEntry(program));
+    return saved ? QString() : fail("Cannot write", path, entry.errorString());
 }
 
 QString removeEntry(const QString &path) {

@@ -42,9 +42,9 @@ QString native(const QString &path) {
     return QDir::toNativeSeparators(path);
 }
 
-QString fail(const QString &what, const QString &path, const QString &reason) {
-    QString problem = what + ' ' + native(path) + ": " + reason;
-    qCWarning(lcToolkit).noquote() << problem;
+QString fail(const char *what, const QString &path, const QString &reason) {
+    QString problem = native(path) + ": " + reason;
+    qCWarning(lcToolkit).noquote() << what << problem;
     return problem;
 }
 
@@ -80,7 +80,7 @@ HRESULT saveShortcut(const QString &path, const QString &program) {
 
 QString addShortcut(const QString &path, const QString &program) {
     if (!QFileInfo::exists(program))
-        return fail("Cannot add to autostart", program, "the program does not exist");
+        return fail("Cannot add to autostart", program, qt_error_string(ERROR_FILE_NOT_FOUND));
     const ComSession com;
     // A temporary file is renamed at the end, so the Startup folder never contains an incomplete shortcut.
     const QString temporary = path + ".new";
@@ -106,7 +106,7 @@ QString removeShortcut(const QString &path) {
 QString AutorunHelper::changeAutorun(const QString &exeName, bool enable, bool allUsers) {
     const QString folder = startupFolder(allUsers);
     if (folder.isEmpty())
-        return fail("Cannot change the autostart of", exeName, "there is no Startup folder");
+        return fail("Cannot find the Startup folder for", exeName, qt_error_string(ERROR_PATH_NOT_FOUND));
     const QString program = QCoreApplication::applicationDirPath() + '/' + exeName;
     const QString path = folder + '/' + QFileInfo(exeName).completeBaseName() + ".lnk";
     return enable ? addShortcut(path, program) : removeShortcut(path);
