@@ -659,6 +659,17 @@
     </message>
 </context>
 <context>
+    <name>VTSettings</name>
+    <message>
+        <source>it is not a regular file</source>
+        <translation>it is not a regular file</translation>
+    </message>
+    <message>
+        <source>it is damaged and cannot be renamed</source>
+        <translation>it is damaged and cannot be renamed</translation>
+    </message>
+</context>
+<context>
     <name>aSeePro</name>
     <message>
         <source>not calibrated</source>

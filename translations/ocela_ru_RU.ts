@@ -660,6 +660,17 @@
     </message>
 </context>
 <context>
+    <name>VTSettings</name>
+    <message>
+        <source>it is not a regular file</source>
+        <translation>это не обычный файл</translation>
+    </message>
+    <message>
+        <source>it is damaged and cannot be renamed</source>
+        <translation>он повреждён, и его не удалось переименовать</translation>
+    </message>
+</context>
+<context>
     <name>aSeePro</name>
     <message>
         <source>not calibrated</source>

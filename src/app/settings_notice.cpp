@@ -31,9 +31,11 @@ void SettingsNotice::changeEvent(QEvent *event) {
 void SettingsNotice::refresh() {
     QStringList lines;
     for (const VTSettings *settings : settings_) {
-        if (!settings->readProblem().isEmpty())
-            lines << tr("The settings file %1 cannot be read: %2")
-                         .arg(QDir::toNativeSeparators(settings->filePath()), settings->readProblem());
+        if (settings->readProblem().isEmpty())
+            continue;
+        const QString problem = QCoreApplication::translate("VTSettings", settings->readProblem().toUtf8().constData());
+        lines << tr("The settings file %1 cannot be read: %2")
+                     .arg(QDir::toNativeSeparators(settings->filePath()), problem);
     }
     if (!lines.isEmpty())
         lines << tr("The defaults apply, and changes are not saved. Start Ocela again to use the file.");

@@ -1,4 +1,5 @@
 #include "app/main_window.h"
+#include "app/settings_notice.h"
 #include "app/startup.h"
 #include "support/file_content.h"
 #include "support/gazepoint_wire.h"
@@ -76,6 +77,7 @@ private Q_SLOTS:
     void changing_the_language_changes_all_texts_immediately();
     void wheel_over_a_list_changes_nothing();
     void failing_autorun_is_shown_and_switched_back();
+    void unread_settings_are_explained_in_the_language_of_the_window();
 };
 
 void TestMainWindow::initTestCase() {
@@ -223,6 +225,17 @@ void TestMainWindow::failing_autorun_is_shown_and_switched_back() {
     QVERIFY2(text.endsWith(": " + qt_error_string(ENOENT)), qPrintable(text));
     QVERIFY(!settingsOf(window).getAutoRun());
     QVERIFY(readFile(Settings::defaultFilePath()).contains("\"AutoRun\">false"));
+}
+
+void TestMainWindow::unread_settings_are_explained_in_the_language_of_the_window() {
+    QVERIFY(QFile::remove(Settings::defaultFilePath()));
+    QVERIFY(QDir().mkdir(Settings::defaultFilePath()));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("cannot be read: it is not a regular file;"));
+    MainWindow window;
+    QVERIFY(QDir().rmdir(Settings::defaultFilePath()));
+    settingsOf(window).setLanguage("ru_RU");
+    const auto *notice = window.findChild<SettingsNotice *>();
+    QTRY_VERIFY2(notice->text().contains("OcelaSettings.xml: это не обычный файл"), qPrintable(notice->text()));
 }
 
 OCELA_TEST(TestMainWindow)

@@ -83,7 +83,7 @@ Contents settings_file::read(const QString &path) {
     QFile file(path);
     // Opening a pipe would block until a writer opens it, too.
     if (!QFileInfo(path).isFile())
-        return {{}, QStringLiteral("it is not a regular file"), false};
+        return {{}, QT_TRANSLATE_NOOP("VTSettings", "it is not a regular file"), false};
     if (!file.open(QIODevice::ReadOnly))
         return {{}, file.errorString(), false};
     if (file.size() > maxFileBytes)

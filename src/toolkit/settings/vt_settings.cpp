@@ -72,7 +72,7 @@ bool VTSettings::save() {
 void VTSettings::setAside(const QString &reason) {
     const QString kept = settings_file::moveAside(filePath_);
     if (kept.isEmpty())
-        readProblem_ = reason;
+        readProblem_ = QT_TRANSLATE_NOOP("VTSettings", "it is damaged and cannot be renamed");
     const QString outcome = kept.isEmpty() ? QStringLiteral("it could not be renamed") : "kept as " + native(kept);
     qCWarning(lcSettings).noquote() << "Settings file" << native(filePath_) << "cannot be used:" << reason + ";"
                                     << outcome + "; the defaults apply";

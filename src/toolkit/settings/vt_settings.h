@@ -30,7 +30,8 @@ public:
     /// Then sets the defaults, keeps the file, logs one warning and returns false; see readProblem().
     bool reload();
 
-    /// Returns why the file could not be read, or an empty text. Until another reload() succeeds, nothing is saved.
+    /// Returns why the file could not be read, or an empty text. Until another reload() succeeds, nothing is saved. The
+    /// reason is a text of the system, or a source text of the translation context "VTSettings".
     [[nodiscard]] const QString &readProblem() const { return readProblem_; }
 
     /// Writes the file. Required only without `saveOnChange`. Returns false after a failure.

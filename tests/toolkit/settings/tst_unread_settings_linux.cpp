@@ -18,6 +18,7 @@ private Q_SLOTS:
     void file_is_neither_renamed_nor_overwritten_data();
     void file_is_neither_renamed_nor_overwritten();
     void file_is_read_as_soon_as_possible();
+    void damaged_file_that_cannot_be_renamed_is_kept();
 };
 
 namespace {
@@ -87,6 +88,18 @@ void TestUnreadSettings::file_is_read_as_soon_as_possible() {
     QVERIFY(loaded);
     QCOMPARE(settings.readProblem(), QString());
     QCOMPARE(settings.getTimeMs(), 1500);
+}
+
+void TestUnreadSettings::damaged_file_that_cannot_be_renamed_is_kept() {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QString(255, 'n'));  // no room for ".damaged"
+    QVERIFY(writeFile(path, "<settings>"));
+    SampleSettings settings(path);
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("cannot be used: line 1: .*; it could not be renamed; "));
+    QVERIFY(!settings.reload());
+    QCOMPARE(settings.readProblem(), QString("it is damaged and cannot be renamed"));
+    settings.setTimeMs(4000);
+    QCOMPARE(readFile(path), QByteArray("<settings>"));
 }
 
 OCELA_TEST(TestUnreadSettings)
