@@ -6,6 +6,7 @@
 #include "toolkit/widgets/new_version_button.h"
 #include "toolkit/widgets/property_list_control.h"
 
+#include <QCoreApplication>
 #include <QEvent>
 #include <QScrollArea>
 #include <QTabWidget>
