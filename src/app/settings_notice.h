@@ -11,7 +11,8 @@ class SettingsNotice : public QLabel {
     Q_OBJECT
 
 public:
-    /// Adds settings, which are not owned. Their reload() must have been called.
+    /// Adds settings, which are not owned. Their reload() must have been called. The label must have a parent, because
+    /// it may be shown.
     void addSettings(const VTSettings *settings);
 
     /// Shows the same text in a message box over the window, unless all files were read. Does not wait for the user.

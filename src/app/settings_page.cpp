@@ -31,14 +31,14 @@ QWidget *scrollable(std::unique_ptr<PropertyListControl> editor) {
 
 SettingsPage::SettingsPage(Settings &settings, const std::vector<EyetrackerInterface *> &trackers)
     : notice_(new SettingsNotice), tabs_(new QTabWidget) {
-    notice_->setContentsMargins(margin, margin, margin, margin);
-    notice_->addSettings(&settings);
-    addEditors(settings, trackers);
-
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(notice_);
     column->addWidget(tabs_);
+
+    notice_->setContentsMargins(margin, margin, margin, margin);
+    notice_->addSettings(&settings);
+    addEditors(settings, trackers);
     retranslate();
 }
 
