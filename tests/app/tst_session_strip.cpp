@@ -57,9 +57,8 @@ void TestSessionStrip::names_the_record_file() {
     QFETCH(QStringList, texts);
     QFETCH(QString, start);
     QCOMPARE(strip_->recordFileName(), QString());
-    const char *const fields[] = {"participant", "session", "task"};
     for (int i = 0; i < texts.size(); ++i)
-        strip_->findChild<QLineEdit *>(fields[i])->setText(texts[i]);
+        strip_->findChildren<QLineEdit *>().at(i)->setText(texts[i]);
     const QString name = strip_->recordFileName();
     const QRegularExpression pattern('^' + start + R"(\d{4}-\d\d-\d\d_\d\d-\d\d-\d\d-\d{3}_ocela\.csv$)");
     QVERIFY2(pattern.match(name).hasMatch(), qPrintable(name));
