@@ -48,8 +48,9 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent) {
     else
         show();
     settingsPage_->showReadProblem(this);
-    selectInitialTracker();
+    // Before a tracker can show an error box, which would delay the recovery until the user closes it.
     startRecovery();
+    selectInitialTracker();
     // A logout of the user quits the application without closing its windows.
     connect(qApp, &QCoreApplication::aboutToQuit, this, &MainWindow::shutDown);
     // Windows may end the process before the application quits.

@@ -25,7 +25,7 @@ QFileInfo fileAt(const QString &nativePath) {
 
 RecordingStatusLine::RecordingStatusLine(QWidget *parent)
     : BaseEyetrackerWidget(parent),
-      label_(new ElidedLabel(this)),
+      label_(new ElidedLabel(Qt::ElideMiddle, this)),
       folderButton_(new QToolButton(this)),
       retryButton_(new QToolButton(this)),
       saveAsButton_(new QToolButton(this)) {

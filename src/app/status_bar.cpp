@@ -17,7 +17,7 @@ constexpr int spacing = 12;
 
 StatusBar::StatusBar(QWidget *parent)
     : BaseEyetrackerWidget(parent),
-      problemLabel_(new ElidedLabel(this)),
+      problemLabel_(new ElidedLabel(Qt::ElideRight, this)),
       lines_(new QBoxLayout(QBoxLayout::LeftToRight)),
       trackerLine_(new TrackerStatusLine(this)),
       recordingLine_(new RecordingStatusLine(this)) {

@@ -13,7 +13,9 @@ constexpr std::chrono::seconds calibrationShownFor(15);
 }  // namespace
 
 TrackerStatusLine::TrackerStatusLine(QWidget *parent)
-    : BaseEyetrackerWidget(parent), label_(new ElidedLabel(this)), reconnectButton_(new QToolButton(this)) {
+    : BaseEyetrackerWidget(parent),
+      label_(new ElidedLabel(Qt::ElideRight, this)),
+      reconnectButton_(new QToolButton(this)) {
     label_->setObjectName("trackerStatus");
     reconnectButton_->setObjectName("reconnect");
     connect(reconnectButton_, &QToolButton::clicked, this, &TrackerStatusLine::reconnect);

@@ -6,7 +6,7 @@
 #include <QTextDocument>
 #include <QToolTip>
 
-ElidedLabel::ElidedLabel(QWidget *parent) : QLabel(parent) {
+ElidedLabel::ElidedLabel(Qt::TextElideMode cutOff, QWidget *parent) : QLabel(parent), cutOff_(cutOff) {
     setTextFormat(Qt::PlainText);
 }
 
@@ -29,5 +29,5 @@ void ElidedLabel::paintEvent(QPaintEvent *) {
 }
 
 QString ElidedLabel::shownText() const {
-    return fontMetrics().elidedText(text(), Qt::ElideMiddle, contentsRect().width());
+    return fontMetrics().elidedText(text(), cutOff_, contentsRect().width());
 }

@@ -2,13 +2,14 @@
 
 #include <QLabel>
 
-/// A line of plain text. If there is not enough room, the middle of the text is replaced with an ellipsis, and the tool
-/// tip shows the whole text. GUI thread.
+/// A line of plain text. If there is not enough room, a part of the text is replaced with an ellipsis, and the tool tip
+/// shows the whole text. GUI thread.
 class ElidedLabel : public QLabel {
     Q_OBJECT
 
 public:
-    explicit ElidedLabel(QWidget *parent = nullptr);
+    /// `cutOff` is the part that is replaced: the middle keeps the name of a file in a long path.
+    explicit ElidedLabel(Qt::TextElideMode cutOff, QWidget *parent = nullptr);
 
     [[nodiscard]] QSize minimumSizeHint() const override;
 
@@ -18,4 +19,6 @@ protected:
 
 private:
     [[nodiscard]] QString shownText() const;
+
+    const Qt::TextElideMode cutOff_;
 };
