@@ -82,7 +82,8 @@ Q_SIGNALS:
     void newSample(EyeTrackingSample sample);
     /// A calibration was successful. Not every device reports that.
     void calibrated();
-    /// A calibration that calibrate() started has ended. Emitted once for each calibration, on the GUI thread.
+    /// A calibration that calibrate() started has ended. Emitted once for each calibration, and with `Failed` also if
+    /// reconnect() cannot restore an earlier one. GUI thread.
     void calibrationFinished(EyetrackerInterface::CalibrationResult result);
     void recordStarted();
     /// A recording was stopped. `path` is the file that was written, which may differ from the path that was passed to

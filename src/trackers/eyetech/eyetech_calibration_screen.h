@@ -32,6 +32,8 @@ public:
     /// Returns whether the tracker must call startCalibration(): initially, and after a click on "Recalibrate". Returns
     /// false after the window was closed.
     [[nodiscard]] bool isCalibrationWanted() const { return calibrationWanted_; }
+    /// Returns 0 before the first calibration. Later calibrations of this screen have the same id.
+    [[nodiscard]] int calibrationId() const { return sequence_.calibrationId(); }
     /// Runs a calibration. If it is cancelled, closes the window.
     void startCalibration();
     /// Ends a calibration that has failed, and shows the reason.

@@ -94,17 +94,27 @@ void EyetechGrabber::useDevice(int device) {
                                 << description.serialNumber;
     deviceId_ = device;
     if (serialNumber_ != description.serialNumber)
-        calibrationId_ = 0;
+        wasCalibrated_ = false;
     serialNumber_ = description.serialNumber;
     eyetech::applySettings(device, deviceSettingsFile);
-    // A device that was plugged in again may have lost its calibration.
-    if (calibrationId_ != 0)
-        (void)applyCalibration(calibrationId_);
+    if (wasCalibrated_)
+        restoreCalibration();
+}
+
+/// A device that was plugged in again may have lost its calibration.
+void EyetechGrabber::restoreCalibration() {
+    if (calibrationId_ != 0 && applyCalibration(calibrationId_))
+        return;
+    qCWarning(lcEyetech, "The last calibration cannot be applied again. Calibrate the device");
+    Q_EMIT calibrationFinished(CalibrationResult::Failed);
 }
 
 bool EyetechGrabber::applyCalibration(int calibrationId) {
+    if (quicklink2::QLDevice_ApplyCalibration(deviceId_, calibrationId) != 0)
+        return false;
+    wasCalibrated_ = true;
     calibrationId_ = calibrationId;
-    return quicklink2::QLDevice_ApplyCalibration(deviceId_, calibrationId) == 0;
+    return true;
 }
 
 /// Shows the question, unless it was shown before for the same devices.
@@ -287,6 +297,9 @@ void EyetechGrabber::runCalibration() {
     isCalibrating_ = true;
     while (self && calibrationWidget_ && calibrationWidget_->isCalibrationWanted()) {
         const std::shared_ptr<EyetechCalibrationWidget> widget = calibrationWidget_;
+        // "Recalibrate" overwrites the calibration of this screen.
+        if (widget->calibrationId() == calibrationId_)
+            calibrationId_ = 0;
         widget->startCalibration();
     }
     if (self)

@@ -38,9 +38,10 @@ public:
     [[nodiscard]] QString connectionProblem() const override;
 
     /// Cancels a running calibration, stops the device and looks for devices again, because a device may have a new id
-    /// after it was plugged in again. Prefers the device that was used before, and applies its last calibration. Loads
-    /// the vendor's library if it could not be loaded before. Asks again which of several devices to use, if the user
-    /// has closed the question.
+    /// after it was plugged in again. Prefers the device that was used before, and applies its last calibration. If
+    /// that fails, or if a later calibration has overwritten it without success, emits calibrationFinished(Failed).
+    /// Loads the vendor's library if it could not be loaded before. Asks again which of several devices to use, if the
+    /// user has closed the question.
     ///
     /// Does not wait for a task that still fetches a frame. The next frame is fetched after that task has ended.
     void reconnect() override;
@@ -72,6 +73,7 @@ private:
     void findLibrary();
     void selectDevice();
     void useDevice(int device);
+    void restoreCalibration();
     [[nodiscard]] bool applyCalibration(int calibrationId);
     void askForDevice();
     void closeDeviceQuestion();
@@ -91,7 +93,8 @@ private:
     QLFrameData lastFrame_;
     int deviceId_ = 0;
     QString serialNumber_;                             ///< of the last used device
-    int calibrationId_ = 0;                            ///< of the calibration that was applied to it, or 0
+    bool wasCalibrated_ = false;                       ///< a calibration was applied to it
+    int calibrationId_ = 0;                            ///< of that calibration; 0 if it was overwritten since then
     std::vector<int> undecided_;                       ///< the devices of which the user must choose one
     std::unique_ptr<EyetechDeviceQuestion> question_;  ///< about `undecided_`; hidden if the user has closed it
     std::shared_ptr<EyetechCalibrationWidget> calibrationWidget_;

@@ -33,6 +33,8 @@ private Q_SLOTS:
     void runs_the_whole_sequence();
     void shows_the_scores_and_the_gaze();
     void recalibrates_and_saves();
+    void reconnect_restores_the_calibration_data();
+    void reconnect_restores_the_calibration();
     void failed_target_is_repeated();
     void refused_target_is_explained_on_the_screen();
     void failure_is_explained_on_the_screen_data();
@@ -114,6 +116,13 @@ void TestEyetechCalibrationWidget::act(const QString &action) {
         {"stop()", [this] { tracker_->stop(); }},
         {"reconnect()", [this] { tracker_->reconnect(); }},
         {"another calibrate()", [this] { tracker_->calibrate(area_); }},
+        {"refused calibrate()", [this] { tracker_->calibrate(area_); }},
+        {"Recalibrate", [this] { button("Recalibrate")->click(); }},
+        {"cancelled Recalibrate",
+         [this] {
+             script_->QLCalibration_Calibrate = [this](int, int, int, bool) { return act("Escape"), 0; };
+             act("Recalibrate");
+         }},
         {"quitting", [] { QCoreApplication::quit(); }},
         {"losing the device",
          [this] { script_->QLDevice_GetStatus = [](int, int *status) { return *status = 1, 0; }; }},
@@ -202,12 +211,56 @@ void TestEyetechCalibrationWidget::recalibrates_and_saves() {
     // A later key press must not cancel the saved calibration.
     act("Escape");
     QCOMPARE(script_->takeCalls(), Calls());
+}
 
-    // A device that was plugged in again gets the calibration.
+void TestEyetechCalibrationWidget::reconnect_restores_the_calibration_data() {
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<bool>("refuses");
+    QTest::addColumn<QString>("serialNumber");
+    QTest::addColumn<int>("applied");
+    QTest::addColumn<bool>("fails");
+    QTest::newRow("calibrated") << "" << false << "" << 9 << false;
+    QTest::newRow("calibrated twice") << "another calibrate()" << false << "" << 10 << false;
+    QTest::newRow("second result refused") << "refused calibrate()" << false << "" << 9 << false;
+    QTest::newRow("recalibrated") << "Recalibrate" << false << "" << 9 << false;
+    QTest::newRow("recalibration cancelled") << "cancelled Recalibrate" << false << "" << 0 << true;
+    QTest::newRow("calibration refused after the reconnection") << "" << true << "" << 9 << true;
+    QTest::newRow("another device") << "" << false << "another" << 0 << false;
+}
+
+void TestEyetechCalibrationWidget::reconnect_restores_the_calibration() {
+    QFETCH(const QString, action);
+    QFETCH(const bool, refuses);
+    QFETCH(const QString, serialNumber);
+    QFETCH(const bool, fails);
+    int createdCount = 0;
+    int result = 0;
+    int applied = 0;
+    script_->QLCalibration_Initialize = [](int, int calibration, int) { return calibration == 0 ? 3 : 0; };
+    script_->QLCalibration_Create = [&](int, int *calibration) { return *calibration = 9 + createdCount++, 0; };
+    script_->QLDevice_ApplyCalibration = [&](int, int calibration) { return applied = calibration, result; };
+    calibrate();
+    if (!action.isEmpty()) {
+        result = action.startsWith("refused") ? 4 : 0;
+        act(action);
+        QTRY_COMPARE(results_.size(), 2);
+    }
+    results_.clear();
+    applied = 0;
+
+    // The device was plugged in again.
+    script_->QLDevice_GetInfo = [&](int, quicklink2::QLDeviceInfo *info) {
+        qstrcpy(info->serialNumber, qPrintable(serialNumber));
+        return 0;
+    };
     script_->QLDevice_Enumerate = [](int *count, int *devices) { return *devices = 8, *count = 1, 0; };
+    result = refuses ? 4 : 0;
+    if (fails)
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("cannot be applied again"));
     tracker_->reconnect();
     QCOMPARE(tracker_->deviceId(), 8);
-    QVERIFY(script_->takeCalls().contains("QLDevice_ApplyCalibration"));
+    QTEST(applied, "applied");
+    QCOMPARE(results_, fails ? QList<CalibrationResult>{CalibrationResult::Failed} : QList<CalibrationResult>());
 }
 
 void TestEyetechCalibrationWidget::failed_target_is_repeated() {
