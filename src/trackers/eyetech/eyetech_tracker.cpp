@@ -58,6 +58,8 @@ void EyetechGrabber::buildSettings() {
         connect(eyetechSettings_, change, this, &EyetechGrabber::takeTimings);
     connect(eyetechSettings_, &EyetechSettings::changedCalibration, this, &EyetechGrabber::takeTimings);
     takeTimings();
+    // The next poll selects again, if no device is chosen yet.
+    connect(eyetechSettings_, &EyetechSettings::changedDeviceSerialNumber, this, &EyetechGrabber::closeDeviceQuestion);
 
     setCalibratedArea(desktopPixels(eyetechSettings_->getLastCalibratedAreaX()),
                       desktopPixels(eyetechSettings_->getLastCalibratedAreaY()),

@@ -44,6 +44,8 @@ private Q_SLOTS:
     void reconnects_without_waiting_for_a_frame();
     void asks_for_one_of_several_devices();
     void closed_question_returns_with_reconnect();
+    void serial_number_in_the_settings_answers_the_question_data();
+    void serial_number_in_the_settings_answers_the_question();
 
 private:
     void attachTwo();
@@ -372,6 +374,33 @@ void TestEyetechGrabber::closed_question_returns_with_reconnect() {
     script_->QLDevice_Enumerate = [](int *count, int *) { return *count = 0, 0; };
     QTRY_VERIFY(!question());
     QCOMPARE(tracker_->connectionProblem(), QString("no device found"));
+}
+
+void TestEyetechGrabber::serial_number_in_the_settings_answers_the_question_data() {
+    QTest::addColumn<bool>("isClosed");
+    QTest::addColumn<QString>("number");
+    QTest::addColumn<int>("device");
+    QTest::newRow("open") << false << "seven" << 7;
+    QTest::newRow("closed by the user") << true << "seven" << 7;
+    QTest::newRow("number that is not attached") << true << "eight" << 0;
+}
+
+void TestEyetechGrabber::serial_number_in_the_settings_answers_the_question() {
+    QFETCH(const bool, isClosed);
+    QFETCH(const QString, number);
+    QFETCH(const int, device);
+    attachTwo();
+    open();
+    tracker_->start();
+    QTRY_VERIFY(question());
+    if (isClosed)
+        question()->reject();
+    QVERIFY(tracker_->settings()->setValue("DeviceSerialNumber", number));
+    if (device == 0)
+        QTRY_VERIFY(question());  // asks again
+    else
+        QTRY_COMPARE(tracker_->deviceId(), device);
+    QCOMPARE(question() != nullptr, device == 0);
 }
 
 OCELA_TEST(TestEyetechGrabber)
