@@ -36,8 +36,6 @@ public:
     void showOn(QRect area);
     /// Brings the visible window to the front. If it is minimised, restores it.
     void bringToFront();
-    /// Returns whether the worker is calibrating.
-    [[nodiscard]] bool isCalibrating() const { return isCalibrating_; }
     /// Returns the text between the targets: an instruction, the number of the current point, or the outcome.
     [[nodiscard]] QString hint() const;
     /// Sets whether the live gaze point is drawn.
@@ -96,7 +94,7 @@ private:
     bool introMode_ = true;
     bool eyeBoxMode_ = true;
     bool finished_ = false;
-    bool isCalibrating_ = false;
+    bool isCalibrating_ = false;  ///< the worker is calibrating
     bool isEndReported_ = true;
     int pointNumber_ = 0;  ///< from 1; 0 before the first point
     std::optional<asee::CalibrationOutcome> outcome_;

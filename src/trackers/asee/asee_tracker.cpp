@@ -100,9 +100,7 @@ bool aSeePro::start() {
 }
 
 void aSeePro::reconnect() {
-    // The library ends a running calibration when it is stopped.
-    if (CalibrationWidget *screen = calibrationWidget_; screen && screen->isCalibrating())
-        screen->close();
+    closeCalibrationScreen();
     asee::loadLibrary();
     stop();
     open();
@@ -179,6 +177,11 @@ void aSeePro::calibrate(QRect area) {
     }
     screen->setShowGaze(true);
     screen->showOn(area);
+}
+
+void aSeePro::closeCalibrationScreen() {
+    if (CalibrationWidget *screen = calibrationWidget_; screen && screen->isVisible())
+        screen->close();
 }
 
 void aSeePro::stopCalibration() {

@@ -30,7 +30,8 @@ public:
     [[nodiscard]] QWidget *createViewWidget() override;
     [[nodiscard]] QString connectionProblem() const override;
     /// Stops the device and opens it again, also if start() would do nothing. If the library could not be loaded, first
-    /// tries again to load it. A failure is reported only by connectionProblem(). A running calibration is cancelled.
+    /// tries again to load it. A failure is reported only by connectionProblem(). Closes the calibration screen,
+    /// because the library ends a calibration when it is stopped.
     void reconnect() override;
 
     /// Sets whether camera images are copied. The default is false.
@@ -74,6 +75,7 @@ private:
     void open();
     [[nodiscard]] Obstacle tryToOpen();
     [[nodiscard]] bool startTracking();
+    void closeCalibrationScreen();
     void takeImage(const unsigned char *image, int size, int width, int height, long long stamp);
     void takeGaze(const void *record);
 
