@@ -162,6 +162,9 @@ void aSeePro::stop() {
 }
 
 void aSeePro::calibrate(QRect area) {
+    // The gaze of a calibration counts from the area that it was shown on.
+    if (area != calibratedArea())
+        closeCalibrationScreen();
     setCalibratedArea(area);
     settings_->setLastCalibratedArea(area);
     asee_sdk::_7i_set_calibration_mode(0);

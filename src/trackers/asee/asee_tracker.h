@@ -53,7 +53,8 @@ public Q_SLOTS:
     /// start the device again. Both are intended; reconnect() starts it.
     void stop() override;
     /// Shows the calibration screen on the screen that contains the top-left corner of `area`. If the calibration
-    /// screen is already visible, brings it to the front, also if it is minimised.
+    /// screen is already visible for this area, only brings it to the front, also if it is minimised. If it is visible
+    /// for another area, its calibration is cancelled.
     void calibrate(QRect area) override;
     void stopCalibration() override;
 

@@ -29,6 +29,7 @@ private Q_SLOTS:
     void failed_reconnect_data() { failed_start_data(); }
     void failed_reconnect();
     void reconnect_closes_the_calibration_screen();
+    void calibrate_for_another_area_starts_again();
     void calibrate_restores_a_minimised_screen();
     void stop_clears_the_folder_of_unpacked_files();
     void delivered_files_are_copied_but_not_overwritten();
@@ -155,6 +156,25 @@ void TestAseePro::reconnect_closes_the_calibration_screen() {
              QList<CalibrationResult>({CalibrationResult::Cancelled, CalibrationResult::Cancelled}));
     QVERIFY(!calibrationScreen()->isVisible());
     QVERIFY(tracker_->isConnected());
+}
+
+void TestAseePro::calibrate_for_another_area_starts_again() {
+    const QSignalSpy results(tracker_.get(), &EyetrackerInterface::calibrationFinished);
+    library().pointsFinish = false;
+    tracker_->calibrate(QRect(0, 0, 640, 480));
+    QTest::keyClick(calibrationScreen(), Qt::Key_Space);
+    QTRY_VERIFY_WITH_TIMEOUT(library().wasCalled("start_calibration_point 1 50 50"), maxWaitMs);
+    (void)takeCalls();
+    tracker_->calibrate(QRect(0, 0, 640, 480));
+    QCOMPARE(takeCalls(), QStringList("set_calibration_mode 0"));
+    QCOMPARE(results.count(), 0);
+
+    tracker_->calibrate(QRect(640, 0, 640, 480));
+    QCOMPARE(takeCalls(), QStringList({"cancel_calibration", "complete_calibration", "set_calibration_mode 0"}));
+    QCOMPARE(resultsIn(results), QList<CalibrationResult>({CalibrationResult::Cancelled}));
+    QVERIFY(calibrationScreen()->isVisible());
+    QTest::keyClick(calibrationScreen(), Qt::Key_Space);
+    QTRY_VERIFY_WITH_TIMEOUT(library().wasCalled("start_calibration_point 1 50 50"), maxWaitMs);
 }
 
 void TestAseePro::calibrate_restores_a_minimised_screen() {
