@@ -24,7 +24,6 @@
 #include <QSessionManager>
 #include <QStatusBar>
 #include <QStyle>
-#include <QSystemTrayIcon>
 #include <QTabWidget>
 
 namespace {
@@ -43,10 +42,12 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent) {
     retranslate();
     resize(initialSize);
     growTo(sizeHint());
-    if (settings_->getHideWindowOnStart())
+    if (settings_->getHideWindowOnStart()) {
         tray_->startHidden();
-    else
+    } else {
+        tray_->show();
         show();
+    }
     settingsPage_->showReadProblem(this);
     // Before a tracker can show an error box, which would delay the recovery until the user closes it.
     startRecovery();
@@ -207,7 +208,7 @@ void MainWindow::growTo(QSize wanted) {
 
 bool MainWindow::hidesToTray() const {
     // Without a tray, a hidden window could not be shown again.
-    return settings_->getHideWindowOnStart() && QSystemTrayIcon::isSystemTrayAvailable();
+    return settings_->getHideWindowOnStart() && tray_->isAvailable();
 }
 
 void MainWindow::hideToTray() {

@@ -4,6 +4,7 @@
 #include "app/dashboard.h"
 #include "app/status_texts.h"
 #include "core/eyetracker_interface.h"
+#include "toolkit/platform/system_tray.h"
 
 #include <QAction>
 #include <QApplication>
@@ -12,6 +13,7 @@
 #include <QMenu>
 #include <QPainter>
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -61,23 +63,16 @@ TrayIcon::TrayIcon(QWidget *window, const OcelaHTTPExchange &api)
       api_(api),
       plainIcon_(":/images/ocela.png"),
       recordingIcon_(withMark(plainIcon_)),
-      icon_(new QSystemTrayIcon(this)),
       menu_(std::make_unique<QMenu>()) {
     buildMenu();
-    icon_->setContextMenu(menu_.get());
-    connect(icon_, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
-        if (reason == QSystemTrayIcon::Trigger)
-            toggleWindow();
-    });
     connect(&trayTimer_, &QTimer::timeout, this, &TrayIcon::waitForTray);
     connect(&samplesTimer_, &QTimer::timeout, this, &TrayIcon::checkSamples);
     samplesTimer_.start(noSamplesPollInterval);
-    showState();
-    icon_->show();
 }
 
 TrayIcon::~TrayIcon() {
-    icon_->hide();
+    if (icon_)
+        icon_->hide();
 }
 
 void TrayIcon::buildMenu() {
@@ -86,6 +81,18 @@ void TrayIcon::buildMenu() {
     quitAction_ = menu_->addAction(QString(), window_, &QWidget::close);
     for (QAction *action : menu_->actions())
         action->setShortcut(QKeySequence());
+}
+
+void TrayIcon::createIcon() {
+    if (icon_)
+        return;
+    icon_ = new QSystemTrayIcon(this);
+    icon_->setContextMenu(menu_.get());
+    connect(icon_, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+        if (reason == QSystemTrayIcon::Trigger)
+            toggleWindow();
+    });
+    showState();
 }
 
 void TrayIcon::addTracker(EyetrackerInterface *tracker) {
@@ -113,6 +120,11 @@ void TrayIcon::retranslate(const QLocale &locale) {
     showState();
 }
 
+void TrayIcon::show() {
+    createIcon();
+    icon_->show();
+}
+
 void TrayIcon::startHidden() {
     isStarting_ = true;
     trayDeadline_ = QDeadlineTimer(trayTimeout);
@@ -121,17 +133,24 @@ void TrayIcon::startHidden() {
 }
 
 void TrayIcon::waitForTray() {
-    if (QSystemTrayIcon::isSystemTrayAvailable()) {
+    if (system_tray::isRunning())
+        createIcon();
+    if (isAvailable()) {
         trayTimer_.stop();
-        // An icon that was shown before its tray existed may not be in the tray.
-        icon_->hide();
+        // An icon that is shown before its tray exists may not be in the tray.
         icon_->show();
         QTimer::singleShot(trayLayoutTime, this, &TrayIcon::tellStart);
     } else if (trayDeadline_.hasExpired()) {
         trayTimer_.stop();
         isStarting_ = false;
+        waiting_.clear();
+        show();
         window_->show();
     }
+}
+
+bool TrayIcon::isAvailable() const {
+    return icon_ && QSystemTrayIcon::isSystemTrayAvailable();
 }
 
 void TrayIcon::tellStart() {
@@ -139,6 +158,8 @@ void TrayIcon::tellStart() {
     if (const QString problem = api_.listenProblem(); !problem.isEmpty())
         tell(QApplication::applicationName(), problem, QSystemTrayIcon::Warning);
     tellRecovered();
+    for (const Message &message : std::exchange(waiting_, {}))
+        tell(message.title, message.text, message.kind);
 }
 
 void TrayIcon::toggleWindow() {
@@ -169,6 +190,8 @@ QStringList TrayIcon::recordingTrackers() const {
 }
 
 void TrayIcon::showState() {
+    if (!icon_)
+        return;
     const QStringList recording = recordingTrackers();
     icon_->setIcon(recording.isEmpty() ? plainIcon_ : recordingIcon_);
     QStringList lines{tr("Eye Tracker Service")};
@@ -228,6 +251,10 @@ bool TrayIcon::explainHiding() {
 }
 
 void TrayIcon::tell(const QString &title, const QString &text, QSystemTrayIcon::MessageIcon kind) {
-    if (!isWindowShown())
+    if (isWindowShown())
+        return;
+    if (icon_ && icon_->isVisible())
         icon_->showMessage(title, text, kind);
+    else
+        waiting_.push_back({title, text, kind});
 }

@@ -11,6 +11,7 @@
 #include <list>
 #include <memory>
 #include <optional>
+#include <vector>
 
 class EyetrackerInterface;
 class OcelaHTTPExchange;
@@ -26,7 +27,7 @@ class TrayIcon : public QObject {
     Q_OBJECT
 
 public:
-    /// Shows the icon. `window` and `api` are not owned and must outlive the icon.
+    /// `window` and `api` are not owned and must outlive the icon. Call show() or startHidden() next.
     TrayIcon(QWidget *window, const OcelaHTTPExchange &api);
     ~TrayIcon() override;
 
@@ -38,9 +39,15 @@ public:
     /// Sets all texts in the language of the user interface. Numbers have the format of `locale`.
     void retranslate(const QLocale &locale);
 
+    /// Shows the icon if there is a tray.
+    void show();
+
     /// Waits up to 10 s for a tray while the window is hidden, because a desktop session starts its programs in any
-    /// order. If there is no tray then, shows the window, because the user could not show it.
+    /// order. Shows the icon then. If there is no tray, also shows the window, because the user could not show it.
     void startHidden();
+
+    /// Returns whether the user can show a hidden window with the icon.
+    [[nodiscard]] bool isAvailable() const;
 
     /// Tells that a recording of an earlier run of the program was recovered. `path` is its record file.
     void showRecovered(const QString &path);
@@ -58,7 +65,14 @@ private:
         std::optional<quint64> toldAfter;  ///< the newest sample at the last message of this recording
     };
 
+    struct Message {
+        QString title;
+        QString text;
+        QSystemTrayIcon::MessageIcon kind;
+    };
+
     void buildMenu();
+    void createIcon();
     void toggleWindow();
     void showWindow();
     [[nodiscard]] bool isWindowShown() const;
@@ -71,18 +85,21 @@ private:
     void checkSamples();
     void tellNoSamples(Observed &observed, const QString &title);
     void tellRecovered();
-    /// Shows a message unless the user sees the window.
+    /// Shows a message unless the user sees the window. Before the icon is shown, keeps the message for tellStart().
     void tell(const QString &title, const QString &text, QSystemTrayIcon::MessageIcon kind);
 
     QWidget *const window_;
     const OcelaHTTPExchange &api_;
     std::list<Observed> trackers_;  ///< a list, because signal connections refer to its elements
     QLocale locale_;
-    QStringList recovered_;  ///< the names of the recovered files
+    QStringList recovered_;         ///< the names of the recovered files
+    std::vector<Message> waiting_;  ///< the messages from before the icon was shown
 
     const QIcon plainIcon_;
     const QIcon recordingIcon_;
-    QSystemTrayIcon *const icon_;
+    /// Null until there is a tray or the window is shown, because Qt takes a D-Bus tray only if it exists before the
+    /// first QSystemTrayIcon.
+    QSystemTrayIcon *icon_ = nullptr;
     std::unique_ptr<QMenu> menu_;
     QAction *showAction_ = nullptr;
     QAction *dashboardAction_ = nullptr;
