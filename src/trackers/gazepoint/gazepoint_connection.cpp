@@ -82,6 +82,8 @@ void Connection::close() {
 }
 
 void Connection::calibrate() {
+    if (isAbandoned())
+        return;
     if (calibration_.isRunning())
         Q_EMIT calibrationFinished(CalibrationResult::Cancelled);
     if (!isOpen_) {
@@ -170,8 +172,12 @@ void Connection::finishCalibration(CalibrationResult result) {
     Q_EMIT calibrationFinished(result);
 }
 
+bool Connection::isAbandoned() const {
+    return QThread::currentThread()->isInterruptionRequested() && socket_.bytesToWrite() > 0;
+}
+
 void Connection::send(const QByteArray &message) {
-    if (message.isEmpty() || sendIsInterrupted_ || socket_.state() != QAbstractSocket::ConnectedState)
+    if (message.isEmpty() || sendIsInterrupted_ || isAbandoned() || socket_.state() != QAbstractSocket::ConnectedState)
         return;
     socket_.write(message + "\r\n");
     socket_.flush();

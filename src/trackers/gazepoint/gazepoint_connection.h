@@ -62,6 +62,8 @@ private:
     void takeScreenSize(const QByteArray &message);
     void watchCalibration(const QByteArray &bytes);
     void finishCalibration(EyetrackerInterface::CalibrationResult result);
+    /// Returns whether the program ends while the server does not read. Queued messages would delay the end then.
+    [[nodiscard]] bool isAbandoned() const;
     /// Sends a message, which has no line end.
     void send(const QByteArray &message);
 
