@@ -24,8 +24,8 @@ export WINEPREFIX=${WINEPREFIX:-$here/../../build/windows/wine}
 export HOME=$WINEPREFIX/home
 mkdir -p "$HOME"
 export WINEPATH=$search
-# Disables Wine's debug messages and its offers to install Mono and Gecko.
-export WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES="mscoree,mshtml=${WINEDLLOVERRIDES:+;$WINEDLLOVERRIDES}"
+# Shows only Wine's errors, and disables its offers to install Mono and Gecko.
+export WINEDEBUG=${WINEDEBUG:--all,err+all} WINEDLLOVERRIDES="mscoree,mshtml=${WINEDLLOVERRIDES:+;$WINEDLLOVERRIDES}"
 # Wine passes QT_ variables to the program only with the prefix WINE.
 for name in $(compgen -e QT_); do export "WINE$name=${!name}"; done
 # Wine's services outlive the last program by some seconds. Start them without the output of the program. Otherwise, a
