@@ -28,7 +28,11 @@ export WINEPATH=$search
 export WINEDEBUG=${WINEDEBUG:--all,err+all} WINEDLLOVERRIDES="mscoree,mshtml=${WINEDLLOVERRIDES:+;$WINEDLLOVERRIDES}"
 # Wine passes QT_ variables to the program only with the prefix WINE.
 for name in $(compgen -e QT_); do export "WINE$name=${!name}"; done
+# Wine's loader needs the fixed address 7ffe0000. Linux places the loader's heap at random within 1 GiB around it, so about
+# one program in 1000 would not start ("failed to map the shared user data").
+fixed_addresses=
+if setarch -R true 2>/dev/null; then fixed_addresses='setarch -R'; fi
 # Wine's services outlive the last program by some seconds. Start them without the output of the program. Otherwise, a
 # reader of the output would wait until the services have closed it, too.
-wine cmd /c exit </dev/null &>/dev/null || true
-exec wine "$@"
+$fixed_addresses wine cmd /c exit </dev/null &>/dev/null || true
+exec $fixed_addresses wine "$@"
