@@ -50,6 +50,8 @@ public:
         bench::keep(pieces);
         return true;
     }
+    [[nodiscard]] bool isWritable() const override { return true; }
+    void limitSendBuffer(int /*bytes*/) override {}
 };
 
 /// Calls the request handler as a connection does, always with the same request.

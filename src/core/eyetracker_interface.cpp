@@ -207,6 +207,18 @@ bool EyetrackerInterface::isRecording() const {
     return recording_.with([](const Recording &recording) { return recording != nullptr; });
 }
 
+std::optional<RunningRecording> EyetrackerInterface::runningRecording() const {
+    return recording_.with([](const Recording &recording) -> std::optional<RunningRecording> {
+        if (!recording)
+            return std::nullopt;
+        return RunningRecording{recording->currentFilePath(), {}, recording->length(), 0};
+    });
+}
+
+bool EyetrackerInterface::addMarker(const Marker & /*marker*/) {
+    return isRecording();
+}
+
 RecordLength EyetrackerInterface::recordLength() const {
     return recording_.with([](const Recording &recording) { return recording ? recording->length() : RecordLength(); });
 }

@@ -14,13 +14,23 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class EyeTrackingCSV;
+struct Marker;
 struct RecordSlice;
 class RecordingPhases;
 class VTSettings;
 class QWidget;
+
+/// A recording that has not been stopped.
+struct RunningRecording {
+    QString path;  ///< where the record file will be written
+    std::chrono::system_clock::time_point startedAt;
+    RecordLength length;
+    int markerCount = 0;
+};
 
 /// The base class of all trackers. The rest of the program uses only this interface of a device family.
 ///
@@ -150,6 +160,11 @@ public:
 
     /// Whether a recording is running.
     [[nodiscard]] bool isRecording() const;
+
+    /// Returns the running recording, or nothing. Any thread.
+    [[nodiscard]] std::optional<RunningRecording> runningRecording() const;
+    /// Stores a marker in the running recording. Returns false if there is none. Any thread.
+    bool addMarker(const Marker &marker);
 
     /// Returns the current length of the running recording. Without one, all fields are 0.
     [[nodiscard]] RecordLength recordLength() const;

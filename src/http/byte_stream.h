@@ -13,6 +13,10 @@ public:
     /// Sends the pieces in order. Blocks without a time limit until the system has accepted all data. Returns false if
     /// the connection has failed. Later calls then do nothing.
     virtual bool write(const QVector<QByteArray> &pieces) = 0;
+    /// Returns whether data can still be sent: no write has failed, and the server is not stopping.
+    [[nodiscard]] virtual bool isWritable() const = 0;
+    /// Limits the system's buffer for unsent data, so that a client that stops reading is noticed early.
+    virtual void limitSendBuffer(int bytes) = 0;
 };
 
 /// A connection to a client, plain or encrypted, with blocking calls. Used only in the thread of its

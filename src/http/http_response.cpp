@@ -3,6 +3,8 @@
 #include "http/byte_stream.h"
 #include "http/byte_text.h"
 
+#include <QFile>
+#include <algorithm>
 #include <numeric>
 
 void HttpResponse::setHeader(const QByteArray &name, const QByteArray &value) {
@@ -47,6 +49,22 @@ void HttpResponse::write(const QVector<QByteArray> &data, bool lastPart) {
         socket_->write(pieces);
     if (lastPart)
         sentLastPart_ = true;
+}
+
+void HttpResponse::writeFile(QFile &file, qint64 offset, qint64 sizeBytes) {
+    setHeader("Content-Length", QByteArray::number(sizeBytes));
+    socket_->write({headerBlock()});
+    sentHeaders_ = true;
+    sentLastPart_ = true;
+    constexpr qint64 blockBytes = 65536;
+    file.seek(offset);
+    while (sizeBytes > 0 && socket_->isWritable()) {
+        const QByteArray block = file.read(std::min(sizeBytes, blockBytes));
+        if (block.isEmpty())
+            return;
+        socket_->write({block});
+        sizeBytes -= block.size();
+    }
 }
 
 void HttpResponse::chooseFraming(qint64 size, bool lastPart) {

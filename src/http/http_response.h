@@ -1,11 +1,12 @@
 #pragma once
 
+#include "http/byte_stream.h"
 #include "http/http_cookie.h"
 
 #include <QMap>
 #include <QVector>
 
-class HttpOutput;
+class QFile;
 
 /// Sends one response: status line, headers and cookies once, then the body in one or more parts.
 ///
@@ -33,6 +34,15 @@ public:
     void write(const QByteArray &data, bool lastPart = false);
     /// Sends several pieces as one part, without joining them in memory.
     void write(const QVector<QByteArray> &data, bool lastPart = false);
+
+    /// Sends `sizeBytes` bytes of an open file from `offset` on, as the whole body, with a "Content-Length" header. If
+    /// the file turns out to be shorter, the connection fails, so that the client notices.
+    void writeFile(QFile &file, qint64 offset, qint64 sizeBytes);
+
+    /// Returns whether the client can still receive data. Becomes false when a write has failed or the server stops.
+    [[nodiscard]] bool isWritable() const { return socket_->isWritable(); }
+    /// Limits the system's buffer for unsent data, for a body without an end.
+    void limitSendBuffer(int bytes) { socket_->limitSendBuffer(bytes); }
 
 private:
     void chooseFraming(qint64 size, bool lastPart);

@@ -74,6 +74,10 @@ bool PlainStream::write(const QVector<QByteArray> &pieces) {
     return !failed_;
 }
 
+void PlainStream::limitSendBuffer(int bytes) {
+    system_calls::limitSendBuffer(descriptor_, bytes);
+}
+
 void PlainStream::shutdownWriting() {
     system_calls::shutdownWriting(descriptor_);
 }

@@ -23,6 +23,8 @@ constexpr qint64 tryAgain = -2;
 [[nodiscard]] qint64 send(tSocketDescriptor socket, const std::string_view *pieces, int count);
 /// Waits until receive() would return at once. Returns false after `timeoutMs`.
 [[nodiscard]] bool waitReadable(tSocketDescriptor socket, int timeoutMs);
+/// Limits the buffer for data that is not sent yet.
+void limitSendBuffer(tSocketDescriptor socket, int bytes);
 void shutdownWriting(tSocketDescriptor socket);
 void closeSocket(tSocketDescriptor socket);
 [[nodiscard]] QHostAddress peerAddress(tSocketDescriptor socket);

@@ -70,6 +70,10 @@ bool waitReadable(tSocketDescriptor socket, int timeoutMs) {
     return ::poll(&request, 1, timeoutMs) > 0;
 }
 
+void limitSendBuffer(tSocketDescriptor socket, int bytes) {
+    setOption(socket, SOL_SOCKET, SO_SNDBUF, bytes);
+}
+
 void shutdownWriting(tSocketDescriptor socket) {
     ::shutdown(number(socket), SHUT_WR);
 }

@@ -74,6 +74,11 @@ bool waitReadable(tSocketDescriptor socket, int timeoutMs) {
     return waitFor(socket, POLLRDNORM, timeoutMs);
 }
 
+void limitSendBuffer(tSocketDescriptor socket, int bytes) {
+    const auto *value = reinterpret_cast<const char *>(&bytes);
+    ::setsockopt(handle(socket), SOL_SOCKET, SO_SNDBUF, value, sizeof bytes);
+}
+
 void shutdownWriting(tSocketDescriptor socket) {
     ::shutdown(handle(socket), SD_SEND);
 }

@@ -69,6 +69,10 @@ bool TlsStream::waitForUnsent(qint64 maxBytes) {
     return socket_.state() == QAbstractSocket::ConnectedState;
 }
 
+void TlsStream::limitSendBuffer(int bytes) {
+    socket_.setSocketOption(QAbstractSocket::SendBufferSizeSocketOption, bytes);
+}
+
 void TlsStream::shutdownWriting() {
     socket_.disconnectFromHost();
     if (!stopping_ && socket_.state() != QAbstractSocket::UnconnectedState)

@@ -20,6 +20,8 @@ public:
 
     [[nodiscard]] qint64 read(char *to, qint64 capacity, const QDeadlineTimer &deadline) override;
     bool write(const QVector<QByteArray> &pieces) override;
+    [[nodiscard]] bool isWritable() const override { return !failed_ && !stopping_; }
+    void limitSendBuffer(int bytes) override;
     void shutdownWriting() override;
     [[nodiscard]] QHostAddress peerAddress() const override;
 

@@ -15,5 +15,8 @@ public:
         return true;
     }
 
+    [[nodiscard]] bool isWritable() const override { return true; }
+    void limitSendBuffer(int /*bytes*/) override {}
+
     QList<QByteArray> writes;
 };

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "core/guarded.h"
+
+#include <QByteArray>
+#include <QStringList>
+
+class HttpRequest;
+
+/// What other computers, web pages and programs may do. The user sets it in the settings.
+struct AccessRights {
+    bool otherComputers = true;  ///< whether other computers may send requests
+    bool foreignPages = true;    ///< whether web pages of other sites may use the simple API
+    bool anyFile = true;         ///< whether file answers may come from any folder
+    QStringList allowedOrigins;  ///< the web origins that may use the API for programs, such as "https://lab.example"
+};
+
+/// Decides whether a request is answered, by its sender, its origin and its host. Thread-safe: the GUI thread sets the
+/// rights, and handler threads ask before each request. A change applies to the next request of every connection.
+class AccessPolicy {
+public:
+    void setRights(const AccessRights &rights) { rights_.exchange(rights); }
+    [[nodiscard]] AccessRights rights() const { return rights_.copy(); }
+
+    /// Returns why a request to the simple API or for a file is refused, as an English sentence, or an empty text.
+    [[nodiscard]] QByteArray refusalOfSimpleRequest(const HttpRequest &request) const;
+    /// Returns the same for a request to the API for programs, which pages of other sites never use without permission.
+    [[nodiscard]] QByteArray refusalOfProgramRequest(const HttpRequest &request) const;
+    /// Returns the origin of the request if it is one of the allowed origins, for the CORS headers of the response.
+    /// Otherwise returns an empty text.
+    [[nodiscard]] QByteArray allowedOriginOf(const HttpRequest &request) const;
+
+private:
+    Guarded<AccessRights> rights_;
+};

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <atomic>
+#include <chrono>
+#include <optional>
+#include <utility>
+#include <vector>
+
+class EyetrackerInterface;
+
+/// A labelled moment of the experiment, for example the onset of a stimulus.
+struct Marker {
+    QString text;
+    std::chrono::steady_clock::time_point time;
+    quint64 number = 0;  ///< number of the selected tracker's newest sample at the call of Markers::add(), 0 for none
+    bool recorded = false;  ///< whether a recording was running and has stored the marker
+};
+Q_DECLARE_METATYPE(Marker)
+
+/// Sets markers. Every running recording of all trackers stores each marker. MainWindow owns the object.
+class Markers : public QObject {
+    Q_OBJECT
+
+public:
+    static constexpr int maxTextLength = 1000;  ///< characters
+
+    explicit Markers(QObject *parent);
+
+    /// Sets the trackers whose recordings store the markers. Call it before the first add(). GUI thread.
+    void setTrackers(std::vector<EyetrackerInterface *> trackers) { trackers_ = std::move(trackers); }
+    /// Sets the tracker whose numbers the markers get. Null for none. GUI thread.
+    void setSelectedTracker(EyetrackerInterface *tracker) { selectedTracker_ = tracker; }
+
+    /// Sets a marker at `time`, or now. `text` must not be longer than maxTextLength. Emits added(). Any thread.
+    Marker add(const QString &text, std::optional<std::chrono::steady_clock::time_point> time = std::nullopt);
+
+Q_SIGNALS:
+    /// Emitted on the thread that calls add().
+    void added(const Marker &marker);
+
+private:
+    std::vector<EyetrackerInterface *> trackers_;
+    std::atomic<EyetrackerInterface *> selectedTracker_{nullptr};
+};
