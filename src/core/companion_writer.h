@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/arrival_clock.h"
 #include "core/recording_phases.h"
 
 #include <QSaveFile>
@@ -11,12 +10,12 @@ class JournalWriter;
 
 /// Writes the companions of a record file when it has been saved, before its journal is removed. A program that ends in
 /// between leaves a journal from which the companions are recovered. A companion that cannot be written is a warning.
+/// Markers that cannot be written stay in the journal, and the next start of the program tries again.
 ///
 /// The recording owns it. Owns the journal, and passes the phases on to it.
 class CompanionWriter : public RecordingPhases {
 public:
-    /// `clock` is the journal's clock.
-    CompanionWriter(const EyeTrackingCSV &recording, const ArrivalClock &clock, std::unique_ptr<JournalWriter> journal);
+    CompanionWriter(const EyeTrackingCSV &recording, std::unique_ptr<JournalWriter> journal);
     ~CompanionWriter() override;
 
     void saving(const QString &path, std::size_t rowCount) override;
@@ -24,12 +23,12 @@ public:
     void discarded() override;
 
 private:
-    void writeCompanions() const;
+    [[nodiscard]] bool writeEvents() const;
+    void writeDescription() const;
     [[nodiscard]] bool writeSamples(QSaveFile &file) const;
     [[nodiscard]] QByteArray description() const;
 
     const EyeTrackingCSV &recording_;
-    const ArrivalClock clock_;
     const std::unique_ptr<JournalWriter> journal_;
     QString path_;
 };

@@ -49,6 +49,14 @@ QMap<int, int> sampleColumnTypes() {
     return types;
 }
 
+/// Returns a copy of up to `maxCount` entries from `first` on.
+template <typename T>
+std::vector<T> copyOf(const std::deque<T> &entries, std::size_t first, std::size_t maxCount) {
+    const std::size_t begin = std::min(first, entries.size());
+    const std::size_t end = begin + std::min(maxCount, entries.size() - begin);
+    return {entries.begin() + static_cast<std::ptrdiff_t>(begin), entries.begin() + static_cast<std::ptrdiff_t>(end)};
+}
+
 }  // namespace
 
 EyeTrackingCSV::EyeTrackingCSV(const QString &path, bool load) {
@@ -121,22 +129,36 @@ void EyeTrackingCSV::addNumbered(const NumberedSample &entry) {
     appendRow(entry.sample);
 }
 
-RecordSlice EyeTrackingCSV::slice(std::size_t first, std::size_t maxCount) const {
-    RecordSlice result{rows_.slice(first, maxCount), {}};
-    if (const auto count = static_cast<std::ptrdiff_t>(result.rows.size())) {
-        const auto begin = origins_.begin() + static_cast<std::ptrdiff_t>(first);
-        result.origins.assign(begin, begin + count);
+bool EyeTrackingCSV::addMarker(const QString &text, std::chrono::steady_clock::time_point time, quint64 newestNumber) {
+    if (markers_.size() >= maxMarkerCount)
+        return false;
+    RecordMarker marker{clock_.utc(time), text, newestNumber, std::nullopt};
+    if (const std::size_t count = rowCountWithOrigin(); count > 0) {
+        marker.number = origins_[count - 1].number;
+        marker.row = count - 1;
     }
+    markers_.push_back(std::move(marker));
+    return true;
+}
+
+RecordSlice EyeTrackingCSV::slice(std::size_t firstRow, std::size_t firstMarker, std::size_t maxCount) const {
+    RecordSlice result{rows_.slice(firstRow, maxCount), {}, {}};
+    result.origins = copyOf(origins_, firstRow, result.rows.size());
+    result.markers = copyOf(markers_, firstMarker, maxCount);
     return result;
 }
 
 RecordLength EyeTrackingCSV::length() const {
     RecordLength length{rows_.size(), {}};
-    // A loaded file has no origins. After memory ran out, there may be an origin without a row.
-    if (const std::size_t count = std::min(rows_.size(), origins_.size()); count > 0)
+    if (const std::size_t count = rowCountWithOrigin(); count > 0)
         length.duration =
             std::chrono::duration_cast<std::chrono::milliseconds>(origins_[count - 1].arrival - origins_[0].arrival);
     return length;
+}
+
+std::size_t EyeTrackingCSV::rowCountWithOrigin() const {
+    // A loaded file has no origins. After memory ran out, there may be an origin without a row.
+    return std::min(rows_.size(), origins_.size());
 }
 
 void EyeTrackingCSV::appendRow(const EyeTrackingSample &sample) {

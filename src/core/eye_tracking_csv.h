@@ -1,7 +1,9 @@
 #pragma once
 
+#include "core/arrival_clock.h"
 #include "core/numbered_sample.h"
 #include "core/record_length.h"
+#include "core/record_markers.h"
 #include "core/recording_phases.h"
 #include "toolkit/table/numeric_table_csv.h"
 
@@ -27,21 +29,25 @@ struct RecordColumn {
     QString unit;  ///< empty for a number without a unit
 };
 
-/// Consecutive rows of a recording. `origins` has an entry for each row.
+/// Consecutive rows and consecutive markers of a recording. `origins` has an entry for each row.
 struct RecordSlice {
     NumericRows rows;
     std::vector<RowOrigin> origins;
+    std::vector<RecordMarker> markers;
 };
 
 /// A recording: a table with one row per sample. It is kept in memory and written to the record file in one call.
 ///
-/// EyetrackerInterface owns it from the start to the stop of the recording, and adds samples under a lock. If the
-/// record file cannot be written, EyetrackerInterface keeps the recording until it is saved or discarded. The columns
-/// are documented in docs/records.md. Do not change their order: programs read them by position.
+/// EyetrackerInterface owns it from the start to the stop of the recording, and adds samples and markers under a lock.
+/// If the record file cannot be written, EyetrackerInterface keeps the recording until it is saved or discarded. The
+/// columns are documented in docs/records.md. Do not change their order: programs read them by position.
 class EyeTrackingCSV : public NumericTableCSV {
     Q_OBJECT
 
 public:
+    /// Limits the memory for markers, which come from other programs, to about 200 MB.
+    static constexpr std::size_t maxMarkerCount = 100'000;
+
     /// Creates an empty recording for the record file `path`. With `load`, reads that file instead.
     EyeTrackingCSV(const QString &path, bool load);
 
@@ -66,12 +72,23 @@ public:
 
     void addNumbered(const NumberedSample &entry);
 
-    /// Returns a copy of up to `maxCount` rows from `first` on; none if there are not that many rows.
-    [[nodiscard]] RecordSlice slice(std::size_t first, std::size_t maxCount) const;
+    /// Adds a marker. Its row is the last one. `newestNumber` is the number of the tracker's newest sample, which
+    /// counts only if the recording has no row. Returns false if the recording has maxMarkerCount markers.
+    [[nodiscard]] bool addMarker(const QString &text, std::chrono::steady_clock::time_point time, quint64 newestNumber);
+
+    /// Returns the markers in the order in which they were set.
+    [[nodiscard]] const std::deque<RecordMarker> &markers() const { return markers_; }
+
+    /// Returns a copy of up to `maxCount` rows from `firstRow` on, and of up to `maxCount` markers from `firstMarker`
+    /// on; none if there are not that many.
+    [[nodiscard]] RecordSlice slice(std::size_t firstRow, std::size_t firstMarker, std::size_t maxCount) const;
 
     /// Returns the number of rows and the duration. The duration of a loaded file is 0, because it has no arrival
     /// times.
     [[nodiscard]] RecordLength length() const;
+
+    /// Returns the clock of the recording, which was started with it.
+    [[nodiscard]] const ArrivalClock &clock() const { return clock_; }
 
     /// Returns where the sample of a row comes from.
     [[nodiscard]] const RowOrigin &origin(std::size_t row) const { return origins_[row]; }
@@ -88,8 +105,11 @@ public Q_SLOTS:
 private:
     void appendRow(const EyeTrackingSample &sample);
     void releaseReserve();
+    [[nodiscard]] std::size_t rowCountWithOrigin() const;
 
+    const ArrivalClock clock_;
     std::deque<RowOrigin> origins_;
+    std::deque<RecordMarker> markers_;
     qint64 firstTimestamp_ = 0;  ///< ms; 0 until the first sample with a timestamp
     bool growing_ = true;
     std::vector<char> reserve_;  ///< has no elements, only a capacity

@@ -1,6 +1,7 @@
 #include "core/eyetracker_interface.h"
 
 #include "core/eye_tracking_csv.h"
+#include "core/markers.h"
 #include "core/pixels.h"
 #include "core/record_saving.h"
 
@@ -197,10 +198,10 @@ QString EyetrackerInterface::recordsFolder() const {
     return recordsFolder_.isEmpty() ? defaultRecordsFolder() : recordsFolder_;
 }
 
-RecordSlice EyetrackerInterface::rowsOf(const EyeTrackingCSV &recording, std::size_t first,
-                                        std::size_t maxCount) const {
-    // The lock guards a running recording. A stopped one gets no more rows.
-    return recording_.with([&](const Recording &) { return recording.slice(first, maxCount); });
+RecordSlice EyetrackerInterface::sliceOf(const EyeTrackingCSV &recording, std::size_t firstRow, std::size_t firstMarker,
+                                         std::size_t maxCount) const {
+    // The lock guards a running recording. A stopped one gets no more rows and markers.
+    return recording_.with([&](const Recording &) { return recording.slice(firstRow, firstMarker, maxCount); });
 }
 
 bool EyetrackerInterface::isRecording() const {
@@ -211,12 +212,20 @@ std::optional<RunningRecording> EyetrackerInterface::runningRecording() const {
     return recording_.with([](const Recording &recording) -> std::optional<RunningRecording> {
         if (!recording)
             return std::nullopt;
-        return RunningRecording{recording->currentFilePath(), {}, recording->length(), 0};
+        return RunningRecording{recording->currentFilePath(), recording->clock().start(), recording->length(),
+                                static_cast<int>(recording->markers().size())};
     });
 }
 
-bool EyetrackerInterface::addMarker(const Marker & /*marker*/) {
-    return isRecording();
+bool EyetrackerInterface::addMarker(const Marker &marker) {
+    const quint64 newestNumber = lastNumberedSample().number;
+    try {
+        return recording_.with([&](const Recording &recording) {
+            return recording && recording->addMarker(marker.text, marker.time, newestNumber);
+        });
+    } catch (const std::bad_alloc &) {
+        return false;
+    }
 }
 
 RecordLength EyetrackerInterface::recordLength() const {

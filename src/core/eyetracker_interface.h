@@ -26,8 +26,8 @@ class QWidget;
 
 /// A recording that has not been stopped.
 struct RunningRecording {
-    QString path;  ///< where the record file will be written
-    std::chrono::system_clock::time_point startedAt;
+    QString path;                                     ///< where the record file will be written
+    std::chrono::system_clock::time_point startedAt;  ///< not changed if the system clock is set later
     RecordLength length;
     int markerCount = 0;
 };
@@ -163,7 +163,8 @@ public:
 
     /// Returns the running recording, or nothing. Any thread.
     [[nodiscard]] std::optional<RunningRecording> runningRecording() const;
-    /// Stores a marker in the running recording. Returns false if there is none. Any thread.
+    /// Stores a marker in the running recording. Returns false if there is none, if the recording has too many markers,
+    /// or if memory has run out. Called by Markers. Any thread.
     bool addMarker(const Marker &marker);
 
     /// Returns the current length of the running recording. Without one, all fields are 0.
@@ -200,9 +201,10 @@ public:
     /// Returns the folder for recordings without a path.
     [[nodiscard]] QString recordsFolder() const;
 
-    /// Returns a copy of up to `maxCount` rows from `first` on. `recording` is a running or stopped recording that was
-    /// passed to the function of setCreatePhases(). Any thread.
-    [[nodiscard]] RecordSlice rowsOf(const EyeTrackingCSV &recording, std::size_t first, std::size_t maxCount) const;
+    /// Returns a copy of rows and markers, see EyeTrackingCSV::slice(). `recording` is a running or stopped recording
+    /// that was passed to the function of setCreatePhases(). Any thread.
+    [[nodiscard]] RecordSlice sliceOf(const EyeTrackingCSV &recording, std::size_t firstRow, std::size_t firstMarker,
+                                      std::size_t maxCount) const;
 
     /// Stores the connection state, and emits the connection signals if it changed.
     void setConnected(bool value);

@@ -71,7 +71,7 @@ QString JournalFolder::fill(const JournalInfo &info) {
 
 QString JournalFolder::sync(const QString &path) {
     const JournalFolder folder(path);
-    const QStringList files{folder.infoPath(), folder.samplesPath(), folder.rowsPath()};
+    const QStringList files{folder.infoPath(), folder.samplesPath(), folder.markersPath(), folder.rowsPath()};
     const bool isSynced = std::all_of(files.begin(), files.end(), file_sync::syncFile) && file_sync::syncFolder(path) &&
                           file_sync::syncFolder(QFileInfo(path).path());
     return isSynced ? QString() : qt_error_string();

@@ -23,7 +23,7 @@ struct JournalInfo {
     QString programVersion;
     QRect screen;  ///< desktop pixels
     QRect calibratedArea;
-    bool isDescribed = false;         ///< whether the record file gets companions, see record_companions
+    bool isDescribed = false;         ///< whether the record file gets a description and a samples file
     bool systemClockStepped = false;  ///< see ClockWatch
     JournalPhase phase = JournalPhase::Recording;
     QString savingPath;          ///< set from the phase Saving on

@@ -127,7 +127,7 @@ private:
             keepAsDamaged(QString("its row %1 is damaged").arg(rowCount_ + 1));
             return Outcome::Done;
         }
-        if (rowCount_ == 0) {
+        if (rowCount_ == 0 && !RecoveredCompanions(folder_, info_, stopping_).hasMarkers()) {
             folder_.remove();
             return Outcome::Done;
         }

@@ -7,6 +7,8 @@
 #include <QString>
 #include <string>
 
+class JournalFolder;
+
 /// The tables of a journal, to which rows are appended. After a failed write they can go back to an earlier end.
 /// Private to JournalWriter. One thread at a time.
 class JournalTables {
@@ -16,16 +18,18 @@ public:
         std::size_t rowCount = 0;
         qint64 rowsBytes = 0;
         qint64 samplesBytes = 0;
+        std::size_t markerCount = 0;
+        qint64 markersBytes = 0;
     };
 
     /// The files must exist.
-    JournalTables(const QString &rowsPath, const QString &samplesPath, const ArrivalClock &clock);
+    JournalTables(const JournalFolder &folder, const ArrivalClock &clock);
 
     /// Opens the empty files and writes their headers. Returns the problem, or an empty text.
     [[nodiscard]] QString begin(const std::string &rowsHeader);
 
     /// Appends rows and the origins of their samples, the origins first: a program that ends in between leaves no row
-    /// without its origin. Returns the problem, or an empty text. After a problem, call
+    /// without its origin. Then appends the markers. Returns the problem, or an empty text. After a problem, call
     /// goBack() before the next append().
     [[nodiscard]] QString append(const RecordSlice &slice);
 
@@ -38,5 +42,6 @@ private:
     const ArrivalClock clock_;
     QFile rows_;
     QFile samples_;
+    QFile markers_;
     End end_;
 };

@@ -15,8 +15,9 @@ namespace {
 
 Q_LOGGING_CATEGORY(lcJournal, "ocela.journal")
 
-/// Copying a slice takes a few microseconds, for which a tracker may have to wait.
-constexpr std::size_t maxSliceRowCount = 64;
+/// The maximum number of rows, and of markers. Copying a slice takes a few microseconds, for which a tracker may have
+/// to wait.
+constexpr std::size_t maxSliceCount = 64;
 /// A tracker that delivers very fast would otherwise wait for many slices in a row. 64 rows in 1 ms are enough for
 /// every tracker.
 constexpr std::chrono::milliseconds slicePause{1};
@@ -112,9 +113,9 @@ QString JournalWriter::takeRows() {
         mustGoBack_ = false;
     }
     for (;;) {
-        const RecordSlice slice = source_(tables_->end().rowCount, maxSliceRowCount);
+        const RecordSlice slice = source_(tables_->end().rowCount, tables_->end().markerCount, maxSliceCount);
         QString problem = tables_->append(slice);
-        if (!problem.isEmpty() || slice.origins.size() < maxSliceRowCount)
+        if (!problem.isEmpty() || (slice.origins.size() < maxSliceCount && slice.markers.size() < maxSliceCount))
             return problem;
         (void)waitForStop(slicePause);
     }
@@ -124,7 +125,7 @@ QString JournalWriter::create() {
     JournalFolder::Created created = JournalFolder::create(journalsFolder_, folderName(info_), info_);
     if (!created.folder)
         return created.problem;
-    JournalTables &tables = tables_.emplace(created.folder->rowsPath(), created.folder->samplesPath(), clock_);
+    JournalTables &tables = tables_.emplace(*created.folder, clock_);
     QString problem = tables.begin(header_);
     if (!problem.isEmpty()) {
         tables_.reset();

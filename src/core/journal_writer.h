@@ -17,8 +17,8 @@
 #include <string>
 #include <thread>
 
-/// Keeps the rows of a running recording on the disk, in a journal from which they are recovered if the program ends
-/// unexpectedly. See docs/records.md.
+/// Keeps the rows and markers of a running recording on the disk, in a journal from which they are recovered if the
+/// program ends unexpectedly. See docs/records.md.
 ///
 /// A thread of its own takes new rows from the recording, so the tracker never waits for the disk. A disk that is full
 /// or cannot be written pauses the journal with one warning. It continues when there is room, with all rows that are
@@ -29,9 +29,9 @@
 /// saved nor discarded, with all rows, for recovery at the next start.
 class JournalWriter : public RecordingPhases {
 public:
-    /// Returns a copy of up to `maxCount` rows from `first` on. Called on the journal's thread, until saving(),
+    /// Returns a copy of rows and markers, see EyeTrackingCSV::slice(). Called on the journal's thread, until saving(),
     /// discarded() or the destructor returns.
-    using Source = std::function<RecordSlice(std::size_t first, std::size_t maxCount)>;
+    using Source = std::function<RecordSlice(std::size_t firstRow, std::size_t firstMarker, std::size_t maxCount)>;
 
     static constexpr std::chrono::milliseconds takeInterval{250};
     /// Less than the 2 s that may be lost in a power failure, because taking and syncing need time, too.

@@ -15,7 +15,7 @@ struct Marker {
     QString text;
     std::chrono::steady_clock::time_point time;
     quint64 number = 0;  ///< number of the selected tracker's newest sample at the call of Markers::add(), 0 for none
-    bool recorded = false;  ///< whether a recording was running and has stored the marker
+    bool recorded = false;  ///< whether a running recording has stored the marker
 };
 Q_DECLARE_METATYPE(Marker)
 
@@ -24,7 +24,9 @@ class Markers : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr int maxTextLength = 1000;  ///< characters
+    static constexpr int maxTextLength = 1000;  ///< UTF-16 code units
+    /// The maximum distance of a marker from now.
+    static constexpr std::chrono::hours maxTimeDifference{24};
 
     explicit Markers(QObject *parent);
 
@@ -33,7 +35,11 @@ public:
     /// Sets the tracker whose numbers the markers get. Null for none. GUI thread.
     void setSelectedTracker(EyetrackerInterface *tracker) { selectedTracker_ = tracker; }
 
-    /// Sets a marker at `time`, or now. `text` must not be longer than maxTextLength. Emits added(). Any thread.
+    /// Sets a marker at `time`, or now. Emits added(). Any thread.
+    ///
+    /// The result is the marker as it is set. A text that is too long is truncated, and U+0000, which programs cannot
+    /// read from a CSV file, is replaced by U+FFFD. A time that is too far from now is limited to maxTimeDifference.
+    /// A marker that is set while a recording stops is in its file only if `recorded` is true.
     Marker add(const QString &text, std::optional<std::chrono::steady_clock::time_point> time = std::nullopt);
 
 Q_SIGNALS:

@@ -33,11 +33,11 @@ QRect screenOf(const QRect &area) {
     return screen ? screen->geometry() : QRect();
 }
 
-JournalInfo describe(const EyetrackerInterface &tracker, const EyeTrackingCSV &recording, const ArrivalClock &clock) {
+JournalInfo describe(const EyetrackerInterface &tracker, const EyeTrackingCSV &recording) {
     JournalInfo info;
     info.targetPath = QFileInfo(recording.currentFilePath()).absoluteFilePath();
     info.tracker = tracker.name();
-    info.startUtcMs = clock.startUtcMs();
+    info.startUtcMs = recording.clock().startUtcMs();
     info.programVersion = QCoreApplication::applicationVersion();
     info.calibratedArea = tracker.calibratedArea();
     info.screen = screenOf(info.calibratedArea);
@@ -60,16 +60,14 @@ void recording_journal::enable(EyetrackerInterface &tracker, const QString &jour
                                const std::function<bool()> &isDescribed) {
     tracker.setCreatePhases([&tracker, journalsFolder,
                              isDescribed](const EyeTrackingCSV &recording) -> std::unique_ptr<RecordingPhases> {
-        const ArrivalClock clock;
-        JournalInfo info = describe(tracker, recording, clock);
+        JournalInfo info = describe(tracker, recording);
         info.isDescribed = isDescribed();
         warnIfDiskIsLow(tracker, info.targetPath, journalsFolder);
-        const auto takeRows = [&tracker, &recording](std::size_t first, std::size_t maxCount) {
-            return tracker.rowsOf(recording, first, maxCount);
+        const auto take = [&tracker, &recording](std::size_t firstRow, std::size_t firstMarker, std::size_t maxCount) {
+            return tracker.sliceOf(recording, firstRow, firstMarker, maxCount);
         };
-        auto journal = std::make_unique<JournalWriter>(journalsFolder, info, recording.headerLine(), takeRows, clock);
-        if (!info.isDescribed)
-            return journal;
-        return std::make_unique<CompanionWriter>(recording, clock, std::move(journal));
+        auto journal =
+            std::make_unique<JournalWriter>(journalsFolder, info, recording.headerLine(), take, recording.clock());
+        return std::make_unique<CompanionWriter>(recording, std::move(journal));
     });
 }

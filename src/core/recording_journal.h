@@ -13,7 +13,7 @@ namespace recording_journal {
 
 /// Lets each later recording of `tracker` have a journal in `journalsFolder`, and warns in the log before a recording
 /// starts with too little free space. `isDescribed` is called at the start of each recording, and returns whether its
-/// record file gets companions, see record_companions. GUI thread.
+/// record file gets a description and a samples file, see record_companions. GUI thread.
 void enable(EyetrackerInterface &tracker, const QString &journalsFolder, const std::function<bool()> &isDescribed);
 
 }  // namespace recording_journal

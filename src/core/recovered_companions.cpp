@@ -23,6 +23,50 @@ QByteArray contentOf(const QString &path) {
 }  // namespace
 
 bool RecoveredCompanions::save() const {
+    const bool hasEvents = saveEvents();
+    return saveDescription() && hasEvents;
+}
+
+bool RecoveredCompanions::hasMarkers() const {
+    const auto found = markers();
+    return !found || !found->empty();
+}
+
+/// Returns std::nullopt if the markers cannot be read.
+std::optional<std::vector<RecordMarker>> RecoveredCompanions::markers() const {
+    QFile file(folder_.markersPath());
+    if (!file.exists())
+        return std::vector<RecordMarker>();
+    if (!file.open(QIODevice::ReadOnly)) {
+        qCWarning(lcRecovery).noquote() << "Cannot read"
+                                        << QDir::toNativeSeparators(file.fileName()) + ": " + file.errorString();
+        return std::nullopt;
+    }
+    record_markers::Parsed parsed = record_markers::parseJournal(file.readAll());
+    if (parsed.isDamaged)
+        qCWarning(lcRecovery).noquote() << "Only the first" << parsed.markers.size() << "markers can be read in"
+                                        << QDir::toNativeSeparators(file.fileName());
+    return std::move(parsed.markers);
+}
+
+bool RecoveredCompanions::saveEvents() const {
+    auto markers = this->markers();
+    if (!markers || markers->empty())
+        return markers.has_value();
+    const std::string text = record_markers::eventsText(std::move(*markers), firstArrival(), info_.savingRowCount);
+    // The recording may have written its file before its program ended, with markers that the journal lacks.
+    if (contentOf(record_companions::eventsPath(info_.savingPath)).startsWith(QByteArray::fromStdString(text)))
+        return true;
+    return record_companions::saveEvents(info_.savingPath, text);
+}
+
+std::optional<std::chrono::microseconds> RecoveredCompanions::firstArrival() const {
+    JournalRows samples(folder_.samplesPath(), origins_csv::header);
+    const std::optional<std::string_view> sample = samples.nextRow();
+    return sample && info_.savingRowCount > 0 ? std::optional(origins_csv::parse(*sample).arrival) : std::nullopt;
+}
+
+bool RecoveredCompanions::saveDescription() const {
     if (!info_.isDescribed || hasDescription())
         return true;
     if (!hasSamples())

@@ -13,8 +13,9 @@ public:
                        const ClockWatch::SystemNow &systemNow = &std::chrono::system_clock::now)
         : journal_(std::make_unique<JournalWriter>(
               journalsFolder, info(targetPath), header(),
-              [this](std::size_t first, std::size_t maxCount) {
-                  return record_.with([=](const auto &record) { return record->slice(first, maxCount); });
+              [this](std::size_t firstRow, std::size_t firstMarker, std::size_t maxCount) {
+                  return record_.with(
+                      [=](const auto &record) { return record->slice(firstRow, firstMarker, maxCount); });
               },
               ArrivalClock(), systemNow)) {}
 

@@ -1,4 +1,8 @@
+#include "core/journal_recovery.h"
+#include "core/markers.h"
+#include "core/recording_journal.h"
 #include "journaled_recording.h"
+#include "support/fake_tracker.h"
 #include "support/file_content.h"
 #include "support/file_size_limit.h"
 #include "support/test_main.h"
@@ -31,6 +35,34 @@ private Q_SLOTS:
         recording.add(501, 520);
         QTRY_COMPARE(readFile(rows), recording.text());
         QTRY_VERIFY(continued_);
+    }
+
+    void markers_that_cannot_be_saved_stay_in_the_journal() {
+        const QTemporaryDir folder;
+        const auto recover = [&] { JournalRecovery(folder.filePath("journal"), folder.path()).waitForDone(); };
+        const QRegularExpression warning("^Cannot save .*_events.csv, which .*: " + qt_error_string(EFBIG) + '$');
+        FakeTracker tracker;
+        Markers markers(nullptr);
+        markers.setTrackers({&tracker});
+        recording_journal::enable(tracker, folder.filePath("journal"), [] { return false; });
+        tracker.startRecord(folder.filePath("r.csv"));
+        tracker.addSample({1});
+        for (int i = 0; i < 50; ++i)
+            QVERIFY(markers.add(QString(Markers::maxTextLength, 'x')).recorded);
+        QTRY_COMPARE(readFile(journalsIn(folder.filePath("journal")).value(0) + "/markers.csv").count('\n'), 51);
+        {
+            const FileSizeLimit limit(10'000);
+            // The file is tried under two names by the recording, and by the recovery.
+            for (int i = 0; i < 4; ++i)
+                QTest::ignoreMessage(QtWarningMsg, warning);
+            tracker.stopRecord();
+            recover();
+        }
+        QCOMPARE(readFile(folder.filePath("r.csv")).count('\n'), 2);
+        recover();
+        QCOMPARE(readFile(folder.filePath("r_events.csv")).count('\n'), 51);
+        QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList({"r.csv", "r_events.csv"}));
+        QCOMPARE(journalsIn(folder.filePath("journal")), QStringList());
     }
 
     void initTestCase() {
