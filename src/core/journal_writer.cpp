@@ -33,6 +33,8 @@ QString folderName(const JournalInfo &info) {
 JournalWriter::JournalWriter(QString journalsFolder, JournalInfo info, std::string header, Source source,
                              const ArrivalClock &clock, ClockWatch::SystemNow systemNow)
     : journalsFolder_(std::move(journalsFolder)),
+      // Not in the journal's thread, because ThreadSanitizer does not see the lock of the system's time zone.
+      folderName_(folderName(info)),
       header_(std::move(header)),
       source_(std::move(source)),
       clock_(clock),
@@ -122,7 +124,7 @@ QString JournalWriter::takeRows() {
 }
 
 QString JournalWriter::create() {
-    JournalFolder::Created created = JournalFolder::create(journalsFolder_, folderName(info_), info_);
+    JournalFolder::Created created = JournalFolder::create(journalsFolder_, folderName_, info_);
     if (!created.folder)
         return created.problem;
     JournalTables &tables = tables_.emplace(*created.folder, clock_);

@@ -71,6 +71,7 @@ private:
     void end(JournalPhase phase);
 
     const QString journalsFolder_;
+    const QString folderName_;
     const std::string header_;
     const Source source_;
     const ArrivalClock clock_;
