@@ -564,6 +564,25 @@
         <source>Interrupted recording recovered: %1</source>
         <translation>Interrupted recording recovered: %1</translation>
     </message>
+    <message numerus="yes">
+        <source>%1 marker(s)</source>
+        <translation>
+            <numerusform>%1 marker</numerusform>
+            <numerusform>%1 markers</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Marker %1 set</source>
+        <translation>Marker %1 set</translation>
+    </message>
+    <message>
+        <source>Marker set; no recording is running</source>
+        <translation>Marker set; no recording is running</translation>
+    </message>
+    <message>
+        <source>Marker not stored: the recording has too many markers</source>
+        <translation>Marker not stored: the recording has too many markers</translation>
+    </message>
 </context>
 <context>
     <name>TrackerStatusLine</name>
@@ -605,6 +624,10 @@
     <message>
         <source>Screen</source>
         <translation>Screen</translation>
+    </message>
+    <message>
+        <source>F9 sets a marker in the recording.</source>
+        <translation>F9 sets a marker in the recording.</translation>
     </message>
 </context>
 <context>

@@ -565,6 +565,26 @@
         <source>Interrupted recording recovered: %1</source>
         <translation>Восстановлена прерванная запись: %1</translation>
     </message>
+    <message numerus="yes">
+        <source>%1 marker(s)</source>
+        <translation>
+            <numerusform>%1 метка</numerusform>
+            <numerusform>%1 метки</numerusform>
+            <numerusform>%1 меток</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Marker %1 set</source>
+        <translation>Метка %1 поставлена</translation>
+    </message>
+    <message>
+        <source>Marker set; no recording is running</source>
+        <translation>Метка поставлена; запись не идёт</translation>
+    </message>
+    <message>
+        <source>Marker not stored: the recording has too many markers</source>
+        <translation>Метка не сохранена: в записи слишком много меток</translation>
+    </message>
 </context>
 <context>
     <name>TrackerStatusLine</name>
@@ -606,6 +626,10 @@
     <message>
         <source>Screen</source>
         <translation>Экран</translation>
+    </message>
+    <message>
+        <source>F9 sets a marker in the recording.</source>
+        <translation>F9 ставит метку в записи.</translation>
     </message>
 </context>
 <context>

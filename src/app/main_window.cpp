@@ -8,6 +8,7 @@
 #include "app/tray_icon.h"
 #include "core/eyetracker_interface.h"
 #include "core/journal_recovery.h"
+#include "core/markers.h"
 #include "core/recording_journal.h"
 #include "toolkit/base/file_utilities.h"
 #include "toolkit/platform/app_helper.h"
@@ -16,6 +17,7 @@
 #include "trackers/eyetech/eyetech_tracker.h"
 #include "trackers/gazepoint/gazepoint_tracker.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDir>
@@ -35,6 +37,7 @@ constexpr QSize initialSize(520, 420);
 MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent) {
     buildSettings();
     buildTrackers();
+    buildMarkers();
     exchange_ = std::make_unique<OcelaHTTPExchange>(nullptr);
     buildPages();
     buildStatusBar();
@@ -105,6 +108,16 @@ void MainWindow::buildTrackers() {
     connect(settings_, &Settings::changedRecordsPath, this, &MainWindow::applyRecordsPath);
 }
 
+void MainWindow::buildMarkers() {
+    markers_ = new Markers(this);
+    markers_->setTrackers(trackers_);
+    auto *setMarker = new QAction(this);
+    setMarker->setShortcut(Qt::Key_F9);
+    setMarker->setAutoRepeat(false);
+    connect(setMarker, &QAction::triggered, this, [this] { markers_->add("F9"); });
+    addAction(setMarker);
+}
+
 void MainWindow::addTracker(EyetrackerInterface *tracker) {
     recording_journal::enable(*tracker, recording_journal::folderIn(dataFolder_),
                               [this] { return settings_->getDescribeRecordings(); });
@@ -137,6 +150,7 @@ void MainWindow::buildStatusBar() {
         status_->addTracker(tracker);
     connect(status_, &StatusBar::retryWanted, recordings_, &RecordingKeeper::retry);
     connect(status_, &StatusBar::saveAsWanted, recordings_, &RecordingKeeper::saveAs);
+    connect(markers_, &Markers::added, status_, &StatusBar::showMarker);
     auto *bar = new QStatusBar;
     bar->setSizeGripEnabled(false);
     bar->addWidget(status_, 1);
@@ -192,6 +206,7 @@ void MainWindow::trackerIndexChanged(int index) {
     mainPage_->showTracker(index);
     status_->setEyetracker(currentTracker_);
     growTo(sizeHint());
+    markers_->setSelectedTracker(currentTracker_);
     exchange_->setTracker(currentTracker_);
 
     currentTracker_->start();

@@ -9,6 +9,7 @@
 class EyetrackerInterface;
 class JournalRecovery;
 class MainPage;
+class Markers;
 class OcelaHTTPExchange;
 class QTabWidget;
 class RecordingKeeper;
@@ -16,8 +17,8 @@ class SettingsPage;
 class StatusBar;
 class TrayIcon;
 
-/// The main window. Owns the settings, the trackers, the HTTP API, the widgets for the selected tracker, and the tray
-/// icon. GUI thread.
+/// The main window. Owns the settings, the trackers, the markers, the HTTP API, the widgets for the selected tracker,
+/// and the tray icon. While it has the focus, F9 sets a marker. GUI thread.
 ///
 /// Only the selected tracker is started. Selecting another tracker stops the old one, starts the new one and stores the
 /// selection. While HideWindowOnStart is set, closing the visible window hides it to the tray. Otherwise closing quits
@@ -40,6 +41,7 @@ protected:
 private:
     void buildSettings();
     void buildTrackers();
+    void buildMarkers();
     void buildPages();
     void buildStatusBar();
     void buildTray();
@@ -59,6 +61,7 @@ private:
     QString dataFolder_;
     Settings *settings_ = nullptr;
     std::vector<EyetrackerInterface *> trackers_;
+    Markers *markers_ = nullptr;
     RecordingKeeper *recordings_ = nullptr;
     EyetrackerInterface *currentTracker_ = nullptr;
     bool isRevertingAutorun_ = false;

@@ -16,6 +16,7 @@
 namespace {
 
 constexpr int spacing = 12;
+constexpr int markerShownMs = 3000;
 
 QFileInfo fileAt(const QString &nativePath) {
     return QFileInfo(QDir::fromNativeSeparators(nativePath));
@@ -59,6 +60,11 @@ void RecordingStatusLine::showRecovered(const QString &path) {
     refresh();
 }
 
+void RecordingStatusLine::setMarker(bool isRecorded) {
+    isMarkerRecorded_ = isRecorded;
+    markerEnd_.setRemainingTime(markerShownMs);
+}
+
 void RecordingStatusLine::eyetrackerChanged() {
     refresh();
 }
@@ -66,6 +72,9 @@ void RecordingStatusLine::eyetrackerChanged() {
 void RecordingStatusLine::refresh() {
     QStringList texts = runningRecordings();
     const bool showsFile = result_ && !result_->path.isEmpty();
+    const QString marker = markerText();
+    if (!marker.isEmpty())
+        texts << marker;
     if (result_)
         texts << resultText();
     const QString problem = unsavedProblem();
@@ -87,12 +96,24 @@ void RecordingStatusLine::refresh() {
 QStringList RecordingStatusLine::runningRecordings() const {
     QStringList texts;
     for (const EyetrackerInterface *tracker : trackers_) {
-        if (!tracker->isRecording())
-            continue;
+        const std::optional<RunningRecording> recording = tracker->runningRecording();
         const QString name = tracker == eyetracker_ ? QString() : tracker->name();
-        texts << StatusTexts(locale()).recording(tracker->recordLength(), name);
+        if (recording)
+            texts << StatusTexts(locale()).recording(*recording, name);
     }
     return texts;
+}
+
+QString RecordingStatusLine::markerText() const {
+    if (markerEnd_.hasExpired())
+        return QString();
+    // The number is that of the selected tracker's recording, or of the first one if that tracker does not record.
+    std::optional<RunningRecording> shown = eyetracker_ ? eyetracker_->runningRecording() : std::nullopt;
+    for (auto tracker = trackers_.begin(); !shown && tracker != trackers_.end(); ++tracker)
+        shown = (*tracker)->runningRecording();
+    if (!isMarkerRecorded_)
+        return shown ? StatusTexts::markerNotStored() : StatusTexts::markerWithoutRecording();
+    return shown && shown->markerCount > 0 ? StatusTexts(locale()).markerSet(shown->markerCount) : QString();
 }
 
 QString RecordingStatusLine::resultText() const {

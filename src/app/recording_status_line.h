@@ -3,6 +3,7 @@
 #include "core/record_length.h"
 #include "views/base_eyetracker_widget.h"
 
+#include <QDeadlineTimer>
 #include <optional>
 #include <vector>
 
@@ -22,6 +23,9 @@ public:
 
     /// Shows the file of a recovered recording, until the next recording.
     void showRecovered(const QString &path);
+
+    /// Stores whether the last marker was recorded. It is shown for a few seconds from the next refresh() on.
+    void setMarker(bool isRecorded);
 
     /// Updates the texts and the buttons. Hides the line if there is nothing to show.
     void refresh();
@@ -44,6 +48,7 @@ private:
     };
 
     [[nodiscard]] QStringList runningRecordings() const;
+    [[nodiscard]] QString markerText() const;
     [[nodiscard]] QString resultText() const;
     [[nodiscard]] QString unsavedProblem() const;
     void recordStarted(const EyetrackerInterface &tracker);
@@ -51,6 +56,8 @@ private:
     void openFolder() const;
 
     std::vector<EyetrackerInterface *> trackers_;
+    bool isMarkerRecorded_ = false;
+    QDeadlineTimer markerEnd_;      ///< when the last marker is no longer shown
     std::optional<Result> result_;  ///< std::nullopt before the first result, and while the last recording is unsaved
 
     ElidedLabel *label_;

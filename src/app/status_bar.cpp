@@ -2,6 +2,7 @@
 
 #include "app/recording_status_line.h"
 #include "app/tracker_status_line.h"
+#include "core/markers.h"
 #include "views/elided_label.h"
 
 #include <QBoxLayout>
@@ -10,6 +11,8 @@
 namespace {
 
 constexpr int refreshIntervalMs = 1000;
+/// Programs may set many markers per second. Their texts are then drawn together.
+constexpr int markerDelayMs = 50;
 constexpr int sideMargin = 8;
 constexpr int spacing = 12;
 
@@ -40,6 +43,8 @@ StatusBar::StatusBar(QWidget *parent)
 
     connect(&timer_, &QTimer::timeout, this, &StatusBar::refresh);
     timer_.start(refreshIntervalMs);
+    markerTimer_.setSingleShot(true);
+    connect(&markerTimer_, &QTimer::timeout, this, &StatusBar::refresh);
     refresh();
 }
 
@@ -50,6 +55,12 @@ void StatusBar::addTracker(EyetrackerInterface *tracker) {
 void StatusBar::showRecovered(const QString &path) {
     recordingLine_->showRecovered(path);
     arrange();
+}
+
+void StatusBar::showMarker(const Marker &marker) {
+    recordingLine_->setMarker(marker.recorded);
+    if (!markerTimer_.isActive())
+        markerTimer_.start(markerDelayMs);
 }
 
 void StatusBar::setProblem(const QString &problem) {

@@ -8,6 +8,7 @@ class ElidedLabel;
 class QBoxLayout;
 class RecordingStatusLine;
 class TrackerStatusLine;
+struct Marker;
 
 /// The status bar of the main window. Shows the state of the selected tracker and the recordings of all trackers. GUI
 /// thread.
@@ -25,6 +26,9 @@ public:
 
     /// Shows the file of a recovered recording, until the next recording.
     void showRecovered(const QString &path);
+
+    /// Shows for a few seconds that a marker was set.
+    void showMarker(const Marker &marker);
 
     /// Shows a problem of the program in a line of its own. An empty text hides the line.
     void setProblem(const QString &problem);
@@ -45,6 +49,7 @@ private:
     void arrange();
 
     QTimer timer_;
+    QTimer markerTimer_;
     ElidedLabel *problemLabel_;
     QBoxLayout *lines_;
     TrackerStatusLine *trackerLine_;

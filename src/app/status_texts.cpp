@@ -59,9 +59,23 @@ QString StatusTexts::calibration(EyetrackerInterface::CalibrationResult result) 
     return tr("Calibration ended, result unknown");
 }
 
-QString StatusTexts::recording(const RecordLength &length, const QString &trackerName) const {
+QString StatusTexts::recording(const RunningRecording &recording, const QString &trackerName) const {
     const QString start = trackerName.isEmpty() ? tr("Recording") : tr("Recording (%1)").arg(trackerName);
-    return start + ' ' + clock(length.duration) + ", " + samples(length.sampleCount);
+    const int markers = recording.markerCount;
+    return start + ' ' + clock(recording.length.duration) + ", " + samples(recording.length.sampleCount) +
+           (markers > 0 ? ", " + tr("%1 marker(s)", nullptr, markers).arg(locale_.toString(markers)) : QString());
+}
+
+QString StatusTexts::markerSet(int number) const {
+    return tr("Marker %1 set").arg(locale_.toString(number));
+}
+
+QString StatusTexts::markerWithoutRecording() {
+    return tr("Marker set; no recording is running");
+}
+
+QString StatusTexts::markerNotStored() {
+    return tr("Marker not stored: the recording has too many markers");
 }
 
 QString StatusTexts::saved(const RecordLength &length, const QString &fileName) const {

@@ -31,7 +31,12 @@ public:
     [[nodiscard]] static QString calibration(EyetrackerInterface::CalibrationResult result);
 
     /// `trackerName` is empty for the selected tracker.
-    [[nodiscard]] QString recording(const RecordLength &length, const QString &trackerName) const;
+    [[nodiscard]] QString recording(const RunningRecording &recording, const QString &trackerName) const;
+    /// `number` counts the markers of a recording from 1.
+    [[nodiscard]] QString markerSet(int number) const;
+    [[nodiscard]] static QString markerWithoutRecording();
+    /// For a recording that has the maximum number of markers.
+    [[nodiscard]] static QString markerNotStored();
     [[nodiscard]] QString saved(const RecordLength &length, const QString &fileName) const;
     /// For a recording of an earlier run of the program.
     [[nodiscard]] static QString recovered(const QString &fileName);

@@ -117,6 +117,7 @@ void TrackerViewWidget::retranslate() {
     stopButton_->setText(tr("Stop"));
     startRecordButton_->setText(tr("Start record"));
     stopRecordButton_->setText(tr("Stop record"));
+    stopRecordButton_->setToolTip(tr("F9 sets a marker in the recording."));
     cursorCheckBox_->setText(tr("Control cursor (Press F10)"));
 
     int index = 0;

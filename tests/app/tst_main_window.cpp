@@ -1,6 +1,7 @@
 #include "app/main_window.h"
 #include "app/settings_notice.h"
 #include "app/startup.h"
+#include "core/eyetracker_interface.h"
 #include "support/file_content.h"
 #include "support/gazepoint_wire.h"
 #include "support/test_main.h"
@@ -18,6 +19,7 @@
 #include <QTabWidget>
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <QWheelEvent>
@@ -89,9 +91,13 @@ private Q_SLOTS:
     void missing_vendor_library_shows_an_error_and_keeps_the_selection();
     void selected_tracker_is_shown_until_another_is_selected_or_the_window_is_closed();
     void changing_the_language_changes_all_texts_immediately();
+    void f9_sets_a_marker_whatever_has_the_focus();
     void wheel_over_a_list_changes_nothing();
     void failing_autorun_is_shown_and_switched_back();
     void unread_settings_are_explained_inside_the_window();
+
+private:
+    const QTemporaryDir folder_;
 };
 
 void TestMainWindow::initTestCase() {
@@ -203,6 +209,31 @@ void TestMainWindow::changing_the_language_changes_all_texts_immediately() {
 
     settingsOf(window).setLanguage("en_US");
     QTRY_COMPARE(texts(), english);
+}
+
+void TestMainWindow::f9_sets_a_marker_whatever_has_the_focus() {
+    MainWindow window;
+    const QString file = folder_.filePath("r.csv");
+    EyetrackerInterface *tracker = window.findChild<EyetrackerInterface *>();
+    tracker->startRecord(file);
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    int count = 0;
+    const auto pages = window.findChild<QTabWidget *>();
+    for (int page = 0; page < pages->count(); ++page) {
+        pages->setCurrentIndex(page);
+        for (QWidget *widget : pages->widget(page)->findChildren<QWidget *>()) {
+            if (!widget->isVisible() || !widget->isEnabled() || widget->focusPolicy() == Qt::NoFocus)
+                continue;
+            widget->setFocus();
+            QTest::keyClick(window.windowHandle(), Qt::Key_F9);
+            QCOMPARE(tracker->runningRecording()->markerCount, ++count);
+        }
+    }
+    QVERIFY(count > 5);
+    const auto *status = window.findChild<QLabel *>("recordingStatus");
+    QTRY_VERIFY2(status->text().endsWith(QString("; Marker %1 set").arg(count)), qPrintable(status->text()));
+    tracker->stopRecord();
+    QCOMPARE(readFile(folder_.filePath("r_events.csv")).count(",0,F9,"), count);
 }
 
 void TestMainWindow::wheel_over_a_list_changes_nothing() {

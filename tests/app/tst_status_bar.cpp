@@ -1,4 +1,5 @@
 #include "app/status_bar.h"
+#include "core/markers.h"
 #include "support/fake_tracker.h"
 #include "support/test_main.h"
 #include "toolkit/settings/ui_language.h"
@@ -16,6 +17,7 @@
 #include <QToolButton>
 #include <QUrl>
 #include <memory>
+#include <thread>
 
 /// Tests the status bar with a selected tracker and another one.
 class TestStatusBar : public QObject {
@@ -31,6 +33,7 @@ private Q_SLOTS:
     void tells_how_a_calibration_ended_data();
     void tells_how_a_calibration_ended();
     void shows_a_recording_and_its_file();
+    void shows_a_marker_for_a_few_seconds();
     void shows_a_recovered_file_until_the_next_recording();
     void shows_a_recording_of_a_tracker_that_is_not_selected();
     void tells_why_a_recording_is_not_saved_until_it_is_saved();
@@ -164,6 +167,26 @@ void TestStatusBar::shows_a_recording_and_its_file() {
     button("openFolder")->click();
     QDesktopServices::unsetUrlHandler("file");
     QCOMPARE(opened_, QUrl::fromLocalFile(folder_.path()));
+}
+
+void TestStatusBar::shows_a_marker_for_a_few_seconds() {
+    Markers markers(nullptr);
+    markers.setTrackers({tracker_.get(), other_.get()});
+    connect(&markers, &Markers::added, bar_.get(), &StatusBar::showMarker);
+    markers.add("F9");
+    QTRY_COMPARE(recordingText(), QString("Marker set; no recording is running"));
+    other_->startRecord(folder_.filePath("other.csv"));
+    markers.add("F9");
+    QTRY_COMPARE(recordingText(), QString("Recording (fake) 00:00:00, 0 samples, 1 marker; Marker 1 set"));
+    // Markers that other programs set are shown, too.
+    tracker_->startRecord(folder_.filePath("selected.csv"));
+    std::thread([&] { markers.add("from another thread"); }).join();
+    const QString recordings =
+        "Recording 00:00:00, 0 samples, 1 marker; Recording (fake) 00:00:00, 0 samples, 2 markers";
+    QTRY_COMPARE(recordingText(), recordings + "; Marker 1 set");
+    QTRY_COMPARE(recordingText(), recordings);
+    tracker_->discardRecord();
+    other_->discardRecord();
 }
 
 void TestStatusBar::shows_a_recovered_file_until_the_next_recording() {

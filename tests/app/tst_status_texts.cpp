@@ -17,6 +17,7 @@ private Q_SLOTS:
     void tracker_is_described_in_both_languages();
     void recording_has_a_time_and_a_number_of_samples_data();
     void recording_has_a_time_and_a_number_of_samples();
+    void markers_are_counted_in_both_languages();
 };
 
 void TestStatusTexts::tracker_is_described_in_both_languages_data() {
@@ -75,8 +76,25 @@ void TestStatusTexts::recording_has_a_time_and_a_number_of_samples() {
     language.use(locale);
     const StatusTexts texts{QLocale(locale)};
     const RecordLength length{static_cast<std::size_t>(count), std::chrono::seconds(seconds)};
-    QTEST(texts.recording(length, "x"), "running");
+    QTEST(texts.recording({QString(), {}, length, 0}, "x"), "running");
     QTEST(texts.saved(length, "r.csv"), "saved");
+}
+
+void TestStatusTexts::markers_are_counted_in_both_languages() {
+    UiLanguage language;
+    const auto textsIn = [](const char *locale) {
+        const StatusTexts texts{QLocale(locale)};
+        QStringList all{texts.markerSet(1234), StatusTexts::markerWithoutRecording()};
+        for (const int count : {1, 2, 21})
+            all << texts.recording({QString(), {}, {}, count}, QString()).section(", ", -1);
+        return all;
+    };
+    language.use("en_US");
+    QCOMPARE(textsIn("en_US"), QStringList({"Marker 1,234 set", "Marker set; no recording is running", "1 marker",
+                                            "2 markers", "21 markers"}));
+    language.use("ru_RU");
+    QCOMPARE(textsIn("ru_RU"), QStringList({QString("Метка 1\u00A0234 поставлена"), "Метка поставлена; запись не идёт",
+                                            "1 метка", "2 метки", "21 метка"}));
 }
 
 OCELA_TEST(TestStatusTexts)
