@@ -4,6 +4,7 @@
 #include "core/markers.h"
 #include "core/pixels.h"
 #include "core/record_saving.h"
+#include "core/sample_signal.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -179,6 +180,8 @@ void EyetrackerInterface::addSample(const EyeTrackingSample &sample) {
                 recording->stopGrowing();
         });
     }
+    if (sampleSignal_)
+        sampleSignal_->set();
 }
 
 void EyetrackerInterface::store(const EyeTrackingSample &sample, std::chrono::steady_clock::time_point arrival) {

@@ -15,12 +15,14 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 class EyeTrackingCSV;
 struct Marker;
 struct RecordSlice;
 class RecordingPhases;
+class SampleSignal;
 class VTSettings;
 class QWidget;
 
@@ -92,6 +94,8 @@ Q_SIGNALS:
     void newSample(EyeTrackingSample sample);
     /// A calibration was successful. Not every device reports that.
     void calibrated();
+    /// A calibration runs from now on, until calibrationFinished(). May be emitted again while it runs. GUI thread.
+    void calibrationStarted();
     /// A calibration that calibrate() started has ended. Emitted once for each calibration, and with `Failed` also if
     /// reconnect() cannot restore an earlier one. GUI thread.
     void calibrationFinished(EyetrackerInterface::CalibrationResult result);
@@ -146,6 +150,9 @@ public:
     /// If memory runs out while a recording is running, the recording keeps its rows, gets no further ones and can be
     /// saved. A warning is logged once. Without a recording, throws std::bad_alloc.
     void addSample(const EyeTrackingSample &sample);
+
+    /// Sets a signal that addSample() sets after it has stored a sample. Call it before the first sample.
+    void setSampleSignal(std::shared_ptr<SampleSignal> signal) { sampleSignal_ = std::move(signal); }
 
     /// Returns the samples in the window with a number above `number`, oldest first. 0 returns the whole window. To
     /// receive every sample once, pass the number of the last received sample, and check `missedCount`: it counts the
@@ -242,6 +249,7 @@ private:
     std::atomic<bool> connected_{false};
     Guarded<QRect> calibratedArea_;
     Guarded<SampleWindow> samples_{SampleWindow(sampleWindowMs)};
+    std::shared_ptr<SampleSignal> sampleSignal_;
     Guarded<Recording> recording_;
     std::vector<Recording> unsaved_;  ///< stopped, but in no file; GUI thread
     RecordLength finishedLength_;

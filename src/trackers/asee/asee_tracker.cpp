@@ -179,6 +179,7 @@ void aSeePro::calibrate(QRect area) {
         return;
     }
     screen->setShowGaze(true);
+    Q_EMIT calibrationStarted();
     screen->showOn(area);
 }
 

@@ -302,6 +302,7 @@ void EyetechGrabber::runCalibration() {
         // "Recalibrate" overwrites the calibration of this screen.
         if (widget->calibrationId() == calibrationId_)
             calibrationId_ = 0;
+        Q_EMIT calibrationStarted();
         widget->startCalibration();
     }
     if (self)

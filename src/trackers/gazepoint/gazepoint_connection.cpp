@@ -84,8 +84,10 @@ void Connection::close() {
 void Connection::calibrate() {
     if (isAbandoned())
         return;
-    if (calibration_.isRunning())
+    if (calibration_.isRunning()) {
         Q_EMIT calibrationFinished(CalibrationResult::Cancelled);
+        Q_EMIT calibrationStarted();
+    }
     if (!isOpen_) {
         Q_EMIT calibrationFinished(CalibrationResult::Failed);
         return;

@@ -51,6 +51,8 @@ Q_SIGNALS:
     void disconnected();
     /// The connection could not be opened. `reason` is the error text of the socket.
     void failed(bool isRefused, const QString &reason);
+    /// calibrate() has ended a running calibration and starts another one.
+    void calibrationStarted();
     void calibrationFinished(EyetrackerInterface::CalibrationResult result);
 
 private:

@@ -25,6 +25,7 @@ GazePoint::GazePoint(const QString &dataFolder, QObject *parent, quint16 port)
                                      failure_ = Failure{isRefused, reason};
                                      Q_EMIT connectionFailed();
                                  })
+                      << connect(connection_, &Connection::calibrationStarted, this, &GazePoint::calibrationStarted)
                       << connect(connection_, &Connection::calibrationFinished, this, &GazePoint::calibrationFinished)
                       // The timer has no effect: that is intended.
                       << connect(&pollTimer_, &QTimer::timeout, this, [] {});
@@ -70,6 +71,7 @@ void GazePoint::stop() {
 }
 
 void GazePoint::calibrate(QRect) {
+    Q_EMIT calibrationStarted();
     queue(&Connection::calibrate);
 }
 
