@@ -96,10 +96,30 @@ QString OcelaHTTPExchange::listenProblem() const {
 }
 
 OcelaHTTPExchange::~OcelaHTTPExchange() {
+    // The connections' threads must not wait for this thread, which waits for them.
+    programApi_.close();
+    if (programControl_)
+        programControl_->close();
     listener_.reset();
     delete settings_;
     OcelaHTTPExchange *self = this;
     currentExchange.compare_exchange_strong(self, nullptr);
+}
+
+void OcelaHTTPExchange::openProgramApi(const std::vector<EyetrackerInterface *> &trackers, Markers &markers,
+                                       const QString &journalsFolder) {
+    for (EyetrackerInterface *tracker : trackers)
+        tracker->setSampleSignal(programApi_.signal());
+    programControl_ =
+        std::make_unique<api_v1::ProgramControl>(trackers, journalsFolder, programApi_.run(), programApi_.state());
+    connect(programControl_.get(), &api_v1::ProgramControl::trackerWanted, this, &OcelaHTTPExchange::trackerWanted);
+    programApi_.open(*programControl_, markers);
+}
+
+void OcelaHTTPExchange::setTracker(EyetrackerInterface *tracker) {
+    tracker_ = tracker;
+    if (programControl_)
+        programControl_->setTracker(tracker);
 }
 
 OcelaHTTPExchange &OcelaHTTPExchange::instance() {

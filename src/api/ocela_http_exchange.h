@@ -1,7 +1,10 @@
 #pragma once
 
+#include "api/access_policy.h"
 #include "api/api_answer.h"
 #include "api/sample_json_cache.h"
+#include "api/v1/program_control.h"
+#include "api/v1/router.h"
 #include "toolkit/base/connection_helper.h"
 
 #include <QObject>
@@ -12,6 +15,7 @@
 class EyetrackerInterface;
 class HttpListener;
 class HttpRequest;
+class Markers;
 class OcelaHTTPRequestHandler;
 class QSettings;
 
@@ -40,9 +44,17 @@ public:
     /// empty text if it can. GUI thread.
     [[nodiscard]] QString listenProblem() const;
 
+    /// Opens the API for programs. The trackers and `markers` must outlive the exchange. Call it once, before the
+    /// trackers deliver samples. GUI thread.
+    void openProgramApi(const std::vector<EyetrackerInterface *> &trackers, Markers &markers,
+                        const QString &journalsFolder);
+    [[nodiscard]] api_v1::Router &programApi() { return programApi_; }
+    [[nodiscard]] AccessPolicy &access() { return access_; }
+
     /// Selects the tracker of the following requests; null selects no tracker. The tracker must exist as long as it is
-    /// selected, and until all running requests are answered.
-    void setTracker(EyetrackerInterface *tracker) { tracker_ = tracker; }
+    /// selected, and until all running requests are answered. Call it on the GUI thread if the API for programs is
+    /// open.
+    void setTracker(EyetrackerInterface *tracker);
 
     /// Returns the answer to a request for `path`. Does not use `request`. If the answer is a file, sets `filePath` to
     /// that existing file, otherwise to an empty string. May be called from any thread.
@@ -53,6 +65,10 @@ public:
 
     /// The cache for api_answer::toJson().
     [[nodiscard]] SampleJsonCache &sampleJson() { return sampleJson_; }
+
+Q_SIGNALS:
+    /// A client wants another tracker to be selected. `index` is its index in the list of openProgramApi().
+    void trackerWanted(int index);
 
 private:
     struct Endpoint;
@@ -77,6 +93,9 @@ private:
     ConnectionHelper connectionHelper_;
     const std::shared_ptr<std::atomic<int>> pendingCalls_ = std::make_shared<std::atomic<int>>(0);
     SampleJsonCache sampleJson_;
+    AccessPolicy access_;
+    std::unique_ptr<api_v1::ProgramControl> programControl_;
+    api_v1::Router programApi_{access_};
 
     QPointer<QSettings> settings_;  ///< owned by the application if this object is not destroyed first
     std::unique_ptr<OcelaHTTPRequestHandler> requestHandler_;

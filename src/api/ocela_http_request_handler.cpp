@@ -79,6 +79,10 @@ void addRangeHeaders(HttpResponse &response, int sizeBytes) {
 
 void OcelaHTTPRequestHandler::service(HttpRequest &request, HttpResponse &response) {
     OcelaHTTPExchange &exchange = OcelaHTTPExchange::instance();
+    if (api_v1::Router::hasPath(request.getPath())) {
+        exchange.programApi().service(request, response);
+        return;
+    }
     const ApiAnswer answer = exchange.answer(QString::fromUtf8(request.getPath()));
     response.setHeader(QByteArrayLiteral("Access-Control-Allow-Origin"), QByteArrayLiteral("*"));
     const auto *file = std::get_if<FileAnswer>(&answer);

@@ -39,6 +39,8 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent) {
     buildTrackers();
     buildMarkers();
     exchange_ = std::make_unique<OcelaHTTPExchange>(nullptr);
+    exchange_->openProgramApi(trackers_, *markers_, recording_journal::folderIn(dataFolder_));
+    connect(exchange_.get(), &OcelaHTTPExchange::trackerWanted, this, &MainWindow::trackerIndexChanged);
     buildPages();
     buildStatusBar();
     buildTray();

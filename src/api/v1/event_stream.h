@@ -1,0 +1,75 @@
+#pragma once
+
+#include "api/v1/marker_log.h"
+#include "api/v1/sample_texts.h"
+#include "api/v1/state_json.h"
+#include "api/v1/stream_dispatcher.h"
+
+#include <QVector>
+
+class HttpResponse;
+
+namespace api_v1 {
+
+/// Where a stream starts.
+struct StreamRequest {
+    std::optional<quint64> after;  ///< number of the last sample that the client has; without it, only new samples
+    bool isOfOtherRun = false;     ///< the client resumes a stream of an earlier run of the program
+    std::chrono::milliseconds interval{0};  ///< minimum time between two events with samples
+};
+
+/// What all streams read. The references must outlive the streams.
+struct StreamSources {
+    const ProgramRun &run;
+    const PublishedState &state;
+    StateJson &stateJson;
+    SampleTexts &sampleTexts;
+    const MarkerLog &markers;
+    StreamDispatcher &dispatcher;
+};
+
+/// One client's stream of server-sent events: states, samples, markers and heartbeats. Used in one connection thread.
+///
+/// A client that reads slowly blocks only its own thread, in the write of an event. Samples that leave the window
+/// meanwhile are skipped, and their number is sent.
+class EventStream {
+public:
+    EventStream(const StreamSources &sources, const StreamRequest &request, HttpResponse &response);
+
+    /// Sends events until the client disconnects or the program closes. There must be a published state.
+    void run();
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void start();
+    void sendNews();
+    void followState(Clock::time_point now);
+    void appendRest(const EyetrackerInterface &earlierTracker, quint64 lastNumber);
+    void appendSamples(Clock::time_point now);
+    void append(const SampleText &text);
+    void appendState(Clock::time_point now);
+    void appendEvent(const QByteArray &name, const QByteArray &json);
+    [[nodiscard]] QVector<QByteArray> newMarkers();
+    void waitForNews();
+
+    const StreamSources sources_;
+    const StreamRequest request_;
+    HttpResponse &response_;
+
+    std::shared_ptr<const ProgramState> state_;  ///< the last one that was sent
+    quint64 position_ = 0;                       ///< number of the last sample that was sent
+    quint64 markerPosition_ = 0;
+    StreamDispatcher::Seen seen_;
+    Clock::time_point nextState_;
+    Clock::time_point nextSamples_;
+    QVector<QByteArray> pieces_;  ///< to be sent
+};
+
+/// Returns the newest number of all trackers.
+[[nodiscard]] quint64 newestNumber(const ProgramState &state);
+
+/// Returns a marker as clients see it.
+[[nodiscard]] QJsonObject markerJson(const Marker &marker, const ProgramRun &run);
+
+}  // namespace api_v1

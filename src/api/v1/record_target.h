@@ -1,0 +1,22 @@
+#pragma once
+
+#include "api/v1/reply.h"
+
+#include <variant>
+
+namespace api_v1 {
+
+/// Returns whether `name` can be the name of a file on all supported systems.
+[[nodiscard]] bool isFileName(const QString &name);
+
+/// Where a client wants a recording to be saved, as a path, or why that is not possible.
+using RecordTarget = std::variant<QString, Reply>;
+
+/// Returns the target for the file `name` in `folder`. An empty name is the default name of the program. May block, if
+/// the folder is on a network drive.
+[[nodiscard]] RecordTarget targetInFolder(const QString &folder, const QString &name);
+
+/// Returns the target for an absolute path. With `isConfined`, it must be in `folder`. May block, too.
+[[nodiscard]] RecordTarget targetAt(const QString &path, const QString &folder, bool isConfined);
+
+}  // namespace api_v1

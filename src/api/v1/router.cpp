@@ -1,0 +1,403 @@
+#include "api/v1/router.h"
+
+#include "api/access_policy.h"
+#include "api/v1/byte_range.h"
+#include "api/v1/record_target.h"
+#include "api/v1/request_reader.h"
+#include "core/eyetracker_interface.h"
+#include "core/markers.h"
+#include "http/http_log.h"
+#include "http/http_request.h"
+#include "http/http_response.h"
+
+#include <QJsonArray>
+#include <QLocale>
+#include <algorithm>
+#include <exception>
+#include <limits>
+
+// Outside of any namespace, as Qt requires.
+static void initialiseResources() {
+    Q_INIT_RESOURCE(api_v1);
+}
+
+using namespace api_v1;
+
+namespace {
+
+const QByteArray root = QByteArrayLiteral("/api/v1");
+
+/// JSON readers store numbers as double, which is exact up to this one.
+constexpr quint64 maxNumber = quint64(1) << 53;
+constexpr quint64 maxSampleCount = 10'000;
+constexpr quint64 maxIntervalMs = 1000;
+constexpr int preflightLifetimeSeconds = 600;
+/// A client's clock may differ a little.
+constexpr std::chrono::seconds maxFuture(1);
+
+QByteArray httpDate(const QDateTime &time) {
+    return QLocale::c().toString(time.toUTC(), "ddd, dd MMM yyyy hh:mm:ss 'GMT'").toLatin1();
+}
+
+Reply starting() {
+    Reply reply = problem(503, "Ocela is starting or closing. Try again in a second.");
+    reply.headers.push_back({"Retry-After", "1"});
+    return reply;
+}
+
+Reply notModified(const QByteArray &tag) {
+    Reply reply = emptyReply(304);
+    reply.headers.push_back({"ETag", tag});
+    reply.headers.push_back({"Cache-Control", "no-cache"});
+    return reply;
+}
+
+Reply methodNotAllowed(const QByteArray &methods) {
+    Reply reply = problem(405, "The methods of this path are " + QString::fromLatin1(methods) + '.');
+    reply.headers.push_back({"Allow", methods});
+    return reply;
+}
+
+}  // namespace
+
+struct Router::Request {
+    const HttpRequest &http;
+    QByteArray name;  ///< the rest of the path, for an endpoint that has one
+    std::shared_ptr<const ProgramState> state;
+    Commands &commands;
+};
+
+struct Router::Endpoint {
+    const char *method;
+    const char *path;  ///< below the root
+    bool isPrefix;     ///< whether a name follows
+    Answer (Router::*answer)(const Request &request);
+
+    [[nodiscard]] bool matches(const QByteArray &wanted) const {
+        return isPrefix ? wanted.startsWith(path) && wanted.size() > int(qstrlen(path)) : wanted == path;
+    }
+};
+
+const Router::Endpoint Router::endpoints[] = {
+    {"GET", "/state", false, &Router::getState},
+    {"PUT", "/tracker", false, &Router::putTracker},
+    {"GET", "/samples", false, &Router::getSamples},
+    {"GET", "/stream", false, &Router::getStream},
+    {"POST", "/recording", false, &Router::postRecording},
+    {"DELETE", "/recording", false, &Router::deleteRecording},
+    {"GET", "/recordings", false, &Router::getRecordings},
+    {"GET", "/recordings/", true, &Router::getRecording},
+    {"POST", "/events", false, &Router::postEvent},
+    {"POST", "/calibration", false, &Router::postCalibration},
+    {"DELETE", "/calibration", false, &Router::deleteCalibration},
+    {"GET", "/openapi.json", false, &Router::getDescription},
+};
+
+Router::Router(const AccessPolicy &access) : access_(access) {
+    initialiseResources();
+}
+
+Router::~Router() {
+    close();
+}
+
+void Router::open(Commands &commands, Markers &markers) {
+    markers_ = &markers;
+    connect(
+        &markers, &Markers::added, this,
+        [this](const Marker &marker) { markerLog_.add(marker, newestNumber(*state_.get())); }, Qt::DirectConnection);
+    commands_ = &commands;
+}
+
+void Router::close() {
+    commands_ = nullptr;
+    dispatcher_.stop();
+}
+
+bool Router::hasPath(const QByteArray &path) {
+    return path == root || path.startsWith(root + '/');
+}
+
+void Router::service(HttpRequest &request, HttpResponse &response) {
+    response.setHeader("Cache-Control", "no-store");
+    response.setHeader("Vary", "Origin");
+    Answer result;
+    try {
+        result = answer(request, response);
+    } catch (const std::exception &exception) {
+        qCWarning(lcHttp, "%s %s failed: %s", request.getMethod().constData(), request.getPath().constData(),
+                  exception.what());
+        result = problem(500, "The request failed. The reason is in the log of Ocela.");
+    }
+    std::visit([&](const auto &kind) { send(kind, response); }, result);
+}
+
+Router::Answer Router::answer(const HttpRequest &request, HttpResponse &response) {
+    const QByteArray refusal = access_.refusalOfProgramRequest(request);
+    if (!refusal.isEmpty())
+        return problem(403, QString::fromUtf8(refusal));
+    const QByteArray origin = access_.allowedOriginOf(request);
+    if (!origin.isEmpty()) {
+        response.setHeader("Access-Control-Allow-Origin", origin);
+        response.setHeader("Access-Control-Expose-Headers", "Accept-Ranges, Content-Range, ETag, Retry-After");
+    }
+    const QByteArray path = request.getPath().mid(root.size());
+    QByteArray methods;
+    for (const Endpoint &endpoint : endpoints) {
+        if (endpoint.matches(path))
+            methods += endpoint.method + QByteArray(", ");
+    }
+    if (methods.isEmpty())
+        return problem(404,
+                       "This API has no such path. GET /api/v1/openapi.json returns the description of all paths.");
+    methods += "OPTIONS";
+    if (request.getMethod() == "OPTIONS")
+        return options(methods, response);
+    for (const Endpoint &endpoint : endpoints) {
+        if (endpoint.method == request.getMethod() && endpoint.matches(path))
+            return answerAt(endpoint, path, request);
+    }
+    return methodNotAllowed(methods);
+}
+
+Router::Answer Router::answerAt(const Endpoint &endpoint, const QByteArray &path, const HttpRequest &request) {
+    Commands *const commands = commands_;
+    if (!commands)
+        return starting();
+    const int nameStart = endpoint.isPrefix ? int(qstrlen(endpoint.path)) : path.size();
+    return (this->*endpoint.answer)({request, path.mid(nameStart), state_.get(), *commands});
+}
+
+Reply Router::options(const QByteArray &methods, HttpResponse &response) {
+    if (response.getHeaders().contains("Access-Control-Allow-Origin")) {
+        response.setHeader("Access-Control-Allow-Methods", methods);
+        response.setHeader("Access-Control-Allow-Headers",
+                           "Content-Type, If-None-Match, If-Range, Last-Event-ID, Range");
+        response.setHeader("Access-Control-Max-Age", preflightLifetimeSeconds);
+    }
+    Reply reply = emptyReply(204);
+    reply.headers.push_back({"Allow", methods});
+    return reply;
+}
+
+Router::Answer Router::getState(const Request &request) {
+    RequestReader reader(request.http);
+    reader.readQuery({});
+    if (reader.problem())
+        return *reader.problem();
+    return jsonReply(200, stateJson_.write(*request.state));
+}
+
+Router::Answer Router::putTracker(const Request &request) {
+    RequestReader reader(request.http);
+    reader.readQuery({});
+    reader.readBody({"name"});
+    const QString name = reader.bodyText("name");
+    if (reader.problem())
+        return *reader.problem();
+    return request.commands.selectTracker(name);
+}
+
+Router::Answer Router::getSamples(const Request &request) {
+    RequestReader reader(request.http);
+    reader.readQuery({"after", "limit"});
+    const std::optional<quint64> after = reader.number("after", 0, maxNumber);
+    const quint64 limit = reader.number("limit", 1, maxSampleCount).value_or(maxSampleCount);
+    if (reader.problem())
+        return *reader.problem();
+
+    const ProgramState &state = *request.state;
+    const quint64 newest = std::max(newestNumber(state), state.selectedAfter);
+    // Only an earlier run of the program can have had such a number.
+    const bool isUnknown = after && *after > newest;
+    SampleText text;
+    if (state.tracker && !isUnknown) {
+        const quint64 position = after ? std::max(*after, state.selectedAfter) : 0;
+        text = sampleText(run_, state.tracker->samplesSince(position), static_cast<int>(limit));
+    }
+    const quint64 next = text.count > 0 ? text.lastNumber : isUnknown ? newest : after.value_or(newest);
+    // Without a number, the client has not missed anything.
+    const QByteArray missed = isUnknown ? "null" : QByteArray::number(after ? text.missedCount : 0);
+    return Reply{200,
+                 "application/json",
+                 {R"({"run":")" + run_.id() + R"(","next":)" + QByteArray::number(next) + R"(,"missed":)" + missed +
+                      R"(,"samples":[)",
+                  text.json, "]}"},
+                 {}};
+}
+
+Router::Answer Router::getStream(const Request &request) {
+    RequestReader reader(request.http);
+    reader.readQuery({"after", "interval"});
+    StreamRequest stream;
+    stream.after = reader.number("after", 0, maxNumber);
+    stream.interval = std::chrono::milliseconds(reader.number("interval", 0, maxIntervalMs).value_or(0));
+    if (reader.problem())
+        return *reader.problem();
+    const QByteArray id = request.http.getHeader("Last-Event-ID");
+    if (!id.isEmpty())
+        resume(id, stream);
+    return stream;
+}
+
+/// A browser repeats the query of its first request, so the id replaces its number.
+void Router::resume(const QByteArray &id, StreamRequest &stream) const {
+    const int colon = id.lastIndexOf(':');
+    bool isNumber = false;
+    stream.after = id.mid(colon + 1).toULongLong(&isNumber);
+    stream.isOfOtherRun = !isNumber || id.left(colon) != run_.id();
+}
+
+Router::Answer Router::postRecording(const Request &request) {
+    RequestReader reader(request.http);
+    reader.readQuery({});
+    reader.readBody({"name", "path"});
+    const QString name = reader.has("name") ? reader.bodyText("name") : QString();
+    const QString path = reader.has("path") ? reader.bodyText("path") : QString();
+    if (reader.has("name") && reader.has("path"))
+        reader.fail(422, "\"name\" and \"path\" exclude each other.");
+    else if (reader.has("name") && !isFileName(name))
+        reader.fail(422,
+                    "\"name\" must be the name of a file: without a folder, without any of < > : \" / \\ | ? *, and "
+                    "at most 200 bytes long.");
+    if (reader.problem())
+        return *reader.problem();
+    const QString &folder = request.state->recordsFolder;
+    const RecordTarget target =
+        reader.has("path") ? targetAt(path, folder, !access_.rights().anyFile) : targetInFolder(folder, name);
+    if (const auto *refusal = std::get_if<Reply>(&target))
+        return *refusal;
+    return request.commands.startRecording(std::get<QString>(target));
+}
+
+Router::Answer Router::deleteRecording(const Request &request) {
+    RequestReader reader(request.http);
+    reader.readQuery({});
+    if (reader.problem())
+        return *reader.problem();
+    return request.commands.stopRecording();
+}
+
+Router::Answer Router::getRecordings(const Request &request) {
+    RequestReader reader(request.http);
+    reader.readQuery({});
+    if (reader.problem())
+        return *reader.problem();
+    QJsonArray array;
+    for (const record_files::Entry &entry : record_files::list(request.state->recordsFolder))
+        array.append(QJsonObject{
+            {"name", entry.name}, {"bytes", entry.sizeBytes}, {"modified", entry.modified.toMSecsSinceEpoch()}});
+    return jsonReply(200, {{"recordings", array}});
+}
+
+Router::Answer Router::getRecording(const Request &request) {
+    RequestReader reader(request.http);
+    reader.readQuery({});
+    if (reader.problem())
+        return *reader.problem();
+    record_files::OpenFile file = record_files::open(request.state->recordsFolder, QString::fromUtf8(request.name));
+    if (!file.file)
+        return problem(404, "The records folder has no record file of this name. GET /api/v1/recordings lists them.");
+    const QByteArray tag = file.tag();
+    if (request.http.getHeader("If-None-Match") == tag)
+        return notModified(tag);
+    const QByteArray condition = request.http.getHeader("If-Range");
+    const QByteArray range = condition.isEmpty() || condition == tag ? request.http.getHeader("Range") : QByteArray();
+    return Download{std::move(file), range};
+}
+
+Router::Answer Router::postEvent(const Request &request) {
+    RequestReader reader(request.http);
+    reader.readQuery({});
+    reader.readBody({"text", "time"});
+    const QString text = reader.bodyText("text");
+    if (text.isEmpty() || text.size() > Markers::maxTextLength)
+        reader.fail(422, QString("\"text\" must have 1 to %1 characters.").arg(Markers::maxTextLength));
+    std::optional<ProgramRun::TimePoint> time;
+    if (reader.has("time")) {
+        const double timeMs = reader.bodyNumber("time");
+        const double latestMs = run_.timeMs(std::chrono::steady_clock::now() + maxFuture);
+        if (timeMs < run_.timeMs(run_.start()) || timeMs > latestMs)
+            reader.fail(422, "\"time\" must be in ms since 1970 UTC, since the start of Ocela and not in the future.");
+        else
+            time = run_.timePoint(timeMs);
+    }
+    if (reader.problem())
+        return *reader.problem();
+    QJsonObject marker = markerJson(markers_->add(text, time), run_);
+    marker.remove("text");
+    return jsonReply(201, marker);
+}
+
+Router::Answer Router::postCalibration(const Request &request) {
+    RequestReader reader(request.http);
+    reader.readQuery({});
+    reader.readBody({"screen"});
+    const int screen = reader.has("screen") ? reader.bodyInteger("screen", 1, std::numeric_limits<int>::max()) : 1;
+    if (reader.problem())
+        return *reader.problem();
+    return request.commands.calibrate(screen);
+}
+
+Router::Answer Router::deleteCalibration(const Request &request) {
+    RequestReader reader(request.http);
+    reader.readQuery({});
+    if (reader.problem())
+        return *reader.problem();
+    return request.commands.stopCalibration();
+}
+
+Router::Answer Router::getDescription(const Request &request) {
+    RequestReader reader(request.http);
+    reader.readQuery({});
+    if (reader.problem())
+        return *reader.problem();
+    QFile file(":/api/v1/openapi.json");
+    if (!file.open(QIODevice::ReadOnly))
+        return problem(500, "The description is missing.");
+    return Reply{200, "application/json", {file.readAll()}, {}};
+}
+
+void Router::send(const Reply &reply, HttpResponse &response) const {
+    response.setStatus(reply.status, statusText(reply.status));
+    if (!reply.contentType.isEmpty())
+        response.setHeader("Content-Type", reply.contentType);
+    for (const auto &[name, value] : reply.headers)
+        response.setHeader(name, value);
+    response.write(reply.body, true);
+}
+
+void Router::send(const StreamRequest &request, HttpResponse &response) {
+    const StreamDispatcher::Slot slot(dispatcher_);
+    if (!slot.isGranted()) {
+        send(problem(429, QString("%1 streams are open, which is the maximum. Close one first.")
+                              .arg(StreamDispatcher::maxStreams)),
+             response);
+        return;
+    }
+    const StreamSources sources{run_, state_, stateJson_, sampleTexts_, markerLog_, dispatcher_};
+    EventStream(sources, request, response).run();
+}
+
+void Router::send(const Download &download, HttpResponse &response) const {
+    const record_files::OpenFile &file = download.file;
+    const QByteArray total = QByteArray::number(file.sizeBytes);
+    const std::optional<ByteRange> range = parseByteRange(download.range, file.sizeBytes);
+    if (range && !range->isSatisfiable()) {
+        response.setHeader("Content-Range", "bytes */" + total);
+        send(problem(416, "The file has only " + total + " bytes."), response);
+        return;
+    }
+    const ByteRange part = range.value_or(ByteRange{0, file.sizeBytes});
+    const int status = range ? 206 : 200;
+    response.setStatus(status, statusText(status));
+    if (range)
+        response.setHeader("Content-Range", "bytes " + QByteArray::number(part.first) + '-' +
+                                                QByteArray::number(part.first + part.sizeBytes - 1) + '/' + total);
+    response.setHeader("Content-Type", "text/csv; charset=utf-8");
+    response.setHeader("Cache-Control", "no-cache");
+    response.setHeader("Accept-Ranges", "bytes");
+    response.setHeader("ETag", file.tag());
+    response.setHeader("Last-Modified", httpDate(file.modified));
+    response.writeFile(*file.file, part.first, part.sizeBytes);
+}
