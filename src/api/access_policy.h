@@ -10,9 +10,10 @@ class HttpRequest;
 /// What other computers, web pages and programs may do. The user sets it in the settings.
 struct AccessRights {
     bool otherComputers = true;  ///< whether other computers may send requests
-    bool foreignPages = true;    ///< whether web pages of other sites may use the simple API
-    bool anyFile = true;         ///< whether file answers may come from any folder
-    QStringList allowedOrigins;  ///< the web origins that may use the API for programs, such as "https://lab.example"
+    bool foreignPages = true;    ///< whether web pages of any site may use the simple API and fetch files
+    bool anyFile = true;         ///< whether file answers may come from any folder, and record files may be in any
+    QStringList allowedOrigins;  ///< the web origins that may use both APIs, such as "https://lab.example"
+    QString recordsFolder;       ///< where record files may be if `anyFile` is off
 };
 
 /// Decides whether a request is answered, by its sender, its origin and its host. Thread-safe: the GUI thread sets the
@@ -26,9 +27,12 @@ public:
     [[nodiscard]] QByteArray refusalOfSimpleRequest(const HttpRequest &request) const;
     /// Returns the same for a request to the API for programs, which pages of other sites never use without permission.
     [[nodiscard]] QByteArray refusalOfProgramRequest(const HttpRequest &request) const;
-    /// Returns the origin of the request if it is one of the allowed origins, for the CORS headers of the response.
-    /// Otherwise returns an empty text.
+    /// Returns the origin of the request if it is one of the allowed origins or Ocela's own, for the CORS headers of
+    /// the response. Otherwise returns an empty text.
     [[nodiscard]] QByteArray allowedOriginOf(const HttpRequest &request) const;
+
+    /// Returns whether a client may start a recording to the file `path`.
+    [[nodiscard]] bool mayRecordTo(const QString &path) const;
 
 private:
     Guarded<AccessRights> rights_;

@@ -1,5 +1,6 @@
 #include "api/ocela_http_exchange.h"
 
+#include "api/confined_file.h"
 #include "api/ocela_http_request_handler.h"
 #include "core/eyetracker_interface.h"
 #include "http/http_listener.h"
@@ -19,6 +20,12 @@ namespace {
 /// The limit of Windows. The limits of the other systems are lower.
 constexpr int maxPathLength = 32767;
 
+const QLatin1String fileRefused(
+    "Only files in the folder http may be fetched. Other files can be allowed in Ocela's settings, tab \"Access\".");
+const QLatin1String recordRefused(
+    "Recordings may be saved only in the records folder. Other folders can be allowed in Ocela's settings, tab "
+    "\"Access\".");
+
 std::atomic<OcelaHTTPExchange *> currentExchange{nullptr};
 
 /// Settings in memory. QSettings writes a file even if the file name is empty, so this class prevents that.
@@ -31,10 +38,11 @@ protected:
     bool event(QEvent *event) override { return event->type() == QEvent::UpdateRequest || QSettings::event(event); }
 };
 
-/// Does not set "host", so the listener uses all interfaces. Intended: the values that are read are not used.
-QSettings *createListenerSettings() {
+/// `host` is empty for all interfaces. Intended: the values that are read are not used.
+QSettings *createListenerSettings(const QString &host) {
     auto *settings = new MemorySettings(qApp);
     (void)settings->value("host", "127.0.0.1");
+    settings->setValue("host", host);
     (void)settings->value("port", QString::number(OcelaHTTPExchange::port));
     settings->setValue("port", OcelaHTTPExchange::port);
     (void)settings->value("maxRequestSize", 5000000);
@@ -74,7 +82,8 @@ const OcelaHTTPExchange::Endpoint OcelaHTTPExchange::endpoints[] = {
     {QLatin1String("/status"), false, &OcelaHTTPExchange::status},
 };
 
-OcelaHTTPExchange::OcelaHTTPExchange(QObject *parent) : QObject(parent) {
+OcelaHTTPExchange::OcelaHTTPExchange(QObject *parent, const AccessRights &rights) : QObject(parent) {
+    access_.setRights(rights);
     currentExchange = this;
     // listen() is called directly on the GUI thread. It is queued if a request creates the exchange on another thread.
     moveToThread(qApp->thread());
@@ -82,17 +91,38 @@ OcelaHTTPExchange::OcelaHTTPExchange(QObject *parent) : QObject(parent) {
 }
 
 void OcelaHTTPExchange::listen() {
-    requestHandler_ = std::make_unique<OcelaHTTPRequestHandler>();
-    settings_ = createListenerSettings();
-    listener_ = std::make_unique<HttpListener>(settings_, requestHandler_.get());
+    closeListeners();
+    if (!requestHandler_)
+        requestHandler_ = std::make_unique<OcelaHTTPRequestHandler>();
+    const QStringList hosts = access_.rights().otherComputers ? QStringList{""} : QStringList{"127.0.0.1", "::1"};
+    for (const QString &host : hosts) {
+        settings_.push_back(createListenerSettings(host));
+        listeners_.push_back(std::make_unique<HttpListener>(settings_.back(), requestHandler_.get()));
+    }
+}
+
+void OcelaHTTPExchange::closeListeners() {
+    listeners_.clear();
+    for (const QPointer<QSettings> &settings : settings_)
+        delete settings;
+    settings_.clear();
+}
+
+void OcelaHTTPExchange::setAccessRights(const AccessRights &rights) {
+    const bool changesHosts = rights.otherComputers != access_.rights().otherComputers;
+    access_.setRights(rights);
+    if (changesHosts)
+        listen();
 }
 
 QString OcelaHTTPExchange::listenProblem() const {
-    if (!listener_ || listener_->isListening())
+    // A computer without IPv6 has only the first listener.
+    if (listeners_.empty() || listeners_.front()->isListening())
         return {};
-    if (listener_->serverError() == QAbstractSocket::AddressInUseError)
+    const HttpListener &listener = *listeners_.front();
+    if (listener.serverError() == QAbstractSocket::AddressInUseError)
         return tr("Port %1 is used by another program").arg(port);
-    return tr("Port %1 cannot be used: %2").arg(QString::number(port), listener_->errorString());
+    return tr("Port %1 cannot be used: %2").arg(QString::number(port), listener.errorString());
 }
 
 OcelaHTTPExchange::~OcelaHTTPExchange() {
@@ -100,8 +130,7 @@ OcelaHTTPExchange::~OcelaHTTPExchange() {
     programApi_.close();
     if (programControl_)
         programControl_->close();
-    listener_.reset();
-    delete settings_;
+    closeListeners();
     OcelaHTTPExchange *self = this;
     currentExchange.compare_exchange_strong(self, nullptr);
 }
@@ -158,6 +187,8 @@ ApiAnswer OcelaHTTPExchange::hello(const QString & /*path*/) const {
 ApiAnswer OcelaHTTPExchange::startRecord(const QString &path) const {
     const QString recordPath = parameter(path, QLatin1String("/startrecord&path="));
     qCDebug(lcHttp) << "Record path" << recordPath;
+    if (!recordPath.isEmpty() && !access_.mayRecordTo(recordPath))
+        return ResultAnswer{false, {{"error", recordRefused}}};
     return queue([recordPath](EyetrackerInterface &tracker) { tracker.startRecord(recordPath); });
 }
 
@@ -202,9 +233,15 @@ ApiAnswer OcelaHTTPExchange::plainFile(QString path) const {
         path = QStringLiteral("/index.html");
     path.replace('|', '/');
     const QString fileName = path.startsWith(root) ? QString(path).remove(root) : fileRoot_ + path;
+    if (!access_.rights().anyFile && !confined_file::isNamedInside(fileName, fileRoot_))
+        return ResultAnswer{false, {{"error", fileRefused}}};
     if (exists(fileName))
         return FileAnswer{fileName};
     return ResultAnswer{false, {{"action", path}, {"error", "File " + fileName + "doesn't exist"}}};
+}
+
+bool OcelaHTTPExchange::mayServe(const QFile &file) const {
+    return access_.rights().anyFile || confined_file::isInside(file, fileRoot_);
 }
 
 template <typename Call>

@@ -11,21 +11,23 @@
 #include <QPointer>
 #include <atomic>
 #include <memory>
+#include <vector>
 
 class EyetrackerInterface;
 class HttpListener;
 class HttpRequest;
 class Markers;
 class OcelaHTTPRequestHandler;
+class QFile;
 class QSettings;
 
 /// The HTTP control API: lets other programs control the selected tracker and read its samples, and serves files.
 ///
 /// There is one object per process. MainWindow creates it on the GUI thread after the trackers, and destroys it there
-/// before the trackers. It listens on port 3735 of all interfaces while it exists. If another program uses the port,
-/// an error is logged, and the program runs without the API; see listenProblem(). Requests are answered on the
-/// connections' threads, several at the same time. Calls that change the tracker are queued to the tracker's thread.
-/// Their results are not reported.
+/// before the trackers. It listens on port 3735 while it exists: on all interfaces or, if other computers may not use
+/// the API, only for programs on this computer. If another program uses the port, an error is logged, and the program
+/// runs without the API; see listenProblem(). Requests are answered on the connections' threads, several at the same
+/// time. Calls that change the tracker are queued to the tracker's thread. Their results are not reported.
 class OcelaHTTPExchange : public QObject {
     Q_OBJECT
 
@@ -34,7 +36,7 @@ public:
     static constexpr int maxPendingCalls = 1000;
     static constexpr quint16 port = 3735;
 
-    explicit OcelaHTTPExchange(QObject *parent);
+    explicit OcelaHTTPExchange(QObject *parent, const AccessRights &rights = AccessRights());
     ~OcelaHTTPExchange() override;
 
     /// Returns the exchange of this process. Creates it if there is none. May be called from any thread.
@@ -49,7 +51,14 @@ public:
     void openProgramApi(const std::vector<EyetrackerInterface *> &trackers, Markers &markers,
                         const QString &journalsFolder);
     [[nodiscard]] api_v1::Router &programApi() { return programApi_; }
-    [[nodiscard]] AccessPolicy &access() { return access_; }
+
+    /// Changes who may use the API. Applies to the next request of every connection. If `otherComputers` changes,
+    /// listens on other interfaces. GUI thread.
+    void setAccessRights(const AccessRights &rights);
+    /// Decides about requests. Any thread.
+    [[nodiscard]] const AccessPolicy &access() const { return access_; }
+    /// Returns whether an open file may be sent to clients. Any thread.
+    [[nodiscard]] bool mayServe(const QFile &file) const;
 
     /// Selects the tracker of the following requests; null selects no tracker. The tracker must exist as long as it is
     /// selected, and until all running requests are answered. Call it on the GUI thread if the API for programs is
@@ -85,19 +94,21 @@ private:
     [[nodiscard]] ApiAnswer plainFile(QString path) const;
 
     void listen();
+    void closeListeners();
     template <typename Call>
     [[nodiscard]] ApiAnswer queue(Call call) const;
 
     const QString fileRoot_ = "http";  ///< relative to the working directory
     std::atomic<EyetrackerInterface *> tracker_{nullptr};
+    AccessPolicy access_;
     ConnectionHelper connectionHelper_;
     const std::shared_ptr<std::atomic<int>> pendingCalls_ = std::make_shared<std::atomic<int>>(0);
     SampleJsonCache sampleJson_;
-    AccessPolicy access_;
     std::unique_ptr<api_v1::ProgramControl> programControl_;
     api_v1::Router programApi_{access_};
 
-    QPointer<QSettings> settings_;  ///< owned by the application if this object is not destroyed first
+    std::vector<QPointer<QSettings>> settings_;  ///< owned by the application if this object is not destroyed first
     std::unique_ptr<OcelaHTTPRequestHandler> requestHandler_;
-    std::unique_ptr<HttpListener> listener_;  ///< declared last, because its threads use the other members
+    /// Declared last, because their threads use the other members.
+    std::vector<std::unique_ptr<HttpListener>> listeners_;
 };

@@ -51,6 +51,10 @@ std::optional<QByteArray> readFile(const QString &fileName, qint64 sizeBytes) {
         warn(fileName, file.errorString());
         return std::nullopt;
     }
+    if (!OcelaHTTPExchange::instance().mayServe(file)) {
+        warn(fileName, "outside the folder http");
+        return std::nullopt;
+    }
     try {
         return file.read(sizeBytes);
     } catch (const std::bad_alloc &) {
@@ -75,6 +79,26 @@ void addRangeHeaders(HttpResponse &response, int sizeBytes) {
     response.setHeader("Content-Range", "bytes 0-" + QByteArray::number(sizeBytes - 1) + '/' + total);
 }
 
+/// Tells browsers which pages may read the response.
+void addOriginHeaders(const AccessPolicy &access, const HttpRequest &request, HttpResponse &response) {
+    if (access.rights().foreignPages) {
+        response.setHeader(QByteArrayLiteral("Access-Control-Allow-Origin"), QByteArrayLiteral("*"));
+        return;
+    }
+    response.setHeader("Vary", "Origin");
+    const QByteArray origin = access.allowedOriginOf(request);
+    if (!origin.isEmpty())
+        response.setHeader("Access-Control-Allow-Origin", origin);
+}
+
+void refuse(const QByteArray &reason, HttpResponse &response) {
+    response.setStatus(403, "Forbidden");
+    response.setHeader("Connection", "close");
+    response.setHeader("Content-Type", "text/json; charset=UTF-8");
+    const QJsonObject answer{{"result", false}, {"error", QString::fromLatin1(reason)}};
+    response.write(QJsonDocument(answer).toJson(QJsonDocument::Compact), true);
+}
+
 }  // namespace
 
 void OcelaHTTPRequestHandler::service(HttpRequest &request, HttpResponse &response) {
@@ -83,8 +107,13 @@ void OcelaHTTPRequestHandler::service(HttpRequest &request, HttpResponse &respon
         exchange.programApi().service(request, response);
         return;
     }
+    const QByteArray refusal = exchange.access().refusalOfSimpleRequest(request);
+    if (!refusal.isEmpty()) {
+        refuse(refusal, response);
+        return;
+    }
     const ApiAnswer answer = exchange.answer(QString::fromUtf8(request.getPath()));
-    response.setHeader(QByteArrayLiteral("Access-Control-Allow-Origin"), QByteArrayLiteral("*"));
+    addOriginHeaders(exchange.access(), request, response);
     const auto *file = std::get_if<FileAnswer>(&answer);
     if (file && sendFile(file->path, response))
         return;

@@ -7,10 +7,12 @@
 #include "http/http_settings.h"
 #include "support/recording_output.h"
 
+#include <QHostAddress>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <memory>
 
 /// Calls the API without a network connection. Paths are sent unchanged, so percent-encode them.
 class ApiClient {
@@ -28,13 +30,12 @@ public:
         QString filePath;
     };
 
-    /// Sends the request to a request handler.
-    Reply get(const QByteArray &path) {
-        HttpRequest request(settings_);
-        read(request, path);
+    /// Sends the request to a request handler. Each header ends with CR LF.
+    Reply get(const QByteArray &path, const QByteArray &headers = QByteArray(),
+              const QHostAddress &peer = QHostAddress::LocalHost) {
         RecordingOutput output;
         HttpResponse response(&output);
-        handler_.service(request, response);
+        handler_.service(*request(path, headers, peer), response);
         const QByteArray sent = output.writes.value(0);
         const int end = sent.indexOf("\r\n\r\n") + 4;
         return {sent.left(end), sent.mid(end)};
@@ -42,20 +43,24 @@ public:
 
     /// Passes the same request to processRequest().
     ProcessedRequest process(OcelaHTTPExchange &exchange, const QByteArray &path) {
-        HttpRequest request(settings_);
-        read(request, path);
+        const std::unique_ptr<HttpRequest> parsed = request(path);
         QString filePath = "unchanged";
-        const QJsonDocument document = exchange.processRequest(QString::fromUtf8(request.getPath()), request, filePath);
+        const QJsonDocument document = exchange.processRequest(QString::fromUtf8(parsed->getPath()), *parsed, filePath);
         return {withoutTime(document), filePath};
     }
 
-private:
-    static void read(HttpRequest &request, const QByteArray &path) {
-        const std::string text = "GET " + path.toStdString() + " HTTP/1.1\r\n\r\n";
-        HttpInput input(text);
+    /// Returns the parsed request.
+    std::unique_ptr<HttpRequest> request(const QByteArray &path, const QByteArray &headers = QByteArray(),
+                                         const QHostAddress &peer = QHostAddress::LocalHost) const {
+        auto request = std::make_unique<HttpRequest>(settings_);
+        const std::string text = "GET " + path.toStdString() + " HTTP/1.1\r\n" + headers.toStdString() + "\r\n";
+        HttpInput input(text, peer);
         while (!input.isEmpty())
-            request.readFromSocket(input);
+            request->readFromSocket(input);
+        return request;
     }
+
+private:
     static QJsonObject withoutTime(const QJsonDocument &document) {
         QJsonObject object = document.object();
         object.remove("time");
