@@ -2,6 +2,28 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en_US" sourcelanguage="en_US">
 <context>
+    <name>AccessButton</name>
+    <message>
+        <source>Other computers can reach Ocela</source>
+        <translation>Other computers can reach Ocela</translation>
+    </message>
+    <message>
+        <source>Only this computer can reach Ocela</source>
+        <translation>Only this computer can reach Ocela</translation>
+    </message>
+    <message>
+        <source>%1. Click to change it in the settings.</source>
+        <translation>%1. Click to change it in the settings.</translation>
+    </message>
+</context>
+<context>
+    <name>AccessTab</name>
+    <message>
+        <source>Not a web origin, and therefore not allowed: %1. Write origins like https://lab.example or http://192.0.2.20:8080, without a path.</source>
+        <translation>Not a web origin, and therefore not allowed: %1. Write origins like https://lab.example or http://192.0.2.20:8080, without a path.</translation>
+    </message>
+</context>
+<context>
     <name>CalibrationWidget</name>
     <message>
         <source>Нажмите ESC для выхода</source>
@@ -303,6 +325,42 @@
     <message>
         <source>Several devices</source>
         <translation>Several devices</translation>
+    </message>
+    <message>
+        <source>AllowOtherComputers</source>
+        <translation>Access from other computers</translation>
+    </message>
+    <message>
+        <source>Access</source>
+        <translation>Access</translation>
+    </message>
+    <message>
+        <source>Every computer that can connect to this one can read the gaze and control Ocela. There is no password. If this is off, only programs and web pages on this computer can.</source>
+        <translation>Every computer that can connect to this one can read the gaze and control Ocela. There is no password. If this is off, only programs and web pages on this computer can.</translation>
+    </message>
+    <message>
+        <source>AllowForeignPages</source>
+        <translation>Access from any web page</translation>
+    </message>
+    <message>
+        <source>AllowedOrigins</source>
+        <translation>Allowed web origins</translation>
+    </message>
+    <message>
+        <source>Web sites that can always use Ocela and its API for programs, separated by blanks. For example: https://lab.example http://192.0.2.20:8080</source>
+        <translation>Web sites that can always use Ocela and its API for programs, separated by blanks. For example: https://lab.example http://192.0.2.20:8080</translation>
+    </message>
+    <message>
+        <source>ServeAnyFile</source>
+        <translation>Access to files in all folders</translation>
+    </message>
+    <message>
+        <source>Whoever can use Ocela can read every file that you can read, and can save recordings in every folder. If this is off, only the files of Ocela&apos;s web pages and the records folder can be used.</source>
+        <translation>Whoever can use Ocela can read every file that you can read, and can save recordings in every folder. If this is off, only the files of Ocela&apos;s web pages and the records folder can be used.</translation>
+    </message>
+    <message>
+        <source>Every web page that is open in a browser can read the gaze and control Ocela. If this is off, only Ocela&apos;s own pages and those of the allowed web origins can.</source>
+        <translation>Every web page that is open in a browser can read the gaze and control Ocela. If this is off, only Ocela&apos;s own pages and those of the allowed web origins can.</translation>
     </message>
 </context>
 <context>

@@ -2,6 +2,28 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="ru_RU" sourcelanguage="en_US">
 <context>
+    <name>AccessButton</name>
+    <message>
+        <source>Other computers can reach Ocela</source>
+        <translation>Доступна другим компьютерам</translation>
+    </message>
+    <message>
+        <source>Only this computer can reach Ocela</source>
+        <translation>Доступна только этому компьютеру</translation>
+    </message>
+    <message>
+        <source>%1. Click to change it in the settings.</source>
+        <translation>%1. Нажмите, чтобы изменить это в настройках.</translation>
+    </message>
+</context>
+<context>
+    <name>AccessTab</name>
+    <message>
+        <source>Not a web origin, and therefore not allowed: %1. Write origins like https://lab.example or http://192.0.2.20:8080, without a path.</source>
+        <translation>Это не адрес сайта, поэтому доступа нет: %1. Пишите адреса так: https://lab.example или http://192.0.2.20:8080, без пути.</translation>
+    </message>
+</context>
+<context>
     <name>CalibrationWidget</name>
     <message>
         <source>Нажмите ESC для выхода</source>
@@ -303,6 +325,42 @@
     <message>
         <source>Several devices</source>
         <translation>Несколько устройств</translation>
+    </message>
+    <message>
+        <source>AllowOtherComputers</source>
+        <translation>Доступ с других компьютеров</translation>
+    </message>
+    <message>
+        <source>Access</source>
+        <translation>Доступ</translation>
+    </message>
+    <message>
+        <source>Every computer that can connect to this one can read the gaze and control Ocela. There is no password. If this is off, only programs and web pages on this computer can.</source>
+        <translation>Любой компьютер, который может подключиться к этому, может читать данные взгляда и управлять Ocela. Пароля нет. Если выключено, это могут только программы и веб-страницы на этом компьютере.</translation>
+    </message>
+    <message>
+        <source>AllowForeignPages</source>
+        <translation>Доступ с любых веб-страниц</translation>
+    </message>
+    <message>
+        <source>AllowedOrigins</source>
+        <translation>Разрешённые сайты</translation>
+    </message>
+    <message>
+        <source>Web sites that can always use Ocela and its API for programs, separated by blanks. For example: https://lab.example http://192.0.2.20:8080</source>
+        <translation>Сайты, которым всегда доступны Ocela и её API для программ, через пробел. Например: https://lab.example http://192.0.2.20:8080</translation>
+    </message>
+    <message>
+        <source>ServeAnyFile</source>
+        <translation>Доступ к файлам во всех папках</translation>
+    </message>
+    <message>
+        <source>Whoever can use Ocela can read every file that you can read, and can save recordings in every folder. If this is off, only the files of Ocela&apos;s web pages and the records folder can be used.</source>
+        <translation>Тот, кому доступна Ocela, может читать любые файлы, доступные вам, и сохранять записи в любой папке. Если выключено, доступны только файлы веб-страниц Ocela и папка записей.</translation>
+    </message>
+    <message>
+        <source>Every web page that is open in a browser can read the gaze and control Ocela. If this is off, only Ocela&apos;s own pages and those of the allowed web origins can.</source>
+        <translation>Любая веб-страница, открытая в браузере, может читать данные взгляда и управлять Ocela. Если выключено, из веб-страниц это могут только страницы самой Ocela и разрешённых сайтов.</translation>
     </message>
 </context>
 <context>

@@ -1,6 +1,7 @@
 #include "app/main_window.h"
 
 #include "api/ocela_http_exchange.h"
+#include "api/web_origins.h"
 #include "app/main_page.h"
 #include "app/recording_keeper.h"
 #include "app/settings_page.h"
@@ -38,9 +39,7 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent) {
     buildSettings();
     buildTrackers();
     buildMarkers();
-    exchange_ = std::make_unique<OcelaHTTPExchange>(nullptr);
-    exchange_->openProgramApi(trackers_, *markers_, recording_journal::folderIn(dataFolder_));
-    connect(exchange_.get(), &OcelaHTTPExchange::trackerWanted, this, &MainWindow::trackerIndexChanged);
+    buildExchange();
     buildPages();
     buildStatusBar();
     buildTray();
@@ -136,6 +135,32 @@ void MainWindow::applyRecordsPath() {
         tracker->setRecordsFolder(isDefault ? QString() : path);
 }
 
+void MainWindow::buildExchange() {
+    exchange_ = std::make_unique<OcelaHTTPExchange>(nullptr, accessRights());
+    exchange_->openProgramApi(trackers_, *markers_, recording_journal::folderIn(dataFolder_));
+    connect(exchange_.get(), &OcelaHTTPExchange::trackerWanted, this, &MainWindow::trackerIndexChanged);
+    for (const auto changed :
+         {&Settings::changedAllowOtherComputers, &Settings::changedAllowForeignPages, &Settings::changedServeAnyFile})
+        connect(settings_, changed, this, &MainWindow::applyAccess);
+    connect(settings_, &Settings::changedAllowedOrigins, this, &MainWindow::applyAccess);
+    connect(settings_, &Settings::changedRecordsPath, this, &MainWindow::applyAccess);
+}
+
+AccessRights MainWindow::accessRights() const {
+    AccessRights rights;
+    rights.otherComputers = settings_->getAllowOtherComputers();
+    rights.foreignPages = settings_->getAllowForeignPages();
+    rights.anyFile = settings_->getServeAnyFile();
+    rights.allowedOrigins = WebOrigins::parse(settings_->getAllowedOrigins()).valid;
+    rights.recordsFolder = trackers_.front()->recordsFolder();
+    return rights;
+}
+
+void MainWindow::applyAccess() {
+    exchange_->setAccessRights(accessRights());
+    showReachability();
+}
+
 void MainWindow::buildPages() {
     mainPage_ = new MainPage(*settings_, trackers_);
     connect(mainPage_, &MainPage::trackerChosen, this, &MainWindow::trackerIndexChanged);
@@ -153,6 +178,10 @@ void MainWindow::buildStatusBar() {
     connect(status_, &StatusBar::retryWanted, recordings_, &RecordingKeeper::retry);
     connect(status_, &StatusBar::saveAsWanted, recordings_, &RecordingKeeper::saveAs);
     connect(markers_, &Markers::added, status_, &StatusBar::showMarker);
+    connect(status_, &StatusBar::accessSettingsWanted, this, [this] {
+        settingsPage_->showAccess();
+        pages_->setCurrentWidget(settingsPage_);
+    });
     auto *bar = new QStatusBar;
     bar->setSizeGripEnabled(false);
     bar->addWidget(status_, 1);
@@ -182,9 +211,19 @@ void MainWindow::retranslate() {
     const QLocale locale(settings_->getLanguage());
     status_->setLocale(locale);
     tray_->retranslate(locale);
+    showReachability();
+}
+
+void MainWindow::showReachability() {
     const QString problem = exchange_->listenProblem();
     mainPage_->setDashboardProblem(problem);
     status_->setProblem(problem.isEmpty() ? QString() : tr("Other programs cannot reach Ocela: %1").arg(problem));
+    if (!problem.isEmpty())
+        status_->setReach(AccessButton::Reach::Nobody);
+    else if (settings_->getAllowOtherComputers())
+        status_->setReach(AccessButton::Reach::OtherComputers);
+    else
+        status_->setReach(AccessButton::Reach::ThisComputer);
 }
 
 void MainWindow::selectInitialTracker() {

@@ -7,6 +7,7 @@
 #include <vector>
 
 class EyetrackerInterface;
+struct AccessRights;
 class JournalRecovery;
 class MainPage;
 class Markers;
@@ -42,6 +43,7 @@ private:
     void buildSettings();
     void buildTrackers();
     void buildMarkers();
+    void buildExchange();
     void buildPages();
     void buildStatusBar();
     void buildTray();
@@ -52,6 +54,9 @@ private:
     void trackerIndexChanged(int index);
     void growTo(QSize wanted);
     void applyRecordsPath();
+    void applyAccess();
+    [[nodiscard]] AccessRights accessRights() const;
+    void showReachability();
     void changeAutorun(bool on);
     [[nodiscard]] bool hidesToTray() const;
     void hideToTray();

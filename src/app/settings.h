@@ -52,6 +52,46 @@ public:
     Q_CLASSINFO("HideWindowOnStartCategory", "Common")
     Q_CLASSINFO("HideWindowOnStartEditable", "true")
 
+    /// Who may use the HTTP API. See AccessRights.
+    VT_PROPERTY(bool, AllowOtherComputers, true)
+    Q_CLASSINFO("AllowOtherComputersDisplayName", QT_TRANSLATE_NOOP("Generic", "AllowOtherComputers"))
+    Q_CLASSINFO("AllowOtherComputersCategory", QT_TRANSLATE_NOOP("Generic", "Access"))
+    Q_CLASSINFO("AllowOtherComputersEditable", "true")
+    Q_CLASSINFO("AllowOtherComputersExplanation",
+                QT_TRANSLATE_NOOP("Generic",
+                                  "Every computer that can connect to this one can read the gaze and control "
+                                  "Ocela. There is no password. If this is off, only programs and web pages "
+                                  "on this computer can."))
+
+    VT_PROPERTY(bool, AllowForeignPages, true)
+    Q_CLASSINFO("AllowForeignPagesDisplayName", QT_TRANSLATE_NOOP("Generic", "AllowForeignPages"))
+    Q_CLASSINFO("AllowForeignPagesCategory", "Access")
+    Q_CLASSINFO("AllowForeignPagesEditable", "true")
+    Q_CLASSINFO("AllowForeignPagesExplanation",
+                QT_TRANSLATE_NOOP("Generic",
+                                  "Every web page that is open in a browser can read the gaze and control "
+                                  "Ocela. If this is off, only Ocela's own pages and those of the allowed web "
+                                  "origins can."))
+
+    VT_PROPERTY(QString, AllowedOrigins, "")
+    Q_CLASSINFO("AllowedOriginsDisplayName", QT_TRANSLATE_NOOP("Generic", "AllowedOrigins"))
+    Q_CLASSINFO("AllowedOriginsCategory", "Access")
+    Q_CLASSINFO("AllowedOriginsEditable", "true")
+    Q_CLASSINFO("AllowedOriginsExplanation",
+                QT_TRANSLATE_NOOP("Generic",
+                                  "Web sites that can always use Ocela and its API for programs, separated by "
+                                  "blanks. For example: https://lab.example http://192.0.2.20:8080"))
+
+    VT_PROPERTY(bool, ServeAnyFile, true)
+    Q_CLASSINFO("ServeAnyFileDisplayName", QT_TRANSLATE_NOOP("Generic", "ServeAnyFile"))
+    Q_CLASSINFO("ServeAnyFileCategory", "Access")
+    Q_CLASSINFO("ServeAnyFileEditable", "true")
+    Q_CLASSINFO("ServeAnyFileExplanation",
+                QT_TRANSLATE_NOOP("Generic",
+                                  "Whoever can use Ocela can read every file that you can read, and can save "
+                                  "recordings in every folder. If this is off, only the files of Ocela's web "
+                                  "pages and the records folder can be used."))
+
     /// The `EyetrackerInterface::name()` of the tracker that was selected last.
     VT_PROPERTY(QString, SelectedTracker, "")
     Q_CLASSINFO("SelectedTrackerEditable", "true")

@@ -1,5 +1,6 @@
 #include "app/settings_page.h"
 
+#include "app/access_tab.h"
 #include "app/settings.h"
 #include "app/settings_notice.h"
 #include "core/eyetracker_interface.h"
@@ -17,8 +18,10 @@ namespace {
 
 constexpr int margin = 8;
 
+enum Tab { commonTab, accessTab };
+
 /// Returns a scroll area for an editor that may be higher than a small screen.
-QWidget *scrollable(std::unique_ptr<PropertyListControl> editor) {
+QWidget *scrollable(std::unique_ptr<QWidget> editor) {
     editor->setContentsMargins(margin, margin, margin, margin);
     auto *area = new QScrollArea;
     area->setFrameShape(QFrame::NoFrame);
@@ -43,10 +46,12 @@ SettingsPage::SettingsPage(Settings &settings, const std::vector<EyetrackerInter
 }
 
 void SettingsPage::addEditors(Settings &settings, const std::vector<EyetrackerInterface *> &trackers) {
-    auto common = std::make_unique<PropertyListControl>(&settings);
+    const auto isCommon = [](const PropertyDescriptor &property) { return !AccessTab::contains(property); };
+    auto common = std::make_unique<PropertyListControl>(&settings, isCommon);
     newVersionButton_ = new NewVersionButton(QString(), OCELA_RELEASE_INFO_URL, common.get());
     common->addRow(newVersionButton_);
     tabs_->addTab(scrollable(std::move(common)), QString());
+    tabs_->addTab(scrollable(std::make_unique<AccessTab>(settings)), QString());
 
     for (EyetrackerInterface *tracker : trackers) {
         if (!tracker->settings())
@@ -56,6 +61,10 @@ void SettingsPage::addEditors(Settings &settings, const std::vector<EyetrackerIn
         if (!editor->isEmpty())
             tabs_->addTab(scrollable(std::move(editor)), tracker->name());
     }
+}
+
+void SettingsPage::showAccess() {
+    tabs_->setCurrentIndex(accessTab);
 }
 
 void SettingsPage::showReadProblem(QWidget *window) const {
@@ -69,6 +78,7 @@ void SettingsPage::changeEvent(QEvent *event) {
 }
 
 void SettingsPage::retranslate() {
-    tabs_->setTabText(0, QCoreApplication::translate("Generic", "Common"));
+    tabs_->setTabText(commonTab, QCoreApplication::translate("Generic", "Common"));
+    tabs_->setTabText(accessTab, QCoreApplication::translate("Generic", "Access"));
     newVersionButton_->setText(tr("Доступна новая версия"));
 }

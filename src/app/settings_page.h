@@ -9,14 +9,17 @@ class QTabWidget;
 class Settings;
 class SettingsNotice;
 
-/// The page with the editors of all settings: a tab for the application, and one for each tracker that has a visible
-/// setting. GUI thread.
+/// The page with the editors of all settings: a tab for the application, one for who may use it, and one for each
+/// tracker that has a visible setting. GUI thread.
 class SettingsPage : public QWidget {
     Q_OBJECT
 
 public:
     /// The settings and the trackers are not owned and must outlive the page.
     SettingsPage(Settings &settings, const std::vector<EyetrackerInterface *> &trackers);
+
+    /// Selects the tab for who may use the program.
+    void showAccess();
 
     /// Shows a message over the window if a settings file could not be read.
     void showReadProblem(QWidget *window) const;

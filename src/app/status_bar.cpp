@@ -23,6 +23,7 @@ StatusBar::StatusBar(QWidget *parent)
       problemLabel_(new ElidedLabel(Qt::ElideRight, this)),
       lines_(new QBoxLayout(QBoxLayout::LeftToRight)),
       trackerLine_(new TrackerStatusLine(this)),
+      accessButton_(new AccessButton(this)),
       recordingLine_(new RecordingStatusLine(this)) {
     // The width of the texts must not become the width of the window.
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
@@ -31,9 +32,14 @@ StatusBar::StatusBar(QWidget *parent)
     problemLabel_->hide();
     connect(recordingLine_, &RecordingStatusLine::retryWanted, this, &StatusBar::retryWanted);
     connect(recordingLine_, &RecordingStatusLine::saveAsWanted, this, &StatusBar::saveAsWanted);
+    connect(accessButton_, &AccessButton::clicked, this, &StatusBar::accessSettingsWanted);
 
+    auto *firstLine = new QHBoxLayout;
+    firstLine->setSpacing(spacing);
+    firstLine->addWidget(trackerLine_, 1);
+    firstLine->addWidget(accessButton_);
     lines_->setSpacing(0);
-    lines_->addWidget(trackerLine_, 1);
+    lines_->addLayout(firstLine, 1);
     lines_->addWidget(recordingLine_);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(sideMargin, 0, sideMargin, 0);
@@ -61,6 +67,11 @@ void StatusBar::showMarker(const Marker &marker) {
     recordingLine_->setMarker(marker.recorded);
     if (!markerTimer_.isActive())
         markerTimer_.start(markerDelayMs);
+}
+
+void StatusBar::setReach(AccessButton::Reach reach) {
+    accessButton_->setReach(reach);
+    arrange();
 }
 
 void StatusBar::setProblem(const QString &problem) {
@@ -92,7 +103,9 @@ void StatusBar::refresh() {
 }
 
 void StatusBar::arrange() {
-    const int needed = trackerLine_->sizeHint().width() + spacing + recordingLine_->sizeHint().width();
+    int needed = trackerLine_->sizeHint().width() + spacing + recordingLine_->sizeHint().width();
+    if (!accessButton_->isHidden())
+        needed += spacing + accessButton_->sizeHint().width();
     const bool fits = recordingLine_->isHidden() || needed <= contentsRect().width() - 2 * sideMargin;
     lines_->setDirection(fits ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/access_button.h"
 #include "views/base_eyetracker_widget.h"
 
 #include <QTimer>
@@ -10,8 +11,8 @@ class RecordingStatusLine;
 class TrackerStatusLine;
 struct Marker;
 
-/// The status bar of the main window. Shows the state of the selected tracker and the recordings of all trackers. GUI
-/// thread.
+/// The status bar of the main window. Shows the state of the selected tracker, the recordings of all trackers, and who
+/// can reach the program. GUI thread.
 ///
 /// The texts are updated once a second. The recordings are shown beside the tracker or, if there is not enough room,
 /// below it. The bar does not make the window wider: it cuts off texts that are too long.
@@ -30,6 +31,9 @@ public:
     /// Shows for a few seconds that a marker was set.
     void showMarker(const Marker &marker);
 
+    /// Shows who can reach the program.
+    void setReach(AccessButton::Reach reach);
+
     /// Shows a problem of the program in a line of its own. An empty text hides the line.
     void setProblem(const QString &problem);
 
@@ -38,6 +42,8 @@ Q_SIGNALS:
     void retryWanted();
     /// The user wants to save an unsaved recording to another file.
     void saveAsWanted();
+    /// The user wants to change who can reach the program.
+    void accessSettingsWanted();
 
 protected:
     void eyetrackerChanged() override;
@@ -53,5 +59,6 @@ private:
     ElidedLabel *problemLabel_;
     QBoxLayout *lines_;
     TrackerStatusLine *trackerLine_;
+    AccessButton *accessButton_;
     RecordingStatusLine *recordingLine_;
 };

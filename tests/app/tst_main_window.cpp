@@ -1,3 +1,4 @@
+#include "api/ocela_http_exchange.h"
 #include "app/main_window.h"
 #include "app/settings_notice.h"
 #include "app/startup.h"
@@ -22,6 +23,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QToolButton>
 #include <QWheelEvent>
 #include <cerrno>
 #include <memory>
@@ -71,10 +73,10 @@ public:
     QStringList names;
 };
 
-void store(const QByteArray &tracker) {
+void store(const QByteArray &tracker, const QByteArray &more = QByteArray()) {
     QVERIFY(writeFile(Settings::defaultFilePath(),
                       "<settings><property name=\"Language\">en_US</property><property name=\"SelectedTracker\">" +
-                          tracker + "</property></settings>"));
+                          tracker + "</property>" + more + "</settings>"));
 }
 
 }  // namespace
@@ -94,6 +96,7 @@ private Q_SLOTS:
     void f9_sets_a_marker_whatever_has_the_focus();
     void wheel_over_a_list_changes_nothing();
     void failing_autorun_is_shown_and_switched_back();
+    void access_settings_apply_immediately();
     void unread_settings_are_explained_inside_the_window();
 
 private:
@@ -270,6 +273,43 @@ void TestMainWindow::failing_autorun_is_shown_and_switched_back() {
     QVERIFY2(text.endsWith(": " + qt_error_string(ENOENT)), qPrintable(text));
     QVERIFY(!settingsOf(window).getAutoRun());
     QVERIFY(readFile(Settings::defaultFilePath()).contains("\"AutoRun\">false"));
+}
+
+void TestMainWindow::access_settings_apply_immediately() {
+    store("gazepoint", "<property name=\"AllowOtherComputers\">false</property>");
+    MainWindow window;
+    // Like the address of a network interface, this address is used only by a server on all interfaces.
+    const auto acceptsOthers = [] {
+        QTcpSocket client;
+        client.connectToHost("127.0.0.2", OcelaHTTPExchange::port);
+        return client.waitForConnected();
+    };
+    const auto rights = [] { return OcelaHTTPExchange::instance().access().rights(); };
+    auto *button = window.findChild<QToolButton *>("access");
+    QVERIFY(!acceptsOthers());
+    QCOMPARE(button->text(), QString("Only this computer can reach Ocela"));
+    settingsOf(window).setAllowOtherComputers(true);
+    QVERIFY(acceptsOthers());
+    QCOMPARE(button->text(), QString("Other computers can reach Ocela"));
+
+    const AccessRights before = rights();
+    QVERIFY(before.foreignPages && before.anyFile && before.allowedOrigins.isEmpty());
+    settingsOf(window).setAllowForeignPages(false);
+    settingsOf(window).setServeAnyFile(false);
+    settingsOf(window).setRecordsPath(QDir::tempPath());
+    settingsOf(window).setAllowedOrigins("lab.example https://lab.example");
+    const AccessRights after = rights();
+    QVERIFY(!after.foreignPages && !after.anyFile);
+    QCOMPARE(after.allowedOrigins, QStringList("https://lab.example"));
+    QCOMPARE(after.recordsFolder, QDir::tempPath());
+
+    button->click();
+    const QWidget &page = *window.centralWidget();
+    const auto *problem = page.findChild<QLabel *>("originProblem");
+    QVERIFY(page.findChild<QWidget *>("AllowedOrigins")->isVisible() && problem->isVisible());
+    QVERIFY2(problem->text().contains("allowed: lab.example. "), qPrintable(problem->text()));
+    settingsOf(window).setAllowedOrigins(QString());
+    QVERIFY(!problem->isVisible());
 }
 
 void TestMainWindow::unread_settings_are_explained_inside_the_window() {

@@ -38,6 +38,7 @@ private Q_SLOTS:
     void shows_a_recording_of_a_tracker_that_is_not_selected();
     void tells_why_a_recording_is_not_saved_until_it_is_saved();
     void long_texts_do_not_widen_the_bar();
+    void shows_who_can_reach_the_program();
     void shows_a_problem_in_a_line_of_its_own();
 
     /// Called instead of a file manager.
@@ -239,9 +240,10 @@ void TestStatusBar::tells_why_a_recording_is_not_saved_until_it_is_saved() {
 }
 
 void TestStatusBar::long_texts_do_not_widen_the_bar() {
-    constexpr int width = 200;
+    constexpr int width = 240;
     tracker_->startRecord(folder_.filePath(QString(100, 'n') + ".csv"));
     tracker_->stopRecord();
+    bar_->setReach(AccessButton::Reach::OtherComputers);
     bar_->resize(width, 100);
     bar_->show();
     QVERIFY(bar_->minimumSizeHint().width() < width);
@@ -252,6 +254,20 @@ void TestStatusBar::long_texts_do_not_widen_the_bar() {
     QTRY_VERIFY(isBelow());
     bar_->resize(5000, 100);
     QTRY_VERIFY(!isBelow());
+}
+
+void TestStatusBar::shows_who_can_reach_the_program() {
+    using Reach = AccessButton::Reach;
+    QVERIFY(!button("access"));
+    bar_->setReach(Reach::OtherComputers);
+    QCOMPARE(button("access")->text(), QString("Other computers can reach Ocela"));
+    bar_->setReach(Reach::ThisComputer);
+    QCOMPARE(button("access")->text(), QString("Only this computer can reach Ocela"));
+    QSignalSpy wanted(bar_.get(), &StatusBar::accessSettingsWanted);
+    button("access")->click();
+    QCOMPARE(wanted.size(), 1);
+    bar_->setReach(Reach::Nobody);
+    QVERIFY(!button("access"));
 }
 
 void TestStatusBar::shows_a_problem_in_a_line_of_its_own() {

@@ -37,6 +37,7 @@ public:
     VT_PROPERTY(QString, Title, "")
     Q_CLASSINFO("TitleCategory", "Look")
     Q_CLASSINFO("TitleEditable", "true")
+    Q_CLASSINFO("TitleExplanation", "Long words")
 
     VT_PROPERTY(QString, Folder, QString("a") + "b")
     Q_CLASSINFO("FolderEditable", "true")

@@ -25,6 +25,7 @@ PropertyDescriptor describe(const QMetaObject &metaObject, const QMetaProperty &
     descriptor.property = property;
     descriptor.name = name;
     descriptor.displayName = displayName.isEmpty() ? name : displayName;
+    descriptor.explanation = info("Explanation");
     descriptor.category = info("Category");
     descriptor.defaultText = info("Default");
     descriptor.suffix = info("Suffix");

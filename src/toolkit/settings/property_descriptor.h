@@ -8,8 +8,8 @@
 
 /// The description of one property of a settings class, read from the class-info (see vt_property.h).
 ///
-/// `displayName`, `category`, `suffix` and the keys of an enum are source texts. Translate them in the context
-/// "Generic" for display.
+/// `displayName`, `explanation`, `category`, `suffix` and the keys of an enum are source texts. Translate them in the
+/// context "Generic" for display.
 struct PropertyDescriptor {
     /// Describes the properties that a class and its base classes below QObject declare. Base classes are first, in
     /// order of declaration. If several classes have the same class-info key, the most derived one applies.
@@ -18,6 +18,7 @@ struct PropertyDescriptor {
     QMetaProperty property;
     QString name;
     QString displayName;
+    QString explanation;
     QString category;
     QString defaultText;  ///< the declared C++ expression; see AbstractSettings::defaultValue() for its value
     QString suffix;

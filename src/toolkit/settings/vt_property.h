@@ -53,6 +53,7 @@
 /// - NotVisible "true": the editor does not show the property.
 /// - Category: the group of the property in the editor.
 /// - DisplayName: the source text of the label, usually the property's name. QT_TRANSLATE_NOOP is for lupdate.
+/// - Explanation: the source text of sentences that the editor shows below the property.
 /// - Minimum, Maximum, Step: the range and step of a number. Values from a file or the editor are clamped to the range.
 /// - Suffix: the unit shown after a number.
 /// - IsFolder "true": the editor of a text can choose a folder.

@@ -27,11 +27,13 @@ QString generic(const QString &source) {
     return QCoreApplication::translate("Generic", source.toUtf8().constData());
 }
 
-/// Returns the properties that have a row, grouped by category. Groups and properties are in order of first appearance.
-std::vector<MetaDescriptor> groupedByCategory(const MetaDescriptor &properties) {
+/// Returns the properties of `properties` that have a row, grouped by category. Groups and properties are in order of
+/// first appearance.
+std::vector<MetaDescriptor> groupedByCategory(const MetaDescriptor &properties,
+                                              const PropertyListControl::Filter &filter) {
     std::vector<MetaDescriptor> groups;
     for (const PropertyDescriptor &property : properties) {
-        if (!property.visible || !(property.editable || property.readOnly))
+        if (!property.visible || !(property.editable || property.readOnly) || !filter(property))
             continue;
         const auto group = std::find_if(groups.begin(), groups.end(), [&](const MetaDescriptor &one) {
             return one.first().category == property.category;
@@ -46,9 +48,14 @@ std::vector<MetaDescriptor> groupedByCategory(const MetaDescriptor &properties) 
 
 }  // namespace
 
-PropertyListControl::PropertyListControl(VTSettings *settings, QWidget *parent) : QWidget(parent), settings_(settings) {
+PropertyListControl::PropertyListControl(VTSettings *settings, QWidget *parent)
+    : PropertyListControl(
+          settings, [](const PropertyDescriptor &) { return true; }, parent) {}
+
+PropertyListControl::PropertyListControl(VTSettings *settings, const Filter &filter, QWidget *parent)
+    : QWidget(parent), settings_(settings) {
     buildLayout();
-    buildRows();
+    buildRows(filter);
     retranslate();
     connect(settings_, &VTSettings::changedProperty, this, [this](const QString &name) {
         for (const Row &row : rows_) {
@@ -91,8 +98,8 @@ void PropertyListControl::buildLayout() {
     outer->addStretch();
 }
 
-void PropertyListControl::buildRows() {
-    for (const MetaDescriptor &group : groupedByCategory(settings_->metaDescriptor()))
+void PropertyListControl::buildRows(const Filter &filter) {
+    for (const MetaDescriptor &group : groupedByCategory(settings_->metaDescriptor(), filter))
         buildCategory(group.first().category, group);
 }
 
@@ -124,7 +131,9 @@ void PropertyListControl::buildRow(const PropertyDescriptor &descriptor) {
     if (reset != nullptr)
         grid_->addWidget(reset, line, resetColumn);
 
-    const Row row{descriptor, label, editor, reset};
+    QLabel *explanation = descriptor.explanation.isEmpty() ? nullptr : buildExplanation();
+
+    const Row row{descriptor, label, editor, reset, explanation};
     rows_.push_back(row);
     connect(editor, &PropertyEditor::edited, this, [this, row](const QVariant &value) { edit(row, value); });
     showValue(row);
@@ -137,6 +146,16 @@ QToolButton *PropertyListControl::buildResetButton(const QString &name) {
     button->setIcon(QIcon(QStringLiteral(":/icons/reset.svg")));
     connect(button, &QToolButton::clicked, this, [this, name] { settings_->resetValue(name); });
     return button;
+}
+
+QLabel *PropertyListControl::buildExplanation() {
+    auto *label = new QLabel(this);
+    label->setObjectName(QStringLiteral("propertyExplanationLabel"));
+    label->setStyleSheet(QStringLiteral("color: #666;"));
+    label->setWordWrap(true);
+    label->setContentsMargins(0, 0, 0, rowSpacing);
+    grid_->addWidget(label, grid_->rowCount(), labelColumn, 1, -1);
+    return label;
 }
 
 void PropertyListControl::edit(const Row &row, const QVariant &value) {
@@ -161,6 +180,10 @@ void PropertyListControl::retranslateRow(const Row &row) {
     const QString name = generic(row.descriptor.displayName);
     row.label->setText(name);
     row.editor->widget()->setAccessibleName(name);
+    if (row.explanation != nullptr) {
+        row.explanation->setText(generic(row.descriptor.explanation));
+        row.editor->widget()->setAccessibleDescription(row.explanation->text());
+    }
     row.editor->retranslate();
     if (row.reset == nullptr)
         return;

@@ -3,6 +3,7 @@
 #include "toolkit/settings/property_descriptor.h"
 
 #include <QWidget>
+#include <functional>
 #include <vector>
 
 class PropertyEditor;
@@ -13,19 +14,24 @@ class QVBoxLayout;
 class VTSettings;
 
 /// Edits settings. Each visible property that is editable or read-only has a row with a label and an editor. Unless the
-/// property is read-only, a button resets the value to its default. The rows are grouped by category. See vt_property.h
-/// for the class-info. GUI thread.
+/// property is read-only, a button resets the value to its default. The rows are grouped by category. A property with
+/// an explanation has a second row. See vt_property.h for the class-info. GUI thread.
 ///
 /// An edit changes the settings immediately, and the control shows all changes of the settings. The settings are not
 /// owned and must outlive the control.
 ///
-/// Object names: "categoryHeaderLabel" for the categories, "propertyHeaderLabel" for the labels, the property's name
-/// for the editors, and "reset" followed by the property's name for the reset buttons.
+/// Object names: "categoryHeaderLabel" for the categories, "propertyHeaderLabel" for the labels,
+/// "propertyExplanationLabel" for the explanations, the property's name for the editors, and "reset" followed by the
+/// property's name for the reset buttons.
 class PropertyListControl : public QWidget {
     Q_OBJECT
 
 public:
+    using Filter = std::function<bool(const PropertyDescriptor &property)>;
+
     explicit PropertyListControl(VTSettings *settings, QWidget *parent = nullptr);
+    /// Shows only the properties for which `filter` returns true.
+    PropertyListControl(VTSettings *settings, const Filter &filter, QWidget *parent = nullptr);
 
     /// Adds a widget below all properties and takes ownership of it.
     void addRow(QWidget *widget);
@@ -41,7 +47,8 @@ private:
         PropertyDescriptor descriptor;
         QLabel *label = nullptr;
         PropertyEditor *editor = nullptr;
-        QToolButton *reset = nullptr;  ///< null in a read-only row
+        QToolButton *reset = nullptr;   ///< null in a read-only row
+        QLabel *explanation = nullptr;  ///< null without an explanation
     };
     struct Category {
         QString name;
@@ -49,10 +56,11 @@ private:
     };
 
     void buildLayout();
-    void buildRows();
+    void buildRows(const Filter &filter);
     void buildCategory(const QString &name, const MetaDescriptor &properties);
     void buildRow(const PropertyDescriptor &descriptor);
     QToolButton *buildResetButton(const QString &name);
+    QLabel *buildExplanation();
     void edit(const Row &row, const QVariant &value);
     void showValue(const Row &row);
     void retranslate();

@@ -55,8 +55,11 @@ void TestPropertyListControl::groups_rows_by_category() {
         inOrder << (label->objectName() == "propertyHeaderLabel" ? "" : "# ") + label->text();
     QVERIFY(!find<QWidget>("LastIndex"));
     QVERIFY(find<QLineEdit>("Folder")->isReadOnly());
-    QCOMPARE(inOrder, QStringList({"# Look", "Language", "Gain", "Enabled", "Title", "# Numbers", "Points", "TimeMs",
-                                   "Folder"}));
+    QCOMPARE(inOrder, QStringList({"# Look", "Language", "Gain", "Enabled", "Title", "# Long words", "# Numbers",
+                                   "Points", "TimeMs", "Folder"}));
+    const PropertyListControl filtered(settings_.get(),
+                                       [](const PropertyDescriptor &property) { return property.category == "Look"; });
+    QVERIFY(filtered.findChild<QWidget *>("Gain") && !filtered.findChild<QWidget *>("Points"));
 }
 
 void TestPropertyListControl::edits_change_the_settings_once() {
