@@ -9,7 +9,11 @@ ManifestDPIAware true
 AllowSkipFiles off
 !include MUI2.nsh
 !include LogicLib.nsh
+!include nsDialogs.nsh
+!include FileFunc.nsh
 
+; The settings of the program. If the file exists, the user has already decided.
+!define SETTINGS "$LOCALAPPDATA\Velmora\OcelaSettings.xml"
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\Ocela"
 
 Name "Ocela"
@@ -29,6 +33,7 @@ VIAddVersionKey "LegalCopyright" "Velmora"
 !define MUI_UNICON "${ICON}"
 !define MUI_PAGE_CUSTOMFUNCTION_LEAVE refuseForeignFolder
 !insertmacro MUI_PAGE_DIRECTORY
+Page custom showAccessPage leaveAccessPage
 !insertmacro MUI_PAGE_INSTFILES
 !define MUI_FINISHPAGE_RUN
 !define MUI_FINISHPAGE_RUN_FUNCTION startProgram
@@ -43,6 +48,90 @@ LangString running ${LANG_RUSSIAN} "Ocela запущена. Завершите �
 
 LangString foreign ${LANG_ENGLISH} "This folder holds another program. Choose another folder."
 LangString foreign ${LANG_RUSSIAN} "В этой папке находится другая программа. Выберите другую папку."
+
+LangString accessTitle ${LANG_ENGLISH} "Who may use Ocela on this computer?"
+LangString accessTitle ${LANG_RUSSIAN} "Кому доступна Ocela на этом компьютере?"
+
+LangString accessText ${LANG_ENGLISH} "Programs can read the gaze and control Ocela over the network, \
+without a password. You can change this later in Ocela: Settings, Access."
+LangString accessText ${LANG_RUSSIAN} "Программы могут читать данные взгляда и управлять Ocela по сети, \
+без пароля. Позже это можно изменить в Ocela: «Настройки», «Доступ»."
+
+LangString thisComputer ${LANG_ENGLISH} "Programs on &this computer only"
+LangString thisComputer ${LANG_RUSSIAN} "Только программам на &этом компьютере"
+
+LangString otherComputers ${LANG_ENGLISH} "Programs on &other computers, too"
+LangString otherComputers ${LANG_RUSSIAN} "И программам на &других компьютерах"
+
+LangString notSaved ${LANG_ENGLISH} "This file cannot be written: ${SETTINGS}"
+LangString notSaved ${LANG_RUSSIAN} "Не удаётся записать файл: ${SETTINGS}"
+
+Var localOnly  ; 1 if only programs on this computer may use Ocela
+Var thisComputerButton
+
+; /LOCALONLY=1 and /LOCALONLY=0 on the command line are the choice of an installation without questions, and the
+; preselected choice of an installation with questions.
+Function .onInit
+  ${IfNot} ${Silent}
+    StrCpy $localOnly 1
+  ${EndIf}
+  ${GetParameters} $0
+  ClearErrors
+  ${GetOptions} $0 "/LOCALONLY=" $1
+  ${IfNot} ${Errors}
+    StrCpy $localOnly $1
+  ${EndIf}
+FunctionEnd
+
+Function showAccessPage
+  ${If} ${FileExists} "${SETTINGS}"
+    Abort
+  ${EndIf}
+  !insertmacro MUI_HEADER_TEXT "$(accessTitle)" ""
+  nsDialogs::Create 1018
+  Pop $0
+  ${NSD_CreateLabel} 0 0 100% 36u "$(accessText)"
+  Pop $0
+  ${NSD_CreateRadioButton} 0 44u 100% 12u "$(thisComputer)"
+  Pop $thisComputerButton
+  ${NSD_CreateRadioButton} 0 60u 100% 12u "$(otherComputers)"
+  Pop $0
+  ${If} $localOnly == 1
+    ${NSD_Check} $thisComputerButton
+  ${Else}
+    ${NSD_Check} $0
+  ${EndIf}
+  nsDialogs::Show
+FunctionEnd
+
+Function leaveAccessPage
+  ${NSD_GetState} $thisComputerButton $0
+  ${If} $0 == ${BST_CHECKED}
+    StrCpy $localOnly 1
+  ${Else}
+    StrCpy $localOnly 0
+  ${EndIf}
+FunctionEnd
+
+; The program sets all other settings to their defaults. By default, other computers may use it.
+Function saveAccess
+  ${If} $localOnly != 1
+  ${OrIf} ${FileExists} "${SETTINGS}"
+    Return
+  ${EndIf}
+  CreateDirectory "$LOCALAPPDATA\Velmora"
+  ClearErrors
+  FileOpen $0 "${SETTINGS}" w
+  FileWrite $0 '<?xml version="1.0" encoding="UTF-8"?>$\r$\n<settings version="1">$\r$\n'
+  FileWrite $0 '    <property name="AllowOtherComputers">false</property>$\r$\n</settings>$\r$\n'
+  FileClose $0
+  ${If} ${Errors}
+    Delete "${SETTINGS}"
+    MessageBox MB_ICONEXCLAMATION "$(notSaved)" /SD IDOK
+    SetErrorLevel 2
+    Abort
+  ${EndIf}
+FunctionEnd
 
 ; A running program cannot be opened for writing.
 !macro refuseWhileRunning
@@ -112,10 +201,11 @@ Section "Ocela" program
   WriteUninstaller "$INSTDIR\uninstall.exe"
   ; The shortcut's working directory is the output folder.
   CreateShortcut "$SMPROGRAMS\Ocela.lnk" "$INSTDIR\Ocela.exe"
-  ; "Start with the system" is on by default. If there is a settings file, the user has already decided.
-  ${IfNot} ${FileExists} "$LOCALAPPDATA\Velmora\OcelaSettings.xml"
+  ; "Start with the system" is on by default.
+  ${IfNot} ${FileExists} "${SETTINGS}"
     CreateShortcut "$SMSTARTUP\Ocela.lnk" "$INSTDIR\Ocela.exe"
   ${EndIf}
+  Call saveAccess
   WriteRegStr HKCU "${UNINSTALL_KEY}" "DisplayName" "Ocela"
   WriteRegStr HKCU "${UNINSTALL_KEY}" "DisplayVersion" "${VERSION}"
   WriteRegStr HKCU "${UNINSTALL_KEY}" "DisplayIcon" "$INSTDIR\Ocela.exe"

@@ -20,10 +20,14 @@ const autorun = join(startMenu, 'StartUp/Ocela.lnk');
 const settings = join(user, 'AppData/Local/Velmora/OcelaSettings.xml');
 const folder = join(user, 'AppData/Local/Programs/Ocela');
 const uninstaller = join(folder, 'uninstall.exe');
+const uninstall = async () => {
+    assert.equal(wine(uninstaller, '/S'), 0);
+    await waitFor(() => !isRegistered(), 'the program is removed');
+};
 
-async function page() {
+async function page(url = address) {
     try {
-        return await (await fetch(address)).text();
+        return await (await fetch(url)).text();
     } catch {
         return '';
     }
@@ -51,9 +55,35 @@ test('the installer installs, upgrades and removes the program silently', async 
     assert.ok(!existsSync(autorun), 'an upgrade keeps the choice of the user');
     copyFileSync(join(startMenu, 'Ocela.lnk'), autorun);
 
-    assert.equal(wine(uninstaller, '/S'), 0);
-    await waitFor(() => !isRegistered(), 'the program is removed');
+    await uninstall();
     assert.deepEqual(readdirSync(folder, { recursive: true }).sort(), ['QuickLink2.dll', 'http', 'http/own.html']);
     assert.ok(!existsSync(join(startMenu, 'Ocela.lnk')) && !existsSync(autorun));
     assert.ok(existsSync(settings));
+});
+
+test('the installer sets who may use the program, unless the user has decided', async () => {
+    // Like the address of a network interface, this address is used only by a server on all interfaces.
+    const otherAddress = address.replace('127.0.0.1', '127.0.0.2');
+    const quit = async () => {
+        assert.equal(wine('taskkill', '/im', 'Ocela.exe'), 0);
+        await waitFor(async () => await page() === '', 'the program has ended');
+    };
+    const decided = value => `<settings><property name="AllowOtherComputers">${value}</property></settings>`;
+    for (const { options, file, allowed } of [
+        { options: [], file: '', allowed: true },
+        { options: ['/LOCALONLY=1'], file: '', allowed: false },
+        { options: ['/LOCALONLY=1'], file: decided(true), allowed: true },
+        { options: ['/LOCALONLY=0'], file: decided(false), allowed: false },
+    ]) {
+        rmSync(settings, { force: true });
+        if (file) writeFileSync(settings, file);
+        assert.equal(wine(setup, '/S', ...options), 0);
+        assert.equal(existsSync(autorun), !file, 'the settings that the installer writes are no choice about the autostart');
+        if (file) assert.equal(readFileSync(settings, 'utf8'), file);
+        assert.equal(wine('start', '/unix', join(startMenu, 'Ocela.lnk')), 0);
+        await waitFor(page, 'the program serves the dashboard');
+        assert.equal(await page(otherAddress) !== '', allowed, `${options} ${file}`);
+        await quit();
+        await uninstall();
+    }
 });
