@@ -139,12 +139,32 @@ void TestRecording::shows_and_records_captured_lines() {
     desktop::save(screen, "recorded-lines");
 
     const int before = client.records().size();
-    QVERIFY(record([&] { return client.records().size() >= before + 2 * lines.size(); }));
+    bool isMarked = false;
+    const auto done = [&] {
+        const int count = client.records().size() - before;
+        if (!isMarked && count >= lines.size()) {
+            desktop::press("F9", program_->window("^Ocela$"));
+            isMarked = true;
+        }
+        return count >= 2 * lines.size();
+    };
+    QVERIFY(record(done));
     const RecordFile file(home_->recordFile());
     QCOMPARE(file.header, QByteArray(header));
     QVERIFY(file.rows.size() > lines.size());
     QVERIFY(isCycleOf(file, lines));
     checkTimes(file, startedMs_, stoppedMs_);
+    const RecordFile events(home_->recordFile().replace(".csv", "_events.csv"));
+    QCOMPARE(events.header, QByteArray("onset,duration,text,number,row"));
+    QCOMPARE(events.rows.size(), 1);
+    QCOMPARE(events.rows.first().mid(1, 2), QStringList({"0", "F9"}));
+    const double onsetMs = 1000 * events.rows.first().first().toDouble();
+    const int row = events.rows.first().value(4).toInt();
+    // The column "Time" and the onset come from different clocks, which are not read at the same moment.
+    constexpr double toleranceMs = 100;
+    QVERIFY(row > 0 && row + 1 < file.rows.size());
+    QVERIFY(onsetMs > file.rows[row].value(1).toDouble() - toleranceMs);
+    QVERIFY(onsetMs < file.rows[row + 1].value(1).toDouble() + toleranceMs);
 
     // The program shows the loss of the server and continues.
     simulator.kill();
