@@ -349,6 +349,7 @@ void TestMarkers::marker_is_saved_if_and_only_if_it_is_reported_as_recorded() {
     std::atomic<int> addedCount{0};
     QStringList reported[threadCount];
     std::vector<std::thread> programs;
+    programs.reserve(threadCount);
     for (int i = 0; i < threadCount; ++i) {
         programs.emplace_back([&, i] {
             for (int k = 0; running; ++k) {
