@@ -295,7 +295,9 @@ Router::Answer Router::getRecording(const Request &request) {
     reader.readQuery({});
     if (reader.problem())
         return *reader.problem();
-    record_files::OpenFile file = record_files::open(request.state->recordsFolder, QString::fromUtf8(request.name));
+    // With the size, because the conversion of a QByteArray stops at a NUL character.
+    const QString name = QString::fromUtf8(request.name.constData(), request.name.size());
+    record_files::OpenFile file = record_files::open(request.state->recordsFolder, name);
     if (!file.file)
         return problem(404, "The records folder has no record file of this name. GET /api/v1/recordings lists them.");
     const QByteArray tag = file.tag();
