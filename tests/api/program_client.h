@@ -79,7 +79,14 @@ public:
     };
 
     explicit StreamClient(const QByteArray &query = {}, const QByteArray &lastEventId = {}) {
-        send("GET", "/stream" + query, {}, lastEventId.isEmpty() ? QByteArray() : "Last-Event-ID: " + lastEventId + "\r\n");
+        send("GET", "/stream" + query, {},
+             lastEventId.isEmpty() ? QByteArray() : "Last-Event-ID: " + lastEventId + "\r\n");
+    }
+
+    /// Waits for the status of the response. Call it before the other functions.
+    [[nodiscard]] int status() {
+        (void)QTest::qWaitFor([this] { return (received_ += socket_.readAll()).contains("\r\n\r\n"); }, waitMs);
+        return received_.mid(9, 3).toInt();
     }
 
     /// Waits for the next event. After a timeout, its name is empty.

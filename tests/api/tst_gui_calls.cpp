@@ -54,14 +54,16 @@ void TestGuiCalls::call_runs_on_the_gui_thread() {
     GuiCalls calls;
     const std::thread::id gui = std::this_thread::get_id();
     std::thread::id ranOn;
-    const Caller caller(calls, [&] { ranOn = std::this_thread::get_id(); }, 30s);
+    const Caller caller(
+        calls, [&] { ranOn = std::this_thread::get_id(); }, 30s);
     QTRY_VERIFY(caller.isOver());
     QVERIFY(caller.wasCalled());
     QCOMPARE(ranOn, gui);
     QVERIFY(calls.run([&] { ranOn = {}; }, 0s));
     QCOMPARE(ranOn, std::thread::id());
 
-    const Caller failing(calls, [] { throw std::runtime_error("failed"); }, 30s);
+    const Caller failing(
+        calls, [] { throw std::runtime_error("failed"); }, 30s);
     QTRY_VERIFY(failing.isOver());
     QVERIFY(failing.hasThrown());
 }
@@ -70,7 +72,8 @@ void TestGuiCalls::call_that_times_out_never_runs() {
     GuiCalls calls;
     bool hasRun = false;
     {
-        const Caller caller(calls, [&] { hasRun = true; }, 20ms);
+        const Caller caller(
+            calls, [&] { hasRun = true; }, 20ms);
         // This thread is busy: it processes no events.
         while (!caller.isOver())
             std::this_thread::yield();
@@ -82,7 +85,8 @@ void TestGuiCalls::call_that_times_out_never_runs() {
 
 void TestGuiCalls::call_that_has_begun_is_waited_for() {
     GuiCalls calls;
-    const Caller caller(calls, [&] { QTest::qWait(100); }, 50ms);
+    const Caller caller(
+        calls, [&] { QTest::qWait(100); }, 50ms);
     QTRY_VERIFY(caller.isOver());
     QVERIFY(caller.wasCalled());
 }
@@ -91,10 +95,12 @@ void TestGuiCalls::closing_ends_all_waits() {
     GuiCalls calls;
     bool hasRun = false;
     {
-        const Caller early(calls, [&] { hasRun = true; }, 1h);
+        const Caller early(
+            calls, [&] { hasRun = true; }, 1h);
         std::this_thread::sleep_for(10ms);
         calls.close();
-        const Caller late(calls, [&] { hasRun = true; }, 1h);
+        const Caller late(
+            calls, [&] { hasRun = true; }, 1h);
         while (!early.isOver() || !late.isOver())
             std::this_thread::yield();
         QVERIFY(!early.wasCalled() && !late.wasCalled());

@@ -17,12 +17,15 @@ private Q_SLOTS:
 void TestRecordTarget::file_names_data() {
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("isValid");
-    const auto row = [](const QString &name, bool isValid) { QTest::addRow("%s", qPrintable(name)) << name << isValid; };
+    const auto row = [](const QString &name, bool isValid) {
+        QTest::addRow("%s", qPrintable(name)) << name << isValid;
+    };
     for (const char *name : {"P01", "P 01.csv", ".hidden", "a.b", "console", "com10", "lpt", "nul_1", "Пробник",
                              "participant & co", "~", "a%2fb"})
         row(QString::fromUtf8(name), true);
-    for (const char *name : {"", ".", "..", "a/b", "a\\b", "C:a", "a:b", "a*", "a?", "<a", "a>", "a|b", "a\"", "a\n", "a\x7f",
-                             " a", "a ", "a.", "con", "CON", "nul.csv", "Com1.a.b", "lpt9", "com¹", "aux .csv", "conin$"})
+    for (const char *name : {"",    ".",   "..",      "a/b",      "a\\b", "C:a",   "a:b",      "a*",    "a?",
+                             "<a",  "a>",  "a|b",     "a\"",      "a\n",  "a\x7f", " a",       "a ",    "a.",
+                             "con", "CON", "nul.csv", "Com1.a.b", "lpt9", "com¹",  "aux .csv", "conin$"})
         row(QString::fromUtf8(name), false);
     row(QString("a") + QChar(0), false);
     row(QString(200, 'x'), true);
