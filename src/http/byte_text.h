@@ -15,6 +15,12 @@ namespace byte_text {
     return {text.data(), static_cast<int>(text.size())};
 }
 
+/// Returns at most the first 200 bytes, for a log line.
+[[nodiscard]] inline QByteArray shortened(std::string_view text) {
+    constexpr std::size_t maxLoggedBytes = 200;
+    return copy(text.substr(0, maxLoggedBytes));
+}
+
 [[nodiscard]] inline std::string_view trimmed(std::string_view text) {
     constexpr std::string_view whiteSpace = " \t\n\v\f\r";
     const std::size_t first = text.find_first_not_of(whiteSpace);

@@ -19,6 +19,8 @@ constexpr int lingerMs = 1000;
 
 const char tooLarge[] = "HTTP/1.1 413 entity too large\r\nConnection: close\r\n\r\n413 Entity too large\r\n";
 const char broken[] = "HTTP/1.1 400 bad request\r\nConnection: close\r\n\r\n400 Bad request\r\n";
+const char busy[] =
+    "HTTP/1.1 503 busy\r\nConnection: close\r\nRetry-After: 1\r\n\r\nThe memory for requests is in use. Try again.\r\n";
 
 /// HTTP/1.0 connections are closed even if the client asks for keep-alive.
 bool wantsClose(const HttpRequest &request) {
@@ -121,6 +123,9 @@ bool HttpConnectionHandler::read() {
                 return false;
             case HttpRequest::abortBroken:
                 refuseRequest(broken);
+                return false;
+            case HttpRequest::abortBusy:
+                refuseRequest(busy);
                 return false;
             case HttpRequest::waitForRequest:
             case HttpRequest::waitForHeader:

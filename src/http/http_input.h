@@ -11,6 +11,7 @@ public:
         : bytes_(bytes), peerAddress_(peerAddress) {}
 
     [[nodiscard]] bool isEmpty() const { return bytes_.empty(); }
+    [[nodiscard]] std::size_t size() const { return bytes_.size(); }
     [[nodiscard]] const QHostAddress &peerAddress() const { return peerAddress_; }
 
     /// Consumes up to `limit` bytes.

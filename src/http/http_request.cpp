@@ -1,5 +1,6 @@
 #include "http/http_request.h"
 
+#include "http/body_framing.h"
 #include "http/byte_text.h"
 #include "http/http_cookie.h"
 #include "http/http_log.h"
@@ -9,9 +10,6 @@
 
 #include <QTemporaryFile>
 #include <algorithm>
-#include <charconv>
-#include <limits>
-#include <numeric>
 
 using namespace byte_text;
 
@@ -20,24 +18,15 @@ namespace {
 /// A QByteArray holds less than 2 GiB. Half of that leaves room for additions to a size, which is an int.
 constexpr int maxLimitBytes = 1 << 30;
 
-constexpr qint64 maxMultiPartBlockBytes = 65536;
+constexpr std::size_t maxBlockBytes = 65536;
 
 /// The maximum number of headers, of parameters and of cookies. A map entry uses about 100 bytes in addition to its
 /// text, so this limits a map of very short entries to 1 MB.
 constexpr int maxEntryCount = 10000;
+constexpr qint64 entryBytes = 128;
 
 qint64 limitFrom(const HttpSettings &settings, const QString &key) {
     return qBound(0, settings.number(key, 50000000), maxLimitBytes);
-}
-
-/// Returns the value of "Content-Length", or 0 if it is not a decimal number without a sign. A number out of range is
-/// read as 4 GiB - 1, which exceeds every size limit.
-qint64 contentLength(const QByteArray &text) {
-    quint32 number = 0;
-    const auto [end, error] = std::from_chars(text.begin(), text.end(), number);
-    if (end != text.end())
-        return 0;
-    return error == std::errc::result_out_of_range ? std::numeric_limits<quint32>::max() : number;
 }
 
 qint64 count(std::string_view text, char separator) {
@@ -51,8 +40,9 @@ QByteArray withoutQuotes(const QByteArray &text) {
 
 }  // namespace
 
-HttpRequest::HttpRequest(const HttpSettings &settings)
-    : maxSize_(limitFrom(settings, QStringLiteral("maxRequestSize"))),
+HttpRequest::HttpRequest(const HttpSettings &settings, MemoryBudget *memory)
+    : memory_(memory),
+      maxSize_(limitFrom(settings, QStringLiteral("maxRequestSize"))),
       maxMultiPartSize_(limitFrom(settings, QStringLiteral("maxMultiPartSize"))) {}
 
 HttpRequest::~HttpRequest() = default;
@@ -67,28 +57,60 @@ void HttpRequest::readFromSocket(HttpInput &socket) {
             readLine(socket, &HttpRequest::readHeaderLine);
             break;
         case waitForBody:
-            boundary_.isEmpty() ? readBody(socket) : readMultiPartBody(socket);
+            readBody(socket);
             break;
         case complete:
         case abortSize:
         case abortBroken:
+        case abortBusy:
             return;
     }
-    if (exceedsLimits()) {
-        qCWarning(lcHttp, "HttpRequest: received too many bytes");
-        status_ = abortSize;
-    }
+    checkLimits();
     if (status_ == complete) {
         decodeParameters();
         extractCookies();
     }
 }
 
-bool HttpRequest::exceedsLimits() const {
-    if (!boundary_.isEmpty())
-        return currentSize_ > maxMultiPartSize_;
+void HttpRequest::checkLimits() {
+    if (status_ == abortBusy)
+        return;
     // Each continuation line stores the whole header again, so without a limit memory grows quadratically.
-    return std::max(currentSize_, storedHeaderSize_) > maxSize_ || headers_.size() > maxEntryCount;
+    const bool tooLarge =
+        isForm() ? currentSize_ > maxMultiPartSize_ : std::max(currentSize_, storedHeaderSize_) > maxSize_;
+    if (tooLarge)
+        abort(abortSize, "received too many bytes");
+    else if (headers_.size() > maxEntryCount)
+        abort(abortSize, "received too many headers");
+}
+
+void HttpRequest::abort(RequestStatus status, const char *reason) {
+    qCWarning(lcHttp, "HttpRequest: %s", reason);
+    status_ = status;
+}
+
+/// Takes memory from the budget before it is allocated. If there is none, aborts the request and returns false.
+bool HttpRequest::takeMemory(qint64 bytes) {
+    if (status_ == abortBusy)
+        return false;
+    const bool granted = memory_.grow(bytes);
+    if (!granted)
+        abort(abortBusy, "the memory for requests is in use");
+    return granted;
+}
+
+/// Appends to a buffer that may grow up to `maxBytes`. Its capacity doubles, so that each byte is copied a few times at
+/// most.
+void HttpRequest::append(QByteArray &buffer, std::string_view bytes, qint64 maxBytes) {
+    const qint64 size = buffer.size() + static_cast<qint64>(bytes.size());
+    const qint64 capacity = buffer.capacity();
+    if (size > capacity) {
+        const qint64 enlarged = std::max(size, std::min(2 * capacity, maxBytes));
+        if (!takeMemory(enlarged - capacity))
+            return;
+        buffer.reserve(static_cast<int>(enlarged));
+    }
+    buffer.append(bytes.data(), static_cast<int>(bytes.size()));
 }
 
 // Reading stops at each line feed, so a line is complete exactly when the collected bytes end with CR LF. A line that
@@ -100,9 +122,10 @@ void HttpRequest::readLine(HttpInput &socket, Step interpret) {
         (this->*interpret)(trimmed(piece));
         return;
     }
-    lineBuffer_.append(piece.data(), static_cast<int>(piece.size()));
+    append(lineBuffer_, piece, maxSize_);
     if (lineBuffer_.endsWith("\r\n")) {
         (this->*interpret)(trimmed(view(lineBuffer_)));
+        memory_.shrink(lineBuffer_.capacity());
         lineBuffer_.clear();
     }
 }
@@ -115,10 +138,12 @@ void HttpRequest::readRequestLine(std::string_view line) {
     // There must be exactly two spaces, with the request target between them.
     const bool threePieces = first != std::string_view::npos && last > first + 1 && line.find(' ', first + 1) == last;
     if (!threePieces || !contains(line.substr(last), "HTTP")) {
-        qCWarning(lcHttp, "HttpRequest: received broken HTTP request, invalid first line");
-        status_ = abortBroken;
+        abort(abortBroken, "received broken HTTP request, invalid first line");
         return;
     }
+    // The path is stored twice when its query is removed.
+    if (!takeMemory(2 * static_cast<qint64>(line.size())))
+        return;
     method_ = copy(trimmed(line.substr(0, first)));
     path_ = rawPath_ = copy(line.substr(first + 1, last - first - 1));
     version_ = copy(line.substr(last + 1));
@@ -138,54 +163,93 @@ void HttpRequest::readHeaderLine(std::string_view line) {
 }
 
 void HttpRequest::addHeader(const QByteArray &name, const QByteArray &value) {
+    if (!takeMemory(name.size() + value.size() + entryBytes))
+        return;
     storedHeaderSize_ += name.size() + value.size();
     headers_.insert(name, value);
 }
 
 void HttpRequest::finishHeaders() {
+    readBoundary();
+    const BodyFraming framing = BodyFraming::of(headers_);
+    switch (framing.kind) {
+        case BodyFraming::Kind::none:
+            status_ = complete;
+            break;
+        case BodyFraming::Kind::counted:
+            expectBody(framing.sizeBytes);
+            break;
+        case BodyFraming::Kind::chunked:
+            chunkedBody_.emplace(std::max<qint64>(0, isForm() ? maxMultiPartSize_ : maxSize_ - currentSize_));
+            status_ = waitForBody;
+            break;
+        case BodyFraming::Kind::invalid:
+            abort(abortBroken, "the end of the body is ambiguous");
+            break;
+    }
+}
+
+void HttpRequest::readBoundary() {
     const QByteArray contentType = headers_.value(QByteArrayLiteral("content-type"));
     const int boundary = contentType.indexOf("boundary=");
     if (boundary >= 0 && contentType.startsWith("multipart/form-data"))
         boundary_ = withoutQuotes(contentType.mid(boundary + int(qstrlen("boundary="))));
-
-    expectedBodySize_ = contentLength(headers_.value(QByteArrayLiteral("content-length")));
-    if (expectedBodySize_ == 0)
-        status_ = complete;
-    else if (boundary_.isEmpty())
-        expectBody(maxSize_ - currentSize_, "HttpRequest: expected body is too large");
-    else
-        expectBody(maxMultiPartSize_, "HttpRequest: expected multipart body is too large");
 }
 
-void HttpRequest::expectBody(qint64 maxBytes, const char *tooLarge) {
-    status_ = expectedBodySize_ > maxBytes ? abortSize : waitForBody;
-    if (status_ == abortSize)
-        qCWarning(lcHttp, "%s", tooLarge);
+void HttpRequest::expectBody(qint64 sizeBytes) {
+    expectedBodySize_ = sizeBytes;
+    status_ = waitForBody;
+    if (isForm() && sizeBytes > maxMultiPartSize_)
+        abort(abortSize, "expected multipart body is too large");
+    else if (!isForm() && sizeBytes > maxSize_ - currentSize_)
+        abort(abortSize, "expected body is too large");
 }
 
 void HttpRequest::readBody(HttpInput &socket) {
-    const std::string_view block = socket.take(static_cast<std::size_t>(expectedBodySize_ - bodyData_.size()));
-    currentSize_ += static_cast<qint64>(block.size());
-    bodyData_.append(block.data(), static_cast<int>(block.size()));
-    if (bodyData_.size() == expectedBodySize_)
-        status_ = complete;
+    const std::string_view block = takeBodyBlock(socket);
+    if (status_ != waitForBody)
+        return;
+    bodySize_ += static_cast<qint64>(block.size());
+    if (!isForm())
+        append(bodyData_, block, chunkedBody_ ? maxSize_ : expectedBodySize_);
+    else if (!block.empty())
+        storeFormBlock(block);
+    if (status_ == waitForBody && isBodyComplete())
+        finishBody();
 }
 
-void HttpRequest::readMultiPartBody(HttpInput &socket) {
+std::string_view HttpRequest::takeBodyBlock(HttpInput &socket) {
+    const std::size_t before = socket.size();
+    std::string_view block;
+    if (chunkedBody_) {
+        // One byte more than the limit is enough to exceed it.
+        const auto room = static_cast<std::size_t>((isForm() ? maxMultiPartSize_ : maxSize_) - currentSize_ + 1);
+        block = chunkedBody_->take(socket, std::min(room, maxBlockBytes));
+    } else {
+        block = socket.take(std::min(static_cast<std::size_t>(expectedBodySize_ - bodySize_), maxBlockBytes));
+    }
+    currentSize_ += static_cast<qint64>(before - socket.size() - (isForm() ? block.size() : 0));
+    if (chunkedBody_ && chunkedBody_->state() == ChunkedBody::State::invalid)
+        abort(abortBroken, "received an invalid chunk");
+    else if (chunkedBody_ && chunkedBody_->state() == ChunkedBody::State::tooLarge)
+        abort(abortSize, "expected body is too large");
+    return block;
+}
+
+bool HttpRequest::isBodyComplete() const {
+    return chunkedBody_ ? chunkedBody_->state() == ChunkedBody::State::complete : bodySize_ == expectedBodySize_;
+}
+
+void HttpRequest::storeFormBlock(std::string_view block) {
     if (!tempFile_)
         tempFile_ = std::make_unique<QTemporaryFile>();
-    const qint64 limit = std::min(expectedBodySize_ - tempFile_->pos(), maxMultiPartBlockBytes);
-    const std::string_view block = socket.take(static_cast<std::size_t>(limit));
     const auto size = static_cast<qint64>(block.size());
     if ((!tempFile_->isOpen() && !tempFile_->open()) || tempFile_->write(block.data(), size) != size) {
         // The request must be aborted, because the file would never reach the size of the body.
         failToWriteTempFile();
-    } else if (tempFile_->pos() >= maxMultiPartSize_) {
+    } else if (bodySize_ >= maxMultiPartSize_) {
         // Intended: a body of exactly the limit is accepted by finishHeaders() and refused here.
-        qCWarning(lcHttp, "HttpRequest: received too many multipart bytes");
-        status_ = abortSize;
-    } else if (tempFile_->pos() >= expectedBodySize_) {
-        finishMultiPartBody();
+        abort(abortSize, "received too many multipart bytes");
     }
 }
 
@@ -194,7 +258,11 @@ void HttpRequest::failToWriteTempFile() {
     status_ = abortBroken;
 }
 
-void HttpRequest::finishMultiPartBody() {
+void HttpRequest::finishBody() {
+    if (!tempFile_) {
+        status_ = complete;
+        return;
+    }
     if (tempFile_->flush())
         parseMultiPartFile();
     else
@@ -204,22 +272,23 @@ void HttpRequest::finishMultiPartBody() {
 
 void HttpRequest::parseMultiPartFile() {
     qCDebug(lcHttp, "HttpRequest: parsing multipart temp file");
-    const qint64 size = tempFile_->size();
-    uchar *bytes = tempFile_->map(0, size);
-    if (!bytes) {
-        qCCritical(lcHttp, "HttpRequest: cannot read temp file, %s", qUtf8Printable(tempFile_->errorString()));
-        status_ = abortBroken;
-        return;
-    }
-    MultipartParser parser(boundary_);
-    const auto result = parser.parse({reinterpret_cast<const char *>(bytes), static_cast<std::size_t>(size)});
-    tempFile_->unmap(bytes);
-    if (result == MultipartParser::Result::complete) {
-        parameters_ = parser.form().parameters;
-        uploadedFiles_ = std::move(parser.form().files);
-        status_ = complete;
-    } else {
-        status_ = result == MultipartParser::Result::tooManyParts ? abortSize : abortBroken;
+    MultipartParser parser(boundary_, memory_);
+    const MultipartParser::Result result = parser.parse(*tempFile_);
+    switch (result) {
+        case MultipartParser::Result::complete:
+            parameters_ = parser.form().parameters;
+            uploadedFiles_ = std::move(parser.form().files);
+            status_ = complete;
+            break;
+        case MultipartParser::Result::tooManyParts:
+            status_ = abortSize;
+            break;
+        case MultipartParser::Result::fileError:
+            status_ = abortBroken;
+            break;
+        case MultipartParser::Result::noMemory:
+            abort(abortBusy, "the memory for requests is in use");
+            break;
     }
 }
 
@@ -236,21 +305,28 @@ void HttpRequest::decodeParameters() {
         path_.truncate(question);
     const std::string_view query = question < 0 ? std::string_view() : view(rawPath_).substr(std::size_t(question) + 1);
     const std::string_view body = hasUrlEncodedBody() ? view(bodyData_) : std::string_view();
-    if (count(query, '&') + count(body, '&') > maxEntryCount) {
-        abortTooManyEntries();
+    const qint64 pairCount = count(query, '&') + count(body, '&');
+    if (pairCount > maxEntryCount)
+        return abortTooManyEntries();
+    if (!takeMemory(static_cast<qint64>(query.size() + body.size()) + (pairCount + 1) * entryBytes))
         return;
-    }
     parameters_.unite(url_encoding::parseParameters(query));
     parameters_.unite(url_encoding::parseParameters(body));
 }
 
 void HttpRequest::extractCookies() {
     QList<QByteArray> values = headers_.values(QByteArrayLiteral("cookie"));
-    const auto add = [](qint64 sum, const QByteArray &value) { return sum + count(view(value), ';'); };
-    if (std::accumulate(values.begin(), values.end(), qint64(0), add) > maxEntryCount) {
-        abortTooManyEntries();
-        return;
+    qint64 cookieCount = 0;
+    qint64 cookieBytes = 0;
+    for (const QByteArray &value : qAsConst(values)) {
+        cookieCount += count(view(value), ';') + 1;
+        cookieBytes += value.size();
     }
+    if (cookieCount - values.size() > maxEntryCount)
+        return abortTooManyEntries();
+    // Each value is copied once in parts, and once as cookies.
+    if (!takeMemory(2 * cookieBytes + cookieCount * entryBytes))
+        return;
     // QMultiMap returns the last inserted value first.
     std::reverse(values.begin(), values.end());
     for (const QByteArray &value : qAsConst(values))
@@ -258,8 +334,7 @@ void HttpRequest::extractCookies() {
 }
 
 void HttpRequest::abortTooManyEntries() {
-    qCWarning(lcHttp, "HttpRequest: received too many parameters or cookies");
-    status_ = abortSize;
+    abort(abortSize, "received too many parameters or cookies");
 }
 
 QByteArray HttpRequest::getPath() const {

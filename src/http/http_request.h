@@ -1,11 +1,14 @@
 #pragma once
 
+#include "http/chunked_body.h"
 #include "http/http_input.h"
+#include "http/memory_budget.h"
 
 #include <QMap>
 #include <QMultiMap>
 #include <map>
 #include <memory>
+#include <optional>
 
 class HttpSettings;
 class QTemporaryFile;
@@ -15,18 +18,20 @@ class QTemporaryFile;
 /// "maxRequestSize" limits request line, headers and body together. "maxMultiPartSize" limits a multipart body, which
 /// is stored in a temporary file. Both are in bytes. The default is 50,000,000 and the maximum is 1 GiB. Further limits
 /// apply to the numbers of headers, parameters, cookies and files, and to the memory of continuation lines, because a
-/// small request with many of these can use much memory.
+/// small request with many of these can use much memory. All memory that the request holds is taken from `memory`. The
+/// request ends with `abortBusy` if the requests of other clients leave too little.
 class HttpRequest {
 public:
-    enum RequestStatus { waitForRequest, waitForHeader, waitForBody, complete, abortSize, abortBroken };
+    enum RequestStatus { waitForRequest, waitForHeader, waitForBody, complete, abortSize, abortBroken, abortBusy };
 
-    explicit HttpRequest(const HttpSettings &settings);
+    /// `memory` must outlive the request. Null means no limit for all requests together.
+    explicit HttpRequest(const HttpSettings &settings, MemoryBudget *memory = nullptr);
     HttpRequest(const HttpRequest &) = delete;
     HttpRequest &operator=(const HttpRequest &) = delete;
     virtual ~HttpRequest();
 
     /// Consumes one line or one block of `socket`. Must be called only while there is input and the status is not
-    /// final. The last three statuses are final.
+    /// final. The statuses from `complete` on are final.
     void readFromSocket(HttpInput &socket);
     [[nodiscard]] RequestStatus getStatus() const { return status_; }
 
@@ -66,18 +71,26 @@ private:
     void readHeaderLine(std::string_view line);
     void addHeader(const QByteArray &name, const QByteArray &value);
     void finishHeaders();
-    void expectBody(qint64 maxBytes, const char *tooLarge);
+    void readBoundary();
+    void expectBody(qint64 sizeBytes);
     void readBody(HttpInput &socket);
-    void readMultiPartBody(HttpInput &socket);
-    void finishMultiPartBody();
+    [[nodiscard]] std::string_view takeBodyBlock(HttpInput &socket);
+    [[nodiscard]] bool isBodyComplete() const;
+    void storeFormBlock(std::string_view block);
+    void finishBody();
     void parseMultiPartFile();
     void failToWriteTempFile();
-    [[nodiscard]] bool exceedsLimits() const;
+    [[nodiscard]] bool isForm() const { return !boundary_.isEmpty(); }
+    void checkLimits();
     [[nodiscard]] bool hasUrlEncodedBody() const;
     void decodeParameters();
     void extractCookies();
     void abortTooManyEntries();
+    void abort(RequestStatus status, const char *reason);
+    [[nodiscard]] bool takeMemory(qint64 bytes);
+    void append(QByteArray &buffer, std::string_view bytes, qint64 maxBytes);
 
+    MemoryShare memory_;
     QMultiMap<QByteArray, QByteArray> headers_;
     QMultiMap<QByteArray, QByteArray> parameters_;
     QMap<QByteArray, QByteArray> cookies_;
@@ -92,7 +105,9 @@ private:
     const qint64 maxMultiPartSize_;
     qint64 currentSize_ = 0;       ///< request line, headers and body, without a multipart body
     qint64 storedHeaderSize_ = 0;  ///< names and values, which continuation lines duplicate
-    qint64 expectedBodySize_ = 0;
+    qint64 expectedBodySize_ = 0;  ///< of a body that is not chunked
+    qint64 bodySize_ = 0;          ///< received so far, without the framing of chunks
+    std::optional<ChunkedBody> chunkedBody_;
     QByteArray currentHeader_;
     QByteArray boundary_;                       ///< empty without a multipart body
     std::unique_ptr<QTemporaryFile> tempFile_;  ///< the multipart body

@@ -1,13 +1,19 @@
 #include "fuzz/fuzz_support.h"
 #include "http/byte_text.h"
+#include "http/memory_budget.h"
 #include "http/multipart_form.h"
+
+#include <QBuffer>
 
 // The first byte is the length of the boundary. The boundary follows, and then the body.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     fuzz::Input input(data, size);
     const QByteArray boundary = byte_text::copy(input.text(input.byte() % 16 + 1));
-    MultipartParser parser(boundary.isEmpty() ? "x" : boundary);
-    if (parser.parse(input.rest()) != MultipartParser::Result::complete)
+    MemoryShare memory(nullptr);
+    MultipartParser parser(boundary.isEmpty() ? "x" : boundary, memory);
+    QByteArray body = byte_text::copy(input.rest());
+    QBuffer device(&body);
+    if (!device.open(QIODevice::ReadOnly) || parser.parse(device) != MultipartParser::Result::complete)
         return 0;
 
     std::size_t total = 0;

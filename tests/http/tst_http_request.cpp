@@ -2,6 +2,10 @@
 #include "request_builder.h"
 #include "support/test_main.h"
 
+#include <QLoggingCategory>
+#include <QScopeGuard>
+
+using namespace byte_text;
 using namespace request_builder;
 using namespace request_outcome;
 
@@ -16,6 +20,8 @@ private Q_SLOTS:
     void limits_data();
     void limits();
     void defaultLimits();
+    void memoryOfAllRequests_data();
+    void memoryOfAllRequests();
 };
 
 namespace {
@@ -55,20 +61,40 @@ void TestHttpRequest::requests_data() {
         "GET / HTTP/1.1\r\nCookie: a=0;a=1; b=\"2;3\"; c; =d\r\nCookie: e = 5=6;a=7\r\n\r\n",
         {"complete", "GET / HTTP/1.1", "cookie: e = 5=6;a=7", "cookie: a=0;a=1; b=\"2;3\"; c; =d", "cookie =c",
          "cookie =d=", "cookie a=7", "cookie b=2;3", "cookie e=5=6"});
-    row("without a content length there is no body", "POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n5",
-        {"complete", "POST / HTTP/1.1", "transfer-encoding: chunked"}, "5");
-    for (const char *length : {"0", "", "-1", "+3", "3 4", "0x3", "three"})
+    const QByteArray post = "POST / HTTP/1.1\r\n";
+    row("without a content length there is no body", post + "\r\n5", {"complete", "POST / HTTP/1.1"}, "5");
+    for (const char *length : {"0", "", "three"})
         row(qPrintable(QString("no body with the content length '%1'").arg(length)),
-            QByteArray("POST / HTTP/1.1\r\nContent-Length: ") + length + "\r\n\r\nabc",
+            post + "Content-Length: " + length + "\r\n\r\nabc",
             {"complete", "POST / HTTP/1.1", QByteArray("content-length: ") + length}, "abc");
+    row("equal content lengths", post + "Content-Length: 2\r\nContent-Length: 2, 02\r\n\r\nabc",
+        {"complete", "POST / HTTP/1.1", "content-length: 2, 02", "content-length: 2", "ab=", "body ab"}, "c");
+    const QByteArray chunked = post + "Transfer-Encoding: Chunked\r\n\r\n";
+    const Lines chunkedHead{"complete", "POST / HTTP/1.1", "transfer-encoding: Chunked"};
+    row("chunks with extensions and trailers",
+        chunked + "3;a=b\r\na=1\r\n0000B \t;x\r\n\r\n0123456\r\n\r\n0\r\nA: 1\r\n: 2\r\n\r\nGET",
+        chunkedHead + Lines{"a=1\r\n0123456", "body a=1\r\n0123456\r\n"}, "GET");
+    row("chunks without data", chunked + "0\r\n\r\n5", chunkedHead, "5");
+    row("an incomplete chunk", chunked + "4\r\nab",
+        {"body", "POST / HTTP/1.1", "transfer-encoding: Chunked", "body ab"});
+    const QByteArray formStart = "--x\r\nContent-Disposition: form-data; name=\"";
+    const QByteArray formEnd = "a\"\r\n\r\nvalue\r\n--x--\r\n";
+    const auto chunk = [](const QByteArray &data) {
+        return QByteArray::number(data.size(), 16) + "\r\n" + data + "\r\n";
+    };
+    row("a form in chunks",
+        "POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\nContent-Type: multipart/form-data; boundary=x\r\n\r\n" +
+            chunk(formStart) + chunk(formEnd) + chunk(""),
+        {"complete", "POST / HTTP/1.1", "content-type: multipart/form-data; boundary=x", "transfer-encoding: chunked",
+         "a=value"});
     row("parameters in the query and the body", "POST /?a=1 HTTP/1.1\r\nContent-Length: 5\r\n\r\na=2&b",
         {"complete", "POST / HTTP/1.1", "content-length: 5", "a=2", "a=1", "b=", "body a=2&b"});
     const QByteArray urlEncoded = "application/x-www-form-urlencoded; charset=UTF-8";
-    row("parameters in a body of the url-encoded type", post(urlEncoded, "a=2"),
+    row("parameters in a body of the url-encoded type", request_builder::post(urlEncoded, "a=2"),
         {"complete", "POST / HTTP/1.1", "content-length: 3", "content-type: " + urlEncoded, "a=2", "body a=2"});
-    row("a body of another type has no parameters", post("text/plain", "a=2"),
+    row("a body of another type has no parameters", request_builder::post("text/plain", "a=2"),
         {"complete", "POST / HTTP/1.1", "content-length: 3", "content-type: text/plain", "body a=2"});
-    row("a form with an empty boundary is a plain body", post("multipart/form-data; boundary=", "a"),
+    row("a form with an empty boundary is a plain body", request_builder::post("multipart/form-data; boundary=", "a"),
         {"complete", "POST / HTTP/1.1", "content-length: 1", "content-type: multipart/form-data; boundary=", "body a"});
     row("an incomplete body", "POST / HTTP/1.1\r\nContent-Length: 5\r\n\r\nab",
         {"body", "POST / HTTP/1.1", "content-length: 5", "body ab"});
@@ -130,6 +156,32 @@ void TestHttpRequest::limits_data() {
     row("a form exactly at its limit", body, 100, "too large", "received too many multipart bytes", 200);
     row("a form over its limit", body, 100, "too large", "expected multipart body is too large", 199);
 
+    const QByteArray ambiguous = "the end of the body is ambiguous";
+    for (const char *lines :
+         {"Content-Length: 1\r\nContent-Length: 2", "Content-Length: 1, 2", "Content-Length: 3 4", "Content-Length: +3",
+          "Content-Length: -1", "Content-Length: 0x3", "Content-Length: 1\r\n 2", "Transfer-Encoding: gzip, chunked",
+          "Transfer-Encoding:", "Transfer-Encoding: chunked\r\nTransfer-Encoding: chunked",
+          "Content-Length: 0\r\nTransfer-Encoding: chunked"})
+        row(QByteArray(lines).simplified(), QByteArray("POST / HTTP/1.1\r\n") + lines + "\r\n\r\nabc", 1000, "broken",
+            ambiguous);
+    const QByteArray chunked = "POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n";
+    for (const char *chunk : {"x", "\r\n", "-1\r\n", "+1\r\n", " 1\r\n", "0x1\r\n", "1 2\r\n", "1\nab\r\n",
+                              "1\r\nab\r\n", "1\r\na\n", "1\r\na\r\r", ";\r\n"})
+        row("invalid chunk " + QByteArray(chunk).toPercentEncoding(), chunked + chunk + "\r\n", 1000, "broken",
+            "received an invalid chunk");
+    row("a chunk line that is too long", chunked + "1;" + QByteArray(ChunkedBody::maxLineBytes, 'x'), 100000, "broken",
+        "received an invalid chunk");
+    row("chunks up to the limit", chunked + "5\r\nabcde\r\n0\r\n\r\n", chunked.size() + 15, "complete", {});
+    row("the framing of chunks counts", chunked + "5\r\nabcde\r\n0\r\n\r\n", chunked.size() + 14, "too large", tooMany);
+    row("endless trailers", chunked + "0\r\n" + QByteArray("a: b\r\n").repeated(100), 200, "too large", tooMany);
+    for (const char *size : {"1001", "7fffffffffffffff", "fffffffffffffffff"})
+        row(QByteArray("a chunk of ") + size, chunked + size + "\r\n", 1000, "too large", tooLarge);
+    row("a form in chunks exactly at its limit",
+        "POST / HTTP/1.1\r\nContent-Type: multipart/form-data; boundary=x\r\nTransfer-Encoding: chunked\r\n\r\n"
+        "64\r\n" +
+            QByteArray(100, 'x'),
+        1000, "too large", "received too many multipart bytes", 100);
+
     const int maxEntryCount = 10000;
     const QByteArray tooManyEntries = "received too many parameters or cookies";
     const auto query = [](int count) { return "POST /?" + QByteArray(count, '&') + " HTTP/1.1\r\n"; };
@@ -140,7 +192,7 @@ void TestHttpRequest::limits_data() {
         return "GET / HTTP/1.1\r\n" + line.repeated(count) + "\r\n";
     };
     row("the maximum number of headers", repeated("A: 1\r\n", maxEntryCount), 100000, "complete", {});
-    row("too many headers", repeated("A: 1\r\n", maxEntryCount + 1), 100000, "too large", tooMany);
+    row("too many headers", repeated("A: 1\r\n", maxEntryCount + 1), 100000, "too large", "received too many headers");
     const QByteArray cookies = "Cookie: " + QByteArray(maxEntryCount / 2, ';') + "\r\n";
     row("the maximum number of cookies", repeated(cookies, 2), 100000, "complete", {});
     row("too many cookies", repeated(cookies, 3), 100000, "too large", tooManyEntries);
@@ -166,6 +218,46 @@ void TestHttpRequest::defaultLimits() {
     const QByteArray formHeaders = "Content-Type: multipart/form-data; boundary=xyz\r\nContent-Length: ";
     check(formHeaders + "50000000", "body");
     check(formHeaders + "50000001", "too large", "expected multipart body is too large");
+}
+
+void TestHttpRequest::memoryOfAllRequests_data() {
+    QTest::addColumn<QByteArray>("input");
+    const auto row = [](const char *name, const QByteArray &input) { QTest::newRow(name) << input; };
+    const QByteArray large(60000, 'x');
+    row("first line", "GET /" + large + " HTTP/1.1\r\n\r\n");
+    row("headers", "GET / HTTP/1.1\r\nA: " + large + "\r\nB: " + large + "\r\n\r\n");
+    row("many headers", "GET / HTTP/1.1\r\n" + QByteArray("a:\r\n").repeated(1000) + "\r\n");
+    row("cookies", "GET / HTTP/1.1\r\nCookie: " + QByteArray(1000, ';') + "\r\n\r\n");
+    row("parameters", "GET /?" + QByteArray("a&").repeated(1000) + " HTTP/1.1\r\n\r\n");
+    row("body", post("text/plain", large + large));
+    row("url-encoded body", post("", large.left(50000)));
+    row("field of a form", form(part(" name=\"a\"", large.repeated(2))));
+    row("many fields of a form", form(part(" name=\"a\"", "1").repeated(1000)));
+}
+
+void TestHttpRequest::memoryOfAllRequests() {
+    // Part of the buffer that a form is read with.
+    const int formBytes = QByteArray(QTest::currentDataTag()).contains("form") ? 131072 : 0;
+    QFETCH(const QByteArray, input);
+    const RequestLimits limits(1000000, 1000000);
+    QLoggingCategory::setFilterRules("ocela.http.debug=false");
+    const auto restore = qScopeGuard([] { QLoggingCategory::setFilterRules({}); });
+    {
+        MemoryBudget enough(1000000);
+        HttpRequest request(limits.settings(), &enough);
+        feed(request, view(input));
+        QVERIFY(request.getStatus() <= HttpRequest::complete);
+        QVERIFY(enough.usedBytes() > 100000);
+    }
+    MemoryBudget small(100000 + formBytes);
+    {
+        QTest::ignoreMessage(QtWarningMsg, "HttpRequest: the memory for requests is in use");
+        HttpRequest request(limits.settings(), &small);
+        feed(request, view(input));
+        QCOMPARE(request.getStatus(), HttpRequest::abortBusy);
+        QVERIFY(small.usedBytes() <= 100000 + formBytes);
+    }
+    QCOMPARE(small.usedBytes(), qint64(0));
 }
 
 OCELA_TEST(TestHttpRequest)

@@ -60,7 +60,7 @@ inline std::string_view feed(HttpRequest &request, std::string_view bytes,
 /// Returns the properties of a request, one per line: status, first line, headers, parameters, cookies, body, uploaded
 /// files.
 inline QList<QByteArray> describe(const HttpRequest &request) {
-    static const char *const names[] = {"first line", "headers", "body", "complete", "too large", "broken"};
+    static const char *const names[] = {"first line", "headers", "body", "complete", "too large", "broken", "busy"};
     QList<QByteArray> lines{names[request.getStatus()]};
     if (!request.getMethod().isEmpty())
         lines << request.getMethod() + ' ' + request.getPath() + ' ' + request.getVersion();
