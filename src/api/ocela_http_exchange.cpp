@@ -38,11 +38,16 @@ protected:
     bool event(QEvent *event) override { return event->type() == QEvent::UpdateRequest || QSettings::event(event); }
 };
 
-/// `host` is empty for all interfaces. Intended: the values that are read are not used.
-QSettings *createListenerSettings(const QString &host) {
+/// Returns the addresses to listen on; empty for all interfaces.
+QStringList hostsFor(const AccessRights &rights) {
+    return rights.otherComputers ? QStringList() : QStringList{"127.0.0.1", "::1"};
+}
+
+/// Intended: the values that are read are not used.
+QSettings *createListenerSettings(const QStringList &hosts) {
     auto *settings = new MemorySettings(qApp);
     (void)settings->value("host", "127.0.0.1");
-    settings->setValue("host", host);
+    settings->setValue("host", hosts.join(' '));
     (void)settings->value("port", QString::number(OcelaHTTPExchange::port));
     settings->setValue("port", OcelaHTTPExchange::port);
     (void)settings->value("maxRequestSize", 5000000);
@@ -91,38 +96,23 @@ OcelaHTTPExchange::OcelaHTTPExchange(QObject *parent, const AccessRights &rights
 }
 
 void OcelaHTTPExchange::listen() {
-    closeListeners();
-    if (!requestHandler_)
-        requestHandler_ = std::make_unique<OcelaHTTPRequestHandler>();
-    const QStringList hosts = access_.rights().otherComputers ? QStringList{""} : QStringList{"127.0.0.1", "::1"};
-    for (const QString &host : hosts) {
-        settings_.push_back(createListenerSettings(host));
-        listeners_.push_back(std::make_unique<HttpListener>(settings_.back(), requestHandler_.get()));
-    }
-}
-
-void OcelaHTTPExchange::closeListeners() {
-    listeners_.clear();
-    for (const QPointer<QSettings> &settings : settings_)
-        delete settings;
-    settings_.clear();
+    settings_ = createListenerSettings(hostsFor(access_.rights()));
+    listener_ = std::make_unique<HttpListener>(settings_, std::make_shared<OcelaHTTPRequestHandler>());
 }
 
 void OcelaHTTPExchange::setAccessRights(const AccessRights &rights) {
     const bool changesHosts = rights.otherComputers != access_.rights().otherComputers;
     access_.setRights(rights);
-    if (changesHosts)
-        listen();
+    if (changesHosts && listener_)
+        listener_->setHosts(hostsFor(rights));
 }
 
 QString OcelaHTTPExchange::listenProblem() const {
-    // A computer without IPv6 has only the first listener.
-    if (listeners_.empty() || listeners_.front()->isListening())
+    if (!listener_ || listener_->isListening())
         return {};
-    const HttpListener &listener = *listeners_.front();
-    if (listener.serverError() == QAbstractSocket::AddressInUseError)
+    if (listener_->serverError() == QAbstractSocket::AddressInUseError)
         return tr("Port %1 is used by another program").arg(port);
-    return tr("Port %1 cannot be used: %2").arg(QString::number(port), listener.errorString());
+    return tr("Port %1 cannot be used: %2").arg(QString::number(port), listener_->errorString());
 }
 
 OcelaHTTPExchange::~OcelaHTTPExchange() {
@@ -130,7 +120,8 @@ OcelaHTTPExchange::~OcelaHTTPExchange() {
     programApi_.close();
     if (programControl_)
         programControl_->close();
-    closeListeners();
+    listener_.reset();
+    delete settings_;
     OcelaHTTPExchange *self = this;
     currentExchange.compare_exchange_strong(self, nullptr);
 }

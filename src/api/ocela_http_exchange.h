@@ -17,7 +17,6 @@ class EyetrackerInterface;
 class HttpListener;
 class HttpRequest;
 class Markers;
-class OcelaHTTPRequestHandler;
 class QFile;
 class QSettings;
 
@@ -94,7 +93,6 @@ private:
     [[nodiscard]] ApiAnswer plainFile(QString path) const;
 
     void listen();
-    void closeListeners();
     template <typename Call>
     [[nodiscard]] ApiAnswer queue(Call call) const;
 
@@ -107,8 +105,6 @@ private:
     std::unique_ptr<api_v1::ProgramControl> programControl_;
     api_v1::Router programApi_{access_};
 
-    std::vector<QPointer<QSettings>> settings_;  ///< owned by the application if this object is not destroyed first
-    std::unique_ptr<OcelaHTTPRequestHandler> requestHandler_;
-    /// Declared last, because their threads use the other members.
-    std::vector<std::unique_ptr<HttpListener>> listeners_;
+    QPointer<QSettings> settings_;            ///< owned by the application if this object is not destroyed first
+    std::unique_ptr<HttpListener> listener_;  ///< declared last, because its threads use the other members
 };

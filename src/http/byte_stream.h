@@ -1,5 +1,7 @@
 #pragma once
 
+#include "http/transfer_rate.h"
+
 #include <QByteArray>
 #include <QDeadlineTimer>
 #include <QHostAddress>
@@ -10,13 +12,15 @@ class HttpOutput {
 public:
     virtual ~HttpOutput() = default;
 
-    /// Sends the pieces in order. Blocks without a time limit until the system has accepted all data. Returns false if
-    /// the connection has failed. Later calls then do nothing.
+    /// Sends the pieces in order. Blocks until the system has accepted all data. Returns false if the connection has
+    /// failed, or if the client reads too slowly. Later calls then do nothing.
     virtual bool write(const QVector<QByteArray> &pieces) = 0;
     /// Returns whether data can still be sent: no write has failed, and the server is not stopping.
     [[nodiscard]] virtual bool isWritable() const = 0;
     /// Limits the system's buffer for unsent data, so that a client that stops reading is noticed early.
     virtual void limitSendBuffer(int bytes) = 0;
+    /// Lets the client of this response stop reading for up to `maxPause`. No reading rate is required any more.
+    virtual void allowPauses(std::chrono::milliseconds /*maxPause*/) {}
 };
 
 /// A connection to a client, plain or encrypted, with blocking calls. Used only in the thread of its
@@ -37,7 +41,14 @@ public:
     [[nodiscard]] virtual QHostAddress peerAddress() const = 0;
     /// Returns whether a write has failed. Later writes do nothing.
     [[nodiscard]] bool hasFailed() const { return failed_; }
+    /// Lets writes fail if the client reads less than `minBytes` in a `window` of waiting for it. A window of 0 is no
+    /// limit, which is the default.
+    void requireReadingRate(std::chrono::milliseconds window, qint64 minBytes) {
+        readingRate_.restart(window, minBytes);
+    }
+    void allowPauses(std::chrono::milliseconds maxPause) override { readingRate_.restart(maxPause, 1); }
 
 protected:
     bool failed_ = false;
+    TransferRate readingRate_;  ///< of the client
 };

@@ -1,12 +1,15 @@
 #include "http/http_connection_handler.h"
 
 #include "http/byte_text.h"
+#include "http/http_log.h"
 #include "http/http_request_handler.h"
 #include "http/http_response.h"
+#include "http/http_server_context.h"
 #include "http/http_settings.h"
 #include "http/plain_stream.h"
 #include "http/tls_stream.h"
 
+#include <exception>
 #include <utility>
 
 using byte_text::equalsIgnoringCase;
@@ -14,6 +17,9 @@ using byte_text::equalsIgnoringCase;
 namespace {
 
 constexpr int defaultReadTimeoutMs = 10000;
+constexpr int defaultHeaderTimeoutMs = 30000;
+constexpr int defaultRateWindowMs = 30000;
+constexpr int defaultMinBytesPerSecond = 1024;
 /// How long a connection is drained after a request is refused.
 constexpr int lingerMs = 1000;
 
@@ -37,76 +43,138 @@ bool keepsOpen(const QMap<QByteArray, QByteArray> &headers) {
     return !equalsIgnoringCase(headers.value("Connection"), "close") && isFramed(headers);
 }
 
+std::atomic<int> leftThreads{0};
+
 bool isFinal(HttpRequest::RequestStatus status) {
     return status >= HttpRequest::complete;
 }
 
 }  // namespace
 
-HttpConnectionHandler::HttpConnectionHandler(const HttpSettings &settings, HttpRequestHandler *requestHandler,
-                                             const QSslConfiguration *sslConfiguration)
-    : settings_(settings),
-      requestHandler_(requestHandler),
-      sslConfiguration_(sslConfiguration),
-      thread_([this] { run(); }) {}
+HttpConnectionHandler::HttpConnectionHandler(std::shared_ptr<HttpServerContext> context)
+    : context_(std::move(context)) {}
 
-HttpConnectionHandler::~HttpConnectionHandler() {
-    requestStop();
-    thread_.join();
+HttpConnectionHandler::~HttpConnectionHandler() = default;
+
+std::shared_ptr<HttpConnectionHandler> HttpConnectionHandler::start(std::shared_ptr<HttpServerContext> context) {
+    auto handler = std::make_shared<HttpConnectionHandler>(std::move(context));
+    handler->thread_ = std::thread([handler] { handler->run(); });
+    return handler;
 }
 
-void HttpConnectionHandler::handleConnection(tSocketDescriptor socketDescriptor) {
+void HttpConnectionHandler::handleConnection(UniqueSocket socket) {
     const std::lock_guard<std::mutex> lock(mutex_);
     busy_ = true;
-    pendingConnection_ = socketDescriptor;
-    wakeUp_.notify_one();
+    pendingConnection_ = std::move(socket);
+    changed_.notify_all();
 }
 
 void HttpConnectionHandler::requestStop() {
     const std::lock_guard<std::mutex> lock(mutex_);
     stopping_ = true;
-    wakeUp_.notify_one();
+    changed_.notify_all();
 }
 
-void HttpConnectionHandler::run() {
-    while (const std::optional<tSocketDescriptor> connection = nextConnection())
-        serve(*connection);
-}
-
-std::optional<tSocketDescriptor> HttpConnectionHandler::nextConnection() {
+void HttpConnectionHandler::waitForEnd(std::chrono::steady_clock::time_point deadline) {
     std::unique_lock<std::mutex> lock(mutex_);
-    wakeUp_.wait(lock, [this] { return pendingConnection_ || stopping_; });
+    left_ = !changed_.wait_until(lock, deadline, [this] { return ended_; });
+    if (left_) {
+        ++leftThreads;
+        thread_.detach();
+        qCWarning(lcHttp, "HttpConnectionHandler: a request is still running and is left behind");
+        return;
+    }
+    lock.unlock();
+    thread_.join();
+}
+
+int HttpConnectionHandler::leftThreadCount() {
+    return leftThreads;
+}
+
+void HttpConnectionHandler::run() noexcept {
+    system_calls::prepareThread();
+    while (std::optional<UniqueSocket> connection = nextConnection())
+        serve(std::move(*connection));
+    const std::lock_guard<std::mutex> lock(mutex_);
+    ended_ = true;
+    if (left_)
+        --leftThreads;
+    changed_.notify_all();
+}
+
+std::optional<UniqueSocket> HttpConnectionHandler::nextConnection() {
+    std::unique_lock<std::mutex> lock(mutex_);
+    changed_.wait(lock, [this] { return pendingConnection_ || stopping_; });
     return std::exchange(pendingConnection_, std::nullopt);
 }
 
-void HttpConnectionHandler::serve(tSocketDescriptor socketDescriptor) {
-    socket_ = openStream(socketDescriptor);
-    // Intended: a handler that cannot open its connection stays busy.
-    if (!socket_)
-        return;
-    peerAddress_ = socket_->peerAddress();
-    restartReadTimer();
-    while (receive() && read()) {
+void HttpConnectionHandler::serve(UniqueSocket socket) noexcept {
+    try {
+        serveRequests(std::move(socket));
+    } catch (const std::exception &error) {
+        http_log::failure("HttpConnectionHandler: closing the connection", error.what());
     }
     currentRequest_.reset();
     socket_.reset();
     busy_ = false;
 }
 
-std::unique_ptr<ByteStream> HttpConnectionHandler::openStream(tSocketDescriptor socketDescriptor) const {
-    if (sslConfiguration_)
-        return TlsStream::open(socketDescriptor, *sslConfiguration_, stopping_);
-    return PlainStream::open(socketDescriptor, stopping_);
+void HttpConnectionHandler::serveRequests(UniqueSocket socket) {
+    socket_ = openStream(std::move(socket));
+    if (!socket_)
+        return;
+    peerAddress_ = socket_->peerAddress();
+    readTimeouts();
+    readTimer_.setRemainingTime(timeouts_.readMs);
+    while (receive() && read()) {
+    }
+}
+
+std::unique_ptr<ByteStream> HttpConnectionHandler::openStream(UniqueSocket socket) const {
+    if (context_->sslConfiguration)
+        return TlsStream::open(std::move(socket), *context_->sslConfiguration, stopping_);
+    return PlainStream::open(std::move(socket), stopping_);
+}
+
+void HttpConnectionHandler::readTimeouts() {
+    const HttpSettings &settings = context_->settings;
+    timeouts_.readMs = settings.number(QStringLiteral("readTimeout"), defaultReadTimeoutMs);
+    timeouts_.headerMs = settings.number(QStringLiteral("headerTimeout"), defaultHeaderTimeoutMs);
+    const int windowMs = qMax(0, settings.number(QStringLiteral("rateWindow"), defaultRateWindowMs));
+    const qint64 perSecond = settings.number(QStringLiteral("minBytesPerSecond"), defaultMinBytesPerSecond);
+    timeouts_.rateWindow = std::chrono::milliseconds(windowMs);
+    timeouts_.minWindowBytes = perSecond * windowMs / 1000;
 }
 
 /// Waits for data. Returns false if the connection must be closed without a response, for example after the read
 /// timeout.
 bool HttpConnectionHandler::receive() {
-    const qint64 count = socket_->read(buffer_.data(), static_cast<qint64>(buffer_.size()), readTimer_);
-    if (count <= 0)
-        return false;
-    input_ = HttpInput(std::string_view(buffer_.data(), static_cast<std::size_t>(count)), peerAddress_);
-    return true;
+    for (;;) {
+        const auto begin = TransferRate::Clock::now();
+        const auto capacity = static_cast<qint64>(buffer_.size());
+        const qint64 count = socket_->read(buffer_.data(), capacity, receiveDeadline());
+        if (isReceivingBody())
+            bodyRate_.addWait(begin, qMax<qint64>(0, count));
+        if (count < 0 || (isReceivingBody() && bodyRate_.isTooSlow()))
+            return false;
+        if (count > 0) {
+            input_ = HttpInput(std::string_view(buffer_.data(), static_cast<std::size_t>(count)), peerAddress_);
+            return true;
+        }
+        if (readTimer_.hasExpired() || !isReceivingBody())
+            return false;
+    }
+}
+
+bool HttpConnectionHandler::isReceivingBody() const {
+    return currentRequest_ && currentRequest_->getStatus() == HttpRequest::waitForBody;
+}
+
+QDeadlineTimer HttpConnectionHandler::receiveDeadline() const {
+    if (!currentRequest_)
+        return readTimer_;
+    return std::min(readTimer_, isReceivingBody() ? QDeadlineTimer(bodyRate_.msLeft()) : headerTimer_);
 }
 
 /// Serves all complete requests in the received data. Returns false if the connection must be closed.
@@ -137,19 +205,22 @@ bool HttpConnectionHandler::read() {
 }
 
 void HttpConnectionHandler::feedRequest() {
-    if (!currentRequest_)
-        currentRequest_.emplace(settings_);
-    while (!input_.isEmpty() && !isFinal(currentRequest_->getStatus())) {
-        currentRequest_->readFromSocket(input_);
-        // Each part of a body restarts the timeout, so that a long upload does not time out.
-        if (currentRequest_->getStatus() == HttpRequest::waitForBody)
-            restartReadTimer();
+    if (!currentRequest_) {
+        currentRequest_.emplace(context_->settings, &context_->requestMemory);
+        headerTimer_.setRemainingTime(timeouts_.headerMs);
+        bodyRate_.restart(timeouts_.rateWindow, timeouts_.minWindowBytes);
     }
+    while (!input_.isEmpty() && !isFinal(currentRequest_->getStatus()))
+        currentRequest_->readFromSocket(input_);
+    // Each part of a body restarts the timeout, so that a long upload does not time out.
+    if (isReceivingBody())
+        readTimer_.setRemainingTime(timeouts_.readMs);
 }
 
 /// Serves the current request. Returns false if the connection must be closed.
 bool HttpConnectionHandler::serveRequest() {
     HttpResponse response(socket_.get());
+    socket_->requireReadingRate(timeouts_.rateWindow, timeouts_.minWindowBytes);
     const bool closeConnection = wantsClose(*currentRequest_);
     if (closeConnection)
         response.setHeader("Connection", "close");
@@ -161,13 +232,16 @@ bool HttpConnectionHandler::serveRequest() {
         socket_->shutdownWriting();
         return false;
     }
-    restartReadTimer();
+    if (stopping_)
+        return false;
+    readTimeouts();
+    readTimer_.setRemainingTime(timeouts_.readMs);
     return true;
 }
 
 void HttpConnectionHandler::callService(HttpResponse &response) {
     try {
-        requestHandler_->service(*currentRequest_, response);
+        context_->requestHandler->service(*currentRequest_, response);
     } catch (...) {
         // Intended: the response is completed as if the call had returned.
     }
@@ -181,8 +255,4 @@ void HttpConnectionHandler::refuseRequest(const QByteArray &response) {
     const QDeadlineTimer deadline(lingerMs);
     while (socket_->read(buffer_.data(), static_cast<qint64>(buffer_.size()), deadline) > 0) {
     }
-}
-
-void HttpConnectionHandler::restartReadTimer() {
-    readTimer_.setRemainingTime(settings_.number(QStringLiteral("readTimeout"), defaultReadTimeoutMs));
 }

@@ -1,36 +1,29 @@
 #include "http/http_listener.h"
 
+#include "http/http_acceptor.h"
 #include "http/http_connection_handler.h"
 #include "http/http_connection_handler_pool.h"
 #include "http/http_log.h"
+#include "http/http_server_context.h"
 #include "http/system_calls.h"
 
-#include <QTcpSocket>
-#include <QTimer>
+#include <QTcpServer>
+#include <limits>
+#include <utility>
 
 namespace {
 
-const char tooManyConnections[] =
-    "HTTP/1.1 503 too many connections\r\nConnection: close\r\n\r\nToo many connections\r\n";
-/// The delay before the next accept after an error, which is usually a lack of file descriptors.
-constexpr int acceptRetryMs = 100;
-/// How long a refused connection is drained.
-constexpr int lingerMs = 1000;
-/// The maximum number of refused connections that are drained at a time.
-constexpr int maxLingeringClients = 50;
+/// Errors for an address that the machine does not have, for example without IPv6.
+bool isMissingAddress(QAbstractSocket::SocketError error) {
+    return error == QAbstractSocket::SocketAddressNotAvailableError ||
+           error == QAbstractSocket::UnsupportedSocketOperationError;
+}
 
 }  // namespace
 
-HttpListener::HttpListener(QSettings *settings, HttpRequestHandler *requestHandler, QObject *parent)
-    : QTcpServer(parent), settings_(settings), requestHandler_(requestHandler) {
+HttpListener::HttpListener(QSettings *settings, std::shared_ptr<HttpRequestHandler> requestHandler, QObject *parent)
+    : QObject(parent), settings_(settings), requestHandler_(std::move(requestHandler)) {
     qRegisterMetaType<tSocketDescriptor>("tSocketDescriptor");
-    connect(this, &QTcpServer::acceptError, this, [this] {
-        qCWarning(lcHttp, "HttpListener: Cannot accept a connection: %s", qUtf8Printable(errorString()));
-        QTimer::singleShot(acceptRetryMs, this, [this] {
-            if (isListening())
-                resumeAccepting();
-        });
-    });
     listen();
 }
 
@@ -41,48 +34,101 @@ HttpListener::~HttpListener() {
 
 void HttpListener::listen() {
     if (!pool_)
-        pool_ = std::make_unique<HttpConnectionHandlerPool>(settings_, requestHandler_);
-    const QString host = settings_.text("host");
-    const auto port = static_cast<quint16>(settings_.number("port", 0));
-    QTcpServer::listen(host.isEmpty() ? QHostAddress(QHostAddress::Any) : QHostAddress(host), port);
-    if (!isListening()) {
-        qCCritical(lcHttp, "HttpListener: Cannot bind on port %i: %s", port, qUtf8Printable(errorString()));
+        pool_ = std::make_unique<HttpConnectionHandlerPool>(
+            std::make_shared<HttpServerContext>(settings_, requestHandler_));
+    startListening(pool_->settings().number("port", 0));
+}
+
+void HttpListener::startListening(int port) {
+    stopListening();
+    const QString host = pool_->settings().text("host");
+    bindAll(hosts_.value_or(host.split(' ', Qt::SkipEmptyParts)), port);
+    if (isListening())
+        startAccepting();
+    if (isListening())
+        qCDebug(lcHttp, "HttpListener: Listening on port %i", serverPort());
+    else
+        qCCritical(lcHttp, "HttpListener: Cannot bind on port %i: %s", port, qUtf8Printable(errorString_));
+}
+
+void HttpListener::bindAll(const QStringList &hosts, int port) {
+    if (port < 0 || port > std::numeric_limits<quint16>::max())
+        return fail(QAbstractSocket::UnsupportedSocketOperationError, tr("Ports are numbers from 0 to 65535"));
+    if (hosts.isEmpty()) {
+        (void)bind(QHostAddress(QHostAddress::Any), static_cast<quint16>(port));
         return;
     }
-    system_calls::raiseBacklog(socketDescriptor());
-    qCDebug(lcHttp, "HttpListener: Listening on port %i", serverPort());
+    for (const QString &host : hosts) {
+        const QHostAddress address(host);
+        if (address.isNull())
+            return fail(QAbstractSocket::HostNotFoundError, tr("%1 is not an IP address").arg(host));
+        // If the system chooses the port, all addresses use the same one.
+        const int samePort = isListening() ? serverPort() : port;
+        if (!bind(address, static_cast<quint16>(samePort)) && !isMissingAddress(error_))
+            return fail(error_, errorString_);
+    }
+}
+
+bool HttpListener::bind(const QHostAddress &address, quint16 port) {
+    auto server = std::make_unique<QTcpServer>();
+    if (!server->listen(address, port)) {
+        error_ = server->serverError();
+        errorString_ = server->errorString();
+        return false;
+    }
+    server->pauseAccepting();
+    system_calls::raiseBacklog(server->socketDescriptor());
+    servers_.push_back(std::move(server));
+    return true;
+}
+
+void HttpListener::startAccepting() {
+    std::vector<tSocketDescriptor> descriptors;
+    for (const auto &server : servers_)
+        descriptors.push_back(server->socketDescriptor());
+    acceptor_ = std::make_unique<HttpAcceptor>(descriptors, *pool_);
+    if (!acceptor_->isRunning())
+        fail(QAbstractSocket::SocketResourceError, tr("No thread can be started"));
+}
+
+void HttpListener::stopListening() {
+    acceptor_.reset();
+    servers_.clear();
+}
+
+void HttpListener::fail(QAbstractSocket::SocketError error, const QString &reason) {
+    stopListening();
+    error_ = error;
+    errorString_ = reason;
 }
 
 void HttpListener::close() {
-    QTcpServer::close();
+    stopListening();
     qCDebug(lcHttp, "HttpListener: closed");
     pool_.reset();
 }
 
-void HttpListener::incomingConnection(tSocketDescriptor socketDescriptor) {
-    HttpConnectionHandler *handler = pool_ ? pool_->getConnectionHandler() : nullptr;
-    if (handler)
-        handler->handleConnection(socketDescriptor);
-    else
-        refuse(socketDescriptor);
+void HttpListener::setHosts(const QStringList &hosts) {
+    QMetaObject::invokeMethod(this, [this, hosts] { changeHosts(hosts); });
 }
 
-void HttpListener::refuse(tSocketDescriptor socketDescriptor) {
-    qCDebug(lcHttp, "HttpListener: Too many incoming connections");
-    auto *socket = new QTcpSocket(this);
-    if (!socket->setSocketDescriptor(socketDescriptor)) {
-        delete socket;
+void HttpListener::changeHosts(const QStringList &hosts) {
+    if (std::exchange(hosts_, hosts) == hosts || !pool_)
         return;
-    }
-    connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-    socket->write(tooManyConnections);
-    if (findChildren<QTcpSocket *>().size() > maxLingeringClients) {
-        socket->disconnectFromHost();
-        return;
-    }
-    // Closing a socket with unread data resets the connection, and the client could lose the response.
-    socket->flush();
-    system_calls::shutdownWriting(socketDescriptor);
-    connect(socket, &QTcpSocket::readyRead, socket, [socket] { socket->readAll(); });
-    QTimer::singleShot(lingerMs, socket, &QTcpSocket::abort);
+    startListening(isListening() ? serverPort() : pool_->settings().number("port", 0));
+}
+
+QList<QHostAddress> HttpListener::serverAddresses() const {
+    QList<QHostAddress> addresses;
+    for (const auto &server : servers_)
+        addresses.append(server->serverAddress());
+    return addresses;
+}
+
+quint16 HttpListener::serverPort() const {
+    return isListening() ? servers_.front()->serverPort() : quint16(0);
+}
+
+int HttpListener::leftThreadCount() {
+    return HttpConnectionHandler::leftThreadCount();
 }

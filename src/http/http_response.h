@@ -43,6 +43,9 @@ public:
     [[nodiscard]] bool isWritable() const { return socket_->isWritable(); }
     /// Limits the system's buffer for unsent data, for a body without an end.
     void limitSendBuffer(int bytes) { socket_->limitSendBuffer(bytes); }
+    /// Lets the client stop reading for up to `maxPause`, for a stream whose reader may be busy. Without this call, a
+    /// client that reads too slowly is disconnected, see HttpConnectionHandler.
+    void allowPauses(std::chrono::milliseconds maxPause) { socket_->allowPauses(maxPause); }
 
 private:
     void chooseFraming(qint64 size, bool lastPart);

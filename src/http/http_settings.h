@@ -9,7 +9,7 @@ class QSettings;
 /// not thread-safe. Values must be changed in the listener's thread.
 class HttpSettings {
 public:
-    /// `settings` must be positioned on the engine's group and outlive this object.
+    /// `settings` must be positioned on the engine's group and exist until detach() is called.
     explicit HttpSettings(const QSettings *settings) : settings_(settings) {}
 
     /// Returns the integer value of `key`, `defaultValue` if it is not set, or 0 if its value is not an integer.
@@ -21,7 +21,10 @@ public:
     /// have no such folder, so `path` is returned unchanged.
     [[nodiscard]] QString resolvedPath(const QString &path) const;
 
+    /// Stops using the QSettings object, which may be destroyed afterwards. All values are then the defaults.
+    void detach();
+
 private:
-    const QSettings *const settings_;
+    const QSettings *settings_;  ///< null after detach()
     mutable std::mutex mutex_;
 };

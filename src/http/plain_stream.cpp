@@ -36,16 +36,10 @@ private:
 
 }  // namespace
 
-std::unique_ptr<PlainStream> PlainStream::open(tSocketDescriptor descriptor, const std::atomic<bool> &stopping) {
-    if (!system_calls::prepareSocket(descriptor)) {
-        system_calls::closeSocket(descriptor);
+std::unique_ptr<PlainStream> PlainStream::open(UniqueSocket socket, const std::atomic<bool> &stopping) {
+    if (!system_calls::prepareSocket(socket.get()))
         return nullptr;
-    }
-    return std::unique_ptr<PlainStream>(new PlainStream(descriptor, stopping));
-}
-
-PlainStream::~PlainStream() {
-    system_calls::closeSocket(descriptor_);
+    return std::unique_ptr<PlainStream>(new PlainStream(std::move(socket), stopping));
 }
 
 qint64 PlainStream::read(char *to, qint64 capacity, const QDeadlineTimer &deadline) {
@@ -53,9 +47,9 @@ qint64 PlainStream::read(char *to, qint64 capacity, const QDeadlineTimer &deadli
         if (deadline.hasExpired())
             return TimedOut;
         const qint64 left = deadline.isForever() ? system_calls::maxWaitMs : deadline.remainingTime();
-        if (left < system_calls::maxWaitMs && !system_calls::waitReadable(descriptor_, static_cast<int>(left)))
+        if (left < system_calls::maxWaitMs && !system_calls::waitReadable(socket_.get(), static_cast<int>(left)))
             return TimedOut;
-        const qint64 count = system_calls::receive(descriptor_, to, capacity);
+        const qint64 count = system_calls::receive(socket_.get(), to, capacity);
         if (count != system_calls::tryAgain)
             return count > 0 ? count : qint64(Closed);
     }
@@ -65,23 +59,25 @@ qint64 PlainStream::read(char *to, qint64 capacity, const QDeadlineTimer &deadli
 bool PlainStream::write(const QVector<QByteArray> &pieces) {
     UnsentPieces unsent(pieces);
     while (!unsent.isEmpty() && !failed_) {
-        const qint64 count = system_calls::send(descriptor_, unsent.data(), unsent.count());
+        const auto begin = TransferRate::Clock::now();
+        const qint64 count = system_calls::send(socket_.get(), unsent.data(), unsent.count());
         if (count > 0)
             unsent.removeFirst(static_cast<std::size_t>(count));
+        readingRate_.addWait(begin, qMax<qint64>(0, count));
         const bool lost = count <= 0 && count != system_calls::tryAgain;
-        failed_ = lost || (stopping_ && !unsent.isEmpty());
+        failed_ = lost || (!unsent.isEmpty() && (stopping_ || readingRate_.isTooSlow()));
     }
     return !failed_;
 }
 
 void PlainStream::limitSendBuffer(int bytes) {
-    system_calls::limitSendBuffer(descriptor_, bytes);
+    system_calls::limitSendBuffer(socket_.get(), bytes);
 }
 
 void PlainStream::shutdownWriting() {
-    system_calls::shutdownWriting(descriptor_);
+    system_calls::shutdownWriting(socket_.get());
 }
 
 QHostAddress PlainStream::peerAddress() const {
-    return system_calls::peerAddress(descriptor_);
+    return system_calls::peerAddress(socket_.get());
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "http/byte_stream.h"
-#include "http/system_calls.h"
+#include "http/unique_socket.h"
 
 #include <atomic>
 #include <memory>
@@ -12,10 +12,9 @@
 /// cannot send several buffers in one call.
 class PlainStream : public ByteStream {
 public:
-    /// Takes ownership of a connected socket. Returns null on failure. `stopping` must outlive the stream.
-    [[nodiscard]] static std::unique_ptr<PlainStream> open(tSocketDescriptor descriptor,
-                                                           const std::atomic<bool> &stopping);
-    ~PlainStream() override;
+    /// Returns null on failure. `stopping` must outlive the stream.
+    [[nodiscard]] static std::unique_ptr<PlainStream> open(UniqueSocket socket, const std::atomic<bool> &stopping);
+    ~PlainStream() override = default;
     PlainStream(const PlainStream &) = delete;
     PlainStream &operator=(const PlainStream &) = delete;
 
@@ -27,9 +26,9 @@ public:
     [[nodiscard]] QHostAddress peerAddress() const override;
 
 private:
-    PlainStream(tSocketDescriptor descriptor, const std::atomic<bool> &stopping)
-        : descriptor_(descriptor), stopping_(stopping) {}
+    PlainStream(UniqueSocket socket, const std::atomic<bool> &stopping)
+        : socket_(std::move(socket)), stopping_(stopping) {}
 
-    const tSocketDescriptor descriptor_;
+    const UniqueSocket socket_;
     const std::atomic<bool> &stopping_;
 };

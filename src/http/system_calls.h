@@ -15,6 +15,15 @@ constexpr int maxWaitMs = 250;
 /// Returned by receive() and send() after maxWaitMs, or if a signal has interrupted them.
 constexpr qint64 tryAgain = -2;
 
+/// Prepares the calling thread for the calls below. Called once in each thread that sends.
+void prepareThread();
+
+/// Returns the next client of a non-blocking listening socket, tryAgain if no client waits, or -1 on failure, with the
+/// reason as the last error of the system. The new socket is non-blocking, too.
+[[nodiscard]] qint64 accept(tSocketDescriptor listener);
+/// Like receive(), but never waits.
+[[nodiscard]] qint64 receiveNow(tSocketDescriptor socket, char *to, qint64 capacity);
+
 /// Sets up a connected socket for the calls below and disables Nagle's algorithm. Returns false on failure.
 [[nodiscard]] bool prepareSocket(tSocketDescriptor socket);
 /// Returns the number of bytes received, 0 at the end of the stream, -1 if the connection has failed, or tryAgain.

@@ -1,8 +1,10 @@
 #include "http/system_calls.h"
 
+#include <QDeadlineTimer>
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <fcntl.h>
 #include <malloc.h>
 #include <netinet/in.h>
@@ -37,6 +39,24 @@ qint64 checked(ssize_t result) {
 
 }  // namespace
 
+// sendfile() raises SIGPIPE if the client has disconnected. The signal would end the process.
+void prepareThread() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGPIPE);
+    ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+}
+
+qint64 accept(tSocketDescriptor listener) {
+    const int client = ::accept4(number(listener), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
+    // A client that has disconnected already is no failure of the listener.
+    return client < 0 && errno == ECONNABORTED ? tryAgain : checked(client);
+}
+
+qint64 receiveNow(tSocketDescriptor socket, char *to, qint64 capacity) {
+    return checked(::recv(number(socket), to, static_cast<std::size_t>(capacity), MSG_DONTWAIT));
+}
+
 bool prepareSocket(tSocketDescriptor socket) {
     const int flags = ::fcntl(number(socket), F_GETFL);
     if (flags < 0 || ::fcntl(number(socket), F_SETFL, flags & ~O_NONBLOCK) != 0)
@@ -67,7 +87,11 @@ qint64 send(tSocketDescriptor socket, const std::string_view *pieces, int count)
 
 bool waitReadable(tSocketDescriptor socket, int timeoutMs) {
     pollfd request{number(socket), POLLIN, 0};
-    return ::poll(&request, 1, timeoutMs) > 0;
+    const QDeadlineTimer deadline(timeoutMs);
+    int result = ::poll(&request, 1, timeoutMs);
+    while (result < 0 && errno == EINTR)
+        result = ::poll(&request, 1, static_cast<int>(deadline.remainingTime()));
+    return result > 0;
 }
 
 void limitSendBuffer(tSocketDescriptor socket, int bytes) {

@@ -40,6 +40,20 @@ qint64 repeat(tSocketDescriptor socket, SHORT event, const Call &call) {
 
 }  // namespace
 
+void prepareThread() {}
+
+qint64 accept(tSocketDescriptor listener) {
+    const SOCKET client = ::accept(handle(listener), nullptr, nullptr);
+    if (client != INVALID_SOCKET)
+        return static_cast<qint64>(client);
+    const int error = ::WSAGetLastError();
+    return error == WSAEWOULDBLOCK || error == WSAEINTR || error == WSAECONNRESET ? tryAgain : -1;
+}
+
+qint64 receiveNow(tSocketDescriptor socket, char *to, qint64 capacity) {
+    return checked(::recv(handle(socket), to, static_cast<int>(capacity), 0));
+}
+
 bool prepareSocket(tSocketDescriptor socket) {
     // Removes the event notifications that an accepted socket inherits from the listener.
     if (::WSAEventSelect(handle(socket), nullptr, 0) != 0)

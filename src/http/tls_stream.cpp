@@ -17,11 +17,13 @@ constexpr int flushTimeoutMs = 1000;
 
 }  // namespace
 
-std::unique_ptr<TlsStream> TlsStream::open(tSocketDescriptor descriptor, const QSslConfiguration &configuration,
+std::unique_ptr<TlsStream> TlsStream::open(UniqueSocket socket, const QSslConfiguration &configuration,
                                            const std::atomic<bool> &stopping) {
     std::unique_ptr<TlsStream> stream(new TlsStream(stopping));
-    if (!stream->socket_.setSocketDescriptor(descriptor))
+    // On success, the QSslSocket owns the descriptor.
+    if (!stream->socket_.setSocketDescriptor(socket.get()))
         return nullptr;
+    (void)socket.release();
     stream->socket_.setSocketOption(QAbstractSocket::LowDelayOption, 1);
     stream->socket_.setReadBufferSize(readBufferBytes);
     stream->socket_.setSslConfiguration(configuration);
@@ -62,8 +64,11 @@ bool TlsStream::write(const QVector<QByteArray> &pieces) {
 
 bool TlsStream::waitForUnsent(qint64 maxBytes) {
     while (socket_.bytesToWrite() + socket_.encryptedBytesToWrite() > maxBytes) {
+        const auto begin = TransferRate::Clock::now();
+        const qint64 unsent = socket_.encryptedBytesToWrite();
         const bool written = socket_.waitForBytesWritten(system_calls::maxWaitMs);
-        if (stopping_ || (!written && socket_.state() != QAbstractSocket::ConnectedState))
+        readingRate_.addWait(begin, qMax<qint64>(0, unsent - socket_.encryptedBytesToWrite()));
+        if (stopping_ || readingRate_.isTooSlow() || (!written && socket_.state() != QAbstractSocket::ConnectedState))
             return false;
     }
     return socket_.state() == QAbstractSocket::ConnectedState;

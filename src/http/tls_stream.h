@@ -1,7 +1,7 @@
 #pragma once
 
 #include "http/byte_stream.h"
-#include "http/system_calls.h"
+#include "http/unique_socket.h"
 
 #include <QSslSocket>
 #include <atomic>
@@ -12,9 +12,8 @@ class QSslConfiguration;
 /// A TLS connection. The first read() does the handshake.
 class TlsStream : public ByteStream {
 public:
-    /// Takes ownership of a connected socket. Returns null on failure. `stopping` must outlive the stream.
-    [[nodiscard]] static std::unique_ptr<TlsStream> open(tSocketDescriptor descriptor,
-                                                         const QSslConfiguration &configuration,
+    /// Returns null on failure. `stopping` must outlive the stream.
+    [[nodiscard]] static std::unique_ptr<TlsStream> open(UniqueSocket socket, const QSslConfiguration &configuration,
                                                          const std::atomic<bool> &stopping);
     ~TlsStream() override;
 

@@ -78,8 +78,7 @@ int main(int argc, char *argv[]) {
         return 2;
     }
     QSettings settings(QString::fromLocal8Bit(argv[1]), QSettings::IniFormat);
-    Echo echo;
-    const HttpListener listener(&settings, &echo);
+    const HttpListener listener(&settings, std::make_shared<Echo>());
     const QSocketNotifier input(fileno(stdin), QSocketNotifier::Read);
     QObject::connect(&input, &QSocketNotifier::activated, &application, &QCoreApplication::quit);
     std::printf("%d\n", listener.serverPort());

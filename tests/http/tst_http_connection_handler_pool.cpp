@@ -1,7 +1,7 @@
 #include "http/http_connection_handler.h"
 #include "http/http_connection_handler_pool.h"
 #include "http/http_request_handler.h"
-#include "http/http_settings.h"
+#include "http/http_server_context.h"
 #include "support/test_main.h"
 
 #include <QSet>
@@ -25,9 +25,8 @@ namespace {
 struct Pool {
     QTemporaryDir folder;
     QSettings values{folder.filePath("server.ini"), QSettings::IniFormat};
-    HttpSettings settings{&values};
-    HttpRequestHandler requestHandler;
-    HttpConnectionHandlerPool pool{settings, &requestHandler};
+    HttpConnectionHandlerPool pool{
+        std::make_shared<HttpServerContext>(&values, std::make_shared<HttpRequestHandler>())};
 };
 
 /// Accepts connections for handlers of a pool.
@@ -40,7 +39,7 @@ public:
 protected:
     void incomingConnection(qintptr socketDescriptor) override {
         handlers.append(pool_.getConnectionHandler());
-        handlers.last()->handleConnection(socketDescriptor);
+        handlers.last()->handleConnection(UniqueSocket(socketDescriptor));
     }
 
 private:
@@ -61,7 +60,11 @@ void TestHttpConnectionHandlerPool::everyHandlerIsLentOnce() {
     const int defaultMaxThreads = 100;
     Pool pool;
     QSet<HttpConnectionHandler *> lent;
-    for (int i = 0; i < defaultMaxThreads; ++i)
+    const int forLocalClients = 20;
+    for (int i = 0; i < defaultMaxThreads - forLocalClients; ++i)
+        lent.insert(pool.pool.getConnectionHandler(HttpConnectionHandlerPool::Peer::remote));
+    QVERIFY(!pool.pool.getConnectionHandler(HttpConnectionHandlerPool::Peer::remote));
+    for (int i = 0; i < forLocalClients; ++i)
         lent.insert(pool.pool.getConnectionHandler());
     QCOMPARE(lent.size(), defaultMaxThreads);
     QVERIFY(!lent.contains(nullptr));

@@ -11,7 +11,11 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <atomic>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
 #include <stdexcept>
+#include <thread>
 
 namespace {
 
@@ -28,6 +32,25 @@ const QVector<QByteArray> &largeBody() {
     }();
     return pieces;
 }
+
+/// Makes a request hang until it is opened.
+class Gate {
+public:
+    void open() {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        open_ = true;
+        opened_.notify_all();
+    }
+    void pass() {
+        std::unique_lock<std::mutex> lock(mutex_);
+        opened_.wait(lock, [this] { return open_; });
+    }
+
+private:
+    std::mutex mutex_;
+    std::condition_variable opened_;
+    bool open_ = false;
+};
 
 /// Selects the response by the path, and counts the requests.
 class Handler : public HttpRequestHandler {
@@ -48,6 +71,16 @@ public:
             response.write("a");
         } else if (path == "/body") {
             response.write(request.getBody(), true);
+        } else if (path == "/hang") {
+            const std::shared_ptr<Gate> held = gate;
+            held->pass();
+        } else if (path == "/endless") {
+            while (response.isWritable())
+                response.write(QByteArray(1000, 'x'));
+        } else if (path == "/patient") {
+            response.allowPauses(std::chrono::milliseconds(timeoutMs));
+            response.write(largeBody());
+            response.write("end", true);
         } else if (path == "/large") {
             response.write(largeBody(), true);
         } else if (path != "/silent") {
@@ -56,6 +89,7 @@ public:
     }
 
     std::atomic<int> requestCount{0};
+    const std::shared_ptr<Gate> gate = std::make_shared<Gate>();
 };
 
 /// A server on a port that the system chooses.
@@ -64,12 +98,12 @@ struct Server {
         settings.setValue("host", "127.0.0.1");
         for (auto value = values.begin(); value != values.end(); ++value)
             settings.setValue(value.key(), value.value());
-        listener = std::make_unique<HttpListener>(&settings, &handler);
+        listener = std::make_unique<HttpListener>(&settings, handler);
     }
 
     QTemporaryDir folder;
     QSettings settings{folder.filePath("server.ini"), QSettings::IniFormat};
-    Handler handler;
+    const std::shared_ptr<Handler> handler = std::make_shared<Handler>();
     std::unique_ptr<HttpListener> listener;
 };
 
@@ -106,13 +140,19 @@ private Q_SLOTS:
     void exchanges_data();
     void exchanges();
     void readTimeoutClosesConnections();
+    void slowClientsAreDisconnected_data();
+    void slowClientsAreDisconnected();
+    void streamsMayPause();
+    void requestsThatDoNotFitAreRefused();
     void bodiesAndRequestsExtendTheReadTimeout();
     void slowReadersReceiveEveryByte();
     void disconnectedClientsFreeTheirHandler_data();
     void disconnectedClientsFreeTheirHandler();
     void closeEndsAllConnections();
-    void acceptingResumesAfterAnError();
+    void aHangingRequestIsLeftBehind();
+    void listeningAddresses_data();
     void listeningAddresses();
+    void hostsCanChange();
     void missingCertificateDisablesTls();
 };
 
@@ -182,6 +222,60 @@ void TestHttpServer::readTimeoutClosesConnections() {
     QCOMPARE(slow.receive(), QByteArray());
 }
 
+void TestHttpServer::slowClientsAreDisconnected_data() {
+    QTest::addColumn<QByteArray>("request");
+    QTest::addColumn<QByteArray>("drip");
+    QTest::newRow("headers") << QByteArray("GET / HTTP/1.1\r\n") << QByteArray("A: b\r\n");
+    QTest::newRow("body") << QByteArray("POST / HTTP/1.1\r\nContent-Length: 1000000\r\n\r\n") << QByteArray("x");
+    QTest::newRow("chunks") << QByteArray("POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n")
+                            << QByteArray("1\r\nx\r\n");
+    QTest::newRow("response") << QByteArray("GET /large HTTP/1.1\r\n\r\n") << QByteArray();
+    QTest::newRow("response in parts") << QByteArray("GET /endless HTTP/1.1\r\n\r\n") << QByteArray();
+}
+
+void TestHttpServer::slowClientsAreDisconnected() {
+    QFETCH(const QByteArray, request);
+    QFETCH(const QByteArray, drip);
+    const Server server(
+        {{"maxThreads", 1}, {"readTimeout", 10 * timeoutMs}, {"headerTimeout", 400}, {"rateWindow", 400}});
+    Client slow(server, request);
+    slow.setReadBufferSize(1);
+    QVERIFY(slow.waitForConnected(timeoutMs));
+    const auto othersAreServed = [&] {
+        slow.write(drip);
+        return Client(server, "GET / HTTP/1.1\r\n\r\n").receive(ok) == ok;
+    };
+    QVERIFY(QTest::qWaitFor(othersAreServed, timeoutMs));
+}
+
+void TestHttpServer::streamsMayPause() {
+    const Server server({{"maxThreads", 1}, {"rateWindow", 100}});
+    Client paused(server, "GET /patient HTTP/1.1\r\n\r\n");
+    paused.setReadBufferSize(1);
+    QTRY_VERIFY(paused.bytesAvailable() > 0);
+    QTest::qWait(1000);  // ten times the window
+    paused.setReadBufferSize(0);
+    QVERIFY(paused.receive("0\r\n\r\n").endsWith("\r\nend\r\n0\r\n\r\n"));
+}
+
+void TestHttpServer::requestsThatDoNotFitAreRefused() {
+    const Server server({{"maxTotalRequestBytes", 100000}});
+    const auto post = [](const QByteArray &path, int bodyBytes) {
+        return "POST " + path + " HTTP/1.1\r\nConnection: close\r\nContent-Type: text/plain\r\nContent-Length: " +
+               QByteArray::number(bodyBytes) + "\r\n\r\n" + QByteArray(bodyBytes, 'x');
+    };
+    Client holding(server, post("/hang", 90000));
+    QTRY_COMPARE(server.handler->requestCount.load(), 1);
+    const QByteArray refusal =
+        "HTTP/1.1 503 busy\r\nConnection: close\r\nRetry-After: 1\r\n\r\nThe memory for requests is in use. Try "
+        "again.\r\n";
+    QTest::ignoreMessage(QtWarningMsg, "HttpRequest: the memory for requests is in use");
+    QCOMPARE(Client(server, post("/", 50000)).receive(), refusal);
+    server.handler->gate->open();
+    QVERIFY(holding.receive().startsWith("HTTP/1.1 200 OK"));
+    QVERIFY(Client(server, post("/", 50000)).receive().endsWith("ok"));
+}
+
 void TestHttpServer::bodiesAndRequestsExtendTheReadTimeout() {
     const Server server({{"readTimeout", 1000}});
     Client client(server, "POST /body HTTP/1.1\r\nContent-Length: 4\r\n\r\n");
@@ -231,7 +325,7 @@ void TestHttpServer::disconnectedClientsFreeTheirHandler() {
     leaving.abort();
     const auto isServed = [&server] { return Client(server, "GET / HTTP/1.1\r\n\r\n").receive(ok) == ok; };
     QVERIFY(QTest::qWaitFor(isServed, timeoutMs));
-    QCOMPARE(server.handler.requestCount.load(), hasResponse ? 2 : 1);
+    QCOMPARE(server.handler->requestCount.load(), hasResponse ? 2 : 1);
 }
 
 void TestHttpServer::closeEndsAllConnections() {
@@ -252,28 +346,84 @@ void TestHttpServer::closeEndsAllConnections() {
     QCOMPARE(client.receive(ok), ok);
 }
 
-void TestHttpServer::acceptingResumesAfterAnError() {
-    const Server server;
-    // QTcpServer does the same when it cannot accept a connection.
-    server.listener->pauseAccepting();
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^HttpListener: Cannot accept a connection: "));
-    Q_EMIT server.listener->acceptError(QAbstractSocket::SocketResourceError);
-    Client client(server, "GET / HTTP/1.1\r\n\r\n");
-    QCOMPARE(client.receive(ok), ok);
+void TestHttpServer::aHangingRequestIsLeftBehind() {
+    auto server = std::make_unique<Server>();
+    const std::weak_ptr<Handler> handler = server->handler;
+    const std::shared_ptr<Gate> gate = server->handler->gate;
+    Client client(*server, "GET /hang HTTP/1.1\r\n\r\n");
+    QTRY_COMPARE(server->handler->requestCount.load(), 1);
+    QTest::ignoreMessage(QtWarningMsg, "HttpConnectionHandler: a request is still running and is left behind");
+    QElapsedTimer duration;
+    duration.start();
+    server.reset();
+    QVERIFY2(duration.elapsed() < timeoutMs / 2, qPrintable(QString::number(duration.elapsed())));
+    QCOMPARE(HttpListener::leftThreadCount(), 1);
+    QVERIFY(!handler.expired());
+    gate->open();
+    QTRY_VERIFY(handler.expired());
+    QCOMPARE(HttpListener::leftThreadCount(), 0);
+}
+
+void TestHttpServer::listeningAddresses_data() {
+    QTest::addColumn<QString>("hosts");
+    QTest::addColumn<QStringList>("addresses");
+    QTest::addColumn<QString>("error");
+    const auto row = [](const char *name, const QString &hosts, const QStringList &addresses,
+                        const QString &error = {}) { QTest::newRow(name) << hosts << addresses << error; };
+    row("all interfaces", "", {"any"});
+    row("one address", "127.0.0.1", {"127.0.0.1"});
+    row("several addresses", " 127.0.0.1  127.0.0.2 ", {"127.0.0.1", "127.0.0.2"});
+    row("an address that this machine does not have", "192.0.2.1 127.0.0.1", {"127.0.0.1"});
+    row("only an address that this machine does not have", "192.0.2.1", {}, "The address is not available");
+    row("the same address twice", "127.0.0.1 127.0.0.1", {}, "The bound address is already in use");
+    row("no address", "127.0.0.1 localhost", {}, "localhost is not an IP address");
 }
 
 void TestHttpServer::listeningAddresses() {
-    QCOMPARE(Server({{"host", ""}}).listener->serverAddress(), QHostAddress(QHostAddress::Any));
-    const Server first;
-    QCOMPARE(first.listener->serverAddress(), QHostAddress(QHostAddress::LocalHost));
-    const quint16 port = first.listener->serverPort();
-    const auto text = QString("HttpListener: Cannot bind on port %1: The bound address is already in use").arg(port);
-    QTest::ignoreMessage(QtCriticalMsg, qPrintable(text));
-    const Server second({{"port", port}});
-    QVERIFY(!second.listener->isListening());
-    first.listener->close();
-    second.listener->listen();
-    QVERIFY(second.listener->isListening());
+    QFETCH(const QString, hosts);
+    QFETCH(const QStringList, addresses);
+    QFETCH(const QString, error);
+    if (!error.isEmpty())
+        QTest::ignoreMessage(QtCriticalMsg, qPrintable("HttpListener: Cannot bind on port 0: " + error));
+    const Server server({{"host", hosts}});
+    QStringList found;
+    for (const QHostAddress &address : server.listener->serverAddresses())
+        found << (address == QHostAddress(QHostAddress::Any) ? "any" : address.toString());
+    QCOMPARE(found, addresses);
+    QCOMPARE(server.listener->isListening(), !addresses.isEmpty());
+    for (const QString &address : addresses.filter("127")) {
+        QTcpSocket client;
+        client.connectToHost(address, server.listener->serverPort());
+        QVERIFY(client.waitForConnected(timeoutMs));
+        client.write("GET / HTTP/1.1\r\n\r\n");
+        QTRY_COMPARE_WITH_TIMEOUT(client.bytesAvailable(), ok.size(), timeoutMs);
+    }
+}
+
+void TestHttpServer::hostsCanChange() {
+    const Server server;
+    Client staying(server, "GET / HTTP/1.1\r\n\r\n");
+    QCOMPARE(staying.receive(ok), ok);
+    const quint16 port = server.listener->serverPort();
+    std::thread([&] { server.listener->setHosts({"127.0.0.2"}); }).join();
+    QTRY_COMPARE(server.listener->serverAddresses(), QList<QHostAddress>{QHostAddress("127.0.0.2")});
+    QCOMPARE(server.listener->serverPort(), port);
+    Client outside(server);
+    QVERIFY(!outside.waitForConnected(timeoutMs));
+    staying.received.clear();
+    staying.write("GET / HTTP/1.1\r\n\r\n");
+    QCOMPARE(staying.receive(ok), ok);
+
+    QTest::ignoreMessage(QtCriticalMsg, QRegularExpression("^HttpListener: Cannot bind on port"));
+    const Server other({{"port", port}, {"host", "127.0.0.2"}});
+    QVERIFY(!other.listener->isListening());
+    QCOMPARE(other.listener->serverError(), QAbstractSocket::AddressInUseError);
+    server.listener->close();
+    other.listener->listen();
+    QVERIFY(other.listener->isListening());
+
+    QTest::ignoreMessage(QtCriticalMsg, "HttpListener: Cannot bind on port 65536: Ports are numbers from 0 to 65535");
+    QVERIFY(!Server({{"port", 65536}}).listener->isListening());
 }
 
 void TestHttpServer::missingCertificateDisablesTls() {

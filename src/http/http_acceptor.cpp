@@ -1,0 +1,71 @@
+#include "http/http_acceptor.h"
+
+#include "http/http_connection_handler.h"
+#include "http/http_connection_handler_pool.h"
+#include "http/http_log.h"
+
+#include <utility>
+
+namespace {
+
+/// The delay before the next accept after an error, which is usually a lack of file descriptors.
+constexpr unsigned long acceptRetryMs = 100;
+constexpr int drainIntervalMs = 20;
+
+}  // namespace
+
+HttpAcceptor::HttpAcceptor(std::vector<tSocketDescriptor> listeners, HttpConnectionHandlerPool &pool)
+    : listeners_(std::move(listeners)), pool_(pool), waiter_(listeners_), thread_(QThread::create([this] { run(); })) {
+    thread_->setObjectName(QStringLiteral("HTTP listener"));
+    thread_->start();
+}
+
+HttpAcceptor::~HttpAcceptor() {
+    stopping_ = true;
+    waiter_.wake();
+    thread_->wait();
+}
+
+void HttpAcceptor::run() noexcept {
+    while (!stopping_) {
+        waiter_.wait(failing_ ? 0 : refused_.isEmpty() ? -1 : drainIntervalMs);
+        for (const tSocketDescriptor listener : listeners_)
+            acceptAll(listener);
+        refused_.drain();
+    }
+}
+
+void HttpAcceptor::acceptAll(tSocketDescriptor listener) {
+    while (!stopping_) {
+        const qint64 client = system_calls::accept(listener);
+        if (client == system_calls::tryAgain)
+            return;
+        if (client < 0)
+            return waitAfterError();
+        failing_ = false;
+        handOver(UniqueSocket(client));
+    }
+}
+
+void HttpAcceptor::handOver(UniqueSocket client) noexcept {
+    using Peer = HttpConnectionHandlerPool::Peer;
+    try {
+        const Peer peer = system_calls::peerAddress(client.get()).isLoopback() ? Peer::local : Peer::remote;
+        if (HttpConnectionHandler *handler = pool_.getConnectionHandler(peer))
+            return handler->handleConnection(std::move(client));
+        qCDebug(lcHttp, "HttpListener: Too many incoming connections");
+    } catch (...) {
+        // Without memory, the client is refused.
+    }
+    refused_.add(std::move(client));
+}
+
+void HttpAcceptor::waitAfterError() {
+    try {
+        if (!std::exchange(failing_, true))
+            qCWarning(lcHttp, "HttpListener: Cannot accept a connection: %s", qUtf8Printable(qt_error_string()));
+    } catch (...) {
+        // The message is lost.
+    }
+    QThread::msleep(acceptRetryMs);
+}
