@@ -6,6 +6,9 @@
 #include <QDeadlineTimer>
 #include <QHostAddress>
 #include <QVector>
+#include <chrono>
+
+class QFile;
 
 /// The sending direction of a connection.
 class HttpOutput {
@@ -15,6 +18,9 @@ public:
     /// Sends the pieces in order. Blocks until the system has accepted all data. Returns false if the connection has
     /// failed, or if the client reads too slowly. Later calls then do nothing.
     virtual bool write(const QVector<QByteArray> &pieces) = 0;
+    /// Sends `head`, and then `sizeBytes` bytes of an open file from `offset` on. Returns false if the connection or
+    /// the file has failed, or if the file is shorter.
+    virtual bool writeFile(const QByteArray &head, QFile &file, qint64 offset, qint64 sizeBytes);
     /// Returns whether data can still be sent: no write has failed, and the server is not stopping.
     [[nodiscard]] virtual bool isWritable() const = 0;
     /// Limits the system's buffer for unsent data, so that a client that stops reading is noticed early.
@@ -39,6 +45,7 @@ public:
     /// Closes the sending direction. The client still receives everything that was written before.
     virtual void shutdownWriting() = 0;
     [[nodiscard]] virtual QHostAddress peerAddress() const = 0;
+    bool writeFile(const QByteArray &head, QFile &file, qint64 offset, qint64 sizeBytes) override;
     /// Returns whether a write has failed. Later writes do nothing.
     [[nodiscard]] bool hasFailed() const { return failed_; }
     /// Lets writes fail if the client reads less than `minBytes` in a `window` of waiting for it. A window of 0 is no

@@ -39,8 +39,10 @@ bool isFramed(const QMap<QByteArray, QByteArray> &headers) {
     return headers.contains("Content-Length") || equalsIgnoringCase(headers.value("Transfer-Encoding"), "chunked");
 }
 
-bool keepsOpen(const QMap<QByteArray, QByteArray> &headers) {
-    return !equalsIgnoringCase(headers.value("Connection"), "close") && isFramed(headers);
+bool keepsOpen(const HttpResponse &response) {
+    const QMap<QByteArray, QByteArray> &headers = response.getHeaders();
+    return !equalsIgnoringCase(headers.value("Connection"), "close") &&
+           (response.endsWithHeaders() || isFramed(headers));
 }
 
 std::atomic<int> leftThreads{0};
@@ -228,7 +230,7 @@ bool HttpConnectionHandler::serveRequest() {
     if (!response.hasSentLastPart())
         response.write(QByteArray(), true);
     currentRequest_.reset();
-    if (closeConnection || !keepsOpen(response.getHeaders()) || socket_->hasFailed()) {
+    if (closeConnection || !keepsOpen(response) || socket_->hasFailed()) {
         socket_->shutdownWriting();
         return false;
     }

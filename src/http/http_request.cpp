@@ -141,8 +141,8 @@ void HttpRequest::readRequestLine(std::string_view line) {
         abort(abortBroken, "received broken HTTP request, invalid first line");
         return;
     }
-    // The path is stored twice when its query is removed.
-    if (!takeMemory(2 * static_cast<qint64>(line.size())))
+    // The path is stored again when its query is removed, and when it is decoded.
+    if (!takeMemory(3 * static_cast<qint64>(line.size())))
         return;
     method_ = copy(trimmed(line.substr(0, first)));
     path_ = rawPath_ = copy(line.substr(first + 1, last - first - 1));

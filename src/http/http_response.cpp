@@ -3,8 +3,6 @@
 #include "http/byte_stream.h"
 #include "http/byte_text.h"
 
-#include <QFile>
-#include <algorithm>
 #include <numeric>
 
 void HttpResponse::setHeader(const QByteArray &name, const QByteArray &value) {
@@ -53,21 +51,14 @@ void HttpResponse::write(const QVector<QByteArray> &data, bool lastPart) {
 
 void HttpResponse::writeFile(QFile &file, qint64 offset, qint64 sizeBytes) {
     setHeader("Content-Length", QByteArray::number(sizeBytes));
-    socket_->write({headerBlock()});
+    socket_->writeFile(headerBlock(), file, offset, sizeBytes);
     sentHeaders_ = true;
     sentLastPart_ = true;
-    constexpr qint64 blockBytes = 65536;
-    file.seek(offset);
-    while (sizeBytes > 0 && socket_->isWritable()) {
-        const QByteArray block = file.read(std::min(sizeBytes, blockBytes));
-        if (block.isEmpty())
-            return;
-        socket_->write({block});
-        sizeBytes -= block.size();
-    }
 }
 
 void HttpResponse::chooseFraming(qint64 size, bool lastPart) {
+    if (endsWithHeaders())
+        return;
     if (lastPart) {
         setHeader("Content-Length", QByteArray::number(size));
         return;

@@ -30,13 +30,17 @@ public:
     [[nodiscard]] const QMap<QByteArray, QByteArray> &getHeaders() const { return headers_; }
     [[nodiscard]] bool hasSentLastPart() const { return sentLastPart_; }
 
+    /// Returns whether the status allows no body and no framing, like 204. Write an empty last part then.
+    [[nodiscard]] bool endsWithHeaders() const { return statusCode_ == 204; }
+
     /// Sends a part of the body. The first call also sends the headers. The last part may be empty.
     void write(const QByteArray &data, bool lastPart = false);
     /// Sends several pieces as one part, without joining them in memory.
     void write(const QVector<QByteArray> &data, bool lastPart = false);
 
-    /// Sends `sizeBytes` bytes of an open file from `offset` on, as the whole body, with a "Content-Length" header. If
-    /// the file turns out to be shorter, the connection fails, so that the client notices.
+    /// Sends `sizeBytes` bytes of an open file from `offset` on, as the whole body, with a "Content-Length" header, and
+    /// without reading the file into memory. If the file turns out to be shorter, or cannot be read, the connection
+    /// fails, so that the client notices.
     void writeFile(QFile &file, qint64 offset, qint64 sizeBytes);
 
     /// Returns whether the client can still receive data. Becomes false when a write has failed or the server stops.

@@ -3,7 +3,9 @@
 #include "http/byte_text.h"
 #include "http/system_calls.h"
 
+#include <QFile>
 #include <QVarLengthArray>
+#include <algorithm>
 
 namespace {
 
@@ -57,15 +59,45 @@ qint64 PlainStream::read(char *to, qint64 capacity, const QDeadlineTimer &deadli
 }
 
 bool PlainStream::write(const QVector<QByteArray> &pieces) {
+    return send(pieces, system_calls::Following::unknown);
+}
+
+bool PlainStream::send(const QVector<QByteArray> &pieces, system_calls::Following following) {
     UnsentPieces unsent(pieces);
     while (!unsent.isEmpty() && !failed_) {
         const auto begin = TransferRate::Clock::now();
-        const qint64 count = system_calls::send(socket_.get(), unsent.data(), unsent.count());
+        const qint64 count = system_calls::send(socket_.get(), unsent.data(), unsent.count(), following);
         if (count > 0)
             unsent.removeFirst(static_cast<std::size_t>(count));
-        readingRate_.addWait(begin, qMax<qint64>(0, count));
-        const bool lost = count <= 0 && count != system_calls::tryAgain;
-        failed_ = lost || (!unsent.isEmpty() && (stopping_ || readingRate_.isTooSlow()));
+        endWait(begin, count, unsent.isEmpty());
+    }
+    return !failed_;
+}
+
+/// Decides from the result of a system call whether the connection has failed.
+void PlainStream::endWait(TransferRate::Clock::time_point begin, qint64 result, bool finished) {
+    readingRate_.addWait(begin, qMax<qint64>(0, result));
+    const bool lost = result <= 0 && result != system_calls::tryAgain;
+    failed_ = lost || (!finished && (stopping_ || readingRate_.isTooSlow()));
+}
+
+bool PlainStream::writeFile(const QByteArray &head, QFile &file, qint64 offset, qint64 sizeBytes) {
+    if (!send({head}, sizeBytes > 0 ? system_calls::Following::more : system_calls::Following::unknown))
+        return false;
+    // Each call may wait 250 ms for each 64 KB.
+    constexpr qint64 maxCallBytes = 262144;
+    const int descriptor = file.handle();
+    while (sizeBytes > 0 && !failed_) {
+        const auto begin = TransferRate::Clock::now();
+        const qint64 count =
+            system_calls::sendFile(socket_.get(), descriptor, offset, std::min(sizeBytes, maxCallBytes));
+        if (count == system_calls::unsupported)
+            return ByteStream::writeFile({}, file, offset, sizeBytes);
+        if (count > 0) {
+            offset += count;
+            sizeBytes -= count;
+        }
+        endWait(begin, count, sizeBytes == 0);
     }
     return !failed_;
 }

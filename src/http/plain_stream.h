@@ -20,6 +20,7 @@ public:
 
     [[nodiscard]] qint64 read(char *to, qint64 capacity, const QDeadlineTimer &deadline) override;
     bool write(const QVector<QByteArray> &pieces) override;
+    bool writeFile(const QByteArray &head, QFile &file, qint64 offset, qint64 sizeBytes) override;
     [[nodiscard]] bool isWritable() const override { return !failed_ && !stopping_; }
     void limitSendBuffer(int bytes) override;
     void shutdownWriting() override;
@@ -28,6 +29,9 @@ public:
 private:
     PlainStream(UniqueSocket socket, const std::atomic<bool> &stopping)
         : socket_(std::move(socket)), stopping_(stopping) {}
+
+    [[nodiscard]] bool send(const QVector<QByteArray> &pieces, system_calls::Following following);
+    void endWait(TransferRate::Clock::time_point begin, qint64 result, bool finished);
 
     const UniqueSocket socket_;
     const std::atomic<bool> &stopping_;

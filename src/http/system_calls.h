@@ -14,6 +14,8 @@ namespace system_calls {
 constexpr int maxWaitMs = 250;
 /// Returned by receive() and send() after maxWaitMs, or if a signal has interrupted them.
 constexpr qint64 tryAgain = -2;
+/// Returned by sendFile() if the system or the file cannot do it.
+constexpr qint64 unsupported = -3;
 
 /// Prepares the calling thread for the calls below. Called once in each thread that sends.
 void prepareThread();
@@ -28,8 +30,14 @@ void prepareThread();
 [[nodiscard]] bool prepareSocket(tSocketDescriptor socket);
 /// Returns the number of bytes received, 0 at the end of the stream, -1 if the connection has failed, or tryAgain.
 [[nodiscard]] qint64 receive(tSocketDescriptor socket, char *to, qint64 capacity);
+/// Whether more data follows at once. The system then fills its packets before it sends them.
+enum class Following { unknown, more };
 /// Sends the pieces in order. Returns the number of bytes sent, -1 if the connection has failed, or tryAgain.
-[[nodiscard]] qint64 send(tSocketDescriptor socket, const std::string_view *pieces, int count);
+[[nodiscard]] qint64 send(tSocketDescriptor socket, const std::string_view *pieces, int count,
+                          Following following = Following::unknown);
+/// Sends up to `bytes` bytes of an open file without copying them. Returns the number of bytes sent, 0 at the end of
+/// the file, -1 if the connection or the file has failed, tryAgain, or `unsupported`.
+[[nodiscard]] qint64 sendFile(tSocketDescriptor socket, int file, qint64 offset, qint64 bytes);
 /// Waits until receive() would return at once. Returns false after `timeoutMs`.
 [[nodiscard]] bool waitReadable(tSocketDescriptor socket, int timeoutMs);
 /// Limits the buffer for data that is not sent yet.

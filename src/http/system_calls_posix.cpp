@@ -10,6 +10,7 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
+#include <sys/sendfile.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 #include <sys/uio.h>
@@ -73,7 +74,7 @@ qint64 receive(tSocketDescriptor socket, char *to, qint64 capacity) {
     return checked(::recv(number(socket), to, static_cast<std::size_t>(capacity), 0));
 }
 
-qint64 send(tSocketDescriptor socket, const std::string_view *pieces, int count) {
+qint64 send(tSocketDescriptor socket, const std::string_view *pieces, int count, Following following) {
     std::array<iovec, maxPieceCount> vectors;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
     const std::size_t used = std::min(static_cast<std::size_t>(count), maxPieceCount);
     std::transform(pieces, pieces + used, vectors.begin(), [](std::string_view piece) {
@@ -82,7 +83,13 @@ qint64 send(tSocketDescriptor socket, const std::string_view *pieces, int count)
     msghdr message{};
     message.msg_iov = vectors.data();
     message.msg_iovlen = used;
-    return checked(::sendmsg(number(socket), &message, MSG_NOSIGNAL));
+    return checked(::sendmsg(number(socket), &message, MSG_NOSIGNAL | (following == Following::more ? MSG_MORE : 0)));
+}
+
+qint64 sendFile(tSocketDescriptor socket, int file, qint64 offset, qint64 bytes) {
+    off_t position = offset;
+    const ssize_t count = ::sendfile(number(socket), file, &position, static_cast<std::size_t>(bytes));
+    return count < 0 && (errno == EINVAL || errno == ENOSYS) ? unsupported : checked(count);
 }
 
 bool waitReadable(tSocketDescriptor socket, int timeoutMs) {

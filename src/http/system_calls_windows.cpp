@@ -70,7 +70,7 @@ qint64 receive(tSocketDescriptor socket, char *to, qint64 capacity) {
                   [&]() -> qint64 { return ::recv(handle(socket), to, static_cast<int>(capacity), 0); });
 }
 
-qint64 send(tSocketDescriptor socket, const std::string_view *pieces, int count) {
+qint64 send(tSocketDescriptor socket, const std::string_view *pieces, int count, Following /*following*/) {
     std::array<WSABUF, maxPieceCount> buffers{};
     const std::size_t used = std::min(static_cast<std::size_t>(count), maxPieceCount);
     std::transform(pieces, pieces + used, buffers.begin(), [](std::string_view piece) {
@@ -82,6 +82,12 @@ qint64 send(tSocketDescriptor socket, const std::string_view *pieces, int count)
         const int result = ::WSASend(handle(socket), buffers.data(), number, &sent, 0, nullptr, nullptr);
         return result == 0 ? static_cast<qint64>(sent) : -1;
     });
+}
+
+// Not TransmitFile(): desktop versions of Windows process only two of its calls at a time, so two slow clients would
+// delay all other downloads.
+qint64 sendFile(tSocketDescriptor, int, qint64, qint64) {
+    return unsupported;
 }
 
 bool waitReadable(tSocketDescriptor socket, int timeoutMs) {

@@ -9,6 +9,7 @@
 #include <QSettings>
 #include <QTcpSocket>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QTest>
 #include <atomic>
 #include <condition_variable>
@@ -81,6 +82,10 @@ public:
             response.allowPauses(std::chrono::milliseconds(timeoutMs));
             response.write(largeBody());
             response.write("end", true);
+        } else if (path.startsWith("/file/")) {
+            QFile file(fileName);
+            if (file.open(QIODevice::ReadOnly))
+                response.writeFile(file, 10, path.mid(6).toLongLong());
         } else if (path == "/large") {
             response.write(largeBody(), true);
         } else if (path != "/silent") {
@@ -89,6 +94,7 @@ public:
     }
 
     std::atomic<int> requestCount{0};
+    QString fileName;  ///< for "/file/SIZE"
     const std::shared_ptr<Gate> gate = std::make_shared<Gate>();
 };
 
@@ -148,6 +154,8 @@ private Q_SLOTS:
     void slowReadersReceiveEveryByte();
     void disconnectedClientsFreeTheirHandler_data();
     void disconnectedClientsFreeTheirHandler();
+    void filesAreSent_data();
+    void filesAreSent();
     void closeEndsAllConnections();
     void aHangingRequestIsLeftBehind();
     void listeningAddresses_data();
@@ -326,6 +334,43 @@ void TestHttpServer::disconnectedClientsFreeTheirHandler() {
     const auto isServed = [&server] { return Client(server, "GET / HTTP/1.1\r\n\r\n").receive(ok) == ok; };
     QVERIFY(QTest::qWaitFor(isServed, timeoutMs));
     QCOMPARE(server.handler->requestCount.load(), hasResponse ? 2 : 1);
+}
+
+void TestHttpServer::filesAreSent_data() {
+    QTest::addColumn<int>("fileBytes");
+    QTest::addColumn<int>("bytes");
+    QTest::newRow("part of a file") << 1000 << 500;
+    QTest::newRow("no byte") << 1000 << 0;
+    QTest::newRow("large file to a client that pauses") << 20000010 << 20000000;
+    QTest::newRow("a file that becomes shorter") << 5000 << 20000;
+    QTest::newRow("a file that is shorter than the offset") << 5 << 20;
+}
+
+void TestHttpServer::filesAreSent() {
+    QFETCH(const int, fileBytes);
+    QFETCH(const int, bytes);
+    QByteArray contents;
+    for (int i = 0; contents.size() < fileBytes; ++i)
+        contents += QByteArray::number(i);
+    contents.truncate(fileBytes);
+    const Server server;
+    QTemporaryFile file;
+    QVERIFY(file.open() && file.write(contents) == fileBytes && file.flush());
+    server.handler->fileName = file.fileName();
+    const QByteArray size = QByteArray::number(bytes);
+    Client client(server, "GET /file/" + size + " HTTP/1.1\r\n\r\n");
+    client.setReadBufferSize(1);
+    QTRY_VERIFY(client.bytesAvailable() > 0);
+    client.setReadBufferSize(0);
+    const QByteArray expected = "HTTP/1.1 200 OK\r\nContent-Length: " + size + "\r\n\r\n" + contents.mid(10, bytes);
+    const bool complete = fileBytes >= bytes + 10;
+    QVERIFY(client.receive(complete ? expected : QByteArray()) == expected);
+    QCOMPARE(client.state() == QAbstractSocket::UnconnectedState, !complete);
+    if (complete) {
+        client.received.clear();
+        client.write("GET / HTTP/1.1\r\n\r\n");
+        QCOMPARE(client.receive(ok), ok);
+    }
 }
 
 void TestHttpServer::closeEndsAllConnections() {

@@ -2,7 +2,7 @@
 
 #include "http/byte_stream.h"
 
-#include <QList>
+#include <QByteArrayList>
 
 /// Stores the bytes that a response sends, with one list entry per write.
 class RecordingOutput : public HttpOutput {
@@ -18,5 +18,5 @@ public:
     [[nodiscard]] bool isWritable() const override { return true; }
     void limitSendBuffer(int /*bytes*/) override {}
 
-    QList<QByteArray> writes;
+    QByteArrayList writes;
 };

@@ -1,0 +1,22 @@
+#include "http/byte_stream.h"
+
+#include <QFile>
+#include <algorithm>
+
+bool HttpOutput::writeFile(const QByteArray &head, QFile &file, qint64 offset, qint64 sizeBytes) {
+    constexpr qint64 blockBytes = 65536;
+    if (!write({head}) || !file.seek(offset))
+        return false;
+    while (sizeBytes > 0) {
+        const QByteArray block = file.read(std::min(sizeBytes, blockBytes));
+        if (block.isEmpty() || !write({block}))
+            return false;
+        sizeBytes -= block.size();
+    }
+    return true;
+}
+
+bool ByteStream::writeFile(const QByteArray &head, QFile &file, qint64 offset, qint64 sizeBytes) {
+    failed_ = !HttpOutput::writeFile(head, file, offset, sizeBytes);
+    return !failed_;
+}
