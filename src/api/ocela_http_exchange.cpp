@@ -1,6 +1,7 @@
 #include "api/ocela_http_exchange.h"
 
 #include "api/confined_file.h"
+#include "api/file_path_rules.h"
 #include "api/ocela_http_request_handler.h"
 #include "core/eyetracker_interface.h"
 #include "http/http_listener.h"
@@ -226,13 +227,13 @@ ApiAnswer OcelaHTTPExchange::plainFile(QString path) const {
     const QString fileName = path.startsWith(root) ? QString(path).remove(root) : fileRoot_ + path;
     if (!access_.rights().anyFile && !confined_file::isNamedInside(fileName, fileRoot_))
         return ResultAnswer{false, {{"error", fileRefused}}};
-    if (exists(fileName))
+    if (file_path_rules::namesLocalFile(fileName) && exists(fileName))
         return FileAnswer{fileName};
     return ResultAnswer{false, {{"action", path}, {"error", "File " + fileName + "doesn't exist"}}};
 }
 
-bool OcelaHTTPExchange::mayServe(const QFile &file) const {
-    return access_.rights().anyFile || confined_file::isInside(file, fileRoot_);
+std::optional<QString> OcelaHTTPExchange::fileConfinement() const {
+    return access_.rights().anyFile ? std::nullopt : std::make_optional(fileRoot_);
 }
 
 template <typename Call>

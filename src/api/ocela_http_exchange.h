@@ -11,13 +11,13 @@
 #include <QPointer>
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class EyetrackerInterface;
 class HttpListener;
 class HttpRequest;
 class Markers;
-class QFile;
 class QSettings;
 
 /// The HTTP control API: lets other programs control the selected tracker and read its samples, and serves files.
@@ -56,8 +56,8 @@ public:
     void setAccessRights(const AccessRights &rights);
     /// Decides about requests. Any thread.
     [[nodiscard]] const AccessPolicy &access() const { return access_; }
-    /// Returns whether an open file may be sent to clients. Any thread.
-    [[nodiscard]] bool mayServe(const QFile &file) const;
+    /// Returns the folder that must contain the files of answers, or nothing if any file may be sent. Any thread.
+    [[nodiscard]] std::optional<QString> fileConfinement() const;
 
     /// Selects the tracker of the following requests; null selects no tracker. The tracker must exist as long as it is
     /// selected, and until all running requests are answered. Call it on the GUI thread if the API for programs is
@@ -71,8 +71,8 @@ public:
     /// Returns the same answer before it is serialized.
     [[nodiscard]] ApiAnswer answer(QString path) const;
 
-    /// The cache for api_answer::toJson().
-    [[nodiscard]] SampleJsonCache &sampleJson() { return sampleJson_; }
+    /// Returns the cache for api_answer::toJson(). A request that outlives the exchange keeps it.
+    [[nodiscard]] std::shared_ptr<SampleJsonCache> sampleJson() const { return sampleJson_; }
 
 Q_SIGNALS:
     /// A client wants another tracker to be selected. `index` is its index in the list of openProgramApi().
@@ -101,7 +101,7 @@ private:
     AccessPolicy access_;
     ConnectionHelper connectionHelper_;
     const std::shared_ptr<std::atomic<int>> pendingCalls_ = std::make_shared<std::atomic<int>>(0);
-    SampleJsonCache sampleJson_;
+    const std::shared_ptr<SampleJsonCache> sampleJson_ = std::make_shared<SampleJsonCache>();
     std::unique_ptr<api_v1::ProgramControl> programControl_;
     api_v1::Router programApi_{access_};
 

@@ -1,66 +1,40 @@
 #include "api/ocela_http_request_handler.h"
 
+#include "api/access_policy.h"
+#include "api/confined_file.h"
 #include "api/ocela_http_exchange.h"
+#include "api/v1/router.h"
 #include "http/http_log.h"
 #include "http/http_request.h"
 #include "http/http_response.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <algorithm>
-#include <new>
-#include <optional>
+#include <QJsonDocument>
+#include <QJsonObject>
 
 namespace {
 
-/// Reserves memory for a file, for the lifetime of this object.
-class FileMemory {
-public:
-    FileMemory(std::atomic<qint64> &usedBytes, qint64 fileBytes)
-        : usedBytes_(usedBytes), sizeBytes_(countedBytes(fileBytes)), bytesBefore_(usedBytes.fetch_add(sizeBytes_)) {}
-    ~FileMemory() { usedBytes_.fetch_sub(sizeBytes_); }
-    FileMemory(const FileMemory &) = delete;
-    FileMemory &operator=(const FileMemory &) = delete;
+/// The exchange refuses paths of more than 32,767 characters, of which each has at most 3 bytes in UTF-8. Longer paths
+/// are cut, so that they are not converted.
+constexpr int maxPathBytes = 3 * 32768;
 
-    [[nodiscard]] bool isGranted() const {
-        return sizeBytes_ == 0 || bytesBefore_ + sizeBytes_ <= OcelaHTTPRequestHandler::maxFileBytes;
-    }
-
-private:
-    static qint64 countedBytes(qint64 fileBytes) {
-        if (fileBytes <= OcelaHTTPRequestHandler::maxSmallFileBytes)
-            return 0;
-        // Limited, so that the sum cannot overflow.
-        return std::min(fileBytes, OcelaHTTPRequestHandler::maxFileBytes + 1);
-    }
-
-    std::atomic<qint64> &usedBytes_;
-    const qint64 sizeBytes_;
-    const qint64 bytesBefore_;
-};
-
-void warn(const QString &fileName, const QString &reason) {
-    qCWarning(lcHttp, "Cannot send %ls: %ls", qUtf16Printable(fileName), qUtf16Printable(reason));
+/// A browser asks with such a request whether a page of another site may send the request that it describes.
+bool isPreflight(const HttpRequest &request) {
+    return request.getMethod() == "OPTIONS" && !request.getHeader("Access-Control-Request-Method").isEmpty();
 }
 
-/// Reads at most `sizeBytes`, because some system files report a size of 0 and have no end. Logs the reason for a
-/// failure.
-std::optional<QByteArray> readFile(const QString &fileName, qint64 sizeBytes) {
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-        warn(fileName, file.errorString());
-        return std::nullopt;
-    }
-    if (!OcelaHTTPExchange::instance().mayServe(file)) {
-        warn(fileName, "outside the folder http");
-        return std::nullopt;
-    }
-    try {
-        return file.read(sizeBytes);
-    } catch (const std::bad_alloc &) {
-        warn(fileName, "out of memory");
-        return std::nullopt;
-    }
+void answerPreflight(HttpResponse &response) {
+    response.setStatus(204, "No Content");
+    response.setHeader("Access-Control-Allow-Methods", "GET, HEAD, POST, PUT, PATCH, DELETE");
+    response.setHeader("Access-Control-Allow-Headers", "*");
+    response.setHeader("Access-Control-Max-Age", "86400");
+    response.write(QByteArray(), true);
+}
+
+void warn(const QString &fileName, const QString &reason) {
+    constexpr int maxLoggedLength = 200;
+    qCWarning(lcHttp, "Cannot send %ls: %ls", qUtf16Printable(fileName.left(maxLoggedLength)), qUtf16Printable(reason));
 }
 
 QByteArray contentType(QString mimeType) {
@@ -72,7 +46,10 @@ QByteArray contentType(QString mimeType) {
 }
 
 /// Video players request ranges. The headers declare the whole file as the only range.
-void addRangeHeaders(HttpResponse &response, int sizeBytes) {
+void setHeaders(HttpResponse &response, const QByteArray &type, qint64 sizeBytes) {
+    response.setHeader("Content-Type", type);
+    if (!type.endsWith("mp4"))
+        return;
     const QByteArray total = QByteArray::number(sizeBytes);
     response.setHeader("Accept-Ranges", "bytes");
     response.setHeader("Connection", "keep-alive");
@@ -108,40 +85,54 @@ void OcelaHTTPRequestHandler::service(HttpRequest &request, HttpResponse &respon
         return;
     }
     const QByteArray refusal = exchange.access().refusalOfSimpleRequest(request);
-    if (!refusal.isEmpty()) {
-        refuse(refusal, response);
-        return;
-    }
-    const ApiAnswer answer = exchange.answer(QString::fromUtf8(request.getPath()));
+    if (!refusal.isEmpty())
+        return refuse(refusal, response);
     addOriginHeaders(exchange.access(), request, response);
+    if (isPreflight(request))
+        return answerPreflight(response);
+    // A call of the file system may outlive the exchange, so the rest of the request does not use it.
+    const std::shared_ptr<SampleJsonCache> sampleJson = exchange.sampleJson();
+    const std::optional<QString> folder = exchange.fileConfinement();
+    const ApiAnswer answer = exchange.answer(QString::fromUtf8(request.getPath().left(maxPathBytes)));
     const auto *file = std::get_if<FileAnswer>(&answer);
-    if (file && sendFile(file->path, response))
+    if (file && sendFile(file->path, folder, response))
         return;
     response.setHeader(QByteArrayLiteral("Content-Type"), QByteArrayLiteral("text/json; charset=UTF-8"));
-    response.write(api_answer::toJson(answer, exchange.sampleJson()), true);
+    response.write(api_answer::toJson(answer, *sampleJson), true);
 }
 
-bool OcelaHTTPRequestHandler::sendFile(const QString &fileName, HttpResponse &response) {
+bool OcelaHTTPRequestHandler::sendFile(const QString &fileName, const std::optional<QString> &folder,
+                                       HttpResponse &response) {
     const QFileInfo info(fileName);
     // Opening a named pipe would block until another program writes to it.
     if (!info.isFile()) {
         warn(fileName, "not a regular file");
         return false;
     }
-    const FileMemory memory(fileBytes_, info.size());
-    if (!memory.isGranted()) {
-        warn(fileName, "too large for the memory set aside for files");
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+        warn(fileName, file.errorString());
         return false;
     }
-    const std::optional<QByteArray> contents = readFile(fileName, info.size());
-    if (!contents)
+    if (folder && !confined_file::isInside(file, *folder)) {
+        warn(fileName, "outside the folder " + *folder);
         return false;
-
+    }
     const QByteArray type = contentType(mimeTypes_.nameFor(info));
-    response.setHeader("Content-Type", type);
-    response.setHeader("Content-Length", contents->size());
-    if (type.endsWith("mp4"))
-        addRangeHeaders(response, contents->size());
-    response.write(*contents, true);
+    const qint64 sizeBytes = file.size();
+    if (sizeBytes > maxSmallFileBytes) {
+        setHeaders(response, type, sizeBytes);
+        response.writeFile(file, 0, sizeBytes);
+        return true;
+    }
+    QByteArray contents(static_cast<int>(sizeBytes), Qt::Uninitialized);
+    const qint64 readBytes = file.read(contents.data(), sizeBytes);
+    if (readBytes < 0) {
+        warn(fileName, file.errorString());
+        return false;
+    }
+    contents.truncate(static_cast<int>(readBytes));
+    setHeaders(response, type, readBytes);
+    response.write(contents, true);
     return true;
 }

@@ -30,16 +30,14 @@ public:
         QString filePath;
     };
 
-    /// Sends the request to a request handler. Each header ends with CR LF.
+    /// Sends a GET request to a request handler. Each header ends with CR LF.
     Reply get(const QByteArray &path, const QByteArray &headers = QByteArray(),
               const QHostAddress &peer = QHostAddress::LocalHost) {
-        RecordingOutput output;
-        HttpResponse response(&output);
-        handler_.service(*request(path, headers, peer), response);
-        const QByteArray sent = output.writes.value(0);
-        const int end = sent.indexOf("\r\n\r\n") + 4;
-        return {sent.left(end), sent.mid(end)};
+        return answerTo(*request(path, headers, peer));
     }
+
+    /// Sends any request to a request handler. `text` is the request line and the headers, with the empty line.
+    Reply send(const QByteArray &text) { return answerTo(*parsed(text, QHostAddress::LocalHost)); }
 
     /// Passes the same request to processRequest().
     ProcessedRequest process(OcelaHTTPExchange &exchange, const QByteArray &path) {
@@ -52,15 +50,25 @@ public:
     /// Returns the parsed request.
     std::unique_ptr<HttpRequest> request(const QByteArray &path, const QByteArray &headers = QByteArray(),
                                          const QHostAddress &peer = QHostAddress::LocalHost) const {
+        return parsed("GET " + path + " HTTP/1.1\r\n" + headers + "\r\n", peer);
+    }
+
+private:
+    Reply answerTo(HttpRequest &request) {
+        RecordingOutput output;
+        HttpResponse response(&output);
+        handler_.service(request, response);
+        const QByteArray sent = output.writes.join();
+        const int end = sent.indexOf("\r\n\r\n") + 4;
+        return {sent.left(end), sent.mid(end)};
+    }
+    std::unique_ptr<HttpRequest> parsed(const QByteArray &text, const QHostAddress &peer) const {
         auto request = std::make_unique<HttpRequest>(settings_);
-        const std::string text = "GET " + path.toStdString() + " HTTP/1.1\r\n" + headers.toStdString() + "\r\n";
-        HttpInput input(text, peer);
+        HttpInput input({text.constData(), static_cast<std::size_t>(text.size())}, peer);
         while (!input.isEmpty())
             request->readFromSocket(input);
         return request;
     }
-
-private:
     static QJsonObject withoutTime(const QJsonDocument &document) {
         QJsonObject object = document.object();
         object.remove("time");

@@ -1,6 +1,8 @@
 #include "api/api_client.h"
+#include "api/file_path_rules.h"
 #include "api/ocela_http_exchange.h"
 #include "api/special_files.h"
+#include "support/fake_tracker.h"
 #include "support/test_main.h"
 
 #include <QDir>
@@ -23,6 +25,9 @@ private Q_SLOTS:
     void changed_file_is_sent_with_its_new_type();
     void file_that_cannot_be_sent_is_answered_with_a_document_data();
     void file_that_cannot_be_sent_is_answered_with_a_document();
+    void names_of_files_data();
+    void names_of_files();
+    void preflight_runs_nothing();
 
 private:
     void write(const QString &name, const QByteArray &contents);
@@ -35,9 +40,6 @@ private:
 void TestOcelaHttpRequestHandler::initTestCase() {
     QVERIFY(QDir(folder_.path()).mkpath("http/sub"));
     QVERIFY(QDir::setCurrent(folder_.path()));
-    QFile huge("http/huge");
-    QVERIFY(huge.open(QIODevice::WriteOnly) && huge.resize(Q_INT64_C(5'000'000'000)));
-    write("http/large", QByteArray(OcelaHTTPRequestHandler::maxSmallFileBytes + 1, 'x'));
 }
 
 void TestOcelaHttpRequestHandler::write(const QString &name, const QByteArray &contents) {
@@ -62,6 +64,11 @@ void TestOcelaHttpRequestHandler::files_data() {
         "Content-Length: 1\r\nContent-Type: image/png\r\n");
     row("binary content", "http/a.any", QByteArray("\0\r\n\r\n\xFF", 6), "/a.any",
         "Content-Length: 6\r\nContent-Type: application/octet-stream\r\n");
+    QByteArray large(3 * OcelaHTTPRequestHandler::maxSmallFileBytes, 'x');
+    large.append("end");
+    row("large video", "http/large.mp4", large, "/large.mp4",
+        "Accept-Ranges: bytes\r\nConnection: keep-alive\r\nContent-Length: 196611\r\n"
+        "Content-Range: bytes 0-196610/196611\r\nContent-Type: video/mp4\r\n");
     row("absolute path", "a.css", "x", "/ROOT/" + folder_.filePath("a.css").toUtf8(),
         "Content-Length: 1\r\nContent-Type: text/css\r\n");
     row("video", "http/a.mp4", "1234", "/a.mp4",
@@ -124,8 +131,6 @@ void TestOcelaHttpRequestHandler::file_that_cannot_be_sent_is_answered_with_a_do
     QTest::addColumn<bool>("exists");
     QTest::addColumn<QString>("warning");
     QTest::newRow("folder") << QByteArray("/sub") << true << "Cannot send http/sub: not a regular file";
-    QTest::newRow("larger than the memory limit")
-        << QByteArray("/huge") << true << "Cannot send http/huge: too large .*";
     QTest::newRow("empty absolute path") << QByteArray("/ROOT/") << false << "";
     special_files::addRows();
 }
@@ -141,7 +146,48 @@ void TestOcelaHttpRequestHandler::file_that_cannot_be_sent_is_answered_with_a_do
     QVERIFY(reply.head.contains("\r\nAccess-Control-Allow-Origin: *\r\n"));
     QCOMPARE(reply.answer()["result"].toBool(), exists);
     QCOMPARE(reply.answer().contains("error"), !exists);
-    QVERIFY2(!client_.get("/large").isDocument(), "a refused file must not keep its reserved memory");
+}
+
+void TestOcelaHttpRequestHandler::names_of_files_data() {
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("localOnWindows");
+    QTest::addColumn<bool>("localElsewhere");
+    const auto rows = [](const QStringList &names, bool localOnWindows, bool localElsewhere) {
+        for (const QString &name : names)
+            QTest::newRow(qUtf8Printable(name)) << name << localOnWindows << localElsewhere;
+    };
+    rows({"http/a", "http//a", "C:/media/a.mp4", "c:a", "/a", "C:\\a\\b", "http/console.html", "http/com10",
+          "http/acon", "http/COM", "http/lpt.txt", "", "C:"},
+         true, true);
+    rows({"//host/share/a", "\\\\host\\share", "/\\host/a", "\\/host/a", "//?/C:/a", "//./COM1"}, false, false);
+    rows({"CON", "http/nul", "C:/a/Aux.txt", "prn .html", "http/com1", "C:COM9.x.y", "http/LPT0/a", "http/conin$",
+          QString::fromUtf8("http/lpt\u00b3"), "http/a:b", "C:/a.txt:b", "C:/a::$DATA", "/C:/a", "1:/a"},
+         false, true);
+}
+
+void TestOcelaHttpRequestHandler::names_of_files() {
+    QFETCH(const QString, name);
+    using file_path_rules::System;
+    QTEST(file_path_rules::namesLocalFile(name, System::windows), "localOnWindows");
+    QTEST(file_path_rules::namesLocalFile(name, System::other), "localElsewhere");
+    // Such a name gets the answer for a missing file, even if the system would find one.
+    const QByteArray path = "/ROOT//" + folder_.filePath("a.css").toUtf8();
+    QVERIFY(client_.get(path).answer()["error"].toString().endsWith("a.cssdoesn't exist"));
+}
+
+void TestOcelaHttpRequestHandler::preflight_runs_nothing() {
+    FakeTracker tracker;
+    exchange_.setTracker(&tracker);
+    const ApiClient::Reply reply =
+        client_.send("OPTIONS /stopcalibration HTTP/1.1\r\nAccess-Control-Request-Method: GET\r\n\r\n");
+    QVERIFY2(reply.head.startsWith("HTTP/1.1 204 No Content\r\n"), reply.head);
+    QVERIFY(reply.head.contains("\r\nAccess-Control-Allow-Origin: *\r\n"));
+    QVERIFY(!reply.head.contains("Content-Length"));
+    QCOMPARE(reply.body, QByteArray());
+    QCOMPARE(tracker.calls, QStringList());
+    QVERIFY(client_.send("OPTIONS /stopcalibration HTTP/1.1\r\n\r\n").answer()["result"].toBool());
+    QCOMPARE(tracker.calls, QStringList("stopCalibration"));
+    exchange_.setTracker(nullptr);
 }
 
 OCELA_TEST(TestOcelaHttpRequestHandler)

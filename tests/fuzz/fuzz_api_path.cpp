@@ -47,7 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     fuzz::require(answer["result"].isBool(), "no result");
     fuzz::require(filePath.isEmpty() || QFileInfo::exists(filePath), "a file that does not exist");
     QByteArray text;
-    for (const QByteArray &piece : api_answer::toJson(api.exchange.answer(path), api.exchange.sampleJson()))
+    for (const QByteArray &piece : api_answer::toJson(api.exchange.answer(path), *api.exchange.sampleJson()))
         text += piece;
     const QJsonDocument parsed = QJsonDocument::fromJson(text);
     fuzz::require(parsed.toJson(QJsonDocument::Compact) == text, "the text differs from that of QJsonDocument");
