@@ -4,29 +4,28 @@
 #include "http/http_connection_handler_pool.h"
 #include "http/http_log.h"
 
+#include <chrono>
 #include <utility>
 
 namespace {
 
 /// The delay before the next accept after an error, which is usually a lack of file descriptors.
-constexpr unsigned long acceptRetryMs = 100;
+constexpr std::chrono::milliseconds acceptRetryTime{100};
 constexpr int drainIntervalMs = 20;
 
 }  // namespace
 
 HttpAcceptor::HttpAcceptor(std::vector<tSocketDescriptor> listeners, HttpConnectionHandlerPool &pool)
-    : listeners_(std::move(listeners)), pool_(pool), waiter_(listeners_), thread_(QThread::create([this] { run(); })) {
-    thread_->setObjectName(QStringLiteral("HTTP listener"));
-    thread_->start();
-}
+    : listeners_(std::move(listeners)), pool_(pool), waiter_(listeners_), thread_([this] { run(); }) {}
 
 HttpAcceptor::~HttpAcceptor() {
     stopping_ = true;
     waiter_.wake();
-    thread_->wait();
+    thread_.join();
 }
 
 void HttpAcceptor::run() noexcept {
+    system_calls::prepareThread("HTTP listener");
     while (!stopping_) {
         waiter_.wait(failing_ ? 0 : refused_.isEmpty() ? -1 : drainIntervalMs);
         for (const tSocketDescriptor listener : listeners_)
@@ -67,5 +66,5 @@ void HttpAcceptor::waitAfterError() {
     } catch (...) {
         // The message is lost.
     }
-    QThread::msleep(acceptRetryMs);
+    std::this_thread::sleep_for(acceptRetryTime);
 }

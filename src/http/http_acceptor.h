@@ -4,9 +4,8 @@
 #include "http/refused_clients.h"
 #include "http/unique_socket.h"
 
-#include <QThread>
 #include <atomic>
-#include <memory>
+#include <thread>
 #include <vector>
 
 class HttpConnectionHandlerPool;
@@ -15,15 +14,13 @@ class HttpConnectionHandlerPool;
 /// Refuses clients for whom there is no handler.
 class HttpAcceptor {
 public:
-    /// Listening sockets in non-blocking mode. They and `pool` must outlive the acceptor.
+    /// Starts the thread. `listeners` are listening sockets in non-blocking mode. They and `pool` must outlive the
+    /// acceptor. Throws std::system_error if no thread can be created.
     HttpAcceptor(std::vector<tSocketDescriptor> listeners, HttpConnectionHandlerPool &pool);
     /// Stops the thread.
     ~HttpAcceptor();
     HttpAcceptor(const HttpAcceptor &) = delete;
     HttpAcceptor &operator=(const HttpAcceptor &) = delete;
-
-    /// Returns false if the system could not start the thread.
-    [[nodiscard]] bool isRunning() const { return thread_->isRunning(); }
 
 private:
     void run() noexcept;
@@ -37,5 +34,5 @@ private:
     RefusedClients refused_;
     std::atomic<bool> stopping_{false};
     bool failing_ = false;  ///< whether the last accept failed
-    const std::unique_ptr<QThread> thread_;
+    std::thread thread_;    // not a QThread, which ends the process if there is no file descriptor for it
 };

@@ -95,7 +95,7 @@ int HttpConnectionHandler::leftThreadCount() {
 }
 
 void HttpConnectionHandler::run() noexcept {
-    system_calls::prepareThread();
+    system_calls::prepareThread("HTTP handler");
     while (std::optional<UniqueSocket> connection = nextConnection())
         serve(std::move(*connection));
     const std::lock_guard<std::mutex> lock(mutex_);

@@ -9,6 +9,7 @@
 
 #include <QTcpServer>
 #include <limits>
+#include <system_error>
 #include <utility>
 
 namespace {
@@ -86,9 +87,11 @@ void HttpListener::startAccepting() {
     std::vector<tSocketDescriptor> descriptors;
     for (const auto &server : servers_)
         descriptors.push_back(server->socketDescriptor());
-    acceptor_ = std::make_unique<HttpAcceptor>(descriptors, *pool_);
-    if (!acceptor_->isRunning())
-        fail(QAbstractSocket::SocketResourceError, tr("No thread can be started"));
+    try {
+        acceptor_ = std::make_unique<HttpAcceptor>(descriptors, *pool_);
+    } catch (const std::system_error &error) {
+        fail(QAbstractSocket::SocketResourceError, QString::fromLocal8Bit(error.what()));
+    }
 }
 
 void HttpListener::stopListening() {

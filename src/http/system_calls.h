@@ -17,8 +17,9 @@ constexpr qint64 tryAgain = -2;
 /// Returned by sendFile() if the system or the file cannot do it.
 constexpr qint64 unsupported = -3;
 
-/// Prepares the calling thread for the calls below. Called once in each thread that sends.
-void prepareThread();
+/// Names the calling thread for debuggers, and prepares it for the calls below. Called once in each thread that sends.
+/// Only the first 15 characters of `name`, which is ASCII, are used.
+void prepareThread(const char *name);
 
 /// Returns the next client of a non-blocking listening socket, tryAgain if no client waits, or -1 on failure, with the
 /// reason as the last error of the system. The new socket is non-blocking, too.

@@ -10,6 +10,7 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/sendfile.h>
 #include <sys/socket.h>
 #include <sys/time.h>
@@ -41,7 +42,8 @@ qint64 checked(ssize_t result) {
 }  // namespace
 
 // sendfile() raises SIGPIPE if the client has disconnected. The signal would end the process.
-void prepareThread() {
+void prepareThread(const char *name) {
+    ::prctl(PR_SET_NAME, name);
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, SIGPIPE);

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <malloc.h>
+#include <string>
 #include <winsock2.h>
 #include <ws2tcpip.h>
 
@@ -40,7 +42,15 @@ qint64 repeat(tSocketDescriptor socket, SHORT event, const Call &call) {
 
 }  // namespace
 
-void prepareThread() {}
+// The system function exists since Windows 10, version 1607.
+void prepareThread(const char *name) {
+    using SetThreadDescription = HRESULT(WINAPI *)(HANDLE, PCWSTR);
+    const auto function = ::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), "SetThreadDescription");
+    if (function) {
+        const std::wstring text(name, name + std::strlen(name));
+        reinterpret_cast<SetThreadDescription>(reinterpret_cast<void *>(function))(::GetCurrentThread(), text.c_str());
+    }
+}
 
 qint64 accept(tSocketDescriptor listener) {
     const SOCKET client = ::accept(handle(listener), nullptr, nullptr);

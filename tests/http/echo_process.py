@@ -1,7 +1,9 @@
 """Starts echo_server with given settings. The script's first argument is the path of echo_server."""
 
+import contextlib
 import os
 import pathlib
+import resource
 import subprocess
 import sys
 import tempfile
@@ -33,6 +35,16 @@ class EchoServer:
                                          env=dict(os.environ, QT_LOGGING_RULES="*.debug=false"))
         self.port = int(self._process.stdout.readline())
         self.url = f"{'https' if tls else 'http'}://localhost:{self.port}"
+
+    @contextlib.contextmanager
+    def without_file_descriptors(self):
+        """Prevents the server from opening files and accepting connections."""
+        limits = resource.prlimit(self._process.pid, resource.RLIMIT_NOFILE)
+        resource.prlimit(self._process.pid, resource.RLIMIT_NOFILE, (3, limits[1]))
+        try:
+            yield
+        finally:
+            resource.prlimit(self._process.pid, resource.RLIMIT_NOFILE, limits)
 
     def stop(self):
         """Stops the server. Returns its log, followed by the exit code if it is not 0."""

@@ -186,6 +186,18 @@ class RefusedClients(unittest.TestCase):
             served.sendall(request % b"close")
             self.assertEqual(read_to_end(served).count(b"HTTP/1.1 200 OK"), 1)
 
+    def test_lack_of_file_descriptors(self):
+        server = self.serve("HttpListener: Cannot accept a connection: Too many open files")
+        request = b"GET / HTTP/1.1\r\nConnection: close\r\n\r\n"
+        with server.without_file_descriptors():
+            waiting = connect(server, request)
+            waiting.settimeout(0.5)
+            with self.assertRaises(TimeoutError):
+                waiting.recv(1)
+        waiting.settimeout(TIMEOUT_S)
+        self.assertTrue(read_to_end(waiting).startswith(b"HTTP/1.1 200 OK"))
+        waiting.close()
+
     def test_handshake_timeout(self):
         server = self.serve(tls=True, readTimeout=300)
         with connect(server, b"") as connection:
