@@ -21,6 +21,7 @@ class Probe(threading.Thread):
         self._may_connect.set()
         self._stopped = threading.Event()
         self._round = threading.Lock()
+        self._failures_count = True
         self.reset()
 
     def reset(self):
@@ -38,6 +39,16 @@ class Probe(threading.Thread):
             yield
         finally:
             self._may_connect.set()
+
+    @contextlib.contextmanager
+    def without_failures(self):
+        """Ignores failures, while the program is allowed to refuse requests."""
+        self._failures_count = False
+        try:
+            yield
+        finally:
+            with self._round:
+                self._failures_count = True
 
     def run(self):
         while not self._stopped.wait(INTERVAL):
@@ -60,8 +71,12 @@ class Probe(threading.Thread):
         try:
             response = get()
             if b'"sample":' not in response:
-                self.failures.append(f"probe, {name}: {response[:60]!r}")
+                self._fail(f"probe, {name}: {response[:60]!r}")
         except OSError as error:
-            self.failures.append(f"probe, {name}: {error}")
+            self._fail(f"probe, {name}: {error}")
             self._persistent = raw_client.connect()
         self.longest_wait = max(self.longest_wait, time.monotonic() - begin)
+
+    def _fail(self, text):
+        if self._failures_count:
+            self.failures.append(text)

@@ -3,6 +3,7 @@
 import contextlib
 import os
 import pathlib
+import resource
 import signal
 import subprocess
 import sys
@@ -81,6 +82,29 @@ class Program:
 
     def resident_bytes(self):
         return int((self._proc / "statm").read_text().split()[1]) * PAGE_BYTES
+
+    def reset_peak(self):
+        (self._proc / "clear_refs").write_text("5")
+
+    def peak_resident_bytes(self):
+        """Returns the maximum since reset_peak()."""
+        return self._status("VmHWM")
+
+    @contextlib.contextmanager
+    def limited_address_space(self, additional_bytes):
+        """Lets the program map at most `additional_bytes` more than now."""
+        limit = self._status("VmSize") + additional_bytes
+        unlimited = resource.prlimit(self._process.pid, resource.RLIMIT_AS)
+        resource.prlimit(self._process.pid, resource.RLIMIT_AS, (limit, unlimited[1]))
+        try:
+            yield
+        finally:
+            resource.prlimit(self._process.pid, resource.RLIMIT_AS, unlimited)
+
+    def _status(self, key):
+        """Returns the bytes of a line with kB."""
+        lines = (self._proc / "status").read_text().splitlines()
+        return next(int(line.split()[1]) for line in lines if line.startswith(key + ":")) * 1024
 
     def threads(self):
         return len(os.listdir(self._proc / "task"))
