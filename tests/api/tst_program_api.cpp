@@ -206,7 +206,7 @@ void TestProgramApi::requests() {
 void TestProgramApi::only_allowed_origins_are_answered() {
     AccessRights rights;
     rights.allowedOrigins = QStringList{"https://lab.example"};
-    exchange_->access().setRights(rights);
+    exchange_->setAccessRights(rights);
     ProgramClient client;
     const QByteArray foreign = "Origin: https://elsewhere.example\r\n";
     const ProgramReply refused = client.ask("POST", "/recording", {}, foreign);
@@ -284,7 +284,7 @@ void TestProgramApi::recording_that_cannot_be_saved_is_reported() {
 void TestProgramApi::recordings_are_confined_if_the_settings_say_so() {
     AccessRights rights;
     rights.anyFile = false;
-    exchange_->access().setRights(rights);
+    exchange_->setAccessRights(rights);
     const QTemporaryDir outside;
     QVERIFY(QDir(folder_->path()).mkdir("inside"));
     ProgramClient client;
