@@ -16,10 +16,10 @@ export class Chromium {
     #targetId = '';
     #received = '';
 
-    constructor() {
+    constructor(...options) {
         this.#process = spawn('chromium', [
             '--headless=new', '--no-sandbox', '--remote-debugging-pipe', `--user-data-dir=${this.#profile}`,
-            '--disable-gpu', '--disable-dev-shm-usage', '--no-first-run', '--hide-scrollbars',
+            '--disable-gpu', '--disable-dev-shm-usage', '--no-first-run', '--hide-scrollbars', ...options,
         ], { stdio: ['ignore', 'ignore', 'ignore', 'pipe', 'pipe'] });
         this.#process.stdio[4].setEncoding('utf8').on('data', text => this.#receive(text));
         this.#process.on('exit', () => this.#calls.forEach(({ reject }) => reject(new Error('Chromium has exited'))));

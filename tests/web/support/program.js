@@ -34,20 +34,21 @@ export async function startSimulator(...args) {
     return child;
 }
 
-/** Creates a home folder in which the GazePoint tracker is selected. */
-export function createHome() {
+/** Creates a home folder in which the GazePoint tracker is selected. `properties` are further settings. */
+export function createHome(properties = {}) {
     const folder = mkdtempSync(join(tmpdir(), 'ocela-home-'));
     const settings = join(folder, '.local/share/Velmora');
     mkdirSync(settings, { recursive: true });
-    writeFileSync(join(settings, 'OcelaSettings.xml'),
-        '<settings version="1"><property name="SelectedTracker">gazepoint</property></settings>');
+    const lines = Object.entries({ SelectedTracker: 'gazepoint', ...properties })
+        .map(([name, value]) => `<property name="${name}">${value}</property>`);
+    writeFileSync(join(settings, 'OcelaSettings.xml'), `<settings version="1">${lines.join('')}</settings>`);
     return { folder, remove: () => rmSync(folder, { recursive: true, force: true }) };
 }
 
-/** Starts Ocela in its own folder. Resolves when it answers requests. */
-export async function startProgram(home, program = builtProgram) {
+/** Starts Ocela in its own folder, or in `folder`. Resolves when it answers requests. */
+export async function startProgram(home, program = builtProgram, folder = dirname(program)) {
     const env = { ...process.env, QT_QPA_PLATFORM: 'offscreen', XDG_RUNTIME_DIR: home.folder, LC_ALL: 'C.UTF-8' };
-    const child = new Child(privateProfile, [home.folder, program], { cwd: dirname(program), env });
+    const child = new Child(privateProfile, [home.folder, program], { cwd: folder, env });
     await waitFor(() => fetch(`${address}/hello`).then(({ ok }) => ok, () => false), 'Ocela answers');
     return child;
 }
