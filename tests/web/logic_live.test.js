@@ -1,144 +1,215 @@
 import assert from 'node:assert/strict';
 import { describe, test } from 'node:test';
+import { recordingAt } from '../../web/js/live/controls.js';
+import { EventStream } from '../../web/js/live/event_stream.js';
 import { drawGaze } from '../../web/js/live/gaze_view.js';
-import { overlap } from '../../web/js/live/overlap.js';
-import { Poller, pauseMs } from '../../web/js/live/poller.js';
-import { SampleStream } from '../../web/js/live/sample_stream.js';
+import { LiveModel } from '../../web/js/live/live_model.js';
+import { ProgramClock } from '../../web/js/live/program_clock.js';
 import { screenIn } from '../../web/js/shared/screen.js';
 import { columnsOf, listOf } from './support/columns.js';
 import { fakeSurface } from './support/fake_context.js';
 
-const sample = (timestamp, x, more = {}) => ({
-    timestamp, valid: true, x, y: 20, x_px: 0, y_px: 0, l_x: x, l_y: 20, r_x: x, r_y: 20, l_pupil_mm: 3,
-    r_pupil_mm: 3 + x / 100, distance_cm: 60, ...more,
+const startMs = 1.7e12;
+
+/** Returns a sample at 100 Hz, from `startMs` on. */
+const sample = (i, more = {}) => ({
+    number: i, time: startMs + 10 * i, timestamp: 0, valid: true, x: 50 + (i % 7), y: 20, x_px: 0, y_px: 0, l_x: i % 41, l_y: 20,
+    r_x: i % 43, r_y: 20, l_pupil_mm: 3, r_pupil_mm: 3, distance_cm: 60, l_valid: true, r_valid: true, ...more,
 });
-const clocked = i => sample(1000000 + 10 * i, 50 + (i % 7));
-const unclocked = i => sample(0, 50 + ((i * 37) % 41));
-const steady = i => sample(1000000 + 10 * i, 50);
-const lost = () => sample(0, 0, { valid: false, y: 0, l_x: 0, l_y: 0, r_x: 0, r_y: 0 });
 
 /** Returns the samples `from` to `to` (excluded). */
-const series = (from, to, toSample) => listOf(to - from, i => toSample(from + i));
+const series = (from, to, toSample = sample) => listOf(to - from, i => toSample(from + i));
 
-/** Returns a stream that has processed answers. Each answer is its samples and its arrival time. */
-function streamOf(...answers) {
-    const stream = new SampleStream();
-    for (const [samples, nowMs] of answers) stream.take({ result: true, samples }, nowMs);
-    return stream;
+const tracker = { name: 'a', connected: true, reason: '', lastSampleAgeMs: null, newest: null };
+const stateAt = (nowMs, change = {}) => ({ run: '1', time: startMs + nowMs, tracker, ...change });
+
+/** Returns a model that has received a state and samples. The page's clock is 0 at `startMs`. */
+function modelOf(...samples) {
+    const model = new LiveModel();
+    model.takeState(stateAt(0), 0);
+    model.takeSamples(samples, samples.length > 0 ? samples[samples.length - 1].time - startMs : 0);
+    return model;
 }
 
 const valuesOf = ({ columns }, name = 'time') => Array.from(columns[name].subarray(0, columns.length));
 
-describe('overlap', () => {
-    for (const [name, previous, next, expected] of [
-        ['nothing before', '', 'abc', 0],
-        ['nothing now', 'abc', '', 0],
-        ['the same answer', 'abc', 'abc', 3],
-        ['the oldest are dropped and new ones added', 'abcdef', 'defgh', 3],
-        ['equal elements have the longest overlap', 'abb', 'bbbb', 2],
-        ['a partial match starts earlier', 'ababac', 'abacx', 4],
-        ['a match in the middle is no overlap', 'xaby', 'ab', 0],
+describe('model', () => {
+    test('has the samples of the last ten seconds', () => {
+        const model = modelOf(...series(0, 100));
+        for (let i = 100; i < 3000; i += 100) model.takeSamples(series(i, i + 100), 10 * (i + 100));
+        assert.deepEqual(valuesOf(model), series(2000, 3000).map(({ time }) => time));
+        assert.deepEqual(model.recent, series(2800, 3000));
+    });
+
+    for (const [name, change, restarted] of [
+        ['another tracker is selected', { tracker: { ...tracker, name: 'b' } }, false],
+        ['Ocela is restarted', { run: '2' }, true],
     ])
-        test(name, () => assert.equal(overlap([...previous], [...next], (a, b) => a === b), expected));
-
-    test('takes linear time for almost equal elements', () => {
-        const many = last => [...'a'.repeat(20000), last];
-        let comparisonCount = 0;
-        overlap(many('b'), many('c'), (a, b) => ++comparisonCount > 0 && a === b);
-        assert.ok(comparisonCount < 200000, `${comparisonCount} comparisons`);
-    });
-});
-
-describe('stream', () => {
-    for (const [name, toSample] of [
-        ['with timestamps', clocked], ['without timestamps', unclocked], ['of a steady gaze', steady],
-    ]) {
-        test(`${name} has each sample once, in order`, () => {
-            const stream = streamOf(...listOf(20, i => [series(Math.max(0, 3 * i - 20), 3 * i, toSample), 90 * i]));
-            assert.deepEqual(valuesOf(stream, 'x'), series(0, 57, toSample).map(({ x }) => x));
-            assert.deepEqual(valuesOf(stream), valuesOf(stream).sort((a, b) => a - b));
-            assert.equal(stream.timeline.byArrival, toSample === unclocked);
+        test(`starts again when ${name}`, () => {
+            const model = modelOf(...series(0, 10));
+            model.takeState(stateAt(90), 90);
+            assert.equal(model.columns.length, 10);
+            model.takeState(stateAt(100, change), 100);
+            assert.deepEqual([model.columns.length, model.recent.length], [0, 0]);
+            assert.equal(model.condition(100), 'noSamples');
+            assert.equal(model.missed.restarted, restarted);
         });
-    }
-
-    test('without timestamps spreads new samples over the time since the last answer', () => {
-        const stream = streamOf([series(0, 10, unclocked), 5000], [series(4, 14, unclocked), 5100]);
-        assert.deepEqual(valuesOf(stream).slice(10), [5025, 5050, 5075, 5100]);
-    });
-
-    test('keeps earlier samples after a gap of the tracker, but not after missed requests', () => {
-        const later = i => sample(1009000 + 10 * i, 50 + i);
-        for (const [pollMs, firstMs] of [[100, 1000000], [5000, 1009000]]) {
-            const stream = streamOf([series(0, 10, clocked), 0]);
-            for (let nowMs = pollMs; nowMs < 5000; nowMs += pollMs)
-                stream.take({ result: true, samples: series(0, 10, clocked) }, nowMs);
-            stream.take({ result: true, samples: series(0, 10, later) }, 5000);
-            assert.equal(valuesOf(stream)[0], firstMs);
-        }
-    });
-
-    test('has all samples if a late answer overlaps the previous one', () => {
-        const stream = streamOf([series(0, 150, clocked), 0], [series(140, 290, clocked), 1900]);
-        assert.equal(stream.columns.length, 290);
-    });
-
-    test('starts again when the clock is set back', () => {
-        const setBack = [...series(5, 10, clocked), sample(7000, 1), sample(7010, 2)];
-        const stream = streamOf([series(0, 10, clocked), 1000], [setBack, 1100]);
-        assert.deepEqual(valuesOf(stream), [7000, 7010]);
-        assert.equal(stream.timeline.now(1100), 7010);
-    });
-
-    test('starts again when the tracker starts or stops sending timestamps', () => {
-        const stamped = [sample(1200, 1), sample(1210, 2)];
-        const stream = streamOf([series(0, 4, unclocked), 1000], [stamped, 1100]);
-        assert.deepEqual(valuesOf(stream), [1200, 1210]);
-        stream.take({ result: true, samples: series(0, 4, unclocked) }, 1250);
-        assert.deepEqual(valuesOf(stream), [1137.5, 1175, 1212.5, 1250]);
-    });
 
     test('corrects a crossed right eye, also in earlier samples', () => {
-        const crossed = i => sample(1000000 + 10 * i, 70 + (i % 5), { r_x: 20, r_y: 70 + (i % 5) });
-        const stream = streamOf([series(0, 40, crossed), 1000]);
-        assert.ok(stream.crossed);
-        assert.deepEqual([valuesOf(stream, 'rightX')[0], valuesOf(stream, 'rightY')[0]], [70, 20]);
-        assert.deepEqual([valuesOf(stream, 'rightX')[39], valuesOf(stream, 'rightY')[39]], [74, 20]);
+        const model = modelOf(...series(0, 40, i => sample(i, { x: 70 + (i % 5), r_x: 20, r_y: 70 + (i % 5) })));
+        assert.ok(model.crossed);
+        assert.deepEqual([valuesOf(model, 'rightX')[0], valuesOf(model, 'rightY')[0]], [70, 20]);
+        assert.deepEqual([valuesOf(model, 'rightX')[39], valuesOf(model, 'rightY')[39]], [74, 20]);
     });
 
-    test('has at most ten seconds', () => {
-        const stream = streamOf(...listOf(30, i => [series(100 * i, 100 * i + 150, clocked), 1000 * i]));
-        const times = valuesOf(stream);
-        assert.ok(times[times.length - 1] - times[0] <= 10000);
-        assert.ok(times.length > 900);
+    test('an eye that the tracker has not detected is missing', () => {
+        const model = modelOf(sample(1, { l_valid: false }));
+        assert.deepEqual([valuesOf(model, 'leftX'), valuesOf(model, 'rightX')], [[NaN], [1]]);
+    });
+
+    test('adds up the missed samples, and keeps the last markers', () => {
+        const model = modelOf();
+        for (const missed of [{ count: 3 }, { count: null }, { count: 4, events: 2 }]) model.takeMissed(missed);
+        const { samples, markers, restarted } = model.missed;
+        assert.deepEqual([samples, markers, restarted], [7, 2, true]);
+        for (const i of [...listOf(100, index => index), ...listOf(101, index => 49 + index)])
+            model.takeMarker({ time: i, text: '' });
+        assert.deepEqual([model.markers.length, model.markers[99].time], [100, 149]);
+    });
+
+    const aged = lastSampleAgeMs => stateAt(0, { tracker: { ...tracker, lastSampleAgeMs, newest: 7 } });
+    for (const [name, expected, take, nowMs] of [
+        ['before the first connection', 'connecting', () => {}, 0],
+        ['without a connection', 'offline', model => { model.takeState(stateAt(0), 0); model.lose(''); }, 0],
+        ['connected again', 'noSamples', model => { model.lose('no'); model.takeState(stateAt(0), 0); }, 0],
+        ['without a tracker', 'noTracker', model => model.takeState(stateAt(0, { tracker: null }), 0), 0],
+        ['a disconnected tracker', 'notConnected',
+            model => model.takeState(stateAt(0, { tracker: { ...tracker, connected: false } }), 0), 0],
+        ['the sample of the state is new', 'live', model => model.takeState(aged(100), 0), 900],
+        ['the sample of the state is old', 'stalled', model => model.takeState(aged(100), 0), 901],
+        ['a sample a second ago', 'live', model => { model.takeState(aged(5000), 0); model.takeSamples([sample(1)], 10); }, 1010],
+        ['a sample longer ago', 'stalled', model => { model.takeState(aged(0), 0); model.takeSamples([sample(1)], 10); }, 1011],
+    ])
+        test(`condition: ${name}`, () => {
+            const model = new LiveModel();
+            take(model);
+            assert.equal(model.condition(nowMs), expected);
+        });
+});
+
+test('the clock of Ocela is taken from the fastest answer, and follows drift and jumps', () => {
+    for (const [observed, nowMs, expected] of [
+        [[[1000, 0], [1950, 1000], [2990, 2000]], 2000, 3000 - 2],
+        [[[1000, 0], [2030, 1000]], 1000, 2030],
+        [[[1000, 0], [901000, 1000000]], 1000000, 901000],
+        [[[1000, 0], [999000, 1000]], 1000, 999000],
+    ]) {
+        const clock = new ProgramClock();
+        for (const times of observed) clock.observe(...times);
+        assert.equal(Math.round(clock.now(nowMs)), expected, String(observed));
+    }
+});
+
+describe('event stream', () => {
+    /** Replaces the browser's classes and timers. Returns the log of events, and functions that control the fakes. */
+    function fakeBrowser(t, refusal = null) {
+        const log = [];
+        let [nowMs, timers, visibilityChanged] = [0, [], () => {}];
+        t.mock.method(globalThis, 'setTimeout', (run, ms) => timers[timers.push({ run, dueMs: nowMs + ms }) - 1]);
+        t.mock.method(globalThis, 'clearTimeout', timer => { timers = timers.filter(other => other !== timer); });
+        t.mock.method(globalThis, 'fetch', async () => ({ ok: !refusal, text: async () => JSON.stringify({ detail: refusal }) }));
+        globalThis.document = { hidden: false, addEventListener: (_, listener) => { visibilityChanged = listener; } };
+        globalThis.EventSource = class {
+            static CLOSED = 2;
+            listeners = {};
+            readyState = 1;
+
+            constructor(url) {
+                browser.source = this;
+                log.push(`open ${url.replace('/api/v1/stream?interval=100', '')}`);
+            }
+
+            addEventListener(name, listener) {
+                this.listeners[name] = listener;
+            }
+
+            close() {
+                log.push('close');
+            }
+        };
+        const browser = {
+            log,
+            source: null,
+            emit: (name, data, lastEventId = '') => browser.source.listeners[name]({ data: JSON.stringify(data), lastEventId }),
+            fail: readyState => Object.assign(browser.source, { readyState }).listeners.error(),
+            hide: hidden => { globalThis.document.hidden = hidden; visibilityChanged(); },
+            wait: ms => {
+                nowMs += ms;
+                const due = timers.filter(({ dueMs }) => dueMs <= nowMs);
+                timers = timers.filter(timer => !due.includes(timer));
+                for (const { run } of due) run();
+            },
+        };
+        const handler = name => value => log.push(`${name} ${JSON.stringify(value)}`);
+        const names = ['state', 'samples', 'event', 'missed', 'lost'];
+        new EventStream(Object.fromEntries(names.map(name => [name, handler(name)])));
+        return browser;
+    }
+
+    test('passes events on, and continues after the last sample in a tab that was hidden', t => {
+        const { log, emit, hide, wait } = fakeBrowser(t);
+        emit('state', 1);
+        emit('samples', [2], 'run:2');
+        emit('event', 3, 'run:2');
+        hide(true);
+        wait(100000);
+        hide(false);
+        emit('missed', 4);
+        assert.deepEqual(log, ['open ', 'state 1', 'samples [2]', 'event 3', 'close', 'lost ""', 'open &after=2', 'missed 4']);
+    });
+
+    test('makes a new connection when one fails or is silent, after longer and longer delays', async t => {
+        const { log, emit, fail, wait } = fakeBrowser(t);
+        emit('samples', [], 'run:7');
+        wait(3999);
+        emit('state', 1);
+        wait(3999);
+        assert.equal(log.length, 3);
+        wait(1);
+        await null;
+        assert.deepEqual(log.splice(0), ['open ', 'samples []', 'state 1', 'close', 'lost ""']);
+        for (const delayMs of [250, 500, 1000, 2000, 4000, 4000]) {
+            wait(delayMs - 1);
+            assert.deepEqual(log, []);
+            wait(1);
+            fail(0);
+            await null;
+            assert.deepEqual(log.splice(0), ['open &after=7', 'close', 'lost ""']);
+        }
+        wait(4000);
+        emit('state', 1);
+        fail(0);
+        wait(250);
+        assert.equal(log.filter(entry => entry.startsWith('open')).length, 2);
+    });
+
+    test('asks why it was refused', async t => {
+        const { log, fail } = fakeBrowser(t, 'Too many streams.');
+        fail(2);
+        await new Promise(setImmediate);
+        assert.deepEqual(log, ['open ', 'close', 'lost "Too many streams."']);
     });
 });
 
-describe('state', () => {
-    const running = { result: true, samples: [clocked(0)] };
-    const changed = { result: true, samples: [clocked(0), clocked(1)] };
-    for (const [name, expected, answers, nowMs] of [
-        ['before the first answer', 'connecting', [], 0],
-        ['without an answer', 'offline', [[running, 100], [null, 200]], 200],
-        ['without a tracker', 'noTracker', [[{ result: false, samples: [] }, 0]], 0],
-        ['without samples', 'noSamples', [[{ result: true, samples: [] }, 0]], 0],
-        ['the first samples may be old', 'connecting', [[running, 100], [running, 1100]], 1100],
-        ['the first samples do not change', 'stalled', [[running, 100], [running, 1101]], 1101],
-        ['the last change was a second ago', 'live', [[running, 0], [changed, 100], [changed, 1100]], 2600],
-        ['the last change was longer ago', 'stalled', [[running, 0], [changed, 100], [changed, 1101]], 2601],
-        ['an answer is late', 'connecting', [[running, 0], [changed, 100], [changed, 1101]], 2602],
+test('a file without a folder is a name in the records folder', () => {
+    for (const [file, expected] of [
+        ['', {}],
+        ['a b', { name: 'a b' }],
+        ['a.CSV', { name: 'a' }],
+        ['/r/a.csv', { path: '/r/a.csv' }],
+        ['C:\\r\\a', { path: 'C:\\r\\a' }],
     ])
-        test(name, () => {
-            const stream = new SampleStream();
-            for (const [answer, answerMs] of answers) stream.take(answer, answerMs);
-            assert.equal(stream.state(nowMs), expected);
-        });
-
-    test('is live if only the number of samples changes, as for lost eyes without timestamps', () => {
-        const stream = streamOf([series(0, 200, lost), 0], [series(0, 200, lost), 900]);
-        assert.equal(stream.state(900), 'connecting');
-        stream.take({ result: true, samples: series(0, 199, lost) }, 1800);
-        assert.equal(stream.state(1800), 'live');
-    });
+        assert.deepEqual(recordingAt(file), expected);
 });
 
 describe('gaze view', () => {
@@ -173,60 +244,4 @@ describe('gaze view', () => {
         assert.deepEqual(context.circles, [[toX(32), toY(35)], [toX(42), toY(45)], [toX(22), toY(25)]]);
         assert.deepEqual(context.lines.right[0], [toX(40), toY(45), toX(41), toY(45)]);
     });
-});
-
-describe('poller', () => {
-    /**
-     * Polls with the answers of a fake service, which refuses further requests. Returns the reports of the poller.
-     * `beforeTick` is called five times, with a function that hides or shows the page.
-     */
-    async function poll(t, answers, beforeTick = () => {}) {
-        const reports = [];
-        let [nowMs, timers, changed] = [0, [], undefined];
-        t.mock.method(globalThis, 'setTimeout', (run, ms) => timers[timers.push({ run, dueMs: nowMs + ms }) - 1]);
-        t.mock.method(globalThis, 'clearTimeout', timer => { timers = timers.filter(other => other !== timer); });
-        globalThis.document = { hidden: false, addEventListener: (_, listener) => { changed = listener; } };
-        t.mock.method(globalThis, 'fetch', async () => ({ ok: answers.length > 0, json: async () => answers.shift() }));
-        new Poller(answer => reports.push(answer) > 0);
-        for (let i = 0; i < 5; ++i) {
-            beforeTick(i, hidden => { globalThis.document.hidden = hidden; changed(); });
-            nowMs += 200;
-            const due = timers.filter(({ dueMs }) => dueMs <= nowMs);
-            timers = timers.filter(timer => !due.includes(timer));
-            for (const { run } of due) run();
-            await new Promise(setImmediate);
-        }
-        return reports;
-    }
-
-    const samples = [clocked(0)];
-    for (const [name, answers, expected] of [
-        ['the samples', [{ result: true, samples, sampleCount: 1 }], { result: true, samples }],
-        ['no samples without a tracker', [{ result: false }], { result: false, samples: [] }],
-        ['no samples without an array', [{ result: 'true', samples: { length: 1 } }], { result: false, samples: [] }],
-        ['an invalid answer', [null], null],
-    ])
-        test(`reports ${name}`, async t => assert.deepEqual((await poll(t, answers))[0], expected));
-
-    test('waits longer after each failure', async t => assert.equal((await poll(t, [])).length, 2));
-
-    test('sends one request at a time, and none while the page is hidden', async t => {
-        const answers = listOf(20, i => ({ result: true, samples: [clocked(i)] }));
-        const reports = await poll(t, answers, (i, hide) => {
-            for (const hidden of i === 2 ? [true] : [true, false, true, false]) hide(hidden);
-        });
-        assert.deepEqual(reports.map(report => report.samples[0]), listOf(4, clocked));
-    });
-});
-
-test('pause between requests', () => {
-    for (const [args, expected] of [
-        [[0, 10, true], 150],
-        [[0, 10, false], 390],
-        [[0, 90, true], 210],
-        [[0, 3000, true], 0],
-        [[3, 5, false], 1000],
-        [[1000, 5, false], 4000],
-    ])
-        assert.equal(pauseMs(...args), expected, args.join());
 });

@@ -1,17 +1,20 @@
 import assert from 'node:assert/strict';
-import { readFileSync, readdirSync } from 'node:fs';
+import { readFileSync } from 'node:fs';
 import { join } from 'node:path';
-import { after, before, describe, test } from 'node:test';
+import { after, afterEach, beforeEach, describe, test } from 'node:test';
 import { Chromium } from './support/chromium.js';
 import { listOf } from './support/columns.js';
-import { FakeService } from './support/fake_service.js';
+import { FakeService, problem } from './support/fake_service.js';
 import { address, createHome, fileAt, startProgram, startSimulator } from './support/program.js';
 import { waitFor } from './support/wait.js';
 
 const stateIs = state => `document.querySelector('#gaze-title').dataset.state === '${state}'`;
+const lightIs = light => `document.querySelector('#light').dataset.light === '${light}'`;
+const isEnabled = selector => `!document.querySelector('${selector}').disabled`;
 const picture = "document.querySelector('#gaze').toDataURL()";
 const rate = "parseFloat(document.querySelector('#rate').textContent)";
 const lastRequest = "(document.querySelector('#requests li')?.textContent ?? '')";
+const textOf = selector => `document.querySelector('${selector}').textContent`;
 
 const browser = new Chromium();
 after(() => browser.close());
@@ -29,26 +32,40 @@ test('shows and controls Ocela, also after a restart of Ocela and the tracker', 
 
         const file = join(home.folder, "a & b's ü.csv");
         await page.fill('#path', file);
-        await page.click('#record .primary');
-        await page.until(`${lastRequest}.includes('The request was queued.')`);
+        await page.click('#start-record');
+        await page.until(lightIs('on'));
+        await page.until(`${textOf('#recordings')}.includes(${JSON.stringify(file)})`);
+        await page.fill('#marker-text', 'stimulus 1');
+        await page.click('#marker button');
+        await page.until(`${lastRequest}.includes('Set and recorded.')`);
+        await page.until(`${textOf('#markers')}.includes('stimulus 1')`);
+        await page.until(`/markers: 1$/.test(${textOf('#recordings p')})`);
+        await postEvent('of another program');
+        await page.until(`${textOf('#markers li')}.includes('of another program')`);
+        await page.until(isEnabled('#stop-record'));
         await page.click('#stop-record');
-        await page.until(`${lastRequest}.includes('Stop recording')`);
-        await fileAt(file);
+        await page.until(`${lastRequest}.includes(${JSON.stringify(`Saved: ${file}`)})`);
+        await page.until(lightIs('off'));
         assert.match(readFileSync(file, 'utf8'), /^Timestamp,Time,/);
-        await page.fill('#path', '');
-        await page.click('#record .primary');
+        assert.match(readFileSync(file.replace('.csv', '_events.csv'), 'utf8'), /,stimulus 1,[^]*,of another program,/);
+
+        await page.fill('#path', 'by name');
+        await page.until(isEnabled('#start-record'));
+        await page.click('#start-record');
+        await page.until(isEnabled('#stop-record'));
         await page.click('#stop-record');
-        const records = () => readdirSync(join(home.folder, 'Documents/Ocela')).filter(name => name.endsWith('_ocela.csv'));
-        await waitFor(() => records().length === 1, 'a file in the default folder');
+        await fileAt(join(home.folder, 'Documents/Ocela/by name.csv'));
 
         await simulator.kill();
-        await page.until(stateIs('stalled'));
+        await page.until(`${stateIs('stalled')} || ${stateIs('notConnected')}`);
         await program.kill();
         await page.until(stateIs('offline'));
+        await page.until(lightIs('unknown'));
         simulator = await startSimulator('--rate', '1000');
         program = await startProgram(home);
         await page.until(stateIs('live'));
         await page.until(`${rate} > 200`);
+        await page.until(`${textOf('#missed')} === '0 + ?'`);
         assert.deepEqual(page.errors, []);
     } finally {
         await program.kill();
@@ -57,38 +74,66 @@ test('shows and controls Ocela, also after a restart of Ocela and the tracker', 
     }
 });
 
+/** Sets a marker as another program does. */
+const postEvent = text => fetch(`${address}/api/v1/events`, {
+    method: 'POST', headers: { 'Content-Type': 'application/json' }, body: JSON.stringify({ text }),
+});
+
 describe('the live page', () => {
     let service;
-    before(async () => { service = await new FakeService({}).listen(); });
-    after(() => service.close());
+    let stopFeed = () => {};
+    beforeEach(async () => { service = await new FakeService().listen(); });
+    afterEach(() => {
+        stopFeed();
+        service.close();
+    });
 
     /** Every fifth sample is invalid. */
-    const sample = (timestamp, i) => ({
-        timestamp, valid: i % 5 > 0, x: 49 + (i % 3), y: 50, x_px: 0, y_px: 0, l_x: 19 + (i % 3), l_y: 30, r_x: 79 + (i % 3),
-        r_y: 90, l_pupil_mm: 3.2, r_pupil_mm: 4.4, distance_cm: 50 + (i % 100) / 10, focus: 0,
+    const sample = i => ({
+        number: i, time: 10 * i, timestamp: 0, valid: i % 5 > 0, x: 49 + (i % 3), y: 50, x_px: 0, y_px: 0, l_x: 19 + (i % 3),
+        l_y: 30, r_x: 79 + (i % 3), r_y: 90, l_pupil_mm: 3.2, r_pupil_mm: 4.4, distance_cm: 50 + (i % 100) / 10, focus: 0,
+        l_valid: true, r_valid: true,
     });
 
-    /** Returns an answer with the last two seconds of a tracker at 100 Hz. */
-    const running = timestampOf => () => {
-        const last = Math.floor(Date.now() / 10);
-        const samples = listOf(200, i => sample(timestampOf(last - 199 + i), last - 199 + i));
-        return { result: true, sampleCount: 200, samples };
+    /** Returns the samples of a tracker at 100 Hz. */
+    const running = (fromMs, toMs) => {
+        const first = Math.ceil(fromMs / 10);
+        return listOf(Math.ceil(toMs / 10) - first, i => sample(first + i));
     };
-    const extreme = () => ({
-        result: true,
-        samples: [1, 2, 3].map(i => (
-            { ...sample(9e18, i * Math.random()), x: null, l_x: 1e38, l_y: -1e38, l_pupil_mm: 1e30, distance_cm: 1e38 * i })),
-    });
+    const extreme = (fromMs, toMs) => running(fromMs, toMs).map((usual, i) => (
+        { ...usual, timestamp: 9e18, x: null, l_x: 1e38, l_y: -1e38, l_pupil_mm: 1e30, distance_cm: 1e38 * i }));
 
-    for (const [name, answer, state] of [
-        ['extreme values', extreme, 'live'],
+    const tracker = { name: 'gazepoint', connected: true, reason: '', lastSampleAgeMs: null, newest: null };
+    for (const [name, state, change, hint] of [
+        ['no tracker', 'noTracker', { tracker: null }, 'Select one'],
+        ['a reason', 'notConnected', { tracker: { ...tracker, connected: false, reason: '<b>Port 4242</b>' } }, '<b>Port 4242</b>'],
+        ['no reason', 'notConnected', { tracker: { ...tracker, connected: false } }, 'Ocela window'],
+        ['no samples', 'noSamples', {}, 'has not sent'],
+        ['old samples', 'stalled', { tracker: { ...tracker, lastSampleAgeMs: 5000, newest: 9 } }, 'has stopped'],
     ])
-        test(`shows the state for ${name}`, async () => {
-            service.answers = { '/lastsamples': answer };
+        test(`shows the condition: ${name}`, async () => {
+            Object.assign(service.state, change);
             const page = await browser.open(service.address);
             await page.until(stateIs(state));
-            assert.deepEqual(page.errors, []);
+            assert.ok((await page.text('#veil-hint')).includes(hint));
         });
+
+    test('tells why Ocela refuses the stream, and tries again', async () => {
+        service.answers['GET stream'] = problem(429, 'Too many streams.');
+        const page = await browser.open(service.address);
+        await page.until(`${textOf('#veil-hint')}.startsWith('Too many streams.')`);
+        await page.until(`${stateIs('offline')} && ${lightIs('unknown')}`);
+        service.answers = {};
+        await page.until(`${stateIs('noSamples')} && ${lightIs('off')}`);
+    });
+
+    test('shows extreme values', async () => {
+        stopFeed = service.feed(extreme);
+        const page = await browser.open(service.address);
+        await page.until(stateIs('live'));
+        await page.until(`${rate} > 50`);
+        assert.deepEqual(page.errors, []);
+    });
 
     /** Returns the mean position of all pixels of a colour, in percent of the canvas. */
     const centreOf = (page, selector, colour) => page.evaluate(`(() => {
@@ -101,7 +146,7 @@ describe('the live page', () => {
     })()`);
 
     test('shows samples as picture, charts and figures', async () => {
-        service.answers = { '/lastsamples': running(i => 10 * i) };
+        stopFeed = service.feed(running);
         const page = await browser.open(service.address);
         await page.until(stateIs('live'));
         await page.until(`Math.abs(${rate} - 100) < 20`);
@@ -116,48 +161,93 @@ describe('the live page', () => {
         for (const chart of ['#chart-x canvas', '#chart-y canvas', '#chart-pupil canvas'])
             assert.ok((await centreOf(page, chart, orange)).y < (await centreOf(page, chart, blue)).y - 10, chart);
 
-        const last = running(i => 10 * i)();
-        service.answers = { '/lastsamples': last };
+        stopFeed();
+        const last = sample(Math.floor(Date.now() / 10));
+        service.send('samples', [last], `run:${last.number}`);
+        const heartbeat = setInterval(() => service.setState({}), 500);
+        stopFeed = () => clearInterval(heartbeat);
         await page.until(stateIs('stalled'));
         await page.until("document.querySelector('#rate').textContent === '–'");
         await page.until("parseFloat(document.querySelector('#gap').textContent.replace(',', '')) > 1000");
-        assert.equal(await page.text('#distance'), `${last.samples[199].distance_cm.toFixed(1)} cm`);
+        assert.equal(await page.text('#distance'), `${last.distance_cm.toFixed(1)} cm`);
     });
 
-    test('shows samples without timestamps', async () => {
-        service.answers = { '/lastsamples': running(() => 0) };
+    test('closes the stream while it is hidden, continues after the last sample, and shows what it missed', async () => {
         const page = await browser.open(service.address);
+        await page.until(stateIs('noSamples'));
+        service.send('samples', [sample(Math.floor(Date.now() / 10))], 'run:42');
         await page.until(stateIs('live'));
-        await page.until("!document.querySelector('#by-arrival').hidden");
-        await page.until(`Math.abs(${rate} - 100) < 20`);
-        assert.equal(await page.text('#jitter'), '–');
+        const show = await page.hide();
+        await waitFor(() => service.streams.size === 0, 'the stream is closed');
+        await show();
+        await waitFor(() => service.streams.size === 1, 'the stream is open');
+        assert.deepEqual(service.requests.map(([, resource]) => resource),
+            ['stream?interval=100', 'stream?interval=100&after=42']);
+        service.send('missed', { count: 1200 });
+        service.send('missed', { count: 34 });
+        await page.until("document.querySelector('#missed').textContent === '1,234'");
     });
 
-    test('shows errors as plain text', async () => {
-        const error = '<img src=x onerror="document.title = 1">';
-        const no = { result: false };
-        service.answers = { '/lastsamples': no, '/startrecord': { ...no, error }, '/calibrate': no };
+    test('shows the recordings, the last file, the calibration and the screens', async () => {
         const page = await browser.open(service.address);
-        await page.click('#record .primary');
-        await page.until(`${lastRequest}.includes(${JSON.stringify(`Refused: ${error}`)})`);
+        await page.until(lightIs('off'));
+        assert.deepEqual(await page.evaluate("Array.from(document.querySelectorAll('#screen option'), ({ label }) => label)"),
+            ['1: 1920 × 1080', '2: 2560 × 1440, primary']);
+        assert.equal(await page.evaluate("document.querySelector('#screen').value"), '2');
+        assert.ok(await page.evaluate(`${isEnabled('#start-record')} && !${isEnabled('#stop-record')}`));
+
+        const recording = { tracker: 'eyetech', path: '/r/a.csv', durationMs: 61000, samples: 1234, events: 5 };
+        service.setState({ recordings: [recording], calibration: { running: true, last: null } });
+        await page.until(lightIs('on'));
+        assert.equal(await page.text('#recordings'), 'eyetech: 1:01 · samples: 1,234 · markers: 5/r/a.csv');
+        // The buttons are for the selected tracker, which is another one.
+        assert.ok(await page.evaluate(`${isEnabled('#start-record')} && !${isEnabled('#stop-record')}`));
+        assert.ok(await page.evaluate(`!${isEnabled('#calibrate')} && ${isEnabled('#stop-calibration')}`));
+
+        service.setState({
+            recordings: [], lastRecording: { path: '/r/a.csv', samples: 1234, saved: false, error: 'The disk is full.' },
+            calibration: { running: false, last: { result: 'failed', time: Date.now() } },
+        });
+        await page.until(`${textOf('#last-recording')} === 'The last recording is not saved. The disk is full.'`);
+        assert.match(await page.text('#calibration-state'), /^Last calibration: failed/);
+    });
+
+    test('sends requests and shows their outcomes as plain text', async () => {
+        const detail = '<img src=x onerror="document.title = 1">';
+        service.answers = { 'POST recording': problem(422, detail), 'POST calibration': problem(409, 'It is running.'),
+            'POST events': { status: 201, body: { time: 1, number: 2, recorded: false } }, 'PUT tracker': problem(422, 'No.') };
+        const page = await browser.open(service.address);
+        await page.until(isEnabled('#start-record'));
+        await page.click('#start-record');
+        await page.until(`${lastRequest}.includes(${JSON.stringify(`Refused: ${detail}`)})`);
         assert.equal(await page.evaluate("document.querySelectorAll('#requests img').length"), 0);
-        await page.fill('#screen', 2);
-        await page.click('#calibration .primary');
-        await page.until(`${lastRequest}.includes('no tracker is selected')`);
-        assert.ok(service.requests.some(({ path }) => path === '/calibrate&screen=2'));
+        await page.fill('#screen', '1');
+        await page.click('#calibrate');
+        await page.until(`${lastRequest}.includes('Refused: It is running.')`);
+        await page.evaluate("document.querySelector('#marker-text').focus()");
+        await page.send('Input.insertText', { text: 'a <b>' });
+        for (const type of ['keyDown', 'keyUp'])
+            await page.send('Input.dispatchKeyEvent', { type, key: 'Enter', windowsVirtualKeyCode: 13, text: '\r' });
+        await page.until(`${lastRequest}.includes('Set. No recording is running')`);
+        await page.fill('#tracker', 'eyetech');
+        await page.until(`${lastRequest}.includes('Refused: No.')`);
+        await page.until("document.querySelector('#tracker').value === 'gazepoint'");
+        assert.deepEqual(service.requests.filter(([, resource]) => !resource.startsWith('stream')), [
+            ['POST', 'recording', {}], ['POST', 'calibration', { screen: 1 }], ['POST', 'events', { text: 'a <b>' }],
+            ['PUT', 'tracker', { name: 'eyetech' }],
+        ]);
         await page.click('[data-language=ru]');
-        assert.match(await page.evaluate(lastRequest), /Калибровать на экране 2.*Отказ: трекер не выбран/);
-        await page.until("document.querySelector('#state').textContent === 'Трекер не выбран'");
+        assert.match(await page.evaluate(lastRequest), /Выбрать трекер: eyetech.*Отказ: No\./);
+        await page.until("document.querySelector('#light').textContent === 'Записи нет'");
         assert.equal(await page.evaluate('document.documentElement.lang'), 'ru');
         await page.click('[data-language=en]');
-        service.answers = {};
-        await page.click('#stop-calibration');
-        await page.until(`${lastRequest}.includes('Refused: 404')`);
+        assert.deepEqual(page.errors, []);
     });
 });
 
 test('both pages fit a narrow screen, name their controls and keep the language', async () => {
-    const service = await new FakeService({ '/lastsamples': { result: false } }).listen();
+    const service = await new FakeService().listen();
+    service.answers['GET recordings'] = { body: { recordings: [{ name: `${'long'.repeat(30)}.csv`, bytes: 1, modified: 0 }] } };
     try {
         // The first page follows the browser. The second page has the language that was chosen on the first one.
         for (const [path, title, other, otherTitle] of [
@@ -182,7 +272,7 @@ async function checkLayout(page) {
     await page.evaluate("document.querySelectorAll('[hidden]').forEach(element => { element.hidden = false; })");
     assert.equal(await page.evaluate('document.documentElement.scrollWidth'), 360);
     const { nodes } = await page.send('Accessibility.getFullAXTree');
-    const roles = ['button', 'textbox', 'spinbutton', 'link', 'image', 'img', 'progressbar'];
+    const roles = ['button', 'textbox', 'combobox', 'spinbutton', 'link', 'image', 'img', 'progressbar'];
     const controls = nodes.filter(({ ignored, role }) => !ignored && roles.includes(role?.value ?? ''));
     assert.ok(controls.length > 10);
     assert.deepEqual(controls.filter(({ name }) => !name?.value), []);

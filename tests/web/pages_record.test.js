@@ -85,6 +85,32 @@ test('a record file of Ocela is shown, zoomed and saved as an image', async () =
     assert.deepEqual(page.errors, []);
 });
 
+test('the recordings of the records folder are listed and open with a click', async () => {
+    const records = join(home.folder, 'Documents/Ocela');
+    const name = 'a & b+ü%20.csv';
+    const list = "document.querySelector('#recordings')";
+    const page = await browser.open(`${address}/record.html`);
+    await page.until("document.querySelector('#recordings-note').textContent === 'There are no record files in it yet.'");
+    copyFileSync(recordFile, join(records, name));
+    const show = await page.hide();
+    await show();
+    await page.until(`/^a & b\\+ü%20\\.csv.* · \\d+\\.\\d MB$/.test(${list}.textContent)`);
+    await page.click('#recordings a');
+    await page.until(isShown('view'));
+    assert.equal(await page.text('#file-name'), name);
+    assert.ok(await page.evaluate(fixationCount) > 3);
+
+    for (const [requested, reason] of [
+        ['b.csv', 'There is no such record file'], ['../record.csv', 'There is no such record file'], ['', 'There is no such'],
+    ]) {
+        const other = await browser.open(`${address}/record.html?recording=${encodeURIComponent(requested)}`);
+        const text = `Cannot show “${requested}”. ${reason}`;
+        await other.until(`document.querySelector('#problem').textContent.startsWith(${JSON.stringify(text)})`);
+        assert.deepEqual(other.errors, []);
+    }
+    assert.deepEqual(page.errors, []);
+});
+
 test('a record file without timestamps gets the times of its samples file', async () => {
     const lines = readFileSync(recordFile, 'utf8').split('\r\n');
     const timeless = lines.map((line, i) => (i > 0 && line ? `0,0,${line.split(',').slice(2).join()}` : line)).join('\r\n');

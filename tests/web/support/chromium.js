@@ -90,6 +90,17 @@ export class Page {
         await this.until('document.readyState === "complete" && location.href !== "about:blank"');
     }
 
+    /** Hides the page behind another tab. Returns a function that shows it again. */
+    async hide() {
+        const { targetId } = await this.#browser.send('Target.createTarget', { url: 'about:blank' });
+        await this.until('document.hidden');
+        return async () => {
+            await this.#browser.send('Target.closeTarget', { targetId });
+            await this.send('Page.bringToFront');
+            await this.until('!document.hidden');
+        };
+    }
+
     /** Returns the value of an expression. A promise is awaited. */
     async evaluate(expression) {
         const parameters = { expression, awaitPromise: true, returnByValue: true };

@@ -1,22 +1,33 @@
+import { once } from 'node:events';
 import { readFile } from 'node:fs/promises';
 import { createServer } from 'node:http';
 import { extname } from 'node:path';
 
 const folder = new URL('../../../web/', import.meta.url);
+const root = '/api/v1/';
 
 const types = { '.html': 'text/html', '.js': 'text/javascript', '.css': 'text/css', '.svg': 'image/svg+xml' };
 
+/** Returns the answer for a request that is refused. */
+export const problem = (status, detail) => ({ status, type: 'application/problem+json', body: { title: 'No', status, detail } });
+
 /**
- * A server for the pages and a fake API. `answers` maps the start of a request path to the answer: an object, a function that
- * returns one, or null for status 503.
+ * A server for the pages, with a fake API for programs. A stream gets the `state`, and then what is sent to it.
+ * `answers` maps a method and a resource, for example "POST recording", to an answer: `status` and `body`.
  */
 export class FakeService {
+    state = {
+        run: 'run', time: Date.now(), trackers: ['gazepoint', 'eyetech'], calibration: { running: false, last: null },
+        tracker: { name: 'gazepoint', connected: true, reason: '', lastSampleAgeMs: null, newest: null },
+        recordings: [], lastRecording: null,
+        screens: [{ number: 1, width: 1920, height: 1080, primary: false }, { number: 2, width: 2560, height: 1440, primary: true }],
+    };
+    answers = {};
+    /** [method, resource with its query, body] of each request to the API. */
     requests = [];
-    #server = createServer((request, response) => this.#answer(request.url, response));
-
-    constructor(answers) {
-        this.answers = answers;
-    }
+    /** The open streams. */
+    streams = new Set();
+    #server = createServer((request, response) => this.#answer(request, response));
 
     get address() {
         return `http://127.0.0.1:${this.#server.address().port}`;
@@ -32,14 +43,49 @@ export class FakeService {
         this.#server.close();
     }
 
-    async #answer(path, response) {
-        const key = Object.keys(this.answers).find(start => path.startsWith(start));
-        if (!key) return this.#sendFile(path === '/' ? 'index.html' : path.slice(1), response);
-        this.requests.push({ path });
-        const answer = this.answers[key];
-        if (answer === null) return response.writeHead(503).end();
-        response.setHeader('Content-Type', 'text/json; charset=UTF-8');
-        response.end(JSON.stringify(typeof answer === 'function' ? answer() : answer));
+    /** Changes the state and sends it to all streams. */
+    setState(change) {
+        Object.assign(this.state, change, { time: Date.now() });
+        this.send('state', this.state);
+    }
+
+    /** Sends an event to all streams. */
+    send(name, data, id = '') {
+        const idLine = id && `id: ${id}\n`;
+        for (const stream of this.streams) stream.write(`${idLine}event: ${name}\ndata: ${JSON.stringify(data)}\n\n`);
+    }
+
+    /** Sends what `samplesOf` returns for the time since the last call, until the returned function is called. */
+    feed(samplesOf) {
+        let fromMs = Date.now() - 2000;
+        const timer = setInterval(() => {
+            const toMs = Date.now();
+            const samples = samplesOf(fromMs, toMs);
+            fromMs = toMs;
+            if (samples.length > 0) this.send('samples', samples, `run:${samples[samples.length - 1].number}`);
+            this.setState({});
+        }, 100);
+        return () => clearInterval(timer);
+    }
+
+    async #answer(request, response) {
+        const { method, url } = request;
+        if (!url.startsWith(root)) return this.#sendFile(url.replace(/\?.*/, '').replace(/\/$/, '/index.html').slice(1), response);
+        const resource = url.slice(root.length);
+        let text = '';
+        request.on('data', chunk => { text += chunk; });
+        await once(request, 'end');
+        this.requests.push([method, resource, text && JSON.parse(text)]);
+        const { status = 200, body = {}, type = 'application/json' } = this.answers[`${method} ${resource.replace(/\?.*/, '')}`] ?? {};
+        if (resource.startsWith('stream?') && status === 200) return this.#openStream(response);
+        response.writeHead(status, { 'Content-Type': type }).end(typeof body === 'string' ? body : JSON.stringify(body));
+    }
+
+    #openStream(response) {
+        response.writeHead(200, { 'Content-Type': 'text/event-stream' });
+        this.streams.add(response);
+        response.on('close', () => this.streams.delete(response));
+        this.setState({});
     }
 
     async #sendFile(name, response) {

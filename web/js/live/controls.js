@@ -1,82 +1,87 @@
 // @ts-check
-import { byId, element, inputById } from '../shared/dom.js';
-import { onLanguage, text, timeOfDay } from '../shared/language.js';
-import { Refusal, ask, calibratePath, startRecordPath } from './api.js';
-
-const maxRequestCount = 6;
-
-/** Texts are functions, because the language may change. @typedef {() => string} Text */
-/** @typedef {{ item: HTMLElement, date: Date, title: Text, outcome: Text, refused: boolean }} Request */
-
-/** The shown requests, newest first. @type {Request[]} */
-const requests = [];
+import { call, saveTimeoutMs } from '../shared/api.js';
+import { byId, inputById } from '../shared/dom.js';
+import { clock, number, text } from '../shared/language.js';
+import { showRequest } from './requests.js';
+import { resetTracker } from './session_view.js';
 
 /**
- * Resolves with the outcome of the newest request. Each request waits for the answer to the previous one. Otherwise, they
- * could use two connections, and /stoprecord could arrive before /startrecord.
+ * Returns the description of a recording for POST /recording. A file name without a folder means the records folder.
  *
- * @type {Promise<Partial<Request>>}
+ * @param {string} file
  */
-let lastOutcome = Promise.resolve({});
+export function recordingAt(file) {
+    if (!file) return {};
+    return /[/\\]/.test(file) ? { path: file } : { name: file.replace(/\.csv$/i, '') };
+}
 
-/** Connects the buttons and shows the outcome of each request. */
+/** Connects the fields and buttons, and shows the outcome of each request. */
 export function startControls() {
-    byId('record').addEventListener('submit', event => {
+    onSubmit('record', startRecording);
+    onSubmit('marker', setMarker);
+    onSubmit('calibration', startCalibration);
+    byId('stop-record').addEventListener('click', stopRecording);
+    byId('stop-calibration').addEventListener('click', stopCalibration);
+    byId('tracker').addEventListener('change', chooseTracker);
+}
+
+/**
+ * @param {string} id
+ * @param {() => void} submit
+ */
+function onSubmit(id, submit) {
+    byId(id).addEventListener('submit', event => {
         event.preventDefault();
-        const path = inputById('path').value.trim();
-        send(startRecordPath(path), () => text('startRecordAt', { path: path || text('defaultPath') }));
+        submit();
     });
-    byId('calibration').addEventListener('submit', event => {
-        event.preventDefault();
-        const screen = inputById('screen').valueAsNumber;
-        send(calibratePath(screen), () => text('calibrateScreen', { screen }));
+}
+
+function startRecording() {
+    const file = inputById('path').value.trim();
+    showRequest(() => text('startRecordAt', { path: file || text('defaultPath') }), async () => {
+        const { path } = await call('POST', 'recording', { body: recordingAt(file) });
+        return () => text('recordingTo', { path });
     });
-    byId('stop-record').addEventListener('click', () => send('/stoprecord', () => text('stopRecord')));
-    byId('stop-calibration').addEventListener('click', () => send('/stopcalibration', () => text('stopCalibration')));
-    onLanguage(() => requests.forEach(show));
 }
 
-/**
- * @param {string} path
- * @param {Text} title
- */
-async function send(path, title) {
-    const request = {
-        item: element('li'), date: new Date(), title, outcome: () => text('waiting'), refused: false,
-    };
-    requests.unshift(request);
-    show(request);
-    byId('requests').prepend(request.item);
-    for (const old of requests.splice(maxRequestCount)) old.item.remove();
-    lastOutcome = lastOutcome.then(() => outcomeOf(path));
-    Object.assign(request, await lastOutcome);
-    show(request);
+function stopRecording() {
+    showRequest(() => text('stopRecord'), async () => {
+        const { path, samples, durationMs } = await call('DELETE', 'recording', { waitMs: saveTimeoutMs });
+        return () => text('savedTo', { path, samples: number(samples), duration: clock(durationMs) });
+    });
 }
 
-/**
- * Sends a POST request, because the browser never repeats it automatically, unlike GET.
- *
- * @param {string} path
- * @returns {Promise<Partial<Request>>}
- */
-async function outcomeOf(path) {
-    try {
-        const answer = await ask(path, { method: 'POST' });
-        if (answer.result === true) return { outcome: () => text('queued') };
-        const outcome = () => (answer.error ? text('refusedBecause', { error: answer.error }) : text('refused'));
-        return { outcome, refused: true };
-    } catch (error) {
-        const key = error instanceof Refusal ? 'refusedBecause' : 'unanswered';
-        return { outcome: () => text(key, { error: /** @type {Error} */ (error).message }), refused: true };
-    }
+/** The text stays in the field and is selected: Enter sets it again, and typing replaces it. */
+function setMarker() {
+    const field = inputById('marker-text');
+    const marker = field.value.trim();
+    field.select();
+    showRequest(() => text('setMarkerOf', { text: marker }), async () => {
+        const { recorded } = await call('POST', 'events', { body: { text: marker } });
+        return () => text(recorded ? 'markerRecorded' : 'markerNotRecorded');
+    });
 }
 
-/**
- * Updates only the item of this request, because a screen reader reads every change of the list aloud.
- *
- * @param {Request} request
- */
-function show({ item, date, title, outcome, refused }) {
-    item.className = refused ? 'refused' : '';
-    item.replaceChildren(`${timeOfDay(date)}  ${title()} `, element('br'), element('b', outcome()));
+function startCalibration() {
+    const screen = Number(inputById('screen').value);
+    showRequest(() => text('calibrateScreen', { screen }), async () => {
+        await call('POST', 'calibration', { body: { screen } });
+        return () => text('calibrationStarts');
+    });
+}
+
+function stopCalibration() {
+    showRequest(() => text('stopCalibration'), async () => {
+        await call('DELETE', 'calibration');
+        return () => text('calibrationStops');
+    });
+}
+
+async function chooseTracker() {
+    const name = inputById('tracker').value;
+    const done = await showRequest(() => text('chooseTracker', { name }), async () => {
+        await call('PUT', 'tracker', { body: { name } });
+        return () => text('trackerChosen');
+    });
+    if (!done) resetTracker();
 }

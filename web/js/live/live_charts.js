@@ -4,10 +4,11 @@ import { Chart } from '../shared/chart.js';
 import { byId } from '../shared/dom.js';
 import { number, text } from '../shared/language.js';
 import { rangeOf } from '../shared/ticks.js';
-import { spanMs } from './sample_stream.js';
+import { spanMs } from './live_model.js';
 /** @import { Colour, Palette } from '../shared/canvas.js' */
 /** @import { Label } from '../shared/chart.js' */
-/** @import { ColumnName, SampleColumns } from '../shared/sample_columns.js' */
+/** @import { ColumnName } from '../shared/sample_columns.js' */
+/** @import { LiveModel } from './live_model.js' */
 
 /**
  * The value axis has the fixed `range`. Without `range`, it covers all values, extended to multiples of `step`.
@@ -33,23 +34,23 @@ const bandWidth = 6;
 const secondsLabel = (timeMs, decimals) => text('seconds', { value: number(timeMs / 1000, decimals) });
 
 /**
- * Draws the ten seconds before `nowMs`.
+ * Draws the ten seconds before `nowMs`, with their markers.
  *
- * @param {SampleColumns} columns
+ * @param {LiveModel} model
  * @param {number} nowMs in the columns' time
  * @param {Palette} palette
  */
-export function drawCharts(columns, nowMs, palette) {
-    for (const chart of charts) drawChart(chart, columns, nowMs, palette);
+export function drawCharts(model, nowMs, palette) {
+    for (const chart of charts) drawChart(chart, model, nowMs, palette);
 }
 
 /**
  * @param {ChartDescription} chart
- * @param {SampleColumns} columns
+ * @param {LiveModel} model
  * @param {number} nowMs
  * @param {Palette} palette
  */
-function drawChart({ id, series, range, step }, columns, nowMs, palette) {
+function drawChart({ id, series, range, step }, { columns, markers }, nowMs, palette) {
     const figure = byId(id);
     const values = range ?? rangeOf(series.map(([name]) => columns[name]), 0, columns.length, step);
     figure.hidden = !values && id === hiddenIfEmpty;
@@ -63,4 +64,5 @@ function drawChart({ id, series, range, step }, columns, nowMs, palette) {
     const chart = new Chart(surface, { fromMs: nowMs - spanMs, toMs: nowMs }, values ?? [0, 1]);
     for (const [name, colour] of series)
         chart.drawSeries(columns, name, palette[colour], colour === 'band' ? { lineWidth: bandWidth } : {});
+    chart.drawTimes(markers.map(({ time }) => time), palette.ink);
 }

@@ -4,23 +4,23 @@ import { byId, canvasById } from '../shared/dom.js';
 import { startLanguage } from '../shared/language.js';
 import { aspectOf, canvasAspect, defaultAspect } from '../shared/screen.js';
 import { startControls } from './controls.js';
+import { EventStream } from './event_stream.js';
 import { drawGaze } from './gaze_view.js';
 import { drawCharts } from './live_charts.js';
-import { showFigures, showState } from './live_texts.js';
-import { Poller } from './poller.js';
-import { SampleStream } from './sample_stream.js';
+import { LiveModel } from './live_model.js';
+import { showCondition, showFigures } from './live_texts.js';
+import { showSession } from './session_view.js';
 
 /** The drawing intervals. Drawing is expensive in a browser without a GPU. */
 const frameMs = 60;
 const chartsMs = 240;
 const figuresMs = 500;
 
-/** Samples arrive in bursts, one for each answer. The gaze is drawn with this delay, so that it moves evenly. */
-const gazeDelayMs = 200;
+/** Samples arrive in groups, one for each event. The gaze is drawn with this delay, so that it moves evenly. */
+const gazeDelayMs = 150;
 
-const stream = new SampleStream();
+const model = new LiveModel();
 let palette = readPalette();
-let answerMs = NaN;
 let aspect = defaultAspect;
 
 /** @param {number} newAspect */
@@ -30,7 +30,7 @@ function useAspect(newAspect) {
 }
 
 function updateAspect() {
-    const newAspect = aspectOf(stream.newest);
+    const newAspect = aspectOf(model.recent);
     if (newAspect !== defaultAspect && Math.abs(newAspect - aspect) > 0.01) useAspect(newAspect);
 }
 
@@ -49,18 +49,21 @@ function throttled(intervalMs, show) {
     };
 }
 
-const updateCharts = throttled(chartsMs, nowMs => drawCharts(stream.columns, stream.timeline.now(nowMs), palette));
+const updateCharts = throttled(chartsMs, nowMs => {
+    showSession(model);
+    drawCharts(model, model.clock.now(nowMs), palette);
+});
 const updateFigures = throttled(figuresMs, nowMs => {
     updateAspect();
-    showFigures(stream, stream.timeline.now(nowMs), stream.state(nowMs) === 'live', answerMs);
+    showFigures(model, model.clock.now(nowMs), model.condition(nowMs) === 'live');
 });
 
 function frame() {
     const nowMs = performance.now();
-    showState(stream.state(nowMs), stream);
+    showCondition(model.condition(nowMs), model);
     updateFigures(nowMs);
     const surface = prepareCanvas(canvasById('gaze'), palette);
-    drawGaze(surface, stream.columns, stream.timeline.now(nowMs) - gazeDelayMs, aspect);
+    drawGaze(surface, model.columns, model.clock.now(nowMs) - gazeDelayMs, aspect);
     updateCharts(nowMs);
     setTimeout(requestAnimationFrame, frameMs, frame);
 }
@@ -69,8 +72,11 @@ useAspect(defaultAspect);
 startLanguage();
 startControls();
 onPaletteChange(() => { palette = readPalette(); });
-new Poller((answer, tookMs) => {
-    answerMs = answer ? tookMs : NaN;
-    return stream.take(answer, performance.now());
+new EventStream({
+    state: state => model.takeState(state, performance.now()),
+    samples: samples => model.takeSamples(samples, performance.now()),
+    event: marker => model.takeMarker(marker),
+    missed: missed => model.takeMissed(missed),
+    lost: reason => model.lose(reason),
 });
 requestAnimationFrame(frame);

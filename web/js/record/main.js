@@ -4,14 +4,16 @@ import { allOf, byId, canvasById } from '../shared/dom.js';
 import { onLanguage, startLanguage } from '../shared/language.js';
 import { canvasAspect } from '../shared/screen.js';
 import { savePng } from './export_png.js';
-import { startOpening } from './open_file.js';
+import { openRecording, startOpening } from './open_file.js';
 import { assumedRateHz, fixationParameters, startParameters } from './parameters.js';
 import { controlRange, dragToMove, dragToSelect } from './range_control.js';
 import { drawOverview, drawPupils, drawValidity, stages } from './record_charts.js';
 import { showFile, showProblem, showProgress, showRange } from './record_texts.js';
 import { RecordView } from './record_view.js';
+import { requestedRecording, startRecordings } from './recordings.js';
 import { between } from './time_range.js';
 /** @import { Chart } from '../shared/chart.js' */
+/** @import { Handlers } from './open_file.js' */
 /** @import { StageMode } from './record_charts.js' */
 
 /** The shown record file; null until one is open, and while another one is read. @type {RecordView | null} */
@@ -57,12 +59,14 @@ function chooseMode(chosen) {
 }
 
 startLanguage();
+startRecordings();
 startParameters({
     detection: () => update(shown => shown.detect(fixationParameters())),
     rate: () => update(shown => shown.assumeRate(assumedRateHz())),
     range: (fromMs, toMs) => update(shown => shown.show(between(fromMs, toMs, shown.wholeMs))),
 });
-startOpening({
+/** @type {Handlers} */
+const opening = {
     progress: share => {
         view = null;
         showProgress(share);
@@ -75,7 +79,7 @@ startOpening({
         update();
     },
     problem: showProblem,
-});
+};
 for (const { canvas, drag } of charts) {
     const access = () => {
         const chart = drawn.get(canvas);
@@ -93,3 +97,6 @@ onPaletteChange(() => {
     update();
 });
 new ResizeObserver(() => update()).observe(byId('view'));
+startOpening(opening);
+const requested = requestedRecording();
+if (requested !== null) openRecording(requested, opening);

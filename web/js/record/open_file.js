@@ -1,4 +1,5 @@
 // @ts-check
+import { addressOf, reasonOf } from '../shared/api.js';
 import { allOf, inputById } from '../shared/dom.js';
 import { recordingOf } from './chosen_files.js';
 /** @import { Problem, RecordFile, WorkerMessage } from './parse_worker.js' */
@@ -13,6 +14,9 @@ import { recordingOf } from './chosen_files.js';
 /** @type {Worker | null} */
 let worker = null;
 
+/** Cancels the download of a recording. */
+let download = new AbortController();
+
 /**
  * Reads the files of a recording in a worker, so that the page stays responsive. Cancels the reading of previous files.
  *
@@ -23,6 +27,7 @@ function read(chosen, handlers) {
     const files = recordingOf(chosen);
     if (!files) return;
     const { name } = files.record;
+    download.abort();
     worker?.terminate();
     worker = new Worker(new URL('./parse_worker.js', import.meta.url), { type: 'module' });
     worker.onmessage = ({ data }) => handle(data, name, handlers);
@@ -40,6 +45,35 @@ function handle(message, fileName, handlers) {
     if ('progress' in message) handlers.progress(message.progress);
     else if ('record' in message) handlers.record(message.record, fileName);
     else handlers.problem(message.problem, fileName);
+}
+
+/**
+ * Opens a record file of Ocela's records folder.
+ *
+ * @param {string} name
+ * @param {Handlers} handlers
+ */
+export async function openRecording(name, handlers) {
+    download = new AbortController();
+    const { signal } = download;
+    handlers.progress(0);
+    try {
+        const answer = await fetch(addressOf('recordings', name), { signal });
+        if (answer.ok) read([new File([await answer.blob()], name)], handlers);
+        else handlers.problem(await problemOf(answer), name);
+    } catch (error) {
+        if (signal.aborted) return;
+        handlers.problem({ key: 'notDelivered', values: { reason: /** @type {Error} */ (error).message } }, name);
+    }
+}
+
+/**
+ * @param {Response} answer
+ * @returns {Promise<Problem>}
+ */
+async function problemOf(answer) {
+    if (answer.status === 404) return { key: 'noSuchRecording', values: {} };
+    return { key: 'notDelivered', values: { reason: await reasonOf(answer) } };
 }
 
 /**

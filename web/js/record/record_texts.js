@@ -39,7 +39,7 @@ function writeProblem() {
 /** @param {'progress' | 'problem' | 'view'} id */
 function showOnly(id) {
     for (const part of ['progress', 'problem', 'view']) byId(part).hidden = part !== id;
-    byId('welcome').hidden = id === 'view';
+    for (const part of ['welcome', 'recordings-card']) byId(part).hidden = id === 'view';
 }
 
 /**

@@ -127,6 +127,27 @@ export class Chart {
     }
 
     /**
+     * Draws a vertical line at each time in the chart.
+     *
+     * @param {number[]} times in ms
+     * @param {string} colour
+     */
+    drawTimes(times, colour) {
+        const { context } = this.#surface;
+        const { fromMs, toMs } = this.#range;
+        context.strokeStyle = colour;
+        context.lineWidth = 1;
+        context.beginPath();
+        for (const timeMs of times) {
+            if (timeMs < fromMs || timeMs > toMs) continue;
+            const x = Math.round(this.toX(timeMs)) + 0.5;
+            context.moveTo(x, this.#top);
+            context.lineTo(x, this.#bottom);
+        }
+        context.stroke();
+    }
+
+    /**
      * Draws a frame around a time range.
      *
      * @param {TimeRange} range

@@ -72,6 +72,11 @@ export function timeOfDay(date) {
     return date.toLocaleTimeString(current);
 }
 
+/** @param {Date} date */
+export function dateAndTime(date) {
+    return date.toLocaleString(current, { dateStyle: 'medium', timeStyle: 'short' });
+}
+
 /** @param {() => void} changed called after each change of the language, for texts that are not in the page's markup */
 export function onLanguage(changed) {
     listeners.push(changed);

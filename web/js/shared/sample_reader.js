@@ -2,11 +2,11 @@
 /** @import { Row } from './sample_columns.js' */
 
 /**
- * A sample with the names of the API. In JSON, null is a non-finite number.
+ * A sample with the names of the API. In JSON, null is a non-finite number. Record files have no flags for the eyes.
  *
  * @typedef {'x' | 'y' | 'x_px' | 'y_px' | 'l_x' | 'l_y' | 'r_x' | 'r_y'} GazeKey
  * @typedef {Record<GazeKey | 'l_pupil_mm' | 'r_pupil_mm' | 'distance_cm', number | null>} Measured
- * @typedef {Measured & { timestamp: number, valid: boolean | number }} Sample
+ * @typedef {Measured & { timestamp: number, valid: boolean | number, l_valid?: boolean, r_valid?: boolean }} Sample
  */
 
 /** Noise changes measured values in every sample. An eye whose values repeat more often than this is lost. */
@@ -38,8 +38,8 @@ function point(x, y) {
 }
 
 /**
- * Detects a lost eye by its values, because neither the API nor the record file has a flag for each eye. For a lost eye,
- * some trackers send zeros, and others repeat the last values.
+ * Detects a lost eye by its values, because record files have no flag for each eye. For a lost eye, some trackers send
+ * zeros, and others repeat the last values.
  */
 class Eye {
     /** @type {(number | null)[]} */
@@ -52,13 +52,14 @@ class Eye {
      * @param {number | null} x
      * @param {number | null} y
      * @param {number | null} pupil
+     * @param {boolean} detected
      */
-    read(x, y, pupil) {
+    read(x, y, pupil, detected) {
         const values = [x, y, pupil];
         const repeats = values.every((value, i) => value === this.#last[i]);
         this.#repeatCount = repeats ? this.#repeatCount + 1 : 0;
         this.#last = values;
-        return this.#repeatCount > maxRepeatCount ? [NaN, NaN, NaN] : [...point(x, y), positive(pupil)];
+        return !detected || this.#repeatCount > maxRepeatCount ? [NaN, NaN, NaN] : [...point(x, y), positive(pupil)];
     }
 }
 
@@ -73,8 +74,9 @@ export class SampleReader {
      */
     read(sample) {
         const [x, y] = sample.valid ? [finite(sample.x), finite(sample.y)] : [NaN, NaN];
-        const [leftX, leftY, leftPupil] = this.#left.read(sample.l_x, sample.l_y, sample.l_pupil_mm);
-        const [rightX, rightY, rightPupil] = this.#right.read(sample.r_x, sample.r_y, sample.r_pupil_mm);
+        const { l_valid: leftValid = true, r_valid: rightValid = true } = sample;
+        const [leftX, leftY, leftPupil] = this.#left.read(sample.l_x, sample.l_y, sample.l_pupil_mm, leftValid);
+        const [rightX, rightY, rightPupil] = this.#right.read(sample.r_x, sample.r_y, sample.r_pupil_mm, rightValid);
         return { x, y, leftX, leftY, rightX, rightY, leftPupil, rightPupil, distance: positive(sample.distance_cm) };
     }
 }
