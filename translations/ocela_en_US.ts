@@ -488,6 +488,10 @@
         <translation>Open folder</translation>
     </message>
     <message>
+        <source>Open in the viewer</source>
+        <translation>Open in the viewer</translation>
+    </message>
+    <message>
         <source>Retry</source>
         <translation>Retry</translation>
     </message>

@@ -488,6 +488,10 @@
         <translation>Открыть папку</translation>
     </message>
     <message>
+        <source>Open in the viewer</source>
+        <translation>Открыть в просмотре</translation>
+    </message>
+    <message>
         <source>Retry</source>
         <translation>Повторить</translation>
     </message>

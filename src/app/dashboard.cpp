@@ -7,10 +7,23 @@
 #include <QDesktopServices>
 #include <QUrl>
 
-void dashboard::open() {
-    const QString address = QString("http://localhost:%1/").arg(OcelaHTTPExchange::port);
-    if (QDesktopServices::openUrl(QUrl(address)))
+namespace {
+
+/// The path is percent-encoded.
+void openPage(const QByteArray &path) {
+    const QByteArray address = "http://localhost:" + QByteArray::number(OcelaHTTPExchange::port) + path;
+    if (QDesktopServices::openUrl(QUrl::fromEncoded(address)))
         return;
     const QString problem = QCoreApplication::translate("Dashboard", "The browser cannot be opened. Open this page:");
     AppHelper::warningMessage(problem + '\n' + address, QString(), QMessageBox::Warning);
+}
+
+}  // namespace
+
+void dashboard::open() {
+    openPage("/");
+}
+
+void dashboard::openRecording(const QString &fileName) {
+    openPage("/record.html?recording=" + QUrl::toPercentEncoding(fileName));
 }

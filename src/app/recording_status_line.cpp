@@ -1,5 +1,6 @@
 #include "app/recording_status_line.h"
 
+#include "app/dashboard.h"
 #include "app/status_texts.h"
 #include "core/eyetracker_interface.h"
 #include "toolkit/platform/app_helper.h"
@@ -28,13 +29,16 @@ RecordingStatusLine::RecordingStatusLine(QWidget *parent)
     : BaseEyetrackerWidget(parent),
       label_(new ElidedLabel(Qt::ElideMiddle, this)),
       folderButton_(new QToolButton(this)),
+      viewerButton_(new QToolButton(this)),
       retryButton_(new QToolButton(this)),
       saveAsButton_(new QToolButton(this)) {
     label_->setObjectName("recordingStatus");
     folderButton_->setObjectName("openFolder");
+    viewerButton_->setObjectName("openViewer");
     retryButton_->setObjectName("retry");
     saveAsButton_->setObjectName("saveAs");
     connect(folderButton_, &QToolButton::clicked, this, &RecordingStatusLine::openFolder);
+    connect(viewerButton_, &QToolButton::clicked, this, &RecordingStatusLine::openViewer);
     connect(retryButton_, &QToolButton::clicked, this, &RecordingStatusLine::retryWanted);
     connect(saveAsButton_, &QToolButton::clicked, this, &RecordingStatusLine::saveAsWanted);
 
@@ -42,7 +46,7 @@ RecordingStatusLine::RecordingStatusLine(QWidget *parent)
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(spacing);
     row->addWidget(label_, 1);
-    for (QToolButton *button : {folderButton_, retryButton_, saveAsButton_})
+    for (QToolButton *button : {folderButton_, viewerButton_, retryButton_, saveAsButton_})
         row->addWidget(button);
     hide();
 }
@@ -86,6 +90,8 @@ void RecordingStatusLine::refresh() {
         showsFile && problem.isEmpty() ? Qt::convertFromPlainText(QDir::toNativeSeparators(result_->path)) : QString());
     folderButton_->setText(tr("Open folder"));
     folderButton_->setVisible(showsFile);
+    viewerButton_->setText(tr("Open in the viewer"));
+    viewerButton_->setVisible(showsFile && viewerAvailable_ && isInViewer());
     retryButton_->setText(tr("Retry"));
     retryButton_->setVisible(!problem.isEmpty());
     saveAsButton_->setText(tr("Save as"));
@@ -151,4 +157,20 @@ void RecordingStatusLine::openFolder() const {
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(folder)))
         AppHelper::warningMessage(tr("The folder cannot be opened:") + '\n' + QDir::toNativeSeparators(folder),
                                   QString(), QMessageBox::Warning);
+}
+
+void RecordingStatusLine::setViewerAvailable(bool available) {
+    viewerAvailable_ = available;
+    refresh();
+}
+
+bool RecordingStatusLine::isInViewer() const {
+    const QFileInfo file = fileAt(result_->path);
+    const QString recordsFolder = QDir(trackers_.front()->recordsFolder()).canonicalPath();
+    return file.suffix().compare("csv", Qt::CaseInsensitive) == 0 && file.isFile() && !file.isSymLink() &&
+           file.canonicalPath() == recordsFolder;
+}
+
+void RecordingStatusLine::openViewer() const {
+    dashboard::openRecording(fileAt(result_->path).fileName());
 }

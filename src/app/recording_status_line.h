@@ -11,7 +11,8 @@ class ElidedLabel;
 class QToolButton;
 
 /// The part of the status bar for recordings. Shows the running recordings of all trackers, then the saved file, or why
-/// a recording was not saved. Its buttons open the folder of the file, or ask for another attempt to save. GUI thread.
+/// a recording was not saved. Its buttons open the folder of the file, or the
+/// file in the record viewer, or ask for another attempt to save. GUI thread.
 class RecordingStatusLine : public BaseEyetrackerWidget {
     Q_OBJECT
 
@@ -29,6 +30,9 @@ public:
 
     /// Updates the texts and the buttons. Hides the line if there is nothing to show.
     void refresh();
+
+    /// Sets whether the record viewer can be opened in the browser.
+    void setViewerAvailable(bool available);
 
 Q_SIGNALS:
     /// The user wants to try again to save the unsaved recordings.
@@ -53,7 +57,10 @@ private:
     [[nodiscard]] QString unsavedProblem() const;
     void recordStarted(const EyetrackerInterface &tracker);
     void setResult(const EyetrackerInterface &tracker, const QString &path);
+    /// Returns whether the record viewer finds the file of the result: the file must be in the records folder.
+    [[nodiscard]] bool isInViewer() const;
     void openFolder() const;
+    void openViewer() const;
 
     std::vector<EyetrackerInterface *> trackers_;
     bool isMarkerRecorded_ = false;
@@ -62,6 +69,8 @@ private:
 
     ElidedLabel *label_;
     QToolButton *folderButton_;
+    QToolButton *viewerButton_;
     QToolButton *retryButton_;
     QToolButton *saveAsButton_;
+    bool viewerAvailable_ = true;
 };

@@ -79,6 +79,11 @@ void StatusBar::setProblem(const QString &problem) {
     problemLabel_->setVisible(!problem.isEmpty());
 }
 
+void StatusBar::setViewerAvailable(bool available) {
+    recordingLine_->setViewerAvailable(available);
+    arrange();
+}
+
 void StatusBar::eyetrackerChanged() {
     trackerLine_->setEyetracker(eyetracker_);
     recordingLine_->setEyetracker(eyetracker_);

@@ -37,6 +37,9 @@ public:
     /// Shows a problem of the program in a line of its own. An empty text hides the line.
     void setProblem(const QString &problem);
 
+    /// Sets whether the record viewer can be opened in the browser.
+    void setViewerAvailable(bool available);
+
 Q_SIGNALS:
     /// The user wants to try again to save the unsaved recordings.
     void retryWanted();

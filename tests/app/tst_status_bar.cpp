@@ -37,11 +37,13 @@ private Q_SLOTS:
     void shows_a_recovered_file_until_the_next_recording();
     void shows_a_recording_of_a_tracker_that_is_not_selected();
     void tells_why_a_recording_is_not_saved_until_it_is_saved();
+    void opens_files_of_the_records_folder_in_the_viewer_data();
+    void opens_files_of_the_records_folder_in_the_viewer();
     void long_texts_do_not_widen_the_bar();
     void shows_who_can_reach_the_program();
     void shows_a_problem_in_a_line_of_its_own();
 
-    /// Called instead of a file manager.
+    /// Called instead of a file manager or a browser.
     void open(const QUrl &url) { opened_ = url; }
 
 private:
@@ -237,6 +239,36 @@ void TestStatusBar::tells_why_a_recording_is_not_saved_until_it_is_saved() {
     QVERIFY(tracker_->saveUnsavedAs(tracker_->unsavedPath(), folder_.filePath("chosen.csv")));
     QCOMPARE(recordingText(), QString("Saved chosen.csv, 1 sample, 00:00"));
     QVERIFY(!button("retry"));
+}
+
+void TestStatusBar::opens_files_of_the_records_folder_in_the_viewer_data() {
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QByteArray>("address");
+    const QByteArray viewer = "http://localhost:3735/record.html?recording=";
+    QTest::newRow("in the folder") << QString::fromUtf8("a & b+\u00fc.csv") << viewer + "a%20%26%20b%2B%C3%BC.csv";
+    QTest::newRow("another spelling") << "../viewed/x.CSV" << viewer + "x.CSV";
+    QTest::newRow("another folder") << "../x.csv" << QByteArray();
+    QTest::newRow("another type") << "x.txt" << QByteArray();
+}
+
+void TestStatusBar::opens_files_of_the_records_folder_in_the_viewer() {
+    QFETCH(QString, path);
+    QFETCH(QByteArray, address);
+    const QDir records(folder_.filePath("viewed"));
+    QVERIFY(records.mkpath("."));
+    tracker_->setRecordsFolder(records.path());
+    tracker_->startRecord(records.filePath(path));
+    tracker_->stopRecord();
+    QCOMPARE(button("openViewer") != nullptr, !address.isEmpty());
+    bar_->setViewerAvailable(false);
+    QVERIFY(!button("openViewer"));
+    bar_->setViewerAvailable(true);
+    if (address.isEmpty())
+        return;
+    QDesktopServices::setUrlHandler("http", this, "open");
+    button("openViewer")->click();
+    QDesktopServices::unsetUrlHandler("http");
+    QCOMPARE(opened_.toEncoded(), address);
 }
 
 void TestStatusBar::long_texts_do_not_widen_the_bar() {
