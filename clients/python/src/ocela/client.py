@@ -79,7 +79,7 @@ class Client:
         for event in self.events(after=after, interval_ms=interval_ms, reconnect_s=reconnect_s):
             if isinstance(event, Sample):
                 yield event
-            elif isinstance(event, Missed):
+            elif isinstance(event, Missed) and event.count != 0:
                 report_missed(event)
             elif isinstance(event, State):
                 if last and _tracker_name(last) != _tracker_name(event):

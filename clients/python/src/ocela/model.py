@@ -61,9 +61,10 @@ class Samples:
 
 @dataclass(frozen=True)
 class Missed:
-    """Samples that a stream could not deliver."""
+    """Samples and markers that a stream could not deliver."""
 
-    count: Optional[int]  # None if unknown, because Ocela was restarted
+    count: Optional[int]  # number of samples; None if unknown, because Ocela was restarted
+    markers: int = 0
 
 
 @dataclass(frozen=True)

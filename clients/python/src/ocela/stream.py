@@ -4,7 +4,8 @@ from __future__ import annotations
 import json
 import logging
 import time
-from typing import Any, Iterator, List, NamedTuple, Optional
+from collections import deque
+from typing import Any, Deque, Iterator, List, NamedTuple, Optional
 from urllib.parse import urlencode
 
 from .errors import NotRunning, OcelaError
@@ -19,6 +20,8 @@ FIRST_PAUSE_S = 0.1
 MAX_PAUSE_S = 2.0
 # The server is busy: too many connections, or too many streams.
 BUSY = (429, 503)
+# After a lost connection, Ocela may send the newest markers again.
+RECENT_MARKER_COUNT = 1000
 
 
 class ServerEvent(NamedTuple):
@@ -69,6 +72,7 @@ class EventStream:
         self._interval_ms = interval_ms
         self._reconnect_s = reconnect_s
         self._last_id = ""
+        self._recent_markers: Deque[Marker] = deque(maxlen=RECENT_MARKER_COUNT)
         self._received = False
         self._deadline = 0.0
         self._pause_s = FIRST_PAUSE_S
@@ -92,12 +96,15 @@ class EventStream:
         with Connection(self._host, self._port, SILENCE_TIMEOUT_S) as connection:
             answer = connection.ask("GET", "stream?" + urlencode(query), headers=headers)
             parser = EventParser()
+            earlier_markers = frozenset(self._recent_markers)
             while data := answer.read_available():
                 self._note_success()
                 for event in parser.feed(data):
-                    yield from self._take(event, answer)
+                    for item in self._take(event, answer):
+                        if item not in earlier_markers:
+                            yield item
 
-    def _take(self, event: ServerEvent, answer: Answer) -> Iterator[Event]:
+    def _take(self, event: ServerEvent, answer: Answer) -> List[Event]:
         try:
             events = _events_in(event)
         except (AttributeError, KeyError, TypeError, ValueError):
@@ -107,7 +114,9 @@ class EventStream:
         for item in events:
             if isinstance(item, State):
                 self._remember_start(item)
-            yield item
+            elif isinstance(item, Marker):
+                self._recent_markers.append(item)
+        return events
 
     def _remember_start(self, state: State) -> None:
         """Lets the stream resume even if the connection is lost before the first sample."""
@@ -143,4 +152,6 @@ def _events_in(event: ServerEvent) -> List[Event]:
         return [sample_of(item) for item in data]
     if event.name == "state":
         return [state_of(data)]
-    return [read(Marker if event.name == "event" else Missed, data)]
+    if event.name == "event":
+        return [read(Marker, data)]
+    return [Missed(data["count"], data.get("events", 0))]
