@@ -43,7 +43,7 @@ def main() -> None:
 def check_tracker() -> None:
     tracker = ocela.state().tracker
     if not tracker or not tracker.connected:
-        raise SystemExit(f"The tracker is not connected. {tracker.reason if tracker else ''}")
+        raise SystemExit(f"The tracker is not connected. {(tracker and tracker.reason) or ''}")
 
 
 def show(name: str, text: str) -> None:

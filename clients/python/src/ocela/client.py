@@ -164,16 +164,23 @@ class Client:
 
         Raises CalibrationFailed if it fails, is cancelled, or takes longer than `timeout` seconds. With `wait=False`,
         returns None at once."""
-        before = self.state().calibration.last
+        before = self.state()
         self._ask("POST", "calibration", {"screen": screen})
         if not wait:
             return None
+
+        def has_ended(state: State) -> bool:
+            calibration = state.calibration
+            return not calibration.running and calibration.last not in (None, before.calibration.last)
+
         error = CalibrationFailed("Timeout", f"The calibration is still running after {timeout:g} s.")
-        state = self._wait_for_state(
-            lambda state: not state.calibration.running and state.calibration.last not in (None, before), timeout, error)
+        state = self._wait_for_state(lambda state: has_ended(state) or _tracker_name(state) != _tracker_name(before),
+                                     timeout, error)
+        if _tracker_name(state) != _tracker_name(before):
+            raise CalibrationFailed("The calibration was not successful", "Another tracker was selected.")
         result = state.calibration.last.result if state.calibration.last else "unknown"
         if result not in ("done", "unknown"):
-            raise CalibrationFailed(f"The calibration was not successful: {result}")
+            raise CalibrationFailed("The calibration was not successful", result)
         return result
 
     def cancel_calibration(self) -> None:

@@ -55,7 +55,7 @@ class Samples:
 
     run: str
     next: int  # pass it as `after` to the next call
-    missed: int  # number of samples that were no longer in the window of the last two seconds
+    missed: Optional[int]  # number of samples that Ocela had already dropped; None if `after` is of another run
     samples: Tuple[Sample, ...]
 
 
@@ -83,7 +83,7 @@ class Tracker:
 
     name: str
     connected: bool
-    reason: str  # why it is not connected; empty if unknown
+    reason: Optional[str]  # why it is not connected; None if unknown
     sample_rate_hz: Optional[float]
     valid_share: Optional[float]  # share of samples with a valid combined gaze, from 0 to 1
     last_sample_age_ms: Optional[float]
@@ -116,7 +116,7 @@ class RunningRecording:
 class LastRecording:
     """The recording that stopped last."""
 
-    path: str
+    path: Optional[str]  # None if it was discarded
     samples: int
     saved: bool
     error: Optional[str]
