@@ -50,7 +50,7 @@ class TestRequests(RunningProgram):
         self.assertEqual((state.tracker.name, state.tracker.connected), ("gazepoint", True))
         rate = wait_for(lambda: ocela.state().tracker.sample_rate_hz, "the sample rate is measured")
         self.assertGreater(rate, 75)
-        self.assertGreater(ocela.state().tracker.newest, state.tracker.newest)
+        wait_for(lambda: ocela.state().tracker.newest > state.tracker.newest, "there is a newer sample")
         self.assertEqual([screen.number for screen in ocela.screens()], list(range(1, len(state.screens) + 1)))
         self.assertEqual(sum(screen.primary for screen in state.screens), 1)
 
