@@ -27,6 +27,10 @@ const QLatin1String recordRefused(
     "Recordings may be saved only in the records folder. Other folders can be allowed in Ocela's settings, tab "
     "\"Access\".");
 
+const QLatin1String remoteRecordRefused("A recording needs the path of a file on this computer.");
+
+constexpr int maxLoggedLength = 200;
+
 std::atomic<OcelaHTTPExchange *> currentExchange{nullptr};
 
 /// Settings in memory. QSettings writes a file even if the file name is empty, so this class prevents that.
@@ -178,7 +182,9 @@ ApiAnswer OcelaHTTPExchange::hello(const QString & /*path*/) const {
 
 ApiAnswer OcelaHTTPExchange::startRecord(const QString &path) const {
     const QString recordPath = parameter(path, QLatin1String("/startrecord&path="));
-    qCDebug(lcHttp) << "Record path" << recordPath;
+    qCDebug(lcHttp) << "Record path" << recordPath.left(maxLoggedLength);
+    if (!file_path_rules::namesLocalFile(recordPath))
+        return ResultAnswer{false, {{"error", remoteRecordRefused}}};
     if (!recordPath.isEmpty() && !access_.mayRecordTo(recordPath))
         return ResultAnswer{false, {{"error", recordRefused}}};
     return queue([recordPath](EyetrackerInterface &tracker) { tracker.startRecord(recordPath); });

@@ -1,5 +1,7 @@
 #include "api/v1/record_target.h"
 
+#include "api/access_policy.h"
+#include "api/file_path_rules.h"
 #include "core/record_saving.h"
 
 #include <QDir>
@@ -32,12 +34,6 @@ RecordTarget checked(const QString &path) {
     return path;
 }
 
-bool isInside(const QString &path, const QString &folder) {
-    const QString root = QFileInfo(folder).canonicalFilePath();
-    const QString parent = QFileInfo(QFileInfo(path).path()).canonicalFilePath();
-    return !root.isEmpty() && (parent == root || parent.startsWith(root + '/'));
-}
-
 }  // namespace
 
 bool api_v1::isFileName(const QString &name) {
@@ -53,10 +49,11 @@ RecordTarget api_v1::targetInFolder(const QString &folder, const QString &name) 
     return checked(folder + '/' + (name.isEmpty() ? record_saving::defaultFileName() : fileName));
 }
 
-RecordTarget api_v1::targetAt(const QString &path, const QString &folder, bool isConfined) {
-    if (path.contains(QChar(0)) || !QDir::isAbsolutePath(path) || path.endsWith('/'))
+RecordTarget api_v1::targetAt(const QString &path, const AccessPolicy &access) {
+    const bool namesFile = !path.contains(QChar(0)) && QDir::isAbsolutePath(path) && !path.endsWith('/');
+    if (!namesFile || !file_path_rules::namesLocalFile(path))
         return problem(422, "\"path\" must be the absolute path of a file on this computer.");
-    if (isConfined && !isInside(path, folder))
+    if (!access.mayRecordTo(path))
         return problem(422,
                        "The settings allow recordings only in the records folder. Use \"name\" instead of \"path\".");
     return checked(QDir::cleanPath(path));

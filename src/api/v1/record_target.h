@@ -4,6 +4,8 @@
 
 #include <variant>
 
+class AccessPolicy;
+
 namespace api_v1 {
 
 /// Returns whether `name` can be the name of a file on all supported systems.
@@ -16,7 +18,7 @@ using RecordTarget = std::variant<QString, Reply>;
 /// the folder is on a network drive.
 [[nodiscard]] RecordTarget targetInFolder(const QString &folder, const QString &name);
 
-/// Returns the target for an absolute path. With `isConfined`, it must be in `folder`. May block, too.
-[[nodiscard]] RecordTarget targetAt(const QString &path, const QString &folder, bool isConfined);
+/// Returns the target for an absolute path on this computer, if `access` permits it. May block, too.
+[[nodiscard]] RecordTarget targetAt(const QString &path, const AccessPolicy &access);
 
 }  // namespace api_v1

@@ -262,9 +262,8 @@ Router::Answer Router::postRecording(const Request &request) {
                     "at most 200 bytes long.");
     if (reader.problem())
         return *reader.problem();
-    const QString &folder = request.state->recordsFolder;
     const RecordTarget target =
-        reader.has("path") ? targetAt(path, folder, !access_.rights().anyFile) : targetInFolder(folder, name);
+        reader.has("path") ? targetAt(path, access_) : targetInFolder(request.state->recordsFolder, name);
     if (const auto *refusal = std::get_if<Reply>(&target))
         return *refusal;
     return request.commands.startRecording(std::get<QString>(target));
