@@ -11,7 +11,10 @@ from support import PACKAGE
 
 
 def run(*command, **options):
-    result = subprocess.run(list(map(str, command)), capture_output=True, text=True, check=False, **options)
+    # Only what is installed may be found.
+    environment = {name: value for name, value in os.environ.items() if name != "PYTHONPATH"}
+    result = subprocess.run(list(map(str, command)), capture_output=True, text=True, check=False, env=environment,
+                            **options)
     if result.returncode:
         raise AssertionError(f"{command}\n{result.stdout}{result.stderr}")
     return result.stdout

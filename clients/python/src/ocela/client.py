@@ -48,7 +48,7 @@ class Client:
                                     timeout, OcelaError("Timeout", f"The tracker {name} is not selected yet."))
 
     def clock_offset(self, rounds: int = 20) -> ClockOffset:
-        """Measures the difference between the clocks of Ocela's computer and this one.
+        """Measures the difference between the clocks of Ocela and of this computer.
 
         Uses the fastest of `rounds` round trips. Its half is the accuracy."""
         measured = []
@@ -134,7 +134,7 @@ class Client:
         """Copies a record file of Ocela's records folder to a folder or file, and returns its path.
 
         Raises FileExistsError if the file exists."""
-        target = Path(to) / name if Path(to).is_dir() else Path(to)
+        target = Path(to) / Path(name).name if Path(to).is_dir() else Path(to)
         with Connection(self.host, self.port, self.timeout) as connection:
             answer = connection.ask("GET", "recordings/" + quote(name, safe=""))
             with open(target, "xb") as file:
@@ -148,7 +148,7 @@ class Client:
         return target
 
     def mark(self, text: str, time: Optional[float] = None) -> Marker:
-        """Sets a marker now, or at a time in ms since 1970 UTC by the clock of Ocela's computer.
+        """Sets a marker now, or at a time in ms since 1970 UTC by the clock of Ocela. See `clock_offset()`.
 
         Every running recording stores it. `recorded` of the result says whether there was one. `text` has at most 1000
         characters."""

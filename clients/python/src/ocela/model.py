@@ -1,4 +1,4 @@
-"""The data that Ocela returns. Times are in ms since 1970 UTC, by the clock of Ocela's computer."""
+"""The data that Ocela returns. Times are in ms since 1970 UTC, by the clock of Ocela."""
 from __future__ import annotations
 
 import dataclasses
@@ -142,24 +142,25 @@ class RecordFile:
 
 @dataclass(frozen=True)
 class Area:
-    """A rectangle in desktop pixels."""
+    """The area to which percent and pixels of samples are relative."""
 
     x: int
     y: int
     width: int
     height: int
+    unit: str  # unit of the area and of the pixels of samples: "desktop" or "device"
 
 
 @dataclass(frozen=True)
 class Screen:
-    """A screen. Its size is in device pixels, and in mm as the system reports it (0 if unknown)."""
+    """A screen."""
 
     number: int  # counted from 1
-    x: int
+    x: int  # left edge, desktop pixels
     y: int
-    width: int
+    width: int  # device pixels
     height: int
-    width_mm: float
+    width_mm: float  # as the system reports it; 0 if unknown
     height_mm: float
     scale: float  # device pixels of a desktop pixel
     primary: bool
@@ -187,13 +188,13 @@ class State:
     recordings: Tuple[RunningRecording, ...]  # several trackers can record at once
     last_recording: Optional[LastRecording]
     screens: Tuple[Screen, ...]
-    area: Optional[Area]  # the calibrated area
+    area: Optional[Area]  # None before it is known
     access: Access
 
 
 @dataclass(frozen=True)
 class ClockOffset:
-    """The difference between the clocks of Ocela's computer and this one."""
+    """The difference between the clocks of Ocela and of this computer."""
 
     offset_ms: float  # add it to a time of this computer
     accuracy_ms: float  # the true offset differs by at most this much

@@ -4,7 +4,7 @@ from __future__ import annotations
 from types import TracebackType
 from typing import TYPE_CHECKING, Optional, Type
 
-from .errors import NotSaved, OcelaError
+from .errors import NotRunning, NotSaved, OcelaError
 from .model import Marker, SavedRecording
 
 if TYPE_CHECKING:
@@ -35,18 +35,22 @@ class Recording:
                  trace: Optional[TracebackType]) -> None:
         try:
             self.saved = self._client.stop_recording()
+        except NotSaved:
+            raise
         except OcelaError as problem:
-            if problem.status != CONFLICT:
-                raise
-            raise NotSaved(problem.title, self._whereabouts(), problem.status) from problem
+            raise NotSaved(problem.title, f"{problem.detail} {self._whereabouts(problem)}", problem.status) from problem
         self.path = self.saved.path
 
     def mark(self, text: str, time: Optional[float] = None) -> Marker:
         """Sets a marker. See `Client.mark()`."""
         return self._client.mark(text, time)
 
-    def _whereabouts(self) -> str:
-        """Describes where the data of a recording is that somebody else has stopped."""
+    def _whereabouts(self, problem: OcelaError) -> str:
+        """Describes where the data of the recording is."""
+        if isinstance(problem, NotRunning):
+            return f"If Ocela has ended, its next start recovers the recording to {self.path}."
+        if problem.status != CONFLICT:
+            return f"The recording to {self.path} still runs."
         state = self._client.state()
         for running in state.recordings:
             if running.path == self.path:
