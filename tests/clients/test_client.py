@@ -173,7 +173,7 @@ class TestRecording(RunningProgram):
             for _ in itertools.islice(ocela.samples(), 300):
                 pass
             self.program.kill()
-        self.assertIn(f"recovers the recording to {recording.path}", caught.exception.detail)
+        self.assertIn(f"recovers the recording beside {recording.path}", caught.exception.detail)
         self.program.start()
         recovered = self.program.records_folder / "killed_recovered.csv"
         wait_for(recovered.is_file, "the recording is recovered")

@@ -48,7 +48,7 @@ class Recording:
     def _whereabouts(self, problem: OcelaError) -> str:
         """Describes where the data of the recording is."""
         if isinstance(problem, NotRunning):
-            return f"If Ocela has ended, its next start recovers the recording to {self.path}."
+            return f"If Ocela has ended, its next start recovers the recording beside {self.path}."
         if problem.status != CONFLICT:
             return f"The recording to {self.path} still runs."
         state = self._client.state()
