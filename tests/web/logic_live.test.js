@@ -20,7 +20,7 @@ const sample = (i, more = {}) => ({
 /** Returns the samples `from` to `to` (excluded). */
 const series = (from, to, toSample = sample) => listOf(to - from, i => toSample(from + i));
 
-const tracker = { name: 'a', connected: true, reason: '', lastSampleAgeMs: null, newest: null };
+const tracker = { name: 'a', connected: true, reason: null, lastSampleAgeMs: null, newest: null };
 const stateAt = (nowMs, change = {}) => ({ run: '1', time: startMs + nowMs, tracker, ...change });
 
 /** Returns a model that has received a state and samples. The page's clock is 0 at `startMs`. */

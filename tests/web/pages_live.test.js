@@ -103,7 +103,7 @@ describe('the live page', () => {
     const extreme = (fromMs, toMs) => running(fromMs, toMs).map((usual, i) => (
         { ...usual, timestamp: 9e18, x: null, l_x: 1e38, l_y: -1e38, l_pupil_mm: 1e30, distance_cm: 1e38 * i }));
 
-    const tracker = { name: 'gazepoint', connected: true, reason: '', lastSampleAgeMs: null, newest: null };
+    const tracker = { name: 'gazepoint', connected: true, reason: null, lastSampleAgeMs: null, newest: null };
     for (const [name, state, change, hint] of [
         ['no tracker', 'noTracker', { tracker: null }, 'Select one'],
         ['a reason', 'notConnected', { tracker: { ...tracker, connected: false, reason: '<b>Port 4242</b>' } }, '<b>Port 4242</b>'],

@@ -18,7 +18,7 @@ export const problem = (status, detail) => ({ status, type: 'application/problem
 export class FakeService {
     state = {
         run: 'run', time: Date.now(), trackers: ['gazepoint', 'eyetech'], calibration: { running: false, last: null },
-        tracker: { name: 'gazepoint', connected: true, reason: '', lastSampleAgeMs: null, newest: null },
+        tracker: { name: 'gazepoint', connected: true, reason: null, lastSampleAgeMs: null, newest: null },
         recordings: [], lastRecording: null,
         screens: [{ number: 1, width: 1920, height: 1080, primary: false }, { number: 2, width: 2560, height: 1440, primary: true }],
     };

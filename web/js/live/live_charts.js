@@ -60,7 +60,7 @@ function drawChart({ id, series, range, step }, { columns, markers }, nowMs, pal
     const surface = prepareCanvas(canvas, palette);
     const axes = new Chart(surface, { fromMs: -spanMs, toMs: 0 }, values ?? [0, 1]);
     axes.drawAxes(secondsLabel, number);
-    if (!values) axes.drawNote(text('notMeasured'));
+    if (!values && columns.length > 0) axes.drawNote(text('notMeasured'));
     const chart = new Chart(surface, { fromMs: nowMs - spanMs, toMs: nowMs }, values ?? [0, 1]);
     for (const [name, colour] of series)
         chart.drawSeries(columns, name, palette[colour], colour === 'band' ? { lineWidth: bandWidth } : {});

@@ -8,7 +8,7 @@ import { ProgramClock } from './program_clock.js';
 /** @typedef {Sample & { number: number, time: number }} LiveSample `time` is the arrival, in ms since 1970. */
 
 /**
- * @typedef {{ name: string, connected: boolean, reason: string, lastSampleAgeMs: number | null, newest: number | null }} Tracker
+ * @typedef {{ name: string, connected: boolean, reason: string | null, lastSampleAgeMs: number | null, newest: number | null }} Tracker
  * @typedef {{ tracker: string, path: string, durationMs: number, samples: number, events: number }} Recording
  * @typedef {{ path: string, samples: number, saved: boolean, error: string | null }} LastRecording
  * @typedef {{ number: number, width: number, height: number, primary: boolean }} ScreenSize

@@ -48,7 +48,7 @@ export function showSession({ state, markers, lostReason }) {
     const records = state.recordings.some(({ tracker }) => tracker === state.tracker?.name);
     enable('start-record', state.tracker !== null && !records);
     enable('stop-record', records);
-    enable('calibrate', state.tracker !== null && !state.calibration.running);
+    enable('calibrate', (state.tracker?.connected ?? false) && !state.calibration.running);
     enable('stop-calibration', state.calibration.running);
 }
 
@@ -62,7 +62,8 @@ export function resetTracker() {
  * @param {boolean} enabled
  */
 function enable(id, enabled) {
-    inputById(id).disabled = !enabled;
+    const control = inputById(id);
+    if (control.disabled === enabled) control.disabled = !enabled;
 }
 
 /**
