@@ -157,6 +157,7 @@ describe('samples file', () => {
         ['R.CSV r_Samples.csv x_samples.csv', 'R.CSV', 'r_Samples.csv'],
         ['r_samples.csv', 'r_samples.csv'],
         ['r.json', 'r.json'],
+        ['a_events.csv a_samples.csv a.json a.csv', 'a.csv', 'a_samples.csv'],
     ])
         test(`chosen among ${names}`, () => {
             const files = recordingOf(names.split(' ').map(name => ({ name })));

@@ -22,14 +22,14 @@ function samplesNameOf(recordName) {
 
 /**
  * Returns the first recording among the files that the user has chosen or dropped, or null if there are no files.
- * Descriptions are skipped. A single samples file belongs to a single record file, whatever its name is.
+ * Descriptions and events files are skipped. A single samples file belongs to a single record file, whatever its name is.
  *
  * @param {Iterable<File>} files
  * @returns {RecordingFiles | null}
  */
 export function recordingOf(files) {
     const all = [...files];
-    const records = all.filter(file => !isSamples(file) && !/\.json$/i.test(file.name));
+    const records = all.filter(file => !isSamples(file) && !/(\.json|_events\.csv)$/i.test(file.name));
     const record = records[0] ?? all[0];
     if (!record) return null;
     const others = all.filter(file => isSamples(file) && file !== record);
