@@ -96,7 +96,8 @@ test('the recordings of the records folder are listed and open with a click', as
     await show();
     await page.until(`/^a & b\\+ü%20\\.csv.* · \\d+\\.\\d MB$/.test(${list}.textContent)`);
     await page.click('#recordings a');
-    await page.until(isShown('view'));
+    // An expression cannot be evaluated until the page of the link is loaded.
+    await waitFor(() => page.evaluate(isShown('view')).catch(() => false), 'the recording is shown');
     assert.equal(await page.text('#file-name'), name);
     assert.ok(await page.evaluate(fixationCount) > 3);
 
