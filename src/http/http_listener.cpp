@@ -44,8 +44,8 @@ void HttpListener::startListening(int port) {
     stopListening();
     const QString host = pool_->settings().text("host");
     bindAll(hosts_.value_or(host.split(' ', Qt::SkipEmptyParts)), port);
-    if (isListening())
-        startAccepting();
+    // Queued, so that the owner can complete its construction before the first request.
+    QMetaObject::invokeMethod(this, &HttpListener::startAccepting, Qt::QueuedConnection);
     if (isListening())
         qCDebug(lcHttp, "HttpListener: Listening on port %i", serverPort());
     else
@@ -84,6 +84,8 @@ bool HttpListener::bind(const QHostAddress &address, quint16 port) {
 }
 
 void HttpListener::startAccepting() {
+    if (!isListening() || acceptor_)
+        return;
     std::vector<tSocketDescriptor> descriptors;
     for (const auto &server : servers_)
         descriptors.push_back(server->socketDescriptor());

@@ -28,7 +28,8 @@ class HttpListener : public QObject {
     Q_OBJECT
 
 public:
-    /// Starts listening. The caller keeps ownership of `settings`, which must outlive the listener.
+    /// Starts listening. Connections are accepted as soon as the event loop of the listener's thread runs. The caller
+    /// keeps ownership of `settings`, which must outlive the listener.
     HttpListener(QSettings *settings, std::shared_ptr<HttpRequestHandler> requestHandler, QObject *parent = nullptr);
     ~HttpListener() override;
 

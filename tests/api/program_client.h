@@ -34,16 +34,18 @@ public:
         socket_.write(request);
     }
 
-    /// Waits for a response with a "Content-Length" header.
+    /// Waits for a response with a "Content-Length" header, or with the status 204, which has no body.
     [[nodiscard]] ProgramReply receive() {
         ProgramReply reply;
         const auto isComplete = [&] {
             received_ += socket_.readAll();
             const int end = received_.indexOf("\r\n\r\n") + 4;
             const int length = received_.indexOf("Content-Length: ");
-            if (end < 4 || length < 0)
+            const bool hasBody = received_.mid(9, 3) != "204";
+            if (end < 4 || (hasBody && length < 0))
                 return false;
-            const int size = received_.mid(length + 16, received_.indexOf('\r', length) - length - 16).toInt();
+            const int size =
+                hasBody ? received_.mid(length + 16, received_.indexOf('\r', length) - length - 16).toInt() : 0;
             if (received_.size() < end + size)
                 return false;
             reply = {received_.mid(9, 3).toInt(), received_.left(end), received_.mid(end, size)};

@@ -284,6 +284,7 @@ void TestProgramApi::recording_that_cannot_be_saved_is_reported() {
 void TestProgramApi::recordings_are_confined_if_the_settings_say_so() {
     AccessRights rights;
     rights.anyFile = false;
+    rights.recordsFolder = folder_->path();
     exchange_->setAccessRights(rights);
     const QTemporaryDir outside;
     QVERIFY(QDir(folder_->path()).mkdir("inside"));

@@ -126,9 +126,12 @@ for (const on of ['CPF', 'CP', 'CF', 'PF', '']) {
         const settings = { AllowedOrigins: allowedOrigin };
         for (const [letter, name] of Object.entries(settingNames)) settings[name] = on.includes(letter);
         const home = createHome(settings);
-        t.after(() => home.remove());
-        const program = await startProgram(home, undefined, folder);
-        t.after(() => program.kill());
+        const programs = [];
+        t.after(async () => {
+            for (const program of programs) await program.kill();
+            home.remove();
+        });
+        programs.push(await startProgram(home, undefined, folder));
         const rows = documentedRows();
         assert.deepEqual(rows.map(([who]) => who), Object.keys(senders));
         for (const [who, cells] of rows) {

@@ -20,19 +20,22 @@ const showImage = url => `new Promise(done => {
 
 test('a browser lets only permitted pages use Ocela', async t => {
     // The pages of this test are JSON documents, because Ocela's own pages have a policy that forbids foreign requests.
-    const allowed = new FakeService({ '/page': {} });
-    const foreign = new FakeService({ '/page': {} });
+    const allowed = new FakeService();
+    const foreign = new FakeService();
     for (const service of [allowed, foreign]) {
         await service.listen();
         t.after(() => service.close());
     }
     const home = createHome({ AllowForeignPages: false, AllowedOrigins: allowed.address });
-    t.after(() => home.remove());
-    const program = await startProgram(home);
-    t.after(() => program.kill());
+    const programs = [];
+    t.after(async () => {
+        for (const program of programs) await program.kill();
+        home.remove();
+    });
+    programs.push(await startProgram(home));
     const recordTo = name => `${localhost}/startrecord&path=${join(home.folder, name)}`;
 
-    let page = await browser.open(`${foreign.address}/page`);
+    let page = await browser.open(`${foreign.address}/api/v1/page`);
     assert.equal(await page.evaluate(ask(`${localhost}/hello`)), 'TypeError');
     await page.evaluate(showImage(recordTo('foreign.csv')));
 
@@ -43,7 +46,7 @@ test('a browser lets only permitted pages use Ocela', async t => {
     assert.equal(await page.evaluate(ask('/hello')), true);
     assert.equal(await page.evaluate(ask(`${address}/hello`)), true, 'under another name of this computer');
 
-    page = await browser.open(`${allowed.address}/page`);
+    page = await browser.open(`${allowed.address}/api/v1/page`);
     await page.evaluate(ask(`${localhost}/stoprecord`));
     assert.equal(await page.evaluate(ask(recordTo('allowed.csv'))), true);
     assert.equal(await page.evaluate(ask(`${localhost}/stoprecord`)), true);
