@@ -196,8 +196,8 @@ void TestProgramApi::requests() {
     QVERIFY2((reply.head + reply.body).contains(contained), reply.head + reply.body);
     QVERIFY(reply.head.contains("Cache-Control: no-store\r\n"));
     const QByteArray type = status >= 400 ? "application/problem+json" : "application/json";
-    QCOMPARE(reply.head.contains("Content-Type: " + type + "\r\n"), !reply.body.isEmpty());
-    if (status >= 400)
+    QCOMPARE(reply.head.contains("Content-Type: " + type + "\r\n"), status != 204);
+    if (status >= 400 && method != "HEAD")
         QCOMPARE(reply.json()["status"].toInt(), status);
     // The connection is still usable.
     QCOMPARE(client.ask("GET", "/state").status, 200);

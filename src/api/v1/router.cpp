@@ -129,6 +129,9 @@ void Router::service(HttpRequest &request, HttpResponse &response) {
                   exception.what());
         result = problem(500, "The request failed. The reason is in the log of Ocela.");
     }
+    // The response to HEAD has no body.
+    if (auto *reply = std::get_if<Reply>(&result); reply && request.getMethod() == "HEAD")
+        reply->body.clear();
     std::visit([&](const auto &kind) { send(kind, response); }, result);
 }
 

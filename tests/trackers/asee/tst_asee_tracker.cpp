@@ -159,6 +159,7 @@ void TestAseePro::reconnect_closes_the_calibration_screen() {
 }
 
 void TestAseePro::calibrate_for_another_area_starts_again() {
+    const QSignalSpy starts(tracker_.get(), &EyetrackerInterface::calibrationStarted);
     const QSignalSpy results(tracker_.get(), &EyetrackerInterface::calibrationFinished);
     library().pointsFinish = false;
     tracker_->calibrate(QRect(0, 0, 640, 480));
@@ -167,10 +168,12 @@ void TestAseePro::calibrate_for_another_area_starts_again() {
     (void)takeCalls();
     tracker_->calibrate(QRect(0, 0, 640, 480));
     QCOMPARE(takeCalls(), QStringList("set_calibration_mode 0"));
+    QCOMPARE(starts.count(), 1);
     QCOMPARE(results.count(), 0);
 
     tracker_->calibrate(QRect(640, 0, 640, 480));
     QCOMPARE(takeCalls(), QStringList({"cancel_calibration", "complete_calibration", "set_calibration_mode 0"}));
+    QCOMPARE(starts.count(), 2);
     QCOMPARE(resultsIn(results), QList<CalibrationResult>({CalibrationResult::Cancelled}));
     QVERIFY(calibrationScreen()->isVisible());
     QTest::keyClick(calibrationScreen(), Qt::Key_Space);

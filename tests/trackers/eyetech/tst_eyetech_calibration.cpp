@@ -58,6 +58,7 @@ private:
     Script *script_ = nullptr;
     int calibratedCount_ = 0;
     QList<CalibrationResult> results_;
+    int startedCount_ = 0;
     QList<int> statuses_;  ///< results of QLCalibration_GetStatus, one per call; 0 afterwards
     QList<int> times_;     ///< the requested durations of measurements
     const QRect area_{40, 30, 500, 400};
@@ -93,9 +94,11 @@ void TestEyetechCalibrationWidget::init() {
     times_.clear();
     calibratedCount_ = 0;
     results_.clear();
+    startedCount_ = 0;
     tracker_ = std::make_unique<EyetechGrabber>(folder_.path(), nullptr);
     eyetech::CalibrationSequence::timings = {0, 100, 499};
     connect(tracker_.get(), &EyetrackerInterface::calibrated, this, [this] { ++calibratedCount_; });
+    connect(tracker_.get(), &EyetrackerInterface::calibrationStarted, this, [this] { ++startedCount_; });
     connect(tracker_.get(), &EyetrackerInterface::calibrationFinished, this,
             [this](CalibrationResult result) { results_ << result; });
     (void)script_->takeCalls();
@@ -207,6 +210,7 @@ void TestEyetechCalibrationWidget::recalibrates_and_saves() {
     button("Save")->click();
     QVERIFY(!screen());
     QCOMPARE(results_, (QList<CalibrationResult>{CalibrationResult::Done, CalibrationResult::Done}));
+    QCOMPARE(startedCount_, 2);
     QCOMPARE(script_->takeCalls().last(), QByteArray("QLCalibration_Finalize"));
     // A later key press must not cancel the saved calibration.
     act("Escape");
