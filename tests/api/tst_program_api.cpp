@@ -60,6 +60,7 @@ private Q_SLOTS:
 
     void requests_data();
     void requests();
+    void requests_at_the_start_are_refused();
     void only_allowed_origins_are_answered();
 
     void recording_is_started_once_and_saved();
@@ -173,7 +174,8 @@ void TestProgramApi::requests_data() {
     row("a time before the start", "POST", "/events", R"({"text":"a","time":0})", 422, "not in the future");
     row("a time in the future", "POST", "/events", R"({"text":"a","time":9e15})", 422, "not in the future");
     row("two targets", "POST", "/recording", R"({"name":"a","path":"/tmp/a"})", 422, "exclude each other");
-    row("a missing folder", "POST", "/recording", R"({"path":"/missing/a.csv"})", 422, "There is no folder");
+    const QByteArray missing = QDir::rootPath().toLatin1() + "missing/a.csv";
+    row("a missing folder", "POST", "/recording", R"({"path":")" + missing + "\"}", 422, "There is no folder");
     row("a relative path", "POST", "/recording", R"({"path":"a.csv"})", 422, "absolute path");
     row("an invalid name", "POST", "/recording", R"({"name":"../a"})", 422, "name of a file");
     row("no recording", "DELETE", "/recording", "", 409, "not recording");
@@ -201,6 +203,14 @@ void TestProgramApi::requests() {
         QCOMPARE(reply.json()["status"].toInt(), status);
     // The connection is still usable.
     QCOMPARE(client.ask("GET", "/state").status, 200);
+}
+
+void TestProgramApi::requests_at_the_start_are_refused() {
+    exchange_.reset();  // releases the port
+    exchange_ = std::make_unique<OcelaHTTPExchange>(nullptr);
+    const ProgramReply reply = ProgramClient().ask("GET", "/state");
+    QCOMPARE(reply.status, 503);
+    QVERIFY(reply.head.contains("Retry-After: 1\r\n"));
 }
 
 void TestProgramApi::only_allowed_origins_are_answered() {
