@@ -60,7 +60,7 @@ void RecordingStatusLine::addTracker(EyetrackerInterface *tracker) {
 }
 
 void RecordingStatusLine::showRecovered(const QString &path) {
-    result_ = Result{nullptr, path, {}};
+    result_ = Result{nullptr, path, {}, isInViewer(path)};
     refresh();
 }
 
@@ -91,7 +91,7 @@ void RecordingStatusLine::refresh() {
     folderButton_->setText(tr("Open folder"));
     folderButton_->setVisible(showsFile);
     viewerButton_->setText(tr("Open in the viewer"));
-    viewerButton_->setVisible(showsFile && viewerAvailable_ && isInViewer());
+    viewerButton_->setVisible(showsFile && viewerAvailable_ && result_->isInViewer);
     retryButton_->setText(tr("Retry"));
     retryButton_->setVisible(!problem.isEmpty());
     saveAsButton_->setText(tr("Save as"));
@@ -148,7 +148,7 @@ void RecordingStatusLine::setResult(const EyetrackerInterface &tracker, const QS
     if (path.isEmpty() && !tracker.unsavedProblem().isEmpty())
         result_.reset();
     else
-        result_ = Result{&tracker, path, tracker.finishedRecordLength()};
+        result_ = Result{&tracker, path, tracker.finishedRecordLength(), isInViewer(path)};
     refresh();
 }
 
@@ -164,8 +164,8 @@ void RecordingStatusLine::setViewerAvailable(bool available) {
     refresh();
 }
 
-bool RecordingStatusLine::isInViewer() const {
-    const QFileInfo file = fileAt(result_->path);
+bool RecordingStatusLine::isInViewer(const QString &path) const {
+    const QFileInfo file = fileAt(path);
     const QString recordsFolder = QDir(trackers_.front()->recordsFolder()).canonicalPath();
     return file.suffix().compare("csv", Qt::CaseInsensitive) == 0 && file.isFile() && !file.isSymLink() &&
            file.canonicalPath() == recordsFolder;

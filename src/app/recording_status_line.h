@@ -49,6 +49,7 @@ private:
         const EyetrackerInterface *tracker;  ///< null if the recording was recovered
         QString path;
         RecordLength length;
+        bool isInViewer;  ///< whether the record viewer finds the file
     };
 
     [[nodiscard]] QStringList runningRecordings() const;
@@ -57,8 +58,8 @@ private:
     [[nodiscard]] QString unsavedProblem() const;
     void recordStarted(const EyetrackerInterface &tracker);
     void setResult(const EyetrackerInterface &tracker, const QString &path);
-    /// Returns whether the record viewer finds the file of the result: the file must be in the records folder.
-    [[nodiscard]] bool isInViewer() const;
+    /// Returns whether a file is in the records folder. Asks the file system, so call it once for each file.
+    [[nodiscard]] bool isInViewer(const QString &path) const;
     void openFolder() const;
     void openViewer() const;
 

@@ -28,22 +28,27 @@ void HttpAcceptor::run() noexcept {
     system_calls::prepareThread("HTTP listener");
     while (!stopping_) {
         waiter_.wait(failing_ ? 0 : refused_.isEmpty() ? -1 : drainIntervalMs);
+        bool succeeded = true;
         for (const tSocketDescriptor listener : listeners_)
-            acceptAll(listener);
+            succeeded = acceptAll(listener) && succeeded;
+        failing_ = !succeeded;
         refused_.drain();
     }
 }
 
-void HttpAcceptor::acceptAll(tSocketDescriptor listener) {
+/// Returns false after an error.
+bool HttpAcceptor::acceptAll(tSocketDescriptor listener) {
     while (!stopping_) {
         const qint64 client = system_calls::accept(listener);
         if (client == system_calls::tryAgain)
-            return;
-        if (client < 0)
-            return waitAfterError();
-        failing_ = false;
+            return true;
+        if (client < 0) {
+            waitAfterError();
+            return false;
+        }
         handOver(UniqueSocket(client));
     }
+    return true;
 }
 
 void HttpAcceptor::handOver(UniqueSocket client) noexcept {
@@ -61,7 +66,7 @@ void HttpAcceptor::handOver(UniqueSocket client) noexcept {
 
 void HttpAcceptor::waitAfterError() {
     try {
-        if (!std::exchange(failing_, true))
+        if (!failing_)
             qCWarning(lcHttp, "HttpListener: Cannot accept a connection: %s", qUtf8Printable(qt_error_string()));
     } catch (...) {
         // The message is lost.

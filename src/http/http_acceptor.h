@@ -24,7 +24,7 @@ public:
 
 private:
     void run() noexcept;
-    void acceptAll(tSocketDescriptor listener);
+    [[nodiscard]] bool acceptAll(tSocketDescriptor listener);
     void handOver(UniqueSocket client) noexcept;
     void waitAfterError();
 

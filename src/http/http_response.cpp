@@ -35,7 +35,6 @@ void HttpResponse::write(const QVector<QByteArray> &data, bool lastPart) {
     if (!sentHeaders_) {
         chooseFraming(size, lastPart);
         pieces.append(headerBlock());
-        sentHeaders_ = true;
     }
     if (size > 0 && chunkedMode_)
         pieces << QByteArray::number(size, 16) + "\r\n" << data << QByteArrayLiteral("\r\n");
@@ -43,6 +42,7 @@ void HttpResponse::write(const QVector<QByteArray> &data, bool lastPart) {
         pieces << data;
     if (lastPart && chunkedMode_)
         pieces << QByteArrayLiteral("0\r\n\r\n");
+    sentHeaders_ = true;
     if (!pieces.isEmpty())
         socket_->write(pieces);
     if (lastPart)
@@ -51,9 +51,11 @@ void HttpResponse::write(const QVector<QByteArray> &data, bool lastPart) {
 
 void HttpResponse::writeFile(QFile &file, qint64 offset, qint64 sizeBytes) {
     setHeader("Content-Length", QByteArray::number(sizeBytes));
-    socket_->writeFile(headerBlock(), file, offset, sizeBytes);
+    const QByteArray head = headerBlock();
+    // Before the file is read, which may throw: nothing may follow a part of its bytes.
     sentHeaders_ = true;
     sentLastPart_ = true;
+    socket_->writeFile(head, file, offset, sizeBytes);
 }
 
 void HttpResponse::chooseFraming(qint64 size, bool lastPart) {

@@ -223,18 +223,27 @@ void TestProgramApi::only_allowed_origins_are_answered() {
     QCOMPARE(refused.status, 403);
     QVERIFY(!refused.head.contains("Access-Control"));
     QVERIFY(!first_->isRecording());
-    QCOMPARE(client.ask("OPTIONS", "/recording", {}, foreign).status, 403);
+    QVERIFY(refused.head.contains("Connection: close\r\n"));
+    QCOMPARE(ProgramClient().ask("OPTIONS", "/recording", {}, foreign).status, 403);
 
     const QByteArray allowed = "Origin: https://lab.example\r\n";
     const QByteArray named = "Access-Control-Allow-Origin: https://lab.example\r\n";
-    const ProgramReply state = client.ask("GET", "/state", {}, allowed);
+    ProgramClient page;
+    const ProgramReply state = page.ask("GET", "/state", {}, allowed);
     QCOMPARE(state.status, 200);
     QVERIFY(state.head.contains(named) && state.head.contains("Vary: Origin\r\n"));
-    QVERIFY(client.ask("GET", "/nothing", {}, allowed).head.contains(named));
-    const ProgramReply preflight = client.ask("OPTIONS", "/recording", {}, allowed);
+    QVERIFY(page.ask("GET", "/nothing", {}, allowed).head.contains(named));
+    const ProgramReply preflight = page.ask("OPTIONS", "/recording", {}, allowed);
     QVERIFY(preflight.head.contains(named));
     QVERIFY(preflight.head.contains("Access-Control-Allow-Methods: POST, DELETE, OPTIONS\r\n"));
     QVERIFY(preflight.head.contains("Access-Control-Allow-Headers: Content-Type,"));
+
+    // A stream ends when the user takes the right back.
+    ProgramClient stream;
+    stream.send("GET", "/stream", {}, allowed);
+    QTRY_VERIFY(stream.socket().bytesAvailable() > 0);
+    exchange_->setAccessRights(AccessRights());
+    QTRY_VERIFY(stream.socket().peek(stream.socket().bytesAvailable()).endsWith("\r\n0\r\n\r\n"));
 }
 
 void TestProgramApi::recording_is_started_once_and_saved() {

@@ -13,6 +13,9 @@ namespace {
 /// A reader that stops is noticed after this many bytes.
 constexpr int sendBufferBytes = 64 * 1024;
 constexpr std::chrono::seconds stateInterval(1);
+constexpr std::chrono::seconds permissionInterval(1);
+/// A reader may stop for a minute, and then gets the number of the missed samples.
+constexpr std::chrono::minutes maxReaderPause(2);
 
 QByteArray compact(const QJsonObject &object) {
     return QJsonDocument(object).toJson(QJsonDocument::Compact);
@@ -47,8 +50,9 @@ EventStream::EventStream(const StreamSources &sources, const StreamRequest &requ
 void EventStream::run() {
     response_.setHeader("Content-Type", "text/event-stream");
     response_.limitSendBuffer(sendBufferBytes);
+    response_.allowPauses(maxReaderPause);
     start();
-    while (response_.isWritable() && !sources_.dispatcher.isStopping()) {
+    while (response_.isWritable() && !sources_.dispatcher.isStopping() && isStillPermitted()) {
         sendNews();
         waitForNews();
     }
@@ -69,6 +73,15 @@ void EventStream::start() {
     appendState(Clock::now());
     if (isUnknown)
         appendEvent("missed", R"({"count":null})");
+}
+
+/// The user can change the access rights while the stream is open.
+bool EventStream::isStillPermitted() {
+    const Clock::time_point now = Clock::now();
+    if (now < nextPermission_)
+        return true;
+    nextPermission_ = now + permissionInterval;
+    return request_.isPermitted();
 }
 
 void EventStream::sendNews() {

@@ -6,6 +6,7 @@
 #include "api/v1/stream_dispatcher.h"
 
 #include <QVector>
+#include <functional>
 
 class HttpResponse;
 
@@ -16,6 +17,7 @@ struct StreamRequest {
     std::optional<quint64> after;  ///< number of the last sample that the client has; without it, only new samples
     bool isOfOtherRun = false;     ///< the client resumes a stream of an earlier run of the program
     std::chrono::milliseconds interval{0};  ///< minimum time between two events with samples
+    std::function<bool()> isPermitted;      ///< whether the client may still use the API
 };
 
 /// What all streams read. The references must outlive the streams.
@@ -36,13 +38,15 @@ class EventStream {
 public:
     EventStream(const StreamSources &sources, const StreamRequest &request, HttpResponse &response);
 
-    /// Sends events until the client disconnects or the program closes. There must be a published state.
+    /// Sends events until the client disconnects, is no longer permitted or the program closes. There must be a
+    /// published state.
     void run();
 
 private:
     using Clock = std::chrono::steady_clock;
 
     void start();
+    [[nodiscard]] bool isStillPermitted();
     void sendNews();
     void followState(Clock::time_point now);
     void appendRest(const EyetrackerInterface &earlierTracker, quint64 lastNumber);
@@ -62,6 +66,7 @@ private:
     quint64 markerPosition_ = 0;
     StreamDispatcher::Seen seen_;
     Clock::time_point nextState_;
+    Clock::time_point nextPermission_;
     Clock::time_point nextSamples_;
     QVector<QByteArray> pieces_;  ///< to be sent
 };

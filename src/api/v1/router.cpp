@@ -31,6 +31,7 @@ const QByteArray root = QByteArrayLiteral("/api/v1");
 constexpr quint64 maxNumber = quint64(1) << 53;
 constexpr quint64 maxSampleCount = 10'000;
 constexpr quint64 maxIntervalMs = 1000;
+constexpr int maxLoggedLength = 200;
 constexpr int preflightLifetimeSeconds = 600;
 /// A client's clock may differ a little.
 constexpr std::chrono::seconds maxFuture(1);
@@ -42,6 +43,13 @@ QByteArray httpDate(const QDateTime &time) {
 Reply starting() {
     Reply reply = problem(503, "Ocela is starting or closing. Try again in a second.");
     reply.headers.push_back({"Retry-After", "1"});
+    return reply;
+}
+
+/// Closes the connection, which may be one of another computer.
+Reply forbidden(const QByteArray &reason) {
+    Reply reply = problem(403, QString::fromUtf8(reason));
+    reply.headers.push_back({"Connection", "close"});
     return reply;
 }
 
@@ -125,8 +133,7 @@ void Router::service(HttpRequest &request, HttpResponse &response) {
     try {
         result = answer(request, response);
     } catch (const std::exception &exception) {
-        qCWarning(lcHttp, "%s %s failed: %s", request.getMethod().constData(), request.getPath().constData(),
-                  exception.what());
+        qCWarning(lcHttp, "%s failed: %s", request.getPath().left(maxLoggedLength).constData(), exception.what());
         result = problem(500, "The request failed. The reason is in the log of Ocela.");
     }
     // The response to HEAD has no body.
@@ -138,7 +145,7 @@ void Router::service(HttpRequest &request, HttpResponse &response) {
 Router::Answer Router::answer(const HttpRequest &request, HttpResponse &response) {
     const QByteArray refusal = access_.refusalOfProgramRequest(request);
     if (!refusal.isEmpty())
-        return problem(403, QString::fromUtf8(refusal));
+        return forbidden(refusal);
     const QByteArray origin = access_.allowedOriginOf(request);
     if (!origin.isEmpty()) {
         response.setHeader("Access-Control-Allow-Origin", origin);
@@ -215,7 +222,7 @@ Router::Answer Router::getSamples(const Request &request) {
     const bool isUnknown = after && *after > newest;
     SampleText text;
     if (state.tracker && !isUnknown) {
-        const quint64 position = after ? std::max(*after, state.selectedAfter) : 0;
+        const quint64 position = std::max(after.value_or(0), state.selectedAfter);
         text = sampleText(run_, state.tracker->samplesSince(position), static_cast<int>(limit));
     }
     const quint64 next = text.count > 0 ? text.lastNumber : isUnknown ? newest : after.value_or(newest);
@@ -240,6 +247,7 @@ Router::Answer Router::getStream(const Request &request) {
     const QByteArray id = request.http.getHeader("Last-Event-ID");
     if (!id.isEmpty())
         resume(id, stream);
+    stream.isPermitted = [this, &http = request.http] { return access_.refusalOfProgramRequest(http).isEmpty(); };
     return stream;
 }
 
@@ -320,9 +328,12 @@ Router::Answer Router::postEvent(const Request &request) {
     std::optional<ProgramRun::TimePoint> time;
     if (reader.has("time")) {
         const double timeMs = reader.bodyNumber("time");
-        const double latestMs = run_.timeMs(std::chrono::steady_clock::now() + maxFuture);
-        if (timeMs < run_.timeMs(run_.start()) || timeMs > latestMs)
-            reader.fail(422, "\"time\" must be in ms since 1970 UTC, since the start of Ocela and not in the future.");
+        const auto now = std::chrono::steady_clock::now();
+        const double earliestMs = run_.timeMs(std::max(run_.start(), now - Markers::maxTimeDifference));
+        if (timeMs < earliestMs || timeMs > run_.timeMs(now + maxFuture))
+            reader.fail(422,
+                        "\"time\" must be in ms since 1970 UTC, since the start of Ocela, in the last 24 hours and not "
+                        "in the future.");
         else
             time = run_.timePoint(timeMs);
     }
