@@ -19,8 +19,8 @@
 <context>
     <name>AccessTab</name>
     <message>
-        <source>Not a web origin, and therefore not allowed: %1. Write origins like https://lab.example or http://192.0.2.20:8080, without a path.</source>
-        <translation>Not a web origin, and therefore not allowed: %1. Write origins like https://lab.example or http://192.0.2.20:8080, without a path.</translation>
+        <source>These entries are not web origins and are ignored: %1. Write each origin without a path, for example https://lab.example or http://192.0.2.20:8080.</source>
+        <translation>These entries are not web origins and are ignored: %1. Write each origin without a path, for example https://lab.example or http://192.0.2.20:8080.</translation>
     </message>
 </context>
 <context>
@@ -328,39 +328,39 @@
     </message>
     <message>
         <source>AllowOtherComputers</source>
-        <translation>Access from other computers</translation>
+        <translation>Other computers may use Ocela</translation>
     </message>
     <message>
         <source>Access</source>
         <translation>Access</translation>
     </message>
     <message>
-        <source>Every computer that can connect to this one can read the gaze and control Ocela. There is no password. If this is off, only programs and web pages on this computer can.</source>
-        <translation>Every computer that can connect to this one can read the gaze and control Ocela. There is no password. If this is off, only programs and web pages on this computer can.</translation>
-    </message>
-    <message>
         <source>AllowForeignPages</source>
-        <translation>Access from any web page</translation>
+        <translation>Web pages of other sites may use the simple API</translation>
     </message>
     <message>
         <source>AllowedOrigins</source>
         <translation>Allowed web origins</translation>
     </message>
     <message>
-        <source>Web sites that can always use Ocela and its API for programs, separated by blanks. For example: https://lab.example http://192.0.2.20:8080</source>
-        <translation>Web sites that can always use Ocela and its API for programs, separated by blanks. For example: https://lab.example http://192.0.2.20:8080</translation>
-    </message>
-    <message>
         <source>ServeAnyFile</source>
-        <translation>Access to files in all folders</translation>
+        <translation>Serve any file of this computer</translation>
     </message>
     <message>
-        <source>Whoever can use Ocela can read every file that you can read, and can save recordings in every folder. If this is off, only the files of Ocela&apos;s web pages and the records folder can be used.</source>
-        <translation>Whoever can use Ocela can read every file that you can read, and can save recordings in every folder. If this is off, only the files of Ocela&apos;s web pages and the records folder can be used.</translation>
+        <source>Every computer that can connect to this one can read the gaze and control Ocela. There is no password. If this is off, only programs and web pages on this computer can use Ocela.</source>
+        <translation>Every computer that can connect to this one can read the gaze and control Ocela. There is no password. If this is off, only programs and web pages on this computer can use Ocela.</translation>
     </message>
     <message>
-        <source>Every web page that is open in a browser can read the gaze and control Ocela. If this is off, only Ocela&apos;s own pages and those of the allowed web origins can.</source>
-        <translation>Every web page that is open in a browser can read the gaze and control Ocela. If this is off, only Ocela&apos;s own pages and those of the allowed web origins can.</translation>
+        <source>Every web page that is open in a browser can read the gaze, control Ocela and fetch files. If this is off, only Ocela&apos;s own pages and pages of the allowed web origins can use Ocela.</source>
+        <translation>Every web page that is open in a browser can read the gaze, control Ocela and fetch files. If this is off, only Ocela&apos;s own pages and pages of the allowed web origins can use Ocela.</translation>
+    </message>
+    <message>
+        <source>Web sites whose pages can always use Ocela and its API for programs, separated by spaces. For example: https://lab.example http://192.0.2.20:8080</source>
+        <translation>Web sites whose pages can always use Ocela and its API for programs, separated by spaces. For example: https://lab.example http://192.0.2.20:8080</translation>
+    </message>
+    <message>
+        <source>Programs and web pages that use Ocela can read every file that you can read, and save recordings in every folder. If this is off, they can read only the files of Ocela&apos;s web pages and the recordings in the records folder, and save recordings only there.</source>
+        <translation>Programs and web pages that use Ocela can read every file that you can read, and save recordings in every folder. If this is off, they can read only the files of Ocela&apos;s web pages and the recordings in the records folder, and save recordings only there.</translation>
     </message>
 </context>
 <context>

@@ -5,11 +5,11 @@
     <name>AccessButton</name>
     <message>
         <source>Other computers can reach Ocela</source>
-        <translation>Доступна другим компьютерам</translation>
+        <translation>Ocela доступна другим компьютерам</translation>
     </message>
     <message>
         <source>Only this computer can reach Ocela</source>
-        <translation>Доступна только этому компьютеру</translation>
+        <translation>Ocela доступна только этому компьютеру</translation>
     </message>
     <message>
         <source>%1. Click to change it in the settings.</source>
@@ -19,8 +19,8 @@
 <context>
     <name>AccessTab</name>
     <message>
-        <source>Not a web origin, and therefore not allowed: %1. Write origins like https://lab.example or http://192.0.2.20:8080, without a path.</source>
-        <translation>Это не адрес сайта, поэтому доступа нет: %1. Пишите адреса так: https://lab.example или http://192.0.2.20:8080, без пути.</translation>
+        <source>These entries are not web origins and are ignored: %1. Write each origin without a path, for example https://lab.example or http://192.0.2.20:8080.</source>
+        <translation>Это не адреса сайтов, они не учитываются: %1. Пишите каждый адрес без пути, например https://lab.example или http://192.0.2.20:8080.</translation>
     </message>
 </context>
 <context>
@@ -328,39 +328,39 @@
     </message>
     <message>
         <source>AllowOtherComputers</source>
-        <translation>Доступ с других компьютеров</translation>
+        <translation>Другие компьютеры могут использовать Ocela</translation>
     </message>
     <message>
         <source>Access</source>
         <translation>Доступ</translation>
     </message>
     <message>
-        <source>Every computer that can connect to this one can read the gaze and control Ocela. There is no password. If this is off, only programs and web pages on this computer can.</source>
-        <translation>Любой компьютер, который может подключиться к этому, может читать данные взгляда и управлять Ocela. Пароля нет. Если выключено, это могут только программы и веб-страницы на этом компьютере.</translation>
-    </message>
-    <message>
         <source>AllowForeignPages</source>
-        <translation>Доступ с любых веб-страниц</translation>
+        <translation>Страницы других сайтов могут использовать простой API</translation>
     </message>
     <message>
         <source>AllowedOrigins</source>
         <translation>Разрешённые сайты</translation>
     </message>
     <message>
-        <source>Web sites that can always use Ocela and its API for programs, separated by blanks. For example: https://lab.example http://192.0.2.20:8080</source>
-        <translation>Сайты, которым всегда доступны Ocela и её API для программ, через пробел. Например: https://lab.example http://192.0.2.20:8080</translation>
-    </message>
-    <message>
         <source>ServeAnyFile</source>
-        <translation>Доступ к файлам во всех папках</translation>
+        <translation>Отдавать любые файлы этого компьютера</translation>
     </message>
     <message>
-        <source>Whoever can use Ocela can read every file that you can read, and can save recordings in every folder. If this is off, only the files of Ocela&apos;s web pages and the records folder can be used.</source>
-        <translation>Тот, кому доступна Ocela, может читать любые файлы, доступные вам, и сохранять записи в любой папке. Если выключено, доступны только файлы веб-страниц Ocela и папка записей.</translation>
+        <source>Every computer that can connect to this one can read the gaze and control Ocela. There is no password. If this is off, only programs and web pages on this computer can use Ocela.</source>
+        <translation>Любой компьютер, который может подключиться к этому, может читать данные взгляда и управлять Ocela. Пароля нет. Если выключено, использовать Ocela могут только программы и веб-страницы на этом компьютере.</translation>
     </message>
     <message>
-        <source>Every web page that is open in a browser can read the gaze and control Ocela. If this is off, only Ocela&apos;s own pages and those of the allowed web origins can.</source>
-        <translation>Любая веб-страница, открытая в браузере, может читать данные взгляда и управлять Ocela. Если выключено, из веб-страниц это могут только страницы самой Ocela и разрешённых сайтов.</translation>
+        <source>Every web page that is open in a browser can read the gaze, control Ocela and fetch files. If this is off, only Ocela&apos;s own pages and pages of the allowed web origins can use Ocela.</source>
+        <translation>Любая веб-страница, открытая в браузере, может читать данные взгляда, управлять Ocela и получать файлы. Если выключено, использовать Ocela могут только её собственные страницы и страницы разрешённых сайтов.</translation>
+    </message>
+    <message>
+        <source>Web sites whose pages can always use Ocela and its API for programs, separated by spaces. For example: https://lab.example http://192.0.2.20:8080</source>
+        <translation>Сайты, страницы которых всегда могут использовать Ocela и её API для программ. Адреса разделяются пробелами. Например: https://lab.example http://192.0.2.20:8080</translation>
+    </message>
+    <message>
+        <source>Programs and web pages that use Ocela can read every file that you can read, and save recordings in every folder. If this is off, they can read only the files of Ocela&apos;s web pages and the recordings in the records folder, and save recordings only there.</source>
+        <translation>Программы и веб-страницы, использующие Ocela, могут читать любые файлы, доступные вам, и сохранять записи в любой папке. Если выключено, им доступны только файлы веб-страниц Ocela и записи в папке записей, и сохранять записи они могут только в неё.</translation>
     </message>
 </context>
 <context>

@@ -12,7 +12,7 @@ AllowSkipFiles off
 !include nsDialogs.nsh
 !include FileFunc.nsh
 
-; The settings of the program. If the file exists, the user has already decided.
+; The settings of the program. If the file exists, the installer does not change it.
 !define SETTINGS "$LOCALAPPDATA\Velmora\OcelaSettings.xml"
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\Ocela"
 

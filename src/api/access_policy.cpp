@@ -13,11 +13,12 @@
 namespace {
 
 const char otherComputerRefused[] =
-    "Other computers may not use this Ocela. They can be allowed in Ocela's settings, tab \"Access\".";
+    "Other computers may not use this Ocela. To allow them, turn on \"Other computers may use Ocela\" in Ocela's "
+    "settings, tab \"Access\".";
 const char hostRefused[] = "The host name is not a name of this computer. Use its IP address, its name or localhost.";
 const char pageRefused[] =
-    "Web pages of this origin may not use Ocela. Add the origin to the allowed web origins in Ocela's settings, tab "
-    "\"Access\".";
+    "Web pages of this origin may not use Ocela. To allow them, add the origin to \"Allowed web origins\" in Ocela's "
+    "settings, tab \"Access\".";
 
 /// Returns the names in lower case, as browsers send them.
 QSet<QString> findMachineNames() {
@@ -45,14 +46,15 @@ QString hostOf(const QByteArray &header) {
     return match.captured(1) + match.captured(2);
 }
 
-/// A web site that makes its own host name lead to this machine could otherwise use Ocela as if it were Ocela's page.
+/// Returns whether the host is an IP address or a name of this machine. A web site whose host name resolves to this
+/// machine (DNS rebinding) could otherwise use Ocela as if its pages were Ocela's own.
 bool isKnownHost(const QByteArray &header) {
     const QString host = hostOf(header);
     return isNameOfThisMachine(host) || QHostAddress().setAddress(host);
 }
 
-/// Whether the page comes from this server. Its port is another one behind a port forwarding. A page may use another
-/// name of this machine than its own.
+/// Returns whether the page comes from this server. Its port differs from that of the server if a port is forwarded. A
+/// page may send its requests to another name of this machine than the one in its own address.
 bool isOwnOrigin(const QByteArray &origin, const QByteArray &host) {
     if (origin == "http://" + host)
         return true;
@@ -67,13 +69,13 @@ QByteArray refusalOfPeer(const HttpRequest &request, const AccessRights &rights)
 
 QByteArray refusalOfPage(const HttpRequest &request, const AccessRights &rights) {
     const QByteArray host = request.getHeader("Host");
-    // Browsers always send the header.
+    // Browsers always send the header. Some programs do not.
     if (!host.isEmpty() && !isKnownHost(host))
         return hostRefused;
     const QByteArray origin = request.getHeader("Origin");
     if (rights.allowedOrigins.contains(QString::fromLatin1(origin)))
         return {};
-    // Browsers send no origin with requests such as those of images.
+    // Browsers send no origin with some requests, for example for images.
     const bool isForeign =
         origin.isEmpty() ? request.getHeader("Sec-Fetch-Site") == "cross-site" : !isOwnOrigin(origin, host);
     return isForeign ? pageRefused : QByteArray();

@@ -22,11 +22,11 @@ namespace {
 constexpr int maxPathLength = 32767;
 
 const QLatin1String fileRefused(
-    "Only files in the folder http may be fetched. Other files can be allowed in Ocela's settings, tab \"Access\".");
+    "Only files in the folder http may be fetched. To allow others, turn on \"Serve any file of this computer\" in "
+    "Ocela's settings, tab \"Access\".");
 const QLatin1String recordRefused(
-    "Recordings may be saved only in the records folder. Other folders can be allowed in Ocela's settings, tab "
-    "\"Access\".");
-
+    "Recordings may be saved only in the records folder. To allow other folders, turn on \"Serve any file of this "
+    "computer\" in Ocela's settings, tab \"Access\".");
 const QLatin1String remoteRecordRefused("A recording needs the path of a file on this computer.");
 
 constexpr int maxLoggedLength = 200;

@@ -40,8 +40,8 @@ void AccessTab::changeEvent(QEvent *event) {
 
 void AccessTab::showProblem() {
     const QStringList invalid = WebOrigins::parse(settings_.getAllowedOrigins()).invalid;
-    problem_->setText(tr("Not a web origin, and therefore not allowed: %1. Write origins like https://lab.example or "
-                         "http://192.0.2.20:8080, without a path.")
+    problem_->setText(tr("These entries are not web origins and are ignored: %1. Write each origin without a path, "
+                         "for example https://lab.example or http://192.0.2.20:8080.")
                           .arg(invalid.join(' ')));
     problem_->setVisible(!invalid.isEmpty());
 }

@@ -61,7 +61,7 @@ public:
                 QT_TRANSLATE_NOOP("Generic",
                                   "Every computer that can connect to this one can read the gaze and control "
                                   "Ocela. There is no password. If this is off, only programs and web pages "
-                                  "on this computer can."))
+                                  "on this computer can use Ocela."))
 
     VT_PROPERTY(bool, AllowForeignPages, true)
     Q_CLASSINFO("AllowForeignPagesDisplayName", QT_TRANSLATE_NOOP("Generic", "AllowForeignPages"))
@@ -69,9 +69,9 @@ public:
     Q_CLASSINFO("AllowForeignPagesEditable", "true")
     Q_CLASSINFO("AllowForeignPagesExplanation",
                 QT_TRANSLATE_NOOP("Generic",
-                                  "Every web page that is open in a browser can read the gaze and control "
-                                  "Ocela. If this is off, only Ocela's own pages and those of the allowed web "
-                                  "origins can."))
+                                  "Every web page that is open in a browser can read the gaze, control Ocela "
+                                  "and fetch files. If this is off, only Ocela's own pages and pages of the "
+                                  "allowed web origins can use Ocela."))
 
     VT_PROPERTY(QString, AllowedOrigins, "")
     Q_CLASSINFO("AllowedOriginsDisplayName", QT_TRANSLATE_NOOP("Generic", "AllowedOrigins"))
@@ -79,8 +79,9 @@ public:
     Q_CLASSINFO("AllowedOriginsEditable", "true")
     Q_CLASSINFO("AllowedOriginsExplanation",
                 QT_TRANSLATE_NOOP("Generic",
-                                  "Web sites that can always use Ocela and its API for programs, separated by "
-                                  "blanks. For example: https://lab.example http://192.0.2.20:8080"))
+                                  "Web sites whose pages can always use Ocela and its API for programs, "
+                                  "separated by spaces. For example: https://lab.example "
+                                  "http://192.0.2.20:8080"))
 
     VT_PROPERTY(bool, ServeAnyFile, true)
     Q_CLASSINFO("ServeAnyFileDisplayName", QT_TRANSLATE_NOOP("Generic", "ServeAnyFile"))
@@ -88,9 +89,10 @@ public:
     Q_CLASSINFO("ServeAnyFileEditable", "true")
     Q_CLASSINFO("ServeAnyFileExplanation",
                 QT_TRANSLATE_NOOP("Generic",
-                                  "Whoever can use Ocela can read every file that you can read, and can save "
-                                  "recordings in every folder. If this is off, only the files of Ocela's web "
-                                  "pages and the records folder can be used."))
+                                  "Programs and web pages that use Ocela can read every file that you can "
+                                  "read, and save recordings in every folder. If this is off, they can read "
+                                  "only the files of Ocela's web pages and the recordings in the records "
+                                  "folder, and save recordings only there."))
 
     /// The `EyetrackerInterface::name()` of the tracker that was selected last.
     VT_PROPERTY(QString, SelectedTracker, "")

@@ -278,7 +278,7 @@ void TestMainWindow::failing_autorun_is_shown_and_switched_back() {
 void TestMainWindow::access_settings_apply_immediately() {
     store("gazepoint", "<property name=\"AllowOtherComputers\">false</property>");
     MainWindow window;
-    // Like the address of a network interface, this address is used only by a server on all interfaces.
+    // Only a server that listens on all interfaces accepts connections to this address.
     const auto acceptsOthers = [] {
         QTcpSocket client;
         client.connectToHost("127.0.0.2", OcelaHTTPExchange::port);
@@ -307,7 +307,7 @@ void TestMainWindow::access_settings_apply_immediately() {
     const QWidget &page = *window.centralWidget();
     const auto *problem = page.findChild<QLabel *>("originProblem");
     QVERIFY(page.findChild<QWidget *>("AllowedOrigins")->isVisible() && problem->isVisible());
-    QVERIFY2(problem->text().contains("allowed: lab.example. "), qPrintable(problem->text()));
+    QVERIFY2(problem->text().contains("ignored: lab.example. "), qPrintable(problem->text()));
     settingsOf(window).setAllowedOrigins(QString());
     QVERIFY(!problem->isVisible());
 }
