@@ -112,7 +112,7 @@ export default {
     staysHere: 'Такой файл остаётся на этом компьютере. Страница никуда его не отправляет.',
     recordingsTitle: 'Записи в папке записей Ocela',
     noRecordings: 'Файлов записи в ней ещё нет.',
-    noList: 'Список не читается. {reason}',
+    noList: 'Не удалось прочитать список. {reason}',
     noSuchRecording: 'В папке записей Ocela такого файла нет. Возможно, его переименовали, переместили или удалили.',
     notDelivered: 'Ocela не передала файл. {reason}',
     megabytes: '{value} МБ',
