@@ -102,7 +102,7 @@ class Program:
             resource.prlimit(self._process.pid, resource.RLIMIT_AS, unlimited)
 
     def _status(self, key):
-        """Returns the bytes of a line with kB."""
+        """Returns the number of bytes from a line with a number of kB."""
         lines = (self._proc / "status").read_text().splitlines()
         return next(int(line.split()[1]) for line in lines if line.startswith(key + ":")) * 1024
 

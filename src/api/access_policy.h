@@ -11,9 +11,9 @@ class HttpRequest;
 struct AccessRights {
     bool otherComputers = true;  ///< whether other computers may send requests
     bool foreignPages = true;    ///< whether web pages of any site may use the simple API and fetch files
-    bool anyFile = true;         ///< whether file answers may come from any folder, and record files may be in any
+    bool anyFile = true;         ///< whether clients may fetch files from, and save recordings to, any folder
     QStringList allowedOrigins;  ///< the web origins that may use both APIs, such as "https://lab.example"
-    QString recordsFolder;       ///< where record files may be if `anyFile` is off
+    QString recordsFolder;       ///< the only folder for recordings if `anyFile` is off
 };
 
 /// Decides whether a request is answered, by its sender, its origin and its host. Thread-safe: the GUI thread sets the
@@ -23,9 +23,11 @@ public:
     void setRights(const AccessRights &rights) { rights_.exchange(rights); }
     [[nodiscard]] AccessRights rights() const { return rights_.copy(); }
 
-    /// Returns why a request to the simple API or for a file is refused, as an English sentence, or an empty text.
+    /// Returns why a request to the simple API or for a file is refused, in English. Returns an empty text if it is
+    /// permitted.
     [[nodiscard]] QByteArray refusalOfSimpleRequest(const HttpRequest &request) const;
-    /// Returns the same for a request to the API for programs, which pages of other sites never use without permission.
+    /// Returns the same for a request to the API for programs. Pages of other sites may use it only if their origin is
+    /// allowed, whatever `foreignPages` is.
     [[nodiscard]] QByteArray refusalOfProgramRequest(const HttpRequest &request) const;
     /// Returns the origin of the request if it is one of the allowed origins or Ocela's own, for the CORS headers of
     /// the response. Otherwise returns an empty text.

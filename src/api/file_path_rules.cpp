@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Windows ignores an extension and blanks behind the name of a device.
+/// Windows ignores an extension and spaces after the name of a device.
 QString deviceNameIn(const QString &component) {
     return component.section('.', 0, 0).trimmed().toUpper();
 }

@@ -8,6 +8,6 @@ struct WebOrigins {
     QStringList valid;    ///< in the form in which browsers send them
     QStringList invalid;  ///< the texts that are not origins, unchanged
 
-    /// Parses origins that are separated by blanks. A slash after an origin is ignored.
+    /// Parses origins that are separated by white space. A slash after an origin is ignored.
     [[nodiscard]] static WebOrigins parse(const QString &text);
 };

@@ -6,8 +6,8 @@ class QLabel;
 class Settings;
 struct PropertyDescriptor;
 
-/// The tab of the settings page with the editors for who may use the program over the network. Above them, it lists the
-/// parts of the allowed web origins that are invalid. GUI thread.
+/// The tab "Access" of the settings page: who may use the HTTP API, and which files clients may use. Above the editors,
+/// it lists the invalid entries of the allowed web origins. GUI thread.
 class AccessTab : public QWidget {
     Q_OBJECT
 

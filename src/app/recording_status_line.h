@@ -11,8 +11,8 @@ class ElidedLabel;
 class QToolButton;
 
 /// The part of the status bar for recordings. Shows the running recordings of all trackers, then the saved file, or why
-/// a recording was not saved. Its buttons open the folder of the file, or the
-/// file in the record viewer, or ask for another attempt to save. GUI thread.
+/// a recording was not saved. Its buttons open the folder of the file, open the file in the record viewer, or ask for
+/// another attempt to save. GUI thread.
 class RecordingStatusLine : public BaseEyetrackerWidget {
     Q_OBJECT
 

@@ -25,14 +25,14 @@ class Markers : public QObject {
 
 public:
     static constexpr int maxTextLength = 1000;  ///< UTF-16 code units
-    /// The maximum distance of a marker from now.
+    /// The maximum difference between the time of a marker and now.
     static constexpr std::chrono::hours maxTimeDifference{24};
 
     explicit Markers(QObject *parent);
 
     /// Sets the trackers whose recordings store the markers. Call it before the first add(). GUI thread.
     void setTrackers(std::vector<EyetrackerInterface *> trackers) { trackers_ = std::move(trackers); }
-    /// Sets the tracker whose numbers the markers get. Null for none. GUI thread.
+    /// Sets the tracker from whose newest sample each marker gets its number. Null for none. GUI thread.
     void setSelectedTracker(EyetrackerInterface *tracker) { selectedTracker_ = tracker; }
 
     /// Sets a marker at `time`, or now. Emits added(). Any thread.

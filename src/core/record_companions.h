@@ -4,8 +4,8 @@
 
 #include <string>
 
-/// The files that stand beside a record file and are named after it: "x.json", "x_samples.csv" and "x_events.csv" for
-/// "x.csv". They are never replaced. Any thread.
+/// The files that are saved beside a record file and are named after it: "x.json", "x_samples.csv" and "x_events.csv"
+/// for "x.csv". They are never replaced. Any thread.
 namespace record_companions {
 
 /// Returns the path of the description.

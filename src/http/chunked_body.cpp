@@ -63,7 +63,7 @@ void ChunkedBody::readSize(std::string_view line) {
     }
 }
 
-// Byte by byte, so that nothing behind an invalid byte is consumed.
+// Byte by byte, so that nothing after an invalid byte is consumed.
 void ChunkedBody::takeDataEnd(HttpInput &input) {
     const std::string_view byte = input.take(1);
     line_.append(byte.data(), static_cast<int>(byte.size()));

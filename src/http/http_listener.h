@@ -19,7 +19,7 @@ class QTcpServer;
 /// thread that created it, except for setHosts().
 ///
 /// Settings, read each time they are needed:
-/// - "host": addresses separated by blanks; empty: all interfaces. "port" (0: the system chooses).
+/// - "host": addresses separated by spaces; empty: all interfaces. "port" (0: the system chooses).
 /// - "minThreads", "maxThreads", "cleanupInterval" (ms): see HttpConnectionHandlerPool.
 /// - "readTimeout", "headerTimeout", "rateWindow" (ms), "minBytesPerSecond": see HttpConnectionHandler.
 /// - "maxRequestSize", "maxMultiPartSize" (bytes): see HttpRequest. "maxTotalRequestBytes": see HttpServerContext.

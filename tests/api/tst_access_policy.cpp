@@ -137,7 +137,7 @@ void TestAccessPolicy::listens_where_clients_may_come_from() {
         QCOMPARE(exchange.listenProblem(), QString());
         QVERIFY(isReachableAt("127.0.0.1"));
         QCOMPARE(isReachableAt("::1"), hasIpv6);
-        // Like the address of a network interface, this address is used only by a server on all interfaces.
+        // Only a server that listens on all interfaces accepts connections to this address.
         QCOMPARE(isReachableAt("127.0.0.2"), otherComputers);
     }
 }

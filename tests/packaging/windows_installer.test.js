@@ -62,7 +62,7 @@ test('the installer installs, upgrades and removes the program silently', async 
 });
 
 test('the installer sets who may use the program, unless the user has decided', async () => {
-    // Like the address of a network interface, this address is used only by a server on all interfaces.
+    // Only a server that listens on all interfaces accepts connections to this address.
     const otherAddress = address.replace('127.0.0.1', '127.0.0.2');
     const quit = async () => {
         assert.equal(wine('taskkill', '/im', 'Ocela.exe'), 0);

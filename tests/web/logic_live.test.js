@@ -168,7 +168,7 @@ describe('event stream', () => {
         assert.deepEqual(log, ['open ', 'state 1', 'samples [2]', 'event 3', 'close', 'lost ""', 'open &after=2', 'missed 4']);
     });
 
-    test('makes a new connection when one fails or is silent, after longer and longer delays', async t => {
+    test('makes a new connection when one fails or is silent, with increasing delays', async t => {
         const { log, emit, fail, wait } = fakeBrowser(t);
         emit('samples', [], 'run:7');
         wait(3999);

@@ -19,7 +19,7 @@ const showImage = url => `new Promise(done => {
 }).then(() => true)`;
 
 test('a browser lets only permitted pages use Ocela', async t => {
-    // The pages of this test are JSON documents, because Ocela's own pages have a policy that forbids foreign requests.
+    // The pages of this test are JSON documents, because Ocela's own pages have a policy that forbids requests to other origins.
     const allowed = new FakeService();
     const foreign = new FakeService();
     for (const service of [allowed, foreign]) {

@@ -4,8 +4,8 @@
 
 namespace api_v1 {
 
-/// What clients can tell the program to do. Called on connection threads. The calls block until the program has done
-/// it or has refused it.
+/// The commands that clients can send. Called on connection threads. A call blocks until the command is executed or
+/// refused. selectTracker(), calibrate() and stopCalibration() return as soon as the command is accepted.
 class Commands {
 public:
     Commands() = default;
@@ -13,15 +13,15 @@ public:
     Commands(const Commands &) = delete;
     Commands &operator=(const Commands &) = delete;
 
-    /// Selects a tracker after the return.
+    /// Selects a tracker, after the call has returned.
     [[nodiscard]] virtual Reply selectTracker(const QString &name) = 0;
     /// Starts a recording of the selected tracker. With an empty `path`, the program chooses the file name.
     [[nodiscard]] virtual Reply startRecording(const QString &path) = 0;
     /// Stops the recording of the selected tracker and saves it.
     [[nodiscard]] virtual Reply stopRecording() = 0;
-    /// Starts a calibration after the return. Screens count from 1.
+    /// Starts a calibration, after the call has returned. Screens are numbered from 1.
     [[nodiscard]] virtual Reply calibrate(int screen) = 0;
-    /// Cancels the running calibration after the return.
+    /// Cancels the running calibration, after the call has returned.
     [[nodiscard]] virtual Reply stopCalibration() = 0;
 };
 

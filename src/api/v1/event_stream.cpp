@@ -10,7 +10,7 @@ using namespace api_v1;
 
 namespace {
 
-/// A reader that stops is noticed after this many bytes.
+/// The limit of the buffer for unsent data. The server notices a client that stops reading after this number of bytes.
 constexpr int sendBufferBytes = 64 * 1024;
 constexpr std::chrono::seconds stateInterval(1);
 constexpr std::chrono::seconds permissionInterval(1);

@@ -19,8 +19,8 @@ public:
     ~GuiCalls() override;
 
     /// Calls `function` on the GUI thread and waits for its end. Returns false if it did not begin within `timeout`, or
-    /// if close() was called. It is then never called. A call that has begun is waited for without a limit. Passes on
-    /// the exceptions of `function`. Any thread.
+    /// if close() was called first. The function is then never called. Once it has begun, run() waits for it without a
+    /// timeout. Passes on the exceptions of `function`. Any thread.
     [[nodiscard]] bool run(const std::function<void()> &function, std::chrono::milliseconds timeout);
 
     /// Revokes all calls that have not begun, and refuses later ones. GUI thread.

@@ -25,7 +25,7 @@ public:
     ProgramControl(std::vector<EyetrackerInterface *> trackers, const QString &journalsFolder, const ProgramRun &run,
                    PublishedState &published);
 
-    /// Tells which tracker is selected. Null for none.
+    /// Sets the selected tracker. Null for none.
     void setTracker(EyetrackerInterface *tracker);
     /// Refuses all commands from now on.
     void close() { calls_.close(); }

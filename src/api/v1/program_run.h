@@ -16,8 +16,8 @@ public:
     [[nodiscard]] const QByteArray &id() const { return id_; }
     [[nodiscard]] TimePoint start() const { return start_; }
 
-    /// Returns a time in ms since 1970 UTC, with microseconds. It never jumps, because the system clock is read only at
-    /// the start.
+    /// Returns a time in ms since 1970 UTC, with three decimals. It never jumps, because the system clock is read only
+    /// at the start.
     [[nodiscard]] QByteArray timeText(TimePoint time) const {
         return QByteArray::fromStdString(clock_.utcMsText(time));
     }

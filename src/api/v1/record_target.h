@@ -11,7 +11,7 @@ namespace api_v1 {
 /// Returns whether `name` can be the name of a file on all supported systems.
 [[nodiscard]] bool isFileName(const QString &name);
 
-/// Where a client wants a recording to be saved, as a path, or why that is not possible.
+/// The path of the record file that a client has asked for, or the response that refuses it.
 using RecordTarget = std::variant<QString, Reply>;
 
 /// Returns the target for the file `name` in `folder`. An empty name is the default name of the program. May block, if

@@ -32,15 +32,16 @@ public:
     [[nodiscard]] const std::shared_ptr<SampleSignal> &signal() const { return signal_; }
     [[nodiscard]] PublishedState &state() { return state_; }
 
-    /// Answers requests from now on; before, they get 503. A state must have been published. Both must outlive the
-    /// router, or the last request.
+    /// Answers requests from now on. Earlier requests get 503. A state must have been published. Both objects must
+    /// exist until the last request is answered.
     void open(Commands &commands, Markers &markers);
-    /// Ends all streams.
+    /// Ends all streams. Later requests get 503.
     void close();
 
     /// Returns whether a request for the path belongs to this API.
     [[nodiscard]] static bool hasPath(const QByteArray &path);
 
+    /// Answers a request for a path of this API.
     void service(HttpRequest &request, HttpResponse &response);
 
 private:

@@ -21,7 +21,7 @@ public:
     /// The number of streams that may be open at the same time.
     static constexpr int maxStreams = 20;
 
-    /// Counts what a stream has seen.
+    /// The newest sample, and the number of changes, that a stream has seen.
     struct Seen {
         quint64 samples = 0;
         quint64 changes = 0;  ///< of the state and the markers

@@ -68,7 +68,7 @@ class Client:
                 on_tracker: Optional[Callable[[Optional[str]], object]] = None) -> Iterator[Sample]:
         """Yields each sample of the selected tracker once, as it arrives, without an end.
 
-        Starts with the next sample, or behind the sample number `after`. `interval_ms` collects samples to save processor
+        Starts with the next sample, or after the sample number `after`. `interval_ms` collects samples to save processor
         time. A lost connection is resumed. NotRunning is raised if that fails for `reconnect_s` seconds.
 
         Calls `on_missed` when samples were lost, and `on_tracker` with the name when another tracker was selected. Without

@@ -16,7 +16,8 @@ CONFLICT = 409
 class Recording:
     """Starts when the `with` block begins. Is stopped and saved when the block ends, also after an exception.
 
-    The end of the block raises NotSaved if the recording is not safely on disk, or was stopped by somebody else."""
+    The end of the block raises NotSaved if the recording is not safely on disk, or was stopped by the user or another
+    program."""
 
     def __init__(self, client: Client, name: Optional[str], path: Optional[str]) -> None:
         self._client = client

@@ -40,7 +40,7 @@ class EventParser:
         self._id = ""
 
     def feed(self, data: bytes) -> Iterator[ServerEvent]:
-        """Returns the events that are complete. An event is complete at the empty line behind it."""
+        """Returns the events that are complete. An event is complete at the empty line after it."""
         *lines, self._rest = (self._rest + data).split(b"\n")
         for line in lines:
             if line.strip(b"\r"):
@@ -61,7 +61,7 @@ class EventParser:
 
 
 class EventStream:
-    """Reads `/api/v1/stream`. After a lost connection it resumes behind the last sample that it has returned.
+    """Reads `/api/v1/stream`. After a lost connection it resumes after the last sample that it has returned.
 
     It gives up if there is no connection for `reconnect_s` seconds. The first connection must succeed at once."""
 
