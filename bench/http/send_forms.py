@@ -8,7 +8,7 @@ import collections
 import sys
 import threading
 
-from raw_client import connect, head, read_to_end
+from raw_client import connect, head, read_to_end, send_until_closed
 
 FIELD_BYTES = 49_000_000
 BEGIN = b'--b\r\nContent-Disposition: form-data; name="f"\r\n\r\n'
@@ -25,8 +25,8 @@ def main():
     def send():
         try:
             connection = connect()
-            connection.sendall(form)
-            connection.sendall(body)
+            send_until_closed(connection, form)
+            send_until_closed(connection, body)
             answer = read_to_end(connection).split(b"\r\n")[0].decode() or "closed"
         except OSError as error:
             answer = type(error).__name__

@@ -127,8 +127,8 @@ void HttpConnectionHandler::serveRequests(UniqueSocket socket) {
     if (!socket_)
         return;
     peerAddress_ = socket_->peerAddress();
-    readTimeouts();
-    readTimer_.setRemainingTime(timeouts_.readMs);
+    readRules();
+    restartReadTimer();
     while (receive() && read()) {
     }
 }
@@ -139,14 +139,18 @@ std::unique_ptr<ByteStream> HttpConnectionHandler::openStream(UniqueSocket socke
     return PlainStream::open(std::move(socket), stopping_);
 }
 
-void HttpConnectionHandler::readTimeouts() {
+void HttpConnectionHandler::readRules() {
     const HttpSettings &settings = context_->settings;
-    timeouts_.readMs = settings.number(QStringLiteral("readTimeout"), defaultReadTimeoutMs);
     timeouts_.headerMs = settings.number(QStringLiteral("headerTimeout"), defaultHeaderTimeoutMs);
     const int windowMs = qMax(0, settings.number(QStringLiteral("rateWindow"), defaultRateWindowMs));
     const qint64 perSecond = settings.number(QStringLiteral("minBytesPerSecond"), defaultMinBytesPerSecond);
     timeouts_.rateWindow = std::chrono::milliseconds(windowMs);
     timeouts_.minWindowBytes = perSecond * windowMs / 1000;
+}
+
+void HttpConnectionHandler::restartReadTimer() {
+    timeouts_.readMs = context_->settings.number(QStringLiteral("readTimeout"), defaultReadTimeoutMs);
+    readTimer_.setRemainingTime(timeouts_.readMs);
 }
 
 /// Waits for data. Returns false if the connection must be closed without a response, for example after the read
@@ -212,6 +216,9 @@ void HttpConnectionHandler::feedRequest() {
         headerTimer_.setRemainingTime(timeouts_.headerMs);
         bodyRate_.restart(timeouts_.rateWindow, timeouts_.minWindowBytes);
     }
+    std::optional<WorkSlots::Slot> slot;
+    if (isReceivingBody())
+        slot.emplace(context_->bodySlots, stopping_);
     while (!input_.isEmpty() && !isFinal(currentRequest_->getStatus()))
         currentRequest_->readFromSocket(input_);
     // Each part of a body restarts the timeout, so that a long upload does not time out.
@@ -236,8 +243,7 @@ bool HttpConnectionHandler::serveRequest() {
     }
     if (stopping_)
         return false;
-    readTimeouts();
-    readTimer_.setRemainingTime(timeouts_.readMs);
+    restartReadTimer();
     return true;
 }
 

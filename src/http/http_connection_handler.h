@@ -63,7 +63,8 @@ private:
     void serve(UniqueSocket socket) noexcept;
     void serveRequests(UniqueSocket socket);
     [[nodiscard]] std::unique_ptr<ByteStream> openStream(UniqueSocket socket) const;
-    void readTimeouts();
+    void readRules();
+    void restartReadTimer();
     [[nodiscard]] bool receive();
     [[nodiscard]] bool isReceivingBody() const;
     [[nodiscard]] QDeadlineTimer receiveDeadline() const;
@@ -92,7 +93,7 @@ private:
     };
     std::unique_ptr<ByteStream> socket_;
     QHostAddress peerAddress_;
-    Timeouts timeouts_;  ///< read once for each request
+    Timeouts timeouts_;  ///< "readTimeout" is read once for each request, the others once for each connection
     QDeadlineTimer readTimer_;
     QDeadlineTimer headerTimer_;
     TransferRate bodyRate_;

@@ -2,6 +2,7 @@
 
 #include "http/http_settings.h"
 #include "http/memory_budget.h"
+#include "http/work_slots.h"
 
 #include <QSslConfiguration>
 #include <memory>
@@ -21,4 +22,5 @@ struct HttpServerContext {
     const std::shared_ptr<HttpRequestHandler> requestHandler;
     const std::unique_ptr<const QSslConfiguration> sslConfiguration;  ///< null without encryption
     MemoryBudget requestMemory;
+    WorkSlots bodySlots;
 };
