@@ -91,15 +91,18 @@ class Program:
         return self._status("VmHWM")
 
     @contextlib.contextmanager
-    def limited_address_space(self, additional_bytes):
-        """Lets the program map at most `additional_bytes` more than now."""
-        limit = self._status("VmSize") + additional_bytes
-        unlimited = resource.prlimit(self._process.pid, resource.RLIMIT_AS)
-        resource.prlimit(self._process.pid, resource.RLIMIT_AS, (limit, unlimited[1]))
+    def limited_memory(self, additional_bytes):
+        """Lets the program use at most `additional_bytes` more than now, of address space and of writable memory. The
+        second limit is needed because malloc reserves address space in advance."""
+        limits = {resource.RLIMIT_AS: "VmSize", resource.RLIMIT_DATA: "VmData"}
+        before = {limit: resource.prlimit(self._process.pid, limit) for limit in limits}
+        for limit, name in limits.items():
+            resource.prlimit(self._process.pid, limit, (self._status(name) + additional_bytes, before[limit][1]))
         try:
             yield
         finally:
-            resource.prlimit(self._process.pid, resource.RLIMIT_AS, unlimited)
+            for limit, values in before.items():
+                resource.prlimit(self._process.pid, limit, values)
 
     def _status(self, key):
         """Returns the number of bytes from a line with a number of kB."""
