@@ -54,7 +54,8 @@ void HttpListener::startListening(int port) {
 
 void HttpListener::bindAll(const QStringList &hosts, int port) {
     if (port < 0 || port > std::numeric_limits<quint16>::max())
-        return fail(QAbstractSocket::UnsupportedSocketOperationError, tr("Ports are numbers from 0 to 65535"));
+        return fail(QAbstractSocket::UnsupportedSocketOperationError,
+                    QStringLiteral("Ports are numbers from 0 to 65535"));
     if (hosts.isEmpty()) {
         (void)bind(QHostAddress(QHostAddress::Any), static_cast<quint16>(port));
         return;
@@ -62,7 +63,7 @@ void HttpListener::bindAll(const QStringList &hosts, int port) {
     for (const QString &host : hosts) {
         const QHostAddress address(host);
         if (address.isNull())
-            return fail(QAbstractSocket::HostNotFoundError, tr("%1 is not an IP address").arg(host));
+            return fail(QAbstractSocket::HostNotFoundError, QStringLiteral("%1 is not an IP address").arg(host));
         // If the system chooses the port, all addresses use the same one.
         const int samePort = isListening() ? serverPort() : port;
         if (!bind(address, static_cast<quint16>(samePort)) && !isMissingAddress(error_))
