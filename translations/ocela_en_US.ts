@@ -364,17 +364,6 @@
     </message>
 </context>
 <context>
-    <name>HttpListener</name>
-    <message>
-        <source>Ports are numbers from 0 to 65535</source>
-        <translation>Ports are numbers from 0 to 65535</translation>
-    </message>
-    <message>
-        <source>%1 is not an IP address</source>
-        <translation>%1 is not an IP address</translation>
-    </message>
-</context>
-<context>
     <name>MainPage</name>
     <message>
         <source>Open dashboard</source>
