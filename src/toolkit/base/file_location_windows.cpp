@@ -34,7 +34,7 @@ QString file_location::ofFolder(const QString &folder) {
         CreateFileW(name.c_str(), 0, share, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     if (handle == INVALID_HANDLE_VALUE)
         return {};
-    const QString path = pathOf(handle);
+    QString path = pathOf(handle);
     CloseHandle(handle);
     return path;
 }
