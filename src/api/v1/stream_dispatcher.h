@@ -53,7 +53,8 @@ public:
     void stop();
     [[nodiscard]] bool isStopping() const;
 
-    /// Waits until there are samples, or changes, that are not in `seen`, or until `deadline`. Returns what there is.
+    /// Waits until there are samples, or changes, that are not in `seen`, or until `deadline`. Returns the newest
+    /// positions.
     Seen waitForSamples(const Seen &seen, Clock::time_point deadline);
     /// Waits in the same way, but for changes only.
     Seen waitForChanges(const Seen &seen, Clock::time_point deadline);

@@ -12,7 +12,7 @@ const types = { '.html': 'text/html', '.js': 'text/javascript', '.css': 'text/cs
 export const problem = (status, detail) => ({ status, type: 'application/problem+json', body: { title: 'No', status, detail } });
 
 /**
- * A server for the pages, with a fake API for programs. A stream gets the `state`, and then what is sent to it.
+ * A server for the pages, with a fake API for programs. A stream gets the `state` first, and then the events of send().
  * `answers` maps a method and a resource, for example "POST recording", to an answer: `status` and `body`.
  */
 export class FakeService {
