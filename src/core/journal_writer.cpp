@@ -98,8 +98,9 @@ void JournalWriter::watchSystemClock() {
     // Windows does not replace the description while it is being synced.
     if (!info_.systemClockStepped || clockStepIsStored_ || sync_.valid())
         return;
-    clockStepIsStored_ = true;
-    writePhase(info_.phase);
+    // Windows does not replace the description while another program reads it, either. Each step() tries again, and
+    // saving() reports a failure that lasts.
+    clockStepIsStored_ = !folder_ || folder_->writeInfo(info_).isEmpty();
 }
 
 QString JournalWriter::takeRows() {
