@@ -13,6 +13,8 @@ constexpr int iconMargin = 12;
 void TrackerComboBox::addTracker(EyetrackerInterface *tracker) {
     trackers_.push_back(tracker);
     addItem(tracker->name());
+    // Otherwise, the first tracker would determine the size.
+    setSizeAdjustPolicy(AdjustToContents);
     // Room for the icon, so that the list does not become wider or cut off the name when a recording starts.
     setMinimumWidth(QComboBox::sizeHint().width() + iconSize().width() + iconMargin);
     connect(tracker, &EyetrackerInterface::recordStarted, this, &TrackerComboBox::showRecordings);
