@@ -46,4 +46,9 @@ namespace byte_text {
     return text.find(part) != std::string_view::npos;
 }
 
+/// Returns whether a line, without its CR LF, contains a character that other programs may take for its end.
+[[nodiscard]] inline bool hasLineBreakOrNul(std::string_view line) {
+    return line.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos;
+}
+
 }  // namespace byte_text

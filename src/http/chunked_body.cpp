@@ -39,7 +39,9 @@ void ChunkedBody::takeLine(HttpInput &input, std::size_t maxInputBytes) {
         return;
     }
     const std::string_view line = view(line_).substr(0, view(line_).size() - lineEnd.size());
-    if (state_ == State::size)
+    if (hasLineBreakOrNul(line))
+        state_ = State::invalid;
+    else if (state_ == State::size)
         readSize(line);
     else if (line.empty())
         state_ = State::complete;
@@ -51,8 +53,7 @@ void ChunkedBody::readSize(std::string_view line) {
     quint64 size = 0;
     const auto [end, error] = std::from_chars(line.data(), line.data() + line.size(), size, 16);
     const std::string_view rest = trimmed(line.substr(static_cast<std::size_t>(end - line.data())));
-    const bool hasLineFeed = line.find('\n') != std::string_view::npos;
-    if (error == std::errc::invalid_argument || hasLineFeed || (!rest.empty() && rest.front() != ';')) {
+    if (error == std::errc::invalid_argument || (!rest.empty() && rest.front() != ';')) {
         state_ = State::invalid;
     } else if (error != std::errc() || size > static_cast<quint64>(maxBytes_ - decodedBytes_)) {
         state_ = State::tooLarge;

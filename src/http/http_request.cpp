@@ -29,6 +29,20 @@ qint64 limitFrom(const HttpSettings &settings, const QString &key) {
     return qBound(0, settings.number(key, 50000000), maxLimitBytes);
 }
 
+constexpr std::string_view lineEnd = "\r\n";
+
+std::string_view withoutLineEnd(std::string_view line) {
+    return line.substr(0, line.size() - lineEnd.size());
+}
+
+bool isBlank(char character) {
+    return character == ' ' || character == '\t';
+}
+
+bool isBlankOrControl(char character) {
+    return static_cast<unsigned char>(character) <= ' ' || character == '\x7f';
+}
+
 qint64 count(std::string_view text, char separator) {
     return std::count(text.begin(), text.end(), separator);
 }
@@ -114,30 +128,31 @@ void HttpRequest::append(QByteArray &buffer, std::string_view bytes, qint64 maxB
 }
 
 // Reading stops at each line feed, so a line is complete exactly when the collected bytes end with CR LF. A line that
-// arrives in one piece is not copied.
+// arrives in one piece is not copied. `interpret` gets the line without its CR LF.
 void HttpRequest::readLine(HttpInput &socket, Step interpret) {
     const std::string_view piece = socket.takeLine(static_cast<std::size_t>(maxSize_ - currentSize_ + 1));
     currentSize_ += static_cast<qint64>(piece.size());
-    if (lineBuffer_.isEmpty() && endsWith(piece, "\r\n")) {
-        (this->*interpret)(trimmed(piece));
+    if (lineBuffer_.isEmpty() && endsWith(piece, lineEnd)) {
+        (this->*interpret)(withoutLineEnd(piece));
         return;
     }
     append(lineBuffer_, piece, maxSize_);
-    if (lineBuffer_.endsWith("\r\n")) {
-        (this->*interpret)(trimmed(view(lineBuffer_)));
+    if (endsWith(view(lineBuffer_), lineEnd)) {
+        (this->*interpret)(withoutLineEnd(view(lineBuffer_)));
         memory_.shrink(lineBuffer_.capacity());
         lineBuffer_.clear();
     }
 }
 
-void HttpRequest::readRequestLine(std::string_view line) {
-    if (line.empty())
+void HttpRequest::readRequestLine(std::string_view rawLine) {
+    const std::string_view line = trimmed(rawLine);
+    if (line.empty() && !hasLineBreakOrNul(rawLine))
         return;
     const std::size_t first = line.find(' ');
     const std::size_t last = line.rfind(' ');
     // There must be exactly two spaces, with the request target between them.
     const bool threePieces = first != std::string_view::npos && last > first + 1 && line.find(' ', first + 1) == last;
-    if (!threePieces || !contains(line.substr(last), "HTTP")) {
+    if (!threePieces || !contains(line.substr(last), "HTTP") || hasLineBreakOrNul(rawLine)) {
         abort(abortBroken, "received broken HTTP request, invalid first line");
         return;
     }
@@ -150,16 +165,37 @@ void HttpRequest::readRequestLine(std::string_view line) {
     status_ = waitForHeader;
 }
 
+// Programs disagree on lines that are not plain "name: value": a proxy could find another end of the headers or of the
+// body than this parser, and let requests through that it should stop. Such requests are refused.
 void HttpRequest::readHeaderLine(std::string_view line) {
-    const std::size_t colon = line.find(':');
-    if (line.empty()) {
+    const std::string_view name = line.substr(0, line.find(':'));
+    if (line.empty())
         finishHeaders();
-    } else if (colon != 0 && colon != std::string_view::npos) {
-        currentHeader_ = copy(line.substr(0, colon)).toLower();
-        addHeader(currentHeader_, copy(trimmed(line.substr(colon + 1))));
-    } else if (headers_.contains(currentHeader_)) {
+    else if (hasLineBreakOrNul(line))
+        abort(abortBroken, "received a header with a line break or a NUL");
+    else if (isBlank(line.front()))
+        continueHeader(trimmed(line));
+    else if (name.empty() || name.size() == line.size() || std::any_of(name.begin(), name.end(), isBlankOrControl))
+        abort(abortBroken, "received a header without a valid name");
+    else
+        startHeader(copy(name).toLower(), trimmed(line.substr(name.size() + 1)));
+}
+
+void HttpRequest::startHeader(const QByteArray &name, std::string_view value) {
+    currentHeader_ = name;
+    addHeader(name, copy(value));
+}
+
+/// Adds a further value to the previous header. Refuses lines that could be read as a header of their own or as the end
+/// of the headers, and lines that continue a header that frames the body.
+void HttpRequest::continueHeader(std::string_view line) {
+    const std::size_t colon = line.find(':');
+    const bool isPlain = !line.empty() && (colon == 0 || colon == std::string_view::npos);
+    const bool framesBody = currentHeader_ == "content-length" || currentHeader_ == "transfer-encoding";
+    if (!isPlain || framesBody || currentHeader_.isEmpty())
+        abort(abortBroken, "received an ambiguous continuation line");
+    else
         addHeader(currentHeader_, headers_.value(currentHeader_) + ' ' + copy(line));
-    }
 }
 
 void HttpRequest::addHeader(const QByteArray &name, const QByteArray &value) {

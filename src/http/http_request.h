@@ -67,8 +67,10 @@ private:
     using Step = void (HttpRequest::*)(std::string_view line);
 
     void readLine(HttpInput &socket, Step interpret);
-    void readRequestLine(std::string_view line);
+    void readRequestLine(std::string_view rawLine);
     void readHeaderLine(std::string_view line);
+    void startHeader(const QByteArray &name, std::string_view value);
+    void continueHeader(std::string_view line);
     void addHeader(const QByteArray &name, const QByteArray &value);
     void finishHeaders();
     void readBoundary();

@@ -49,14 +49,11 @@ void TestHttpRequest::requests_data() {
     row("a second request stays in the input", "GET /1 HTTP/1.1\r\n\r\nGET /2 HTTP/1.1\r\n\r\n",
         {"complete", "GET /1 HTTP/1.1"}, "GET /2 HTTP/1.1\r\n\r\n");
     row("header names are lower-cased, values trimmed; further colons belong to the value",
-        "GET / HTTP/1.1\r\nHOST:  a:80 \r\nX : 1\r\nhost: b\r\n\r\n",
-        {"complete", "GET / HTTP/1.1", "host: b", "host: a:80", "x : 1"});
-    row("a bare line feed does not end a line", "GET / HTTP/1.1\r\nA: 1\nB: 2\r\n\r\n",
-        {"complete", "GET / HTTP/1.1", "a: 1\nB: 2"});
+        "GET / HTTP/1.1\r\nHOST:  a:80 \r\nX:\r\nhost: b\r\n\r\n",
+        {"complete", "GET / HTTP/1.1", "host: b", "host: a:80", "x: "});
+    row("a bare line feed does not end a line", "GET / HTTP/1.1\r\nA: 1\n\n", {"headers", "GET / HTTP/1.1"});
     row("a continuation line adds a further value", "GET / HTTP/1.1\r\nX-Long: a\r\n b\r\n :c\r\n\r\n",
         {"complete", "GET / HTTP/1.1", "x-long: a b :c", "x-long: a b", "x-long: a"});
-    row("a continuation line without a header before it", "GET / HTTP/1.1\r\n: b\r\nc\r\n\r\n",
-        {"complete", "GET / HTTP/1.1"});
     row("a later cookie replaces an earlier one of the same name",
         "GET / HTTP/1.1\r\nCookie: a=0;a=1; b=\"2;3\"; c; =d\r\nCookie: e = 5=6;a=7\r\n\r\n",
         {"complete", "GET / HTTP/1.1", "cookie: e = 5=6;a=7", "cookie: a=0;a=1; b=\"2;3\"; c; =d", "cookie =c",
@@ -143,7 +140,7 @@ void TestHttpRequest::limits_data() {
     row("a limit of 0", request, 0, "too large", tooMany);
     row("a negative limit", request, -2000000000, "too large", tooMany);
     row("continuation lines that multiply the stored size",
-        "GET / HTTP/1.1\r\nA: b\r\n" + QByteArray("c\r\n").repeated(20) + "\r\n", 100, "too large", tooMany);
+        "GET / HTTP/1.1\r\nA: b\r\n" + QByteArray(" c\r\n").repeated(20) + "\r\n", 100, "too large", tooMany);
 
     const QByteArray header = "POST / HTTP/1.1\r\nContent-Length: ";
     const QByteArray tooLarge = "expected body is too large";
@@ -159,14 +156,31 @@ void TestHttpRequest::limits_data() {
     const QByteArray ambiguous = "the end of the body is ambiguous";
     for (const char *lines :
          {"Content-Length: 1\r\nContent-Length: 2", "Content-Length: 1, 2", "Content-Length: 3 4", "Content-Length: +3",
-          "Content-Length: -1", "Content-Length: 0x3", "Content-Length: 1\r\n 2", "Transfer-Encoding: gzip, chunked",
+          "Content-Length: -1", "Content-Length: 0x3", "Transfer-Encoding: gzip, chunked",
           "Transfer-Encoding:", "Transfer-Encoding: chunked\r\nTransfer-Encoding: chunked",
           "Content-Length: 0\r\nTransfer-Encoding: chunked"})
         row(QByteArray(lines).simplified(), QByteArray("POST / HTTP/1.1\r\n") + lines + "\r\n\r\nabc", 1000, "broken",
             ambiguous);
+    const auto brokenHeaders = [&row](const QByteArray &warning, const Lines &cases) {
+        for (const QByteArray &lines : cases)
+            row("headers " + lines.toPercentEncoding(" :"), "GET / HTTP/1.1\r\n" + lines + "\r\n\r\n", 1000, "broken",
+                warning);
+    };
+    brokenHeaders("received a header without a valid name",
+                  {"Content-Length : 3", "A\t: 1", "A B: 1", "\vA: 1", ": 1", "A: 1\r\n:", "A", "A: 1\r\nB"});
+    brokenHeaders("received a header with a line break or a NUL",
+                  {"A: 1\nContent-Length: 3", "A: 1\rB: 2", QByteArray("A: 1\0", 5), "A\n: 1", "\r", "\n", "A: 1\n"});
+    brokenHeaders("received an ambiguous continuation line",
+                  {" ", "\t", "A: 1\r\n ", " A: 1", " a", "A: 1\r\n B: 2", "Content-Length: 1\r\n 2",
+                   "Content-Length: 1\r\n :", "Transfer-Encoding:\r\n chunked"});
+    for (const char *line : {"GET /\nA HTTP/1.1", "GET / HTTP/1.1\nA: 1", "GET / HTTP/1.1\r", "\nGET / HTTP/1.1", "\n"})
+        row("first line " + QByteArray(line).toPercentEncoding(" /"), QByteArray(line) + "\r\n", 100, "broken",
+            "received broken HTTP request, invalid first line");
+    row("first line with a NUL", QByteArray("GET /\0 HTTP/1.1\r\n", 17), 100, "broken",
+        "received broken HTTP request, invalid first line");
     const QByteArray chunked = "POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n";
     for (const char *chunk : {"x", "\r\n", "-1\r\n", "+1\r\n", " 1\r\n", "0x1\r\n", "1 2\r\n", "1\nab\r\n",
-                              "1\r\nab\r\n", "1\r\na\n", "1\r\na\r\r", ";\r\n"})
+                              "1\r\nab\r\n", "1\r\na\n", "1\r\na\r\r", ";\r\n", "0\r\n\n\r\n"})
         row("invalid chunk " + QByteArray(chunk).toPercentEncoding(), chunked + chunk + "\r\n", 1000, "broken",
             "received an invalid chunk");
     row("a chunk line that is too long", chunked + "1;" + QByteArray(ChunkedBody::maxLineBytes, 'x'), 100000, "broken",
