@@ -33,7 +33,8 @@ public:
     /// the response. Otherwise returns an empty text.
     [[nodiscard]] QByteArray allowedOriginOf(const HttpRequest &request) const;
 
-    /// Returns whether a client may start a recording to the file `path`.
+    /// Returns whether a client may start a recording to the file `path`. If the file system hangs, the policy may be
+    /// destroyed before the call returns.
     [[nodiscard]] bool mayRecordTo(const QString &path) const;
 
 private:

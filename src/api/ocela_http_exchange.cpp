@@ -122,9 +122,10 @@ QString OcelaHTTPExchange::listenProblem() const {
 
 OcelaHTTPExchange::~OcelaHTTPExchange() {
     // The connections' threads must not wait for this thread, which waits for them.
-    programApi_.close();
     if (programControl_)
         programControl_->close();
+    programApi_.close();
+    trackerCalls_->close();
     listener_.reset();
     delete settings_;
     OcelaHTTPExchange *self = this;
@@ -142,7 +143,7 @@ void OcelaHTTPExchange::openProgramApi(const std::vector<EyetrackerInterface *> 
 }
 
 void OcelaHTTPExchange::setTracker(EyetrackerInterface *tracker) {
-    tracker_ = tracker;
+    trackerCalls_->select(tracker);
     if (programControl_)
         programControl_->setTracker(tracker);
 }
@@ -185,24 +186,26 @@ ApiAnswer OcelaHTTPExchange::startRecord(const QString &path) const {
     qCDebug(lcHttp) << "Record path" << recordPath.left(maxLoggedLength);
     if (!file_path_rules::namesLocalFile(recordPath))
         return ResultAnswer{false, {{"error", remoteRecordRefused}}};
+    // The file system may hang, and this object may be destroyed meanwhile.
+    const std::shared_ptr<TrackerCalls> calls = trackerCalls_;
     if (!recordPath.isEmpty() && !access_.mayRecordTo(recordPath))
         return ResultAnswer{false, {{"error", recordRefused}}};
-    return queue([recordPath](EyetrackerInterface &tracker) { tracker.startRecord(recordPath); });
+    return ResultAnswer{calls->queue([recordPath](EyetrackerInterface &tracker) { tracker.startRecord(recordPath); })};
 }
 
 ApiAnswer OcelaHTTPExchange::stopRecord(const QString & /*path*/) const {
-    return queue([](EyetrackerInterface &tracker) { tracker.stopRecord(); });
+    return ResultAnswer{trackerCalls_->queue([](EyetrackerInterface &tracker) { tracker.stopRecord(); })};
 }
 
 ApiAnswer OcelaHTTPExchange::samples(const QString & /*path*/) const {
-    EyetrackerInterface *tracker = tracker_;
+    EyetrackerInterface *tracker = trackerCalls_->selected();
     if (!tracker)
         return ResultAnswer{false};
     return SamplesAnswer{*tracker};
 }
 
 ApiAnswer OcelaHTTPExchange::lastSample(const QString & /*path*/) const {
-    EyetrackerInterface *tracker = tracker_;
+    EyetrackerInterface *tracker = trackerCalls_->selected();
     if (!tracker)
         return ResultAnswer{false};
     return LastSampleAnswer{*tracker};
@@ -213,11 +216,12 @@ ApiAnswer OcelaHTTPExchange::calibrate(const QString &path) const {
     // Screen numbers start at 1. Text that is not a number becomes 0, which is no screen. Negative numbers become 0,
     // too, so that the subtraction below cannot overflow.
     const int number = path.startsWith(prefix) ? std::max(0, parameter(path, prefix).toInt()) : 1;
-    return queue([index = number - 1](EyetrackerInterface &tracker) { tracker.calibrateScreen(index); });
+    const auto calibrateScreen = [index = number - 1](EyetrackerInterface &tracker) { tracker.calibrateScreen(index); };
+    return ResultAnswer{trackerCalls_->queue(calibrateScreen)};
 }
 
 ApiAnswer OcelaHTTPExchange::stopCalibration(const QString & /*path*/) const {
-    return queue([](EyetrackerInterface &tracker) { tracker.stopCalibration(); });
+    return ResultAnswer{trackerCalls_->queue([](EyetrackerInterface &tracker) { tracker.stopCalibration(); })};
 }
 
 ApiAnswer OcelaHTTPExchange::status(const QString & /*path*/) const {
@@ -240,20 +244,4 @@ ApiAnswer OcelaHTTPExchange::plainFile(QString path) const {
 
 std::optional<QString> OcelaHTTPExchange::fileConfinement() const {
     return access_.rights().anyFile ? std::nullopt : std::make_optional(fileRoot_);
-}
-
-template <typename Call>
-ApiAnswer OcelaHTTPExchange::queue(Call call) const {
-    EyetrackerInterface *tracker = tracker_;
-    if (!tracker)
-        return ResultAnswer{false};
-    if (pendingCalls_->fetch_add(1) >= maxPendingCalls) {
-        pendingCalls_->fetch_sub(1);
-        return ResultAnswer{false};
-    }
-    const auto run = [call, tracker, pendingCalls = pendingCalls_] {
-        pendingCalls->fetch_sub(1);
-        call(*tracker);
-    };
-    return ResultAnswer{QMetaObject::invokeMethod(tracker, run, Qt::AutoConnection)};
 }

@@ -3,13 +3,13 @@
 #include "api/access_policy.h"
 #include "api/api_answer.h"
 #include "api/sample_json_cache.h"
+#include "api/tracker_calls.h"
 #include "api/v1/program_control.h"
 #include "api/v1/router.h"
 #include "toolkit/base/connection_helper.h"
 
 #include <QObject>
 #include <QPointer>
-#include <atomic>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -31,8 +31,8 @@ class OcelaHTTPExchange : public QObject {
     Q_OBJECT
 
 public:
-    /// Limits the memory for calls that wait for the tracker's thread. Further calls are answered with "result": false.
-    static constexpr int maxPendingCalls = 1000;
+    /// Further calls that wait for the tracker's thread are answered with "result": false.
+    static constexpr int maxPendingCalls = TrackerCalls::maxPendingCalls;
     static constexpr quint16 port = 3735;
 
     explicit OcelaHTTPExchange(QObject *parent, const AccessRights &rights = AccessRights());
@@ -68,7 +68,8 @@ public:
     /// that existing file, otherwise to an empty string. May be called from any thread.
     [[nodiscard]] QJsonDocument processRequest(QString path, HttpRequest &request, QString &filePath);
 
-    /// Returns the same answer before it is serialized.
+    /// Returns the same answer before it is serialized. If the file system hangs, the exchange may be destroyed before
+    /// the call returns.
     [[nodiscard]] ApiAnswer answer(QString path) const;
 
     /// Returns the cache for api_answer::toJson(). A request that outlives the exchange keeps it.
@@ -93,14 +94,11 @@ private:
     [[nodiscard]] ApiAnswer plainFile(QString path) const;
 
     void listen();
-    template <typename Call>
-    [[nodiscard]] ApiAnswer queue(Call call) const;
 
     const QString fileRoot_ = "http";  ///< relative to the working directory
-    std::atomic<EyetrackerInterface *> tracker_{nullptr};
+    const std::shared_ptr<TrackerCalls> trackerCalls_ = std::make_shared<TrackerCalls>();
     AccessPolicy access_;
     ConnectionHelper connectionHelper_;
-    const std::shared_ptr<std::atomic<int>> pendingCalls_ = std::make_shared<std::atomic<int>>(0);
     const std::shared_ptr<SampleJsonCache> sampleJson_ = std::make_shared<SampleJsonCache>();
     std::unique_ptr<api_v1::ProgramControl> programControl_;
     api_v1::Router programApi_{access_};

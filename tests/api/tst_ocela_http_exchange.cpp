@@ -1,5 +1,8 @@
 #include "api/api_client.h"
+#include "api/hanging_files.h"
 #include "api/ocela_http_exchange.h"
+#include "core/markers.h"
+#include "http/http_listener.h"
 #include "support/fake_tracker.h"
 #include "support/test_main.h"
 
@@ -32,6 +35,7 @@ private Q_SLOTS:
     void documents_have_the_same_content_as_the_text();
     void answers_are_consistent_while_trackers_deliver_and_change();
     void handler_creates_a_missing_exchange();
+    void requests_that_hang_may_outlive_everything();
     void port_of_another_program_is_reported();
 
 private:
@@ -236,6 +240,40 @@ void TestOcelaHttpExchange::handler_creates_a_missing_exchange() {
     QTcpSocket socket;
     socket.connectToHost("127.0.0.1", 3735);
     QTRY_COMPARE(socket.state(), QAbstractSocket::ConnectedState);
+}
+
+void TestOcelaHttpExchange::requests_that_hang_may_outlive_everything() {
+    if (!hanging_files::isSupported())
+        QSKIP("needs a file system that hangs");
+    const QString share = folder_.filePath("share");
+    QVERIFY(QDir().mkpath(share));
+    exchange_->setAccessRights({true, true, false, {}, share});
+    auto markers = std::make_unique<Markers>(nullptr);
+    exchange_->openProgramApi({tracker_.get()}, *markers, "journals");
+    exchange_->setTracker(tracker_.get());
+    const QByteArray path = share.toUtf8() + "/new.csv";
+    const QByteArray body = R"({"path":")" + path + R"("})";
+    const QByteArray requests[] = {
+        "GET /startrecord&path=" + path + " HTTP/1.1\r\n\r\n",
+        "POST /api/v1/recording HTTP/1.1\r\nContent-Type: application/json\r\nContent-Length: " +
+            QByteArray::number(body.size()) + "\r\n\r\n" + body,
+    };
+    auto hang = std::make_unique<hanging_files::Hang>("/share");
+    std::vector<std::unique_ptr<QTcpSocket>> clients;
+    for (const QByteArray &request : requests) {
+        clients.push_back(std::make_unique<QTcpSocket>());
+        clients.back()->connectToHost("127.0.0.1", OcelaHTTPExchange::port);
+        clients.back()->write(request);
+        QTest::ignoreMessage(QtWarningMsg, "HttpConnectionHandler: a request is still running and is left behind");
+    }
+    const int count = static_cast<int>(clients.size());
+    QTRY_COMPARE(hang->blockedThreadCount(), count);
+    exchange_.reset();
+    markers.reset();
+    tracker_.reset();
+    QCOMPARE(HttpListener::leftThreadCount(), count);
+    hang.reset();
+    QTRY_COMPARE(HttpListener::leftThreadCount(), 0);
 }
 
 void TestOcelaHttpExchange::port_of_another_program_is_reported() {

@@ -119,6 +119,7 @@ void Router::open(Commands &commands, Markers &markers) {
 
 void Router::close() {
     commands_ = nullptr;
+    commandsGuard_->close();
     dispatcher_.stop();
 }
 
@@ -273,11 +274,15 @@ Router::Answer Router::postRecording(const Request &request) {
                     "at most 200 bytes long.");
     if (reader.problem())
         return *reader.problem();
+    // The file system may hang, and this object and the commands may be destroyed meanwhile.
+    const std::shared_ptr<LifetimeGuard> guard = commandsGuard_;
     const RecordTarget target =
         reader.has("path") ? targetAt(path, access_) : targetInFolder(request.state->recordsFolder, name);
     if (const auto *refusal = std::get_if<Reply>(&target))
         return *refusal;
-    return request.commands.startRecording(std::get<QString>(target));
+    Reply reply;
+    const auto start = [&] { reply = request.commands.startRecording(std::get<QString>(target)); };
+    return guard->use(start) ? reply : starting();
 }
 
 Router::Answer Router::deleteRecording(const Request &request) {
@@ -373,7 +378,7 @@ Router::Answer Router::getDescription(const Request &request) {
     return Reply{200, "application/json", {file.readAll()}, {}};
 }
 
-void Router::send(const Reply &reply, HttpResponse &response) const {
+void Router::send(const Reply &reply, HttpResponse &response) {
     response.setStatus(reply.status, statusText(reply.status));
     if (!reply.contentType.isEmpty())
         response.setHeader("Content-Type", reply.contentType);
@@ -394,7 +399,7 @@ void Router::send(const StreamRequest &request, HttpResponse &response) {
     EventStream(sources, request, response).run();
 }
 
-void Router::send(const Download &download, HttpResponse &response) const {
+void Router::send(const Download &download, HttpResponse &response) {
     const record_files::OpenFile &file = download.file;
     const QByteArray total = QByteArray::number(file.sizeBytes);
     const std::optional<ByteRange> range = parseByteRange(download.range, file.sizeBytes);

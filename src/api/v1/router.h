@@ -1,5 +1,6 @@
 #pragma once
 
+#include "api/lifetime_guard.h"
 #include "api/v1/commands.h"
 #include "api/v1/event_stream.h"
 #include "api/v1/record_files.h"
@@ -33,15 +34,17 @@ public:
     [[nodiscard]] PublishedState &state() { return state_; }
 
     /// Answers requests from now on. Earlier requests get 503. A state must have been published. Both objects must
-    /// exist until the last request is answered.
+    /// exist until the last request is answered. A request that hangs in the file system does not use them after
+    /// close().
     void open(Commands &commands, Markers &markers);
-    /// Ends all streams. Later requests get 503.
+    /// Ends all streams, and waits for running commands. Later requests get 503.
     void close();
 
     /// Returns whether a request for the path belongs to this API.
     [[nodiscard]] static bool hasPath(const QByteArray &path);
 
-    /// Answers a request for a path of this API.
+    /// Answers a request for a path of this API. If the file system hangs, the router may be destroyed before the call
+    /// returns.
     void service(HttpRequest &request, HttpResponse &response);
 
 private:
@@ -72,9 +75,9 @@ private:
     [[nodiscard]] Answer deleteCalibration(const Request &request);
     [[nodiscard]] Answer getDescription(const Request &request);
 
-    void send(const Reply &reply, HttpResponse &response) const;
+    static void send(const Reply &reply, HttpResponse &response);
     void send(const StreamRequest &stream, HttpResponse &response);
-    void send(const Download &download, HttpResponse &response) const;
+    static void send(const Download &download, HttpResponse &response);
 
     const AccessPolicy &access_;
     const ProgramRun run_;
@@ -84,6 +87,7 @@ private:
     StateJson stateJson_{run_, access_};
     SampleTexts sampleTexts_{run_};
     std::atomic<Commands *> commands_{nullptr};
+    const std::shared_ptr<LifetimeGuard> commandsGuard_ = std::make_shared<LifetimeGuard>();
     Markers *markers_ = nullptr;
     StreamDispatcher dispatcher_{state_, markerLog_, signal_};  ///< declared last: its thread uses the other members
 };
