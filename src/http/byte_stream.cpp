@@ -20,3 +20,11 @@ bool ByteStream::writeFile(const QByteArray &head, QFile &file, qint64 offset, q
     failed_ = !HttpOutput::writeFile(head, file, offset, sizeBytes);
     return !failed_;
 }
+
+void ByteStream::addWait(TransferRate::Clock::time_point begin, qint64 writtenBytes, tSocketDescriptor socket) {
+    writtenBytes_ += writtenBytes;
+    readingRate_.addWait(begin, [&] {
+        const qint64 acknowledged = system_calls::acknowledgedBytes(socket);
+        return acknowledged >= 0 ? acknowledged : writtenBytes_;
+    });
+}

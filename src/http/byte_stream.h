@@ -1,5 +1,6 @@
 #pragma once
 
+#include "http/system_calls.h"
 #include "http/transfer_rate.h"
 
 #include <QByteArray>
@@ -56,6 +57,13 @@ public:
     void allowPauses(std::chrono::milliseconds maxPause) override { readingRate_.restart(maxPause, 1); }
 
 protected:
+    /// Measures a wait for the client to read. `writtenBytes` were given to the system in this wait. Called again and
+    /// again while the client does not read.
+    void addWait(TransferRate::Clock::time_point begin, qint64 writtenBytes, tSocketDescriptor socket);
+
     bool failed_ = false;
     TransferRate readingRate_;  ///< of the client
+
+private:
+    qint64 writtenBytes_ = 0;  ///< since the connection was opened
 };

@@ -160,8 +160,10 @@ bool HttpConnectionHandler::receive() {
         const auto begin = TransferRate::Clock::now();
         const auto capacity = static_cast<qint64>(buffer_.size());
         const qint64 count = socket_->read(buffer_.data(), capacity, receiveDeadline());
-        if (isReceivingBody())
-            bodyRate_.addWait(begin, qMax<qint64>(0, count));
+        if (isReceivingBody()) {
+            bodyBytes_ += qMax<qint64>(0, count);
+            bodyRate_.addWait(begin, [this] { return bodyBytes_; });
+        }
         if (count < 0 || (isReceivingBody() && bodyRate_.isTooSlow()))
             return false;
         if (count > 0) {
@@ -214,6 +216,8 @@ void HttpConnectionHandler::feedRequest() {
     if (!currentRequest_) {
         currentRequest_.emplace(context_->settings, &context_->requestMemory);
         headerTimer_.setRemainingTime(timeouts_.headerMs);
+        bodyBytes_ = 0;
+        bodyRate_ = TransferRate();
         bodyRate_.restart(timeouts_.rateWindow, timeouts_.minWindowBytes);
     }
     std::optional<WorkSlots::Slot> slot;

@@ -97,6 +97,7 @@ private:
     QDeadlineTimer readTimer_;
     QDeadlineTimer headerTimer_;
     TransferRate bodyRate_;
+    qint64 bodyBytes_ = 0;  ///< received for the current body
     std::array<char, 65536> buffer_{};
     HttpInput input_;
     std::optional<HttpRequest> currentRequest_;

@@ -76,7 +76,7 @@ bool PlainStream::send(const QVector<QByteArray> &pieces, system_calls::Followin
 
 /// Decides from the result of a system call whether the connection has failed.
 void PlainStream::endWait(TransferRate::Clock::time_point begin, qint64 result, bool finished) {
-    readingRate_.addWait(begin, qMax<qint64>(0, result));
+    addWait(begin, qMax<qint64>(0, result), socket_.get());
     const bool lost = result <= 0 && result != system_calls::tryAgain;
     failed_ = lost || (!finished && (stopping_ || readingRate_.isTooSlow()));
 }

@@ -39,6 +39,10 @@ enum class Following { unknown, more };
 /// Sends up to `bytes` bytes of an open file without copying them. Returns the number of bytes sent, 0 at the end of
 /// the file, -1 if the connection or the file has failed, tryAgain, or `unsupported`.
 [[nodiscard]] qint64 sendFile(tSocketDescriptor socket, int file, qint64 offset, qint64 bytes);
+/// Returns how many bytes the client's system has received since the connection was opened, or -1 if the system does
+/// not know. The number rises with each read of the client, also while the send buffer accepts no data: Windows accepts
+/// large blocks as a whole, and a wait for a writable socket ends on Linux when a third of the buffer is free.
+[[nodiscard]] qint64 acknowledgedBytes(tSocketDescriptor socket);
 /// Waits until receive() would return at once. Returns false after `timeoutMs`.
 [[nodiscard]] bool waitReadable(tSocketDescriptor socket, int timeoutMs);
 /// Limits the buffer for data that is not sent yet.

@@ -5,10 +5,11 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstddef>
 #include <fcntl.h>
+#include <linux/tcp.h>
 #include <malloc.h>
 #include <netinet/in.h>
-#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/sendfile.h>
@@ -92,6 +93,14 @@ qint64 sendFile(tSocketDescriptor socket, int file, qint64 offset, qint64 bytes)
     off_t position = offset;
     const ssize_t count = ::sendfile(number(socket), file, &position, static_cast<std::size_t>(bytes));
     return count < 0 && (errno == EINVAL || errno == ENOSYS) ? unsupported : checked(count);
+}
+
+qint64 acknowledgedBytes(tSocketDescriptor socket) {
+    tcp_info info{};
+    socklen_t size = sizeof info;
+    const bool isKnown = ::getsockopt(number(socket), IPPROTO_TCP, TCP_INFO, &info, &size) == 0 &&
+                         size >= offsetof(tcp_info, tcpi_bytes_acked) + sizeof info.tcpi_bytes_acked;
+    return isKnown ? static_cast<qint64>(info.tcpi_bytes_acked) : -1;
 }
 
 bool waitReadable(tSocketDescriptor socket, int timeoutMs) {

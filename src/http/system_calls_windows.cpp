@@ -1,3 +1,6 @@
+// Windows 10, version 1703, declares SIO_TCP_INFO.
+#define NTDDI_VERSION 0x0A000003
+
 #include "http/system_calls.h"
 
 #include <algorithm>
@@ -7,6 +10,8 @@
 #include <string>
 #include <winsock2.h>
 #include <ws2tcpip.h>
+// After winsock2.h, which it needs.
+#include <mstcpip.h>
 
 namespace system_calls {
 namespace {
@@ -98,6 +103,16 @@ qint64 send(tSocketDescriptor socket, const std::string_view *pieces, int count,
 // delay all other downloads.
 qint64 sendFile(tSocketDescriptor, int, qint64, qint64) {
     return unsupported;
+}
+
+// Windows knows it since version 1703 of Windows 10.
+qint64 acknowledgedBytes(tSocketDescriptor socket) {
+    DWORD version = 0;
+    TCP_INFO_v0 info{};
+    DWORD size = 0;
+    const int result =
+        ::WSAIoctl(handle(socket), SIO_TCP_INFO, &version, sizeof version, &info, sizeof info, &size, nullptr, nullptr);
+    return result == 0 ? static_cast<qint64>(info.BytesOut) - static_cast<qint64>(info.BytesInFlight) : -1;
 }
 
 bool waitReadable(tSocketDescriptor socket, int timeoutMs) {

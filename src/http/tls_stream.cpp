@@ -67,7 +67,7 @@ bool TlsStream::waitForUnsent(qint64 maxBytes) {
         const auto begin = TransferRate::Clock::now();
         const qint64 unsent = socket_.encryptedBytesToWrite();
         const bool written = socket_.waitForBytesWritten(system_calls::maxWaitMs);
-        readingRate_.addWait(begin, qMax<qint64>(0, unsent - socket_.encryptedBytesToWrite()));
+        addWait(begin, qMax<qint64>(0, unsent - socket_.encryptedBytesToWrite()), socket_.socketDescriptor());
         if (stopping_ || readingRate_.isTooSlow() || (!written && socket_.state() != QAbstractSocket::ConnectedState))
             return false;
     }

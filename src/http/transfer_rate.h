@@ -8,24 +8,26 @@ class TransferRate {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// Requires `minBytes` in each `window` of waiting. A window of 0 requires nothing.
+    /// Requires `minBytes` in each `window` of waiting. A window of 0 requires nothing. The first window also counts
+    /// the bytes since the end of the last window.
     void restart(std::chrono::milliseconds window, qint64 minBytes) {
         window_ = window;
         minBytes_ = minBytes;
         waited_ = {};
-        bytes_ = 0;
         tooSlow_ = false;
     }
 
-    /// Adds a wait that began at `begin` and ends now, and the bytes that were transferred in it.
-    void addWait(Clock::time_point begin, qint64 bytes) {
+    /// Adds a wait that began at `begin` and ends now. At the end of a window, calls `totalBytes` for the number of all
+    /// bytes that were transferred since the object was created.
+    template <typename TotalBytes>
+    void addWait(Clock::time_point begin, const TotalBytes &totalBytes) {
         waited_ += Clock::now() - begin;
-        bytes_ += bytes;
         if (window_.count() == 0 || waited_ < window_)
             return;
-        tooSlow_ = tooSlow_ || bytes_ < minBytes_;
+        const qint64 total = totalBytes();
+        tooSlow_ = tooSlow_ || total - earlierTotal_ < minBytes_;
+        earlierTotal_ = total;
         waited_ = {};
-        bytes_ = 0;
     }
 
     [[nodiscard]] bool isTooSlow() const { return tooSlow_; }
@@ -40,6 +42,6 @@ private:
     std::chrono::milliseconds window_{0};
     qint64 minBytes_ = 0;
     Clock::duration waited_{};
-    qint64 bytes_ = 0;
+    qint64 earlierTotal_ = 0;  ///< at the end of the last window
     bool tooSlow_ = false;
 };

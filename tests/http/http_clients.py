@@ -3,6 +3,7 @@
 usage: http_clients.py ECHO_SERVER [UNITTEST ARGUMENTS ...]
 """
 
+import contextlib
 import hashlib
 import http.client
 import json
@@ -37,8 +38,12 @@ def described(data):
     return {"size": len(data), "sha256": hashlib.sha256(data).hexdigest()}
 
 
-def connect(server, data):
-    connection = socket.create_connection(("127.0.0.1", server.port), TIMEOUT_S)
+def connect(server, data, receive_buffer=None):
+    connection = socket.socket()
+    if receive_buffer:
+        connection.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, receive_buffer)
+    connection.settimeout(TIMEOUT_S)
+    connection.connect(("127.0.0.1", server.port))
     connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
     connection.sendall(data)
     return connection
@@ -201,6 +206,33 @@ class RefusedClients(unittest.TestCase):
         waiting.settimeout(TIMEOUT_S)
         self.assertTrue(read_to_end(waiting).startswith(b"HTTP/1.1 200 OK"))
         waiting.close()
+
+    def test_slow_readers_are_served_until_they_stop(self):
+        request = b"POST /body HTTP/1.1\r\nContent-Length: 20000000\r\n\r\n" + bytes(20_000_000)
+        window_s = 0.6
+        for tls in (False, True):
+            with self.subTest(tls=tls), contextlib.ExitStack() as stack:
+                server = EchoServer(tls=tls, maxThreads=1, rateWindow=int(1000 * window_s), minBytesPerSecond=1000)
+                stack.callback(server.stop)
+                reader = stack.enter_context(connect(server, b"", receive_buffer=8192))
+                if tls:
+                    context = ssl.create_default_context(cafile=server.certificate)
+                    reader = stack.enter_context(context.wrap_socket(reader, server_hostname="localhost"))
+                reader.sendall(request)
+
+                def is_reader_served():
+                    with connect(server, b"GET / HTTP/1.1\r\nConnection: close\r\n\r\n") as other:
+                        return read_to_end(other) == RESPONSES["503"]
+
+                # In one window, it reads much more than required, but less than a third of the server's send buffer.
+                end = time.monotonic() + 5 * window_s
+                while time.monotonic() < end:
+                    self.assertTrue(reader.recv(4096))
+                    time.sleep(0.02)
+                self.assertTrue(is_reader_served())
+                deadline = time.monotonic() + TIMEOUT_S
+                while is_reader_served():
+                    self.assertLess(time.monotonic(), deadline)
 
     def test_handshake_timeout(self):
         server = self.serve(tls=True, readTimeout=300)
