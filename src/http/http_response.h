@@ -30,8 +30,9 @@ public:
     [[nodiscard]] const QMap<QByteArray, QByteArray> &getHeaders() const { return headers_; }
     [[nodiscard]] bool hasSentLastPart() const { return sentLastPart_; }
 
-    /// Returns whether the status allows no body and no framing, like 204. Write an empty last part then.
-    [[nodiscard]] bool endsWithHeaders() const { return statusCode_ == 204; }
+    /// Returns whether the response has no body. Write an empty last part then. A 204 may not have a "Content-Length"
+    /// header, and in a 304 that would be the length of the file that the client has already.
+    [[nodiscard]] bool endsWithHeaders() const { return statusCode_ == 204 || statusCode_ == 304; }
 
     /// Sends a part of the body. The first call also sends the headers. The last part may be empty.
     void write(const QByteArray &data, bool lastPart = false);

@@ -34,14 +34,14 @@ public:
         socket_.write(request);
     }
 
-    /// Waits for a response with a "Content-Length" header, or with the status 204, which has no body.
+    /// Waits for a response with a "Content-Length" header, or with the status 204 or 304, without a body.
     [[nodiscard]] ProgramReply receive() {
         ProgramReply reply;
         const auto isComplete = [&] {
             received_ += socket_.readAll();
             const int end = received_.indexOf("\r\n\r\n") + 4;
             const int length = received_.indexOf("Content-Length: ");
-            const bool hasBody = received_.mid(9, 3) != "204";
+            const bool hasBody = received_.mid(9, 3) != "204" && received_.mid(9, 3) != "304";
             if (end < 4 || (hasBody && length < 0))
                 return false;
             const int size =

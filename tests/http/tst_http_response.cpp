@@ -34,6 +34,13 @@ void TestHttpResponse::writes_data() {
         {"HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello"});
     row("an empty response has a content length", [](HttpResponse &r) { r.write("", true); },
         {"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"});
+    for (const int status : {204, 304})
+        row(qPrintable(QString("a response %1 has neither body nor length").arg(status)),
+            [status](HttpResponse &r) {
+                r.setStatus(status, "x");
+                r.write("", true);
+            },
+            {"HTTP/1.1 " + QByteArray::number(status) + " x\r\n\r\n"});
     row("several parts are sent as chunks",
         [](HttpResponse &r) {
             r.write("ab");
