@@ -237,11 +237,11 @@ bool HttpConnectionHandler::serveRequest() {
     const bool closeConnection = wantsClose(*currentRequest_);
     if (closeConnection)
         response.setHeader("Connection", "close");
-    callService(response);
-    if (!response.hasSentLastPart())
+    const bool completed = callService(response);
+    if (completed && !response.hasSentLastPart())
         response.write(QByteArray(), true);
     currentRequest_.reset();
-    if (closeConnection || !keepsOpen(response) || socket_->hasFailed()) {
+    if (!completed || closeConnection || !keepsOpen(response) || socket_->hasFailed()) {
         socket_->shutdownWriting();
         return false;
     }
@@ -251,12 +251,15 @@ bool HttpConnectionHandler::serveRequest() {
     return true;
 }
 
-void HttpConnectionHandler::callService(HttpResponse &response) {
+/// Returns false if an exception has cut off the response. The client must not take the sent part for the whole body.
+bool HttpConnectionHandler::callService(HttpResponse &response) {
     try {
         context_->requestHandler->service(*currentRequest_, response);
     } catch (...) {
-        // Intended: the response is completed as if the call had returned.
+        // Intended: a response that has not begun is completed as if the call had returned.
+        return !response.hasSentHeaders() || response.hasSentLastPart();
     }
+    return true;
 }
 
 /// Sends an error response to a client that may still be sending. Then drains the connection for up to lingerMs:

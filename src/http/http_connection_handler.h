@@ -71,7 +71,7 @@ private:
     [[nodiscard]] bool read();
     void feedRequest();
     [[nodiscard]] bool serveRequest();
-    void callService(HttpResponse &response);
+    [[nodiscard]] bool callService(HttpResponse &response);
     void refuseRequest(const QByteArray &response);
 
     const std::shared_ptr<HttpServerContext> context_;

@@ -15,6 +15,7 @@ public:
     ~HttpRequestHandler() override;
 
     /// Responds to one complete request. Called concurrently from the threads of all connections. Both objects belong
-    /// to the engine and must not be used after the call. Exceptions are caught and ignored.
+    /// to the engine and must not be used after the call. After an exception, the response is empty. If it has
+    /// begun already, the connection is closed.
     virtual void service(HttpRequest &request, HttpResponse &response);
 };

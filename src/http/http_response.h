@@ -28,6 +28,7 @@ public:
     void setStatus(int statusCode, const QByteArray &description);
 
     [[nodiscard]] const QMap<QByteArray, QByteArray> &getHeaders() const { return headers_; }
+    [[nodiscard]] bool hasSentHeaders() const { return sentHeaders_; }
     [[nodiscard]] bool hasSentLastPart() const { return sentLastPart_; }
 
     /// Returns whether the response has no body. Write an empty last part then. A 204 may not have a "Content-Length"

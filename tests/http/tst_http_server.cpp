@@ -64,8 +64,11 @@ public:
         const QByteArray path = request.getPath();
         if (path == "/default")
             return HttpRequestHandler::service(request, response);
-        if (path == "/throws")
+        if (path.startsWith("/throws")) {
+            if (path == "/throws/late")
+                response.write("a");
             throw std::runtime_error("not for the client");
+        }
         if (path == "/parts") {
             response.write("a");
             response.write("b", true);
@@ -194,6 +197,8 @@ void TestHttpServer::exchanges_data() {
         "HTTP/1.1 200 OK\r\nconnection: close\r\ncontent-length: 1\r\n\r\na", true);
     row("an exception completes the response", "GET /throws HTTP/1.1\r\n\r\nGET / HTTP/1.1\r\n\r\n",
         "HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n" + ok, false);
+    row("an exception in the body leaves it incomplete", "GET /throws/late HTTP/1.1\r\n\r\nGET / HTTP/1.1\r\n\r\n",
+        "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n1\r\na\r\n", true);
     row("the handler receives the body", "POST /body HTTP/1.1\r\nContent-Length: 3\r\n\r\nabcGET / HTTP/1.1\r\n\r\n",
         "HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\nabc" + ok, false);
     row("a handler that does not override service() sends 501", "GET /default HTTP/1.1\r\n\r\n",
