@@ -24,7 +24,8 @@ struct HttpServerContext;
 ///
 /// Closes the connection without a response if
 /// - no complete request arrives within "readTimeout" ms (default 10,000); each part of a body restarts the timeout;
-/// - the headers of a request take longer than "headerTimeout" ms (default 30,000) in total;
+/// - the headers of a request take longer than "headerTimeout" ms (default 30,000) in total. Headers do not restart the
+///   read timeout, so this limit matters only if "readTimeout" is longer;
 /// - the client sends a body, or reads a response, at less than "minBytesPerSecond" (default 1024) on average over
 ///   "rateWindow" ms (default 30,000; 0 disables the rule).
 ///
