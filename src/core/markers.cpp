@@ -6,17 +6,30 @@
 
 namespace {
 
+/// Returns the index after the code point at `index`.
+int next(const QString &text, int index) {
+    const bool isPair = text[index].isHighSurrogate() && index + 1 < text.size() && text[index + 1].isLowSurrogate();
+    return index + (isPair ? 2 : 1);
+}
+
 QString storableText(const QString &text) {
-    QString result = text.left(Markers::maxTextLength);
-    if (result.size() < text.size() && result.at(result.size() - 1).isHighSurrogate())
-        result.chop(1);
-    return result.replace(QChar::Null, QChar::ReplacementCharacter);
+    int end = 0;
+    for (int length = 0; length < Markers::maxTextLength && end < text.size(); ++length)
+        end = next(text, end);
+    return text.left(end).replace(QChar::Null, QChar::ReplacementCharacter);
 }
 
 }  // namespace
 
 Markers::Markers(QObject *parent) : QObject(parent) {
     qRegisterMetaType<Marker>();
+}
+
+int Markers::lengthOf(const QString &text) {
+    int length = 0;
+    for (int index = 0; index < text.size(); index = next(text, index))
+        ++length;
+    return length;
 }
 
 Marker Markers::add(const QString &text, std::optional<std::chrono::steady_clock::time_point> time) {

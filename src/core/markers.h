@@ -24,11 +24,14 @@ class Markers : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr int maxTextLength = 1000;  ///< UTF-16 code units
+    static constexpr int maxTextLength = 1000;  ///< Unicode code points
     /// The maximum difference between the time of a marker and now.
     static constexpr std::chrono::hours maxTimeDifference{24};
 
     explicit Markers(QObject *parent);
+
+    /// Returns the number of Unicode code points. Half a surrogate pair counts as one.
+    [[nodiscard]] static int lengthOf(const QString &text);
 
     /// Sets the trackers whose recordings store the markers. Call it before the first add(). GUI thread.
     void setTrackers(std::vector<EyetrackerInterface *> trackers) { trackers_ = std::move(trackers); }

@@ -139,10 +139,11 @@ void TestMarkers::every_text_is_read_back_data() {
                              "two\r\nlines\r", "\n", "=1+1", " spaces ", "Начало пробы", "\xF0\x9F\x91\x81 gaze"})
         QTest::newRow(text) << QString(text) << QString(text);
     QTest::newRow("zero") << QString("a") + QChar(0) + 'b' << QString("a") + QChar(QChar::ReplacementCharacter) + 'b';
-    const QString longest(Markers::maxTextLength, 'x');
+    const QString longest = QString::fromUtf8("\xF0\x9F\x91\x81").repeated(Markers::maxTextLength - 1) + 'x';
+    QTest::newRow("longest") << longest << longest;
     QTest::newRow("too long") << longest + 'y' << longest;
-    QTest::newRow("longest ends with half an emoji")
-        << longest.chopped(1) + QString::fromUtf8("\xF0\x9F\x91\x81") << longest.chopped(1);
+    const QString longPair = longest.chopped(1) + QString::fromUtf8("\xF0\x9F\x91\x81");
+    QTest::newRow("too long, after a surrogate pair") << longPair + 'y' << longPair;
 }
 
 void TestMarkers::every_text_is_read_back() {
