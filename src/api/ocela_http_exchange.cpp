@@ -108,6 +108,8 @@ void OcelaHTTPExchange::listen() {
 void OcelaHTTPExchange::setAccessRights(const AccessRights &rights) {
     const bool changesHosts = rights.otherComputers != access_.rights().otherComputers;
     access_.setRights(rights);
+    if (programControl_)
+        programControl_->refresh();
     if (changesHosts && listener_)
         listener_->setHosts(hostsFor(rights));
 }
@@ -136,8 +138,8 @@ void OcelaHTTPExchange::openProgramApi(const std::vector<EyetrackerInterface *> 
                                        const QString &journalsFolder) {
     for (EyetrackerInterface *tracker : trackers)
         tracker->setSampleSignal(programApi_.signal());
-    programControl_ =
-        std::make_unique<api_v1::ProgramControl>(trackers, journalsFolder, programApi_.run(), programApi_.state());
+    programControl_ = std::make_unique<api_v1::ProgramControl>(trackers, journalsFolder, programApi_.run(), access_,
+                                                               programApi_.state());
     connect(programControl_.get(), &api_v1::ProgramControl::trackerWanted, this, &OcelaHTTPExchange::trackerWanted);
     programApi_.open(*programControl_, markers);
 }

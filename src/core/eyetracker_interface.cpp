@@ -158,8 +158,12 @@ EyeTrackingSample EyetrackerInterface::getLastSample() {
     return lastNumberedSample().sample;
 }
 
-SamplesSince EyetrackerInterface::samplesSince(quint64 number) const {
-    return samples_.with([number](const SampleWindow &window) { return window.samplesSince(number); });
+SamplesSince EyetrackerInterface::samplesSince(quint64 number, quint64 last) const {
+    return samples_.with([&](const SampleWindow &window) { return window.samplesSince(number, last); });
+}
+
+std::optional<quint64> EyetrackerInterface::countBetween(quint64 number, quint64 last) const {
+    return samples_.with([&](const SampleWindow &window) { return window.countBetween(number, last); });
 }
 
 NumberedSample EyetrackerInterface::lastNumberedSample() const {

@@ -154,13 +154,17 @@ public:
     /// Sets a signal that addSample() sets after it has stored a sample. Call it before the first sample.
     void setSampleSignal(std::shared_ptr<SampleSignal> signal) { sampleSignal_ = std::move(signal); }
 
-    /// Returns the samples in the window with a number above `number`, oldest first. 0 returns the whole window. To
-    /// receive every sample once, pass the number of the last received sample, and check `missedCount`: it counts the
-    /// samples after `number` that have left the window.
+    /// Returns the samples in the window with a number above `number`, up to `last`, oldest first. 0 returns the whole
+    /// window. To receive every sample once, pass the number of the last received sample, and check `missedCount`: it
+    /// counts the samples after `number`, up to `last`, that have left the window.
     ///
     /// If `number` is the newest number or higher, returns no samples and a `missedCount` of 0. `number` may be from
     /// another tracker. The result then has the samples of this tracker that were delivered after it.
-    [[nodiscard]] SamplesSince samplesSince(quint64 number) const;
+    [[nodiscard]] SamplesSince samplesSince(quint64 number, quint64 last = SampleWindow::maxNumber) const;
+
+    /// Returns how many samples this tracker has delivered with a number above `number`, up to `last`, including those
+    /// that have left the window. Returns nothing if that is not known any more.
+    [[nodiscard]] std::optional<quint64> countBetween(quint64 number, quint64 last) const;
 
     /// Returns the newest sample with its number and arrival. Before the first sample, the number is 0.
     [[nodiscard]] NumberedSample lastNumberedSample() const;

@@ -3,6 +3,7 @@
 #include "core/eye_tracking_sample.h"
 
 #include <chrono>
+#include <optional>
 #include <vector>
 
 /// A sample with its number and arrival.
@@ -17,8 +18,9 @@ struct NumberedSample {
 /// The samples of a tracker with a number above N.
 struct SamplesSince {
     std::vector<NumberedSample> samples;  ///< still in the window, oldest first
-    /// How many samples with a number above N have left the window. If not 0, the reader was too slow. A gap in the
-    /// numbers does not mean that samples were missed: another tracker may have delivered at the same time.
-    quint64 missedCount = 0;
+    /// How many samples with a number above N have left the window. If not 0, the reader was too slow. Nothing if that
+    /// number is not known any more. A gap in the numbers does not mean that samples were missed: another tracker may
+    /// have delivered at the same time.
+    std::optional<quint64> missedCount = 0;
     int windowCount = 0;  ///< all samples in the window, including those up to number N
 };

@@ -20,14 +20,12 @@ quint64 SampleNumbers::take() {
     return number;
 }
 
-quint64 SampleNumbers::countUpTo(quint64 number) const {
+std::optional<quint64> SampleNumbers::countUpTo(quint64 number) const {
     const auto isBefore = [](quint64 value, const Run &run) { return value < run.first; };
     const auto next = std::upper_bound(runs_.begin(), runs_.end(), number, isBefore);
     const quint64 countBeforeNext = next == runs_.end() ? count_ : next->countBefore;
-    if (next == runs_.begin()) {
-        const quint64 skipped = runs_.empty() ? 0 : next->first - 1 - number;
-        return countBeforeNext - std::min(countBeforeNext, skipped);
-    }
+    if (next == runs_.begin())
+        return countBeforeNext == 0 ? std::optional<quint64>(0) : std::nullopt;
     const Run &run = *std::prev(next);
     return std::min(run.countBefore + (number - run.first) + 1, countBeforeNext);
 }

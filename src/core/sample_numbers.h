@@ -2,6 +2,7 @@
 
 #include <QtGlobal>
 #include <deque>
+#include <optional>
 
 /// The numbers of one tracker's samples. They come from a counter that all trackers of the process share.
 ///
@@ -16,12 +17,9 @@ public:
     /// Returns the next number of the process.
     [[nodiscard]] quint64 take();
 
-    /// Returns how many numbers have been taken from this object.
-    [[nodiscard]] quint64 count() const { return count_; }
-
-    /// Returns how many of them are `number` or lower. The numbers before the oldest stored run are assumed to be
-    /// consecutive, so the result for such a `number` may be too low.
-    [[nodiscard]] quint64 countUpTo(quint64 number) const;
+    /// Returns how many of the numbers that were taken from this object are `number` or lower. Returns nothing if
+    /// `number` is before the oldest stored run, and older runs have been dropped.
+    [[nodiscard]] std::optional<quint64> countUpTo(quint64 number) const;
 
 private:
     struct Run {

@@ -31,14 +31,28 @@ QList<EyeTrackingSample> SampleWindow::samples() {
     return sharedList_;
 }
 
-SamplesSince SampleWindow::samplesSince(quint64 number) const {
+SamplesSince SampleWindow::samplesSince(quint64 number, quint64 last) const {
     // Searches from the end, because most readers ask only for the newest samples.
-    const auto isKnown = [number](const NumberedSample &entry) { return entry.number <= number; };
-    const auto first = std::find_if(samples_.rbegin(), samples_.rend(), isKnown).base();
-    SamplesSince result{{first, samples_.end()}, 0, static_cast<int>(samples_.size())};
-    if (first == samples_.begin())
-        result.missedCount = numbers_.count() - samples_.size() - numbers_.countUpTo(number);
+    const auto after = [this](quint64 value) {
+        const auto isUpTo = [value](const NumberedSample &entry) { return entry.number <= value; };
+        return std::find_if(samples_.rbegin(), samples_.rend(), isUpTo).base();
+    };
+    const auto first = after(number);
+    SamplesSince result{{first, std::max(first, after(last))}, 0, static_cast<int>(samples_.size())};
+    if (first == samples_.begin()) {
+        result.missedCount = countBetween(number, last);
+        if (result.missedCount)
+            *result.missedCount -= result.samples.size();
+    }
     return result;
+}
+
+std::optional<quint64> SampleWindow::countBetween(quint64 number, quint64 last) const {
+    if (number >= last)
+        return 0;
+    const std::optional<quint64> countBefore = numbers_.countUpTo(number);
+    const std::optional<quint64> count = numbers_.countUpTo(last);
+    return countBefore && count ? std::make_optional(*count - *countBefore) : std::nullopt;
 }
 
 NumberedSample SampleWindow::last() const {

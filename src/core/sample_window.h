@@ -5,6 +5,7 @@
 
 #include <QList>
 #include <deque>
+#include <limits>
 
 /// The samples of the last `lengthMs` milliseconds, oldest first, and their numbers. The owner guards it.
 ///
@@ -17,6 +18,8 @@
 /// destroyed would be a data race.
 class SampleWindow {
 public:
+    static constexpr quint64 maxNumber = std::numeric_limits<quint64>::max();
+
     explicit SampleWindow(qint32 lengthMs) : lengthMs_(lengthMs) {}
 
     /// Numbers and appends a sample, and drops the samples that are more than `lengthMs` older than it.
@@ -29,8 +32,11 @@ public:
     /// Returns all samples. Until the next call of add(), all returned lists share their data.
     [[nodiscard]] QList<EyeTrackingSample> samples();
 
-    /// Returns the samples with a number above `number`. See EyetrackerInterface::samplesSince().
-    [[nodiscard]] SamplesSince samplesSince(quint64 number) const;
+    /// Returns the samples with a number above `number`, up to `last`. See EyetrackerInterface::samplesSince().
+    [[nodiscard]] SamplesSince samplesSince(quint64 number, quint64 last = maxNumber) const;
+
+    /// Counts the samples with a number above `number`, up to `last`. See EyetrackerInterface::countBetween().
+    [[nodiscard]] std::optional<quint64> countBetween(quint64 number, quint64 last) const;
 
     /// Returns the newest sample. Before the first sample, all fields are 0.
     [[nodiscard]] NumberedSample last() const;

@@ -61,6 +61,7 @@ private Q_SLOTS:
     void requests_data();
     void requests();
     void requests_at_the_start_are_refused();
+    void request_has_no_effect_after_a_timeout();
     void only_allowed_origins_are_answered();
 
     void recording_is_started_once_and_saved();
@@ -71,19 +72,25 @@ private Q_SLOTS:
     void trackers_are_selected_after_the_answer();
     void calibrations_are_followed();
     void markers_are_stamped();
+    void samples_without_a_number_are_recent();
 
     void stream_has_each_sample_once();
     void stream_resumes_data();
     void stream_resumes();
     void stream_follows_the_selected_tracker();
+    void selections_are_resumed_data();
+    void selections_are_resumed();
     void stalled_reader_is_told_what_it_missed();
     void stream_has_markers_also_after_a_break();
+    void stream_shows_changed_rights();
     void streams_are_limited_and_end_with_the_program();
 
 private:
     void addSamples(NamedTracker &tracker, int count, int stepMs = 1);
+    /// Executes "A3 +B B2 ...": selects a tracker, or adds samples to it.
+    void execute(const QByteArray &steps);
     [[nodiscard]] QByteArray eventId(int number) const {
-        return exchange_->programApi().run().id() + ':' + QByteArray::number(number);
+        return exchange_->programApi().run().id() + ':' + QByteArray::number(number) + ":0";
     }
 
     std::unique_ptr<QTemporaryDir> folder_;
@@ -154,6 +161,7 @@ void TestProgramApi::requests_data() {
     row("a repeated parameter", "GET", "/samples?limit=1&limit=1", "", 400, "more than once");
     row("a negative number", "GET", "/samples?after=-1", "", 400, "whole number");
     row("an empty number", "GET", "/samples?after=", "", 400, "whole number");
+    row("an id that is damaged", "GET", "/stream?after=run:1:", "", 400, "id of an event");
     row("a number that overflows", "GET", "/samples?after=18446744073709551616", "", 422, "must be from");
     row("no samples", "GET", "/samples", "", 200, R"("missed":0,"samples":[]})");
     row("a number of another run", "GET", "/samples?after=999999999", "", 200, R"("missed":null,"samples":[]})");
@@ -164,12 +172,14 @@ void TestProgramApi::requests_data() {
     row("an unknown key", "POST", "/events", R"({"text":"a","tiem":1})", 422, "Known are: text, time.");
     row("JSON that ends early", "POST", "/events", R"({"text":"a")", 400, "not JSON");
     row("invalid UTF-8", "POST", "/events", "{\"text\":\"\xFF\"}", 400, "not JSON");
-    row("a text instead of an object", "POST", "/events", R"("a")", 400, "not JSON");
+    row("a text instead of an object", "POST", "/events", R"( "a" )", 422, "must be a JSON object");
+    row("null instead of an object", "PUT", "/tracker", "null", 422, "must be a JSON object");
     row("a list", "POST", "/events", R"(["a"])", 422, "must be a JSON object");
-    row("a marker of the maximum length", "POST", "/events", R"({"text":")" + QByteArray(1000, 'x') + "\"}", 201,
-        R"("number":0)");
-    row("a marker that is too long", "POST", "/events", R"({"text":")" + QByteArray(1001, 'x') + "\"}", 422,
-        "1 to 1000 characters");
+    row("two values", "POST", "/events", "1,2", 400, "not JSON");
+    row("a text without quotes", "POST", "/events", "a", 400, "not JSON");
+    const QByteArray longest = QByteArray("\xF0\x9F\x91\x81").repeated(1000);
+    row("a marker of the maximum length", "POST", "/events", R"({"text":")" + longest + "\"}", 201, R"("number":0)");
+    row("a marker that is too long", "POST", "/events", R"({"text":")" + longest + "x\"}", 422, "1 to 1000 characters");
     row("a body that is too long", "POST", "/events", R"({"text":")" + QByteArray(65536, 'x') + "\"}", 413, "65536");
     row("a time before the start", "POST", "/events", R"({"text":"a","time":0})", 422, "not in the future");
     row("a time in the future", "POST", "/events", R"({"text":"a","time":9e15})", 422, "not in the future");
@@ -211,6 +221,29 @@ void TestProgramApi::requests_at_the_start_are_refused() {
     const ProgramReply reply = ProgramClient().ask("GET", "/state");
     QCOMPARE(reply.status, 503);
     QVERIFY(reply.head.contains("Retry-After: 1\r\n"));
+}
+
+void TestProgramApi::request_has_no_effect_after_a_timeout() {
+    exchange_.reset();  // releases the port
+    exchange_ = std::make_unique<OcelaHTTPExchange>(nullptr);
+    api_v1::Router &api = exchange_->programApi();
+    api_v1::ProgramControl control({first_.get()}, "journals", api.run(), exchange_->access(), api.state(),
+                                   std::chrono::milliseconds(500));
+    control.setTracker(first_.get());
+    api.open(control, *markers_);
+    ProgramClient client;
+    QCOMPARE(client.ask("GET", "/state").status, 200);
+    // This thread is the GUI thread, and executes no call until the answer is there.
+    client.send("POST", "/recording", R"({"name":"a"})");
+    QVERIFY(client.socket().waitForReadyRead(30000));
+    const ProgramReply reply = client.receive();
+    QCOMPARE(reply.status, 503);
+    QVERIFY(reply.head.contains("Retry-After: 5\r\n"));
+    QCOMPARE(client.ask("GET", "/state").json()["recordings"].toArray().size(), 0);
+    QCOMPARE(client.ask("POST", "/recording", R"({"name":"b"})").status, 201);
+    QCOMPARE(first_->runningRecording()->path, folder_->filePath("b.csv"));
+    api.close();
+    exchange_.reset();
 }
 
 void TestProgramApi::only_allowed_origins_are_answered() {
@@ -334,6 +367,9 @@ void TestProgramApi::record_files_are_listed_and_sent() {
                              "%2e%2e/a.csv", "a.csv%00"})
         QCOMPARE(client.ask("GET", QByteArray("/recordings/") + name).status, 404);
 
+    QVERIFY(writeFile(folder_->filePath("b+c d.csv"), content));
+    QCOMPARE(client.ask("GET", "/recordings/b+c%20d.csv?").status, 200);
+    QCOMPARE(client.ask("GET", "/recordings/b+c+d.csv").status, 404);
     const ProgramReply whole = client.ask("GET", "/recordings/%61.csv");
     QCOMPARE(whole.status, 200);
     QCOMPARE(whole.body, content);
@@ -398,6 +434,21 @@ void TestProgramApi::markers_are_stamped() {
     QVERIFY(qAbs(stamped["time"].toDouble() - now) < 0.002);
 }
 
+void TestProgramApi::samples_without_a_number_are_recent() {
+    addSamples(*first_, 3);
+    QElapsedTimer timer;
+    timer.start();
+    ProgramClient client;
+    const auto samples = [&client] { return client.ask("GET", "/samples").json(); };
+    QCOMPARE(samples()["samples"].toArray().size(), 3);
+    // The tracker delivers no more samples, so they stay in its window.
+    QTRY_COMPARE(samples()["samples"].toArray().size(), 0);
+    QVERIFY(timer.elapsed() > EyetrackerInterface::sampleWindowMs - 100);
+    QCOMPARE(samples()["next"].toInt(), base_ + 3);
+    const QByteArray query = "?after=" + QByteArray::number(base_);
+    QCOMPARE(client.ask("GET", "/samples" + query).json()["samples"].toArray().size(), 3);
+}
+
 void TestProgramApi::stream_has_each_sample_once() {
     StreamClient stream;
     QCOMPARE(stream.next().name, QByteArray("state"));
@@ -424,6 +475,10 @@ void TestProgramApi::stream_resumes_data() {
     // There are 1000 samples, of which the newest 201 are in the window. "N-5" is the fifth newest number.
     QTest::newRow("no number") << QByteArray() << QByteArray() << 1001 << QByteArray();
     QTest::newRow("a number") << QByteArray("?after=N-5") << QByteArray() << 996 << QByteArray();
+    QTest::newRow("a number with its run") << QByteArray("?after=RUN:N-5") << QByteArray() << 996 << QByteArray();
+    QTest::newRow("an id as the number") << QByteArray("?after=RUN%3AN-5:0") << QByteArray() << 996 << QByteArray();
+    QTest::newRow("a number with another run")
+        << QByteArray("?after=other:N-5") << QByteArray() << 1001 << QByteArray("null");
     QTest::newRow("an id") << QByteArray() << QByteArray("RUN:N-5") << 996 << QByteArray();
     QTest::newRow("the id is newer") << QByteArray("?after=N-9") << QByteArray("RUN:N-5") << 996 << QByteArray();
     QTest::newRow("an old id") << QByteArray() << QByteArray("RUN:N-900") << 800 << QByteArray("699");
@@ -487,6 +542,76 @@ void TestProgramApi::stream_follows_the_selected_tracker() {
     QVERIFY(state > 0);
 }
 
+void TestProgramApi::execute(const QByteArray &steps) {
+    for (const QByteArray &step : steps.split(' ')) {
+        NamedTracker &tracker = step.contains('A') ? *first_ : *second_;
+        if (step.startsWith('+'))
+            exchange_->setTracker(&tracker);
+        else
+            addSamples(tracker, step.mid(1).toInt());
+    }
+}
+
+void TestProgramApi::selections_are_resumed_data() {
+    QTest::addColumn<QByteArray>("steps");
+    QTest::addColumn<int>("after");
+    QTest::addColumn<QByteArray>("missed");
+    QTest::addColumn<QVector<int>>("numbers");
+    const auto row = [](const char *name, const QByteArray &steps, int after, const QByteArray &missed,
+                        const QVector<int> &numbers) { QTest::newRow(name) << steps << after << missed << numbers; };
+    QByteArray toAndFro = "A5";
+    for (int i = 0; i < 60; ++i)
+        toAndFro += " +B B1 +A A1";
+    // "A" is selected before the first step.
+    row("one tracker", "A5", 2, "0", {3, 4, 5});
+    row("late samples do not count", "A5 +B A2 B3", 5, "0", {8, 9, 10});
+    row("the earlier tracker", "A5 +B B3", 2, "3", {6, 7, 8});
+    row("samples before the selection", "B5 A5 +B B3", 5, "5", {11, 12, 13});
+    row("between two trackers", "A5 +B B4 A3 +A A2", 5, "4", {13, 14});
+    row("from A to A", "A5 +B B4 +A A2", 3, "6", {10, 11});
+    row("no samples yet", "A5 +B", 3, "2", {});
+    row("older samples than the window", "A3000 +B B3000", 500, "3499", range(4000, 2001));
+    row("many selections", toAndFro, 100, "24", {125});
+    row("forgotten selections", toAndFro, 5, "null", {125});
+}
+
+void TestProgramApi::selections_are_resumed() {
+    QFETCH(const QByteArray, steps);
+    QFETCH(const int, after);
+    QFETCH(const QByteArray, missed);
+    QFETCH(QVector<int>, numbers);
+    execute(steps);
+    for (int &number : numbers)
+        number += base_;
+    const QByteArray query = "?after=" + QByteArray::number(base_ + after);
+
+    ProgramClient client;
+    const ProgramReply reply = client.ask("GET", "/samples" + query);
+    QVERIFY2(reply.body.contains("\"missed\":" + missed + ','), reply.body.left(200));
+    QCOMPARE(StreamClient::numbersOf({{}, {}, QJsonDocument(reply.json()["samples"].toArray())}), numbers);
+    // The next request does not count them again.
+    const QByteArray next = QByteArray::number(reply.json()["next"].toInt());
+    QVERIFY(client.ask("GET", "/samples?after=" + next).body.contains(R"("missed":0,"samples":[])"));
+
+    StreamClient stream(query);
+    QCOMPARE(stream.next().name, QByteArray("state"));
+    QVector<int> received;
+    int missedCount = 0;
+    bool isUnknown = false;
+    while (received.size() < numbers.size() || (!isUnknown && missedCount < missed.toInt())) {
+        const StreamClient::Event event = stream.next();
+        QVERIFY(!event.name.isEmpty());
+        if (event.name == "missed") {
+            QVERIFY(received.isEmpty());
+            isUnknown = isUnknown || event.data["count"].isNull();
+            missedCount += event.data["count"].toInt();
+        }
+        received += event.name == "samples" ? StreamClient::numbersOf(event) : QVector<int>();
+    }
+    QCOMPARE(received, numbers);
+    QCOMPARE(isUnknown ? "null" : QByteArray::number(missedCount), missed);
+}
+
 void TestProgramApi::stalled_reader_is_told_what_it_missed() {
     StreamClient stalled;
     StreamClient reader;
@@ -502,23 +627,28 @@ void TestProgramApi::stalled_reader_is_told_what_it_missed() {
         numbers += reader.numbers(batchSize);
     }
     QCOMPARE(numbers, range(base_ + 1, count));
+    // The stalled reader gets none of the samples of the second tracker.
+    execute("+B B3000 +A A3000 B50 +B B10 +A");
 
     stalled.socket().setReadBufferSize(0);
-    int receivedCount = 0;
+    numbers.clear();
     int missedCount = 0;
-    while (receivedCount + missedCount < count) {
+    while (numbers.size() + missedCount < count + 6010) {
         const StreamClient::Event event = stalled.next();
         QVERIFY(!event.name.isEmpty());
         if (event.name == "missed")
             missedCount += event.data["count"].toInt();
         else if (event.name == "samples")
-            receivedCount += StreamClient::numbersOf(event).size();
+            numbers += StreamClient::numbersOf(event);
     }
-    QCOMPARE(receivedCount + missedCount, count);
-    QVERIFY(missedCount > 0);
+    QCOMPARE(numbers.size() + missedCount, count + 6010);
+    QVERIFY(missedCount > 6010 && numbers.last() <= base_ + count);
+    addSamples(*first_, 1);
+    QCOMPARE(stalled.numbers(1), range(base_ + count + 6061, 1));
 }
 
 void TestProgramApi::stream_has_markers_also_after_a_break() {
+    const QByteArray run = exchange_->programApi().run().id() + ':';
     StreamClient stream;
     QCOMPARE(stream.next().name, QByteArray("state"));
     ProgramClient client;
@@ -527,14 +657,37 @@ void TestProgramApi::stream_has_markers_also_after_a_break() {
     QCOMPARE(marker.data["text"].toString(), QString("before the first sample"));
     QCOMPARE(marker.data["number"].toInt(), 0);
 
+    // The position is part of the id, so that the marker is not sent again, also if there are no samples.
+    QCOMPARE(marker.id, run + "0:1");
     addSamples(*first_, 10);
+    QCOMPARE(stream.numbers(10), range(base_ + 1, 10));
     markers_->add("in the break");
     addSamples(*first_, 10);
     markers_->add("later");
-    StreamClient resumed({}, eventId(base_ + 9));
-    QCOMPARE(resumed.next("event").data["text"].toString(), QString("in the break"));
-    QCOMPARE(resumed.next("event").data["text"].toString(), QString("later"));
-    QCOMPARE(resumed.numbers(11), range(base_ + 10, 11));
+    const QByteArray number = QByteArray::number(base_ + 9);
+    for (const QByteArray &id : {run + number, run + number + ":1"}) {
+        StreamClient resumed({}, id);
+        QCOMPARE(resumed.next("event").data["text"].toString(), QString("in the break"));
+        QCOMPARE(resumed.next("event").data["text"].toString(), QString("later"));
+        QCOMPARE(resumed.numbers(11), range(base_ + 10, 11));
+    }
+    StreamClient resumed({}, run + number + ":2");
+    const StreamClient::Event later = resumed.next("event");
+    QCOMPARE(later.data["text"].toString(), QString("later"));
+    QCOMPARE(later.id, run + number + ":3");
+    QCOMPARE(resumed.next("samples").id, run + QByteArray::number(base_ + 20) + ":3");
+}
+
+void TestProgramApi::stream_shows_changed_rights() {
+    StreamClient stream;
+    QVERIFY(stream.next().data["access"]["anyFile"].toBool());
+    const quint64 version = exchange_->programApi().state().get()->version;
+    AccessRights rights;
+    rights.anyFile = false;
+    exchange_->setAccessRights(rights);
+    // A new version is sent at once.
+    QVERIFY(exchange_->programApi().state().get()->version > version);
+    QVERIFY(!stream.next("state").data["access"]["anyFile"].toBool());
 }
 
 void TestProgramApi::streams_are_limited_and_end_with_the_program() {

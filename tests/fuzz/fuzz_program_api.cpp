@@ -39,9 +39,8 @@ public:
 
 struct Api {
     Api() {
+        router.state().publish({0, {}, {&tracker}, &tracker, folder.path(), {}});
         tracker.addSample({});
-        router.state().publish(
-            std::make_shared<const ProgramState>(ProgramState{1, {}, {&tracker}, &tracker, 0, folder.path()}));
         router.open(commands, markers);
     }
 

@@ -165,7 +165,7 @@ describe('event stream', () => {
         wait(100000);
         hide(false);
         emit('missed', 4);
-        assert.deepEqual(log, ['open ', 'state 1', 'samples [2]', 'event 3', 'close', 'lost ""', 'open &after=2', 'missed 4']);
+        assert.deepEqual(log, ['open ', 'state 1', 'samples [2]', 'event 3', 'close', 'lost ""', 'open &after=run:2', 'missed 4']);
     });
 
     test('makes a new connection when one fails or is silent, with increasing delays', async t => {
@@ -184,7 +184,7 @@ describe('event stream', () => {
             wait(1);
             fail(0);
             await null;
-            assert.deepEqual(log.splice(0), ['open &after=7', 'close', 'lost ""']);
+            assert.deepEqual(log.splice(0), ['open &after=run:7', 'close', 'lost ""']);
         }
         wait(4000);
         emit('state', 1);

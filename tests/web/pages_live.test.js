@@ -182,7 +182,7 @@ describe('the live page', () => {
         await show();
         await waitFor(() => service.streams.size === 1, 'the stream is open');
         assert.deepEqual(service.requests.map(([, resource]) => resource),
-            ['stream?interval=100', 'stream?interval=100&after=42']);
+            ['stream?interval=100', 'stream?interval=100&after=run:42']);
         service.send('missed', { count: 1200 });
         service.send('missed', { count: 34 });
         await page.until("document.querySelector('#missed').textContent === '1,234'");

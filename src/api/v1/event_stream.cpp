@@ -5,6 +5,7 @@
 
 #include <QJsonDocument>
 #include <algorithm>
+#include <utility>
 
 using namespace api_v1;
 
@@ -21,21 +22,14 @@ QByteArray compact(const QJsonObject &object) {
     return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }
 
-QByteArray missedJson(quint64 sampleCount, quint64 markerCount) {
-    QJsonObject missed{{"count", static_cast<qint64>(sampleCount)}};
+QByteArray missedJson(std::optional<quint64> sampleCount, quint64 markerCount) {
+    QJsonObject missed{{"count", sampleCount ? QJsonValue(static_cast<qint64>(*sampleCount)) : QJsonValue()}};
     if (markerCount > 0)
         missed.insert("events", static_cast<qint64>(markerCount));
     return compact(missed);
 }
 
 }  // namespace
-
-quint64 api_v1::newestNumber(const ProgramState &state) {
-    quint64 newest = 0;
-    for (const EyetrackerInterface *tracker : state.trackers)
-        newest = std::max(newest, tracker->lastNumberedSample().number);
-    return newest;
-}
 
 QJsonObject api_v1::markerJson(const Marker &marker, const ProgramRun &run) {
     return {{"text", marker.text},
@@ -62,17 +56,22 @@ void EventStream::run() {
 void EventStream::start() {
     // The markers first: those that are set from now on have a higher position.
     markerPosition_ = sources_.markers.count();
-    const quint64 newest = std::max(newestNumber(*state_), state_->selectedAfter);
+    const quint64 newest = std::max(newestNumber(*state_), state_->selection().after);
     const bool isUnknown = request_.isOfOtherRun || (request_.after && *request_.after > newest);
     position_ = newest;
     if (request_.after && !isUnknown) {
-        position_ = std::max(*request_.after, state_->selectedAfter);
-        markerPosition_ = sources_.markers.firstAfter(*request_.after);
+        position_ = *request_.after;
+        markerPosition_ = std::min(
+            markerPosition_, request_.markerCount ? *request_.markerCount : sources_.markers.firstAfter(position_));
     }
-    pieces_.append("retry: 1000\n\n");
-    appendState(Clock::now());
+    comment_ = "retry: 1000\n\n";
+    // If the connection breaks before the client is told that it has missed something, it must be told the next time.
+    appendState(Clock::now(), isUnknown ? std::nullopt : std::make_optional(position_));
     if (isUnknown)
-        appendEvent("missed", R"({"count":null})");
+        appendMissed(std::nullopt);
+    else
+        startSelection();
+    send({});
 }
 
 /// The user can change the access rights while the stream is open.
@@ -86,84 +85,115 @@ bool EventStream::isStillPermitted() {
 
 void EventStream::sendNews() {
     const Clock::time_point now = Clock::now();
+    const quint64 sentNumber = position_;
     followState(now);
     appendSamples(now);
     // Read after the samples and sent before them: if the connection breaks in between, the markers that the client
     // lacks have a higher position than its last sample.
-    const QVector<QByteArray> markers = newMarkers();
-    if (markers.isEmpty() && pieces_.isEmpty())
-        return;
-    response_.write(markers + pieces_);
-    pieces_.clear();
+    send(takeMarkers(sentNumber));
+}
+
+void EventStream::send(const QVector<QByteArray> &markers) {
+    QVector<QByteArray> all = markers;
+    if (!comment_.isEmpty())
+        all.prepend(std::exchange(comment_, {}));
+    for (const Event &event : std::exchange(events_, {}))
+        all += pieces(event);
+    if (!all.isEmpty())
+        response_.write(all);
 }
 
 void EventStream::followState(Clock::time_point now) {
-    const std::shared_ptr<const ProgramState> state = sources_.state.get();
-    if (state->version != state_->version) {
-        if (state->tracker != state_->tracker) {
-            if (state_->tracker)
-                appendRest(*state_->tracker, state->selectedAfter);
-            position_ = std::max(position_, state->selectedAfter);
-        }
-        state_ = state;
-        appendState(now);
+    const std::shared_ptr<const ProgramState> earlier = std::exchange(state_, sources_.state.get());
+    if (state_->selection().index != earlier->selection().index) {
+        appendRest(earlier->selection());
+        appendState(now, position_);
+        startSelection();
+    } else if (state_->version != earlier->version) {
+        appendState(now, position_);
     } else if (now >= nextState_) {
-        pieces_.append(": heartbeat\n\n");
-        appendState(now);
+        comment_ = ": heartbeat\n\n";
+        appendState(now, position_);
     }
 }
 
 /// Appends the samples that the earlier tracker delivered until another one was selected.
-void EventStream::appendRest(const EyetrackerInterface &earlierTracker, quint64 lastNumber) {
-    SamplesSince rest = earlierTracker.samplesSince(position_);
-    const auto isLater = [lastNumber](const NumberedSample &entry) { return entry.number > lastNumber; };
-    rest.samples.erase(std::find_if(rest.samples.begin(), rest.samples.end(), isLater), rest.samples.end());
-    append(sampleText(sources_.run, rest, SampleTexts::maxCount));
+void EventStream::appendRest(const Selection &earlier) {
+    const Selection *const next = state_->selectionAfter(earlier);
+    if (!next || !earlier.tracker || position_ >= next->after)
+        return;
+    const SampleText text =
+        sampleText(sources_.run, earlier.tracker->samplesSince(position_, next->after), SampleTexts::maxCount);
+    if (text.count == 0)
+        position_ = next->after;
+    append(text);
+}
+
+/// Skips the samples of all earlier selections, and appends their number.
+void EventStream::startSelection() {
+    const std::optional<quint64> skippedCount = state_->countInEarlierSelections(position_);
+    position_ = std::max(position_, state_->selection().after);
+    if (skippedCount != quint64(0))
+        appendMissed(skippedCount);
 }
 
 void EventStream::appendSamples(Clock::time_point now) {
     if (!state_->tracker || now < nextSamples_)
         return;
     const SampleText text = sources_.sampleTexts.after(*state_->tracker, position_);
+    // If another tracker was selected meanwhile, followState() sends the samples until then.
+    if (!sources_.state.isSelected(state_->selection()))
+        return;
     append(text);
     if (text.count > 0)
         nextSamples_ = now + request_.interval;
 }
 
 void EventStream::append(const SampleText &text) {
-    if (text.missedCount > 0)
-        appendEvent("missed", missedJson(text.missedCount, 0));
+    if (text.missedCount != quint64(0)) {
+        if (text.count > 0)
+            position_ = text.firstNumber - 1;
+        appendMissed(text.missedCount);
+    }
     if (text.count == 0)
         return;
     position_ = text.lastNumber;
-    pieces_.append("id: " + sources_.run.id() + ':' + QByteArray::number(position_) + "\nevent: samples\ndata: [");
-    pieces_.append(text.json);
-    pieces_.append("]\n\n");
+    events_.append({"samples", position_, {"[", text.json, "]"}});
 }
 
-void EventStream::appendState(Clock::time_point now) {
-    appendEvent("state", compact(sources_.stateJson.write(*state_)));
+void EventStream::appendState(Clock::time_point now, std::optional<quint64> number) {
+    events_.append({"state", number, {compact(sources_.stateJson.write(*state_))}});
     nextState_ = now + stateInterval;
 }
 
-void EventStream::appendEvent(const QByteArray &name, const QByteArray &json) {
-    pieces_.append("event: " + name + "\ndata: " + json + "\n\n");
+void EventStream::appendMissed(std::optional<quint64> sampleCount) {
+    events_.append({"missed", position_, {missedJson(sampleCount, 0)}});
 }
 
-QVector<QByteArray> EventStream::newMarkers() {
+QVector<QByteArray> EventStream::takeMarkers(quint64 sentNumber) {
     const MarkerLog::Since news = sources_.markers.since(markerPosition_);
-    markerPosition_ = news.next;
-    QVector<QByteArray> pieces;
+    markerPosition_ = news.next - news.markers.size();
+    QVector<QByteArray> all;
     if (news.missedCount > 0)
-        pieces.append("event: missed\ndata: " + missedJson(0, news.missedCount) + "\n\n");
-    for (const Marker &marker : news.markers)
-        pieces.append("event: event\ndata: " + compact(markerJson(marker, sources_.run)) + "\n\n");
-    return pieces;
+        all += pieces({"missed", sentNumber, {missedJson(0, news.missedCount)}});
+    for (const Marker &marker : news.markers) {
+        ++markerPosition_;
+        all += pieces({"event", sentNumber, {compact(markerJson(marker, sources_.run))}});
+    }
+    return all;
+}
+
+QVector<QByteArray> EventStream::pieces(const Event &event) const {
+    QByteArray head = "event: " + event.name + "\ndata: ";
+    if (event.number)
+        head.prepend("id: " + sources_.run.id() + ':' + QByteArray::number(*event.number) + ':' +
+                     QByteArray::number(markerPosition_) + '\n');
+    return QVector<QByteArray>{head} + event.data + QVector<QByteArray>{"\n\n"};
 }
 
 void EventStream::waitForNews() {
     if (Clock::now() < nextSamples_)
-        seen_ = sources_.dispatcher.waitForChanges(seen_, std::min(nextState_, nextSamples_));
+        changeCount_ = sources_.dispatcher.waitForChanges(changeCount_, std::min(nextState_, nextSamples_));
     else
-        seen_ = sources_.dispatcher.waitForSamples(seen_, nextState_);
+        changeCount_ = sources_.dispatcher.waitForSamples(position_, changeCount_, nextState_);
 }

@@ -4,9 +4,9 @@
 
 using namespace api_v1;
 
-void MarkerLog::add(const Marker &marker, quint64 position) {
+void MarkerLog::add(const Marker &marker, const std::function<quint64()> &newestNumber) {
     log_.with([&](Log &log) {
-        log.entries.push_back({marker, position});
+        log.entries.push_back({marker, newestNumber()});
         if (log.entries.size() > maxMarkers) {
             log.entries.pop_front();
             ++log.droppedCount;
@@ -32,7 +32,7 @@ MarkerLog::Since MarkerLog::since(quint64 first) const {
 
 quint64 MarkerLog::firstAfter(quint64 number) const {
     return log_.with([number](const Log &log) {
-        const auto isSent = [number](const Entry &entry) { return entry.position < number; };
+        const auto isSent = [number](const Entry &entry) { return entry.newestNumber < number; };
         const auto first = std::find_if_not(log.entries.begin(), log.entries.end(), isSent);
         return log.droppedCount + static_cast<quint64>(first - log.entries.begin());
     });

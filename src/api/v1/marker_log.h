@@ -5,6 +5,7 @@
 #include "core/sample_signal.h"
 
 #include <deque>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -24,8 +25,9 @@ public:
 
     explicit MarkerLog(std::shared_ptr<SampleSignal> signal) : signal_(std::move(signal)) {}
 
-    /// Adds a marker. `position` is the newest number when it is added, which may be higher than the marker's number.
-    void add(const Marker &marker, quint64 position);
+    /// Adds a marker. `newestNumber` returns the newest number of all trackers, which may be higher than the marker's
+    /// number. It is called under the lock, so that positions never decrease.
+    void add(const Marker &marker, const std::function<quint64()> &newestNumber);
 
     /// Returns the count of all markers so far, which is the position of the next one.
     [[nodiscard]] quint64 count() const;
@@ -38,7 +40,7 @@ public:
 private:
     struct Entry {
         Marker marker;
-        quint64 position = 0;
+        quint64 newestNumber = 0;  ///< when it was added
     };
     struct Log {
         quint64 droppedCount = 0;

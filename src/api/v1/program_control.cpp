@@ -1,5 +1,6 @@
 #include "api/v1/program_control.h"
 
+#include "api/access_policy.h"
 #include "api/v1/screens_json.h"
 
 #include <QCoreApplication>
@@ -43,8 +44,14 @@ QJsonValue textOrNull(const QString &text) {
 }  // namespace
 
 ProgramControl::ProgramControl(std::vector<EyetrackerInterface *> trackers, const QString &journalsFolder,
-                               const ProgramRun &run, PublishedState &published)
-    : trackers_(std::move(trackers)), journalsFolder_(journalsFolder), run_(run), published_(published) {
+                               const ProgramRun &run, const AccessPolicy &access, PublishedState &published,
+                               std::chrono::milliseconds callTimeout)
+    : trackers_(std::move(trackers)),
+      journalsFolder_(journalsFolder),
+      run_(run),
+      access_(access),
+      published_(published),
+      callTimeout_(callTimeout) {
     for (EyetrackerInterface *tracker : trackers_)
         watch(tracker);
     connect(&timer_, &QTimer::timeout, this, &ProgramControl::refresh);
@@ -89,21 +96,21 @@ void ProgramControl::setLastRecording(const EyetrackerInterface &tracker, const 
 
 void ProgramControl::setTracker(EyetrackerInterface *tracker) {
     tracker_ = tracker;
-    for (const EyetrackerInterface *each : trackers_)
-        selectedAfter_ = std::max(selectedAfter_, each->lastNumberedSample().number);
     refresh();
 }
 
 void ProgramControl::refresh() {
     const std::shared_ptr<const ProgramState> current = published_.get();
-    ProgramState next{0, describe(), trackers_, tracker_, selectedAfter_, {}};
+    ProgramState next;
+    next.json = describe();
+    next.trackers = trackers_;
+    next.tracker = tracker_;
     if (!trackers_.empty())
         next.recordsFolder = QDir::cleanPath(trackers_.front()->recordsFolder());
     if (current && current->json == next.json && current->tracker == next.tracker &&
         current->recordsFolder == next.recordsFolder)
         return;
-    next.version = current ? current->version + 1 : 1;
-    published_.publish(std::make_shared<const ProgramState>(std::move(next)));
+    published_.publish(std::move(next));
 }
 
 QJsonObject ProgramControl::describe() const {
@@ -121,7 +128,8 @@ QJsonObject ProgramControl::describe() const {
             {"recordings", recordings},
             {"lastRecording", lastRecording_.isUndefined() ? QJsonValue() : lastRecording_},
             {"screens", screensJson()},
-            {"area", tracker_ ? areaJson(*tracker_) : QJsonValue()}};
+            {"area", tracker_ ? areaJson(*tracker_) : QJsonValue()},
+            {"access", describeAccess()}};
 }
 
 QJsonValue ProgramControl::describeTracker() const {
@@ -142,7 +150,13 @@ QJsonObject ProgramControl::describeCalibration() const {
     return {{"running", calibration.isRequested || calibration.isRunning}, {"last", last}};
 }
 
-Reply ProgramControl::call(const std::function<Reply()> &function, std::chrono::seconds timeout) {
+QJsonObject ProgramControl::describeAccess() const {
+    const AccessRights rights = access_.rights();
+    return {
+        {"otherComputers", rights.otherComputers}, {"foreignPages", rights.foreignPages}, {"anyFile", rights.anyFile}};
+}
+
+Reply ProgramControl::call(const std::function<Reply()> &function, std::chrono::milliseconds timeout) {
     Reply reply;
     if (calls_.run([&] { reply = function(); }, timeout))
         return reply;

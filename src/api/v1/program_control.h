@@ -10,6 +10,8 @@
 #include <map>
 #include <optional>
 
+class AccessPolicy;
+
 namespace api_v1 {
 
 /// Executes the commands of clients on the GUI thread, and publishes the state of the program. Lives on the GUI thread.
@@ -18,15 +20,19 @@ class ProgramControl : public QObject, public Commands {
     Q_OBJECT
 
 public:
-    static constexpr std::chrono::seconds callTimeout{10};
+    static constexpr std::chrono::seconds defaultCallTimeout{10};
     static constexpr std::chrono::seconds saveTimeout{60};
 
     /// The trackers and the references must outlive the object. `journalsFolder` has the data of unsaved recordings.
+    /// `callTimeout` is the time until a command is refused because the GUI thread is busy, except stopRecording().
     ProgramControl(std::vector<EyetrackerInterface *> trackers, const QString &journalsFolder, const ProgramRun &run,
-                   PublishedState &published);
+                   const AccessPolicy &access, PublishedState &published,
+                   std::chrono::milliseconds callTimeout = defaultCallTimeout);
 
     /// Sets the selected tracker. Null for none.
     void setTracker(EyetrackerInterface *tracker);
+    /// Publishes the state if it has changed. Called by the object itself, except after a change of the access rights.
+    void refresh();
     /// Refuses all commands from now on.
     void close() { calls_.close(); }
 
@@ -52,12 +58,13 @@ private:
 
     void watch(EyetrackerInterface *tracker);
     void setLastRecording(const EyetrackerInterface &tracker, const QString &savedPath);
-    void refresh();
     [[nodiscard]] QJsonObject describe() const;
     [[nodiscard]] QJsonValue describeTracker() const;
     [[nodiscard]] QJsonObject describeCalibration() const;
+    [[nodiscard]] QJsonObject describeAccess() const;
 
-    [[nodiscard]] Reply call(const std::function<Reply()> &function, std::chrono::seconds timeout = callTimeout);
+    [[nodiscard]] Reply call(const std::function<Reply()> &function) { return call(function, callTimeout_); }
+    [[nodiscard]] Reply call(const std::function<Reply()> &function, std::chrono::milliseconds timeout);
     [[nodiscard]] Reply startRecordingNow(const QString &path);
     [[nodiscard]] Reply stopRecordingNow();
     [[nodiscard]] Reply notSaved() const;
@@ -67,9 +74,10 @@ private:
     const std::vector<EyetrackerInterface *> trackers_;
     const QString journalsFolder_;
     const ProgramRun &run_;
+    const AccessPolicy &access_;
     PublishedState &published_;
+    const std::chrono::milliseconds callTimeout_;
     EyetrackerInterface *tracker_ = nullptr;
-    quint64 selectedAfter_ = 0;
     std::map<const EyetrackerInterface *, Calibration> calibrations_;
     QJsonValue lastRecording_;
     QTimer timer_;

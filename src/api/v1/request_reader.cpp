@@ -4,6 +4,7 @@
 #include "http/http_request.h"
 #include "http/url_encoding.h"
 
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <algorithm>
 #include <cmath>
@@ -21,6 +22,11 @@ QString quoted(const QString &text) {
 
 QString allowed(const QStringList &names) {
     return names.isEmpty() ? QStringLiteral("This request takes none.") : "Known are: " + names.join(", ") + '.';
+}
+
+/// QJsonDocument accepts only objects and arrays.
+bool isJsonScalar(const QByteArray &text) {
+    return QJsonDocument::fromJson('[' + text + ']').array().size() == 1;
 }
 
 bool isDigits(const QByteArray &text) {
@@ -72,7 +78,7 @@ void RequestReader::readBody(const QStringList &keys) {
         return;
     QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(body, &error);
-    if (document.isNull()) {
+    if (document.isNull() && !isJsonScalar(body)) {
         fail(400, QString("The body is not JSON: %1 at byte %2.").arg(error.errorString()).arg(error.offset));
         return;
     }

@@ -6,9 +6,11 @@
 #include "api/v1/request_reader.h"
 #include "core/eyetracker_interface.h"
 #include "core/markers.h"
+#include "http/byte_text.h"
 #include "http/http_log.h"
 #include "http/http_request.h"
 #include "http/http_response.h"
+#include "http/url_encoding.h"
 
 #include <QJsonArray>
 #include <QLocale>
@@ -38,6 +40,12 @@ constexpr std::chrono::seconds maxFuture(1);
 
 QByteArray httpDate(const QDateTime &time) {
     return QLocale::c().toString(time.toUTC(), "ddd, dd MMM yyyy hh:mm:ss 'GMT'").toLatin1();
+}
+
+/// Returns the decoded path. A plus sign stands for itself: only in a query it means a space.
+QByteArray pathOf(const HttpRequest &request) {
+    QByteArray path = request.getRawPath().split('?').first();
+    return url_encoding::decode(byte_text::view(path.replace('+', "%2B")));
 }
 
 Reply starting() {
@@ -113,7 +121,8 @@ void Router::open(Commands &commands, Markers &markers) {
     markers_ = &markers;
     connect(
         &markers, &Markers::added, this,
-        [this](const Marker &marker) { markerLog_.add(marker, newestNumber(*state_.get())); }, Qt::DirectConnection);
+        [this](const Marker &marker) { markerLog_.add(marker, [this] { return newestNumber(*state_.get()); }); },
+        Qt::DirectConnection);
     commands_ = &commands;
 }
 
@@ -152,7 +161,7 @@ Router::Answer Router::answer(const HttpRequest &request, HttpResponse &response
         response.setHeader("Access-Control-Allow-Origin", origin);
         response.setHeader("Access-Control-Expose-Headers", "Accept-Ranges, Content-Range, ETag, Retry-After");
     }
-    const QByteArray path = request.getPath().mid(root.size());
+    const QByteArray path = pathOf(request).mid(root.size());
     QByteArray methods;
     for (const Endpoint &endpoint : endpoints) {
         if (endpoint.matches(path))
@@ -217,47 +226,77 @@ Router::Answer Router::getSamples(const Request &request) {
     if (reader.problem())
         return *reader.problem();
 
-    const ProgramState &state = *request.state;
-    const quint64 newest = std::max(newestNumber(state), state.selectedAfter);
-    // Only an earlier run of the program can have had such a number.
-    const bool isUnknown = after && *after > newest;
-    SampleText text;
-    if (state.tracker && !isUnknown) {
-        const quint64 position = std::max(after.value_or(0), state.selectedAfter);
-        text = sampleText(run_, state.tracker->samplesSince(position), static_cast<int>(limit));
-    }
-    const quint64 next = text.count > 0 ? text.lastNumber : isUnknown ? newest : after.value_or(newest);
-    // Without a number, the client has not missed anything.
-    const QByteArray missed = isUnknown ? "null" : QByteArray::number(after ? text.missedCount : 0);
+    const SamplesAfter found = after ? samplesAfter(*after) : recentSamples();
+    const SampleText text = sampleText(run_, found.samples, static_cast<int>(limit));
+    const QByteArray next = QByteArray::number(text.count > 0 ? text.lastNumber : found.position);
+    const QByteArray missed = text.missedCount ? QByteArray::number(*text.missedCount) : "null";
     return Reply{200,
                  "application/json",
-                 {R"({"run":")" + run_.id() + R"(","next":)" + QByteArray::number(next) + R"(,"missed":)" + missed +
-                      R"(,"samples":[)",
+                 {R"({"run":")" + run_.id() + R"(","next":)" + next + R"(,"missed":)" + missed + R"(,"samples":[)",
                   text.json, "]}"},
                  {}};
+}
+
+/// Returns the samples of the selected tracker after `number`.
+Router::SamplesAfter Router::samplesAfter(quint64 number) const {
+    std::shared_ptr<const ProgramState> state;
+    SamplesAfter found;
+    do {
+        state = state_.get();
+        found = {std::max(number, state->selection().after), {}};
+        if (state->tracker)
+            found.samples = state->tracker->samplesSince(found.position);
+    } while (!state_.isSelected(state->selection()));
+    const quint64 newest = std::max(newestNumber(*state), state->selection().after);
+    // Only an earlier run of the program can have had such a number.
+    if (number > newest)
+        return {newest, {{}, std::nullopt, 0}};
+    const std::optional<quint64> earlierCount = state->countInEarlierSelections(number);
+    std::optional<quint64> &missedCount = found.samples.missedCount;
+    missedCount = missedCount && earlierCount ? std::make_optional(*missedCount + *earlierCount) : std::nullopt;
+    return found;
+}
+
+/// Returns the samples that the selected tracker has delivered in the last two seconds.
+Router::SamplesAfter Router::recentSamples() const {
+    SamplesAfter found = samplesAfter(0);
+    const auto oldest =
+        std::chrono::steady_clock::now() - std::chrono::milliseconds(EyetrackerInterface::sampleWindowMs);
+    const auto isRecent = [oldest](const NumberedSample &entry) { return entry.arrival >= oldest; };
+    std::vector<NumberedSample> &samples = found.samples.samples;
+    if (!samples.empty())
+        found.position = samples.back().number;
+    samples.erase(samples.begin(), std::find_if(samples.begin(), samples.end(), isRecent));
+    found.samples.missedCount = 0;
+    return found;
 }
 
 Router::Answer Router::getStream(const Request &request) {
     RequestReader reader(request.http);
     reader.readQuery({"after", "interval"});
     StreamRequest stream;
-    stream.after = reader.number("after", 0, maxNumber);
+    const QByteArray after = reader.text("after");
+    if (!after.contains(':'))
+        stream.after = reader.number("after", 0, maxNumber);
+    else if (const std::optional<EventId> id = EventId::parse(after))
+        resume(*id, stream);
+    else
+        reader.fail(400, "The parameter after must be a whole number or the id of an event.");
     stream.interval = std::chrono::milliseconds(reader.number("interval", 0, maxIntervalMs).value_or(0));
     if (reader.problem())
         return *reader.problem();
-    const QByteArray id = request.http.getHeader("Last-Event-ID");
-    if (!id.isEmpty())
-        resume(id, stream);
+    // A browser repeats the query of its first request, so the id replaces its number.
+    const QByteArray lastId = request.http.getHeader("Last-Event-ID");
+    if (!lastId.isEmpty())
+        resume(EventId::parse(lastId).value_or(EventId()), stream);
     stream.isPermitted = [this, &http = request.http] { return access_.refusalOfProgramRequest(http).isEmpty(); };
     return stream;
 }
 
-/// A browser repeats the query of its first request, so the id replaces its number.
-void Router::resume(const QByteArray &id, StreamRequest &stream) const {
-    const int colon = id.lastIndexOf(':');
-    bool isNumber = false;
-    stream.after = id.mid(colon + 1).toULongLong(&isNumber);
-    stream.isOfOtherRun = !isNumber || id.left(colon) != run_.id();
+void Router::resume(const EventId &id, StreamRequest &stream) const {
+    stream.after = id.number;
+    stream.markerCount = id.markerCount;
+    stream.isOfOtherRun = id.run != run_.id();
 }
 
 Router::Answer Router::postRecording(const Request &request) {
@@ -328,7 +367,7 @@ Router::Answer Router::postEvent(const Request &request) {
     reader.readQuery({});
     reader.readBody({"text", "time"});
     const QString text = reader.bodyText("text");
-    if (text.isEmpty() || text.size() > Markers::maxTextLength)
+    if (text.isEmpty() || Markers::lengthOf(text) > Markers::maxTextLength)
         reader.fail(422, QString("\"text\" must have 1 to %1 characters.").arg(Markers::maxTextLength));
     std::optional<ProgramRun::TimePoint> time;
     if (reader.has("time")) {

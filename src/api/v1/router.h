@@ -2,6 +2,7 @@
 
 #include "api/lifetime_guard.h"
 #include "api/v1/commands.h"
+#include "api/v1/event_id.h"
 #include "api/v1/event_stream.h"
 #include "api/v1/record_files.h"
 
@@ -55,12 +56,19 @@ private:
         record_files::OpenFile file;
         QByteArray range;
     };
+    /// Samples, and the position of a client that has received all before them.
+    struct SamplesAfter {
+        quint64 position = 0;
+        SamplesSince samples;
+    };
     using Answer = std::variant<Reply, StreamRequest, Download>;
 
     [[nodiscard]] Answer answer(const HttpRequest &request, HttpResponse &response);
     [[nodiscard]] Answer answerAt(const Endpoint &endpoint, const QByteArray &path, const HttpRequest &request);
     [[nodiscard]] static Reply options(const QByteArray &methods, HttpResponse &response);
-    void resume(const QByteArray &id, StreamRequest &stream) const;
+    void resume(const EventId &id, StreamRequest &stream) const;
+    [[nodiscard]] SamplesAfter samplesAfter(quint64 number) const;
+    [[nodiscard]] SamplesAfter recentSamples() const;
 
     [[nodiscard]] Answer getState(const Request &request);
     [[nodiscard]] Answer putTracker(const Request &request);
@@ -84,7 +92,7 @@ private:
     const std::shared_ptr<SampleSignal> signal_ = std::make_shared<SampleSignal>();
     PublishedState state_{signal_};
     MarkerLog markerLog_{signal_};
-    StateJson stateJson_{run_, access_};
+    StateJson stateJson_{run_};
     SampleTexts sampleTexts_{run_};
     std::atomic<Commands *> commands_{nullptr};
     const std::shared_ptr<LifetimeGuard> commandsGuard_ = std::make_shared<LifetimeGuard>();

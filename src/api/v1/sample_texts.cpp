@@ -33,7 +33,9 @@ SampleText api_v1::sampleText(const ProgramRun &run, const SamplesSince &samples
     text.json.reserve(text.count * typicalSampleBytes);
     for (int i = 0; i < text.count; ++i) {
         const NumberedSample &entry = samples.samples[static_cast<std::size_t>(i)];
-        if (i > 0)
+        if (i == 0)
+            text.firstNumber = entry.number;
+        else
             text.json.append(',');
         append(text.json, run, entry);
         text.lastNumber = entry.number;

@@ -14,8 +14,9 @@ namespace api_v1 {
 struct SampleText {
     QByteArray json;  ///< objects, separated by commas
     int count = 0;
-    quint64 lastNumber = 0;   ///< of the newest sample
-    quint64 missedCount = 0;  ///< how many samples before these have left the window
+    quint64 firstNumber = 0;                 ///< of the oldest sample
+    quint64 lastNumber = 0;                  ///< of the newest sample
+    std::optional<quint64> missedCount = 0;  ///< how many samples before these have left the window, if known
 };
 
 /// Returns the text of up to `maxCount` samples, oldest first.

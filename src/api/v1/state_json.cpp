@@ -1,6 +1,5 @@
 #include "api/v1/state_json.h"
 
-#include "api/access_policy.h"
 #include "core/eyetracker_interface.h"
 
 #include <QJsonArray>
@@ -27,7 +26,6 @@ QJsonObject StateJson::write(const ProgramState &state) {
     if (state.tracker)
         addTracker(json, *state.tracker);
     json.insert("recordings", recordings(state.trackers));
-    json.insert("access", access());
     json.insert("time", run_.timeMs(std::chrono::steady_clock::now()));
     return json;
 }
@@ -85,10 +83,4 @@ QJsonArray StateJson::recordings(const std::vector<EyetrackerInterface *> &track
                                      {"events", recording->markerCount}});
     }
     return array;
-}
-
-QJsonObject StateJson::access() const {
-    const AccessRights rights = access_.rights();
-    return {
-        {"otherComputers", rights.otherComputers}, {"foreignPages", rights.foreignPages}, {"anyFile", rights.anyFile}};
 }

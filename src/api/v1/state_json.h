@@ -5,15 +5,13 @@
 
 #include <optional>
 
-class AccessPolicy;
-
 namespace api_v1 {
 
 /// Writes the state of the program as JSON, with the current counters, rates and ages. Any thread.
 class StateJson {
 public:
-    /// All three must outlive the object.
-    StateJson(const ProgramRun &run, const AccessPolicy &access) : run_(run), access_(access) {}
+    /// `run` must outlive the object.
+    explicit StateJson(const ProgramRun &run) : run_(run) {}
 
     [[nodiscard]] QJsonObject write(const ProgramState &state);
 
@@ -33,10 +31,8 @@ private:
     [[nodiscard]] Rates cachedRates(const EyetrackerInterface &tracker, ProgramRun::TimePoint now);
     void addTracker(QJsonObject &json, const EyetrackerInterface &tracker);
     [[nodiscard]] static QJsonArray recordings(const std::vector<EyetrackerInterface *> &trackers);
-    [[nodiscard]] QJsonObject access() const;
 
     const ProgramRun &run_;
-    const AccessPolicy &access_;
     Guarded<CachedRates> rates_;
 };
 

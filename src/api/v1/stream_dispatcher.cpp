@@ -52,17 +52,18 @@ void StreamDispatcher::close() {
     --streamCount_;
 }
 
-StreamDispatcher::Seen StreamDispatcher::waitForSamples(const Seen &seen, Clock::time_point deadline) {
+quint64 StreamDispatcher::waitForSamples(quint64 lastNumber, quint64 changeCount, Clock::time_point deadline) {
     std::unique_lock<std::mutex> lock(mutex_);
-    samplesChanged_.wait_until(
-        lock, deadline, [&] { return seen_.samples != seen.samples || seen_.changes != seen.changes || stopping_; });
-    return seen_;
+    samplesChanged_.wait_until(lock, deadline, [&] {
+        return news_.newestNumber > lastNumber || news_.changeCount != changeCount || stopping_;
+    });
+    return news_.changeCount;
 }
 
-StreamDispatcher::Seen StreamDispatcher::waitForChanges(const Seen &seen, Clock::time_point deadline) {
+quint64 StreamDispatcher::waitForChanges(quint64 changeCount, Clock::time_point deadline) {
     std::unique_lock<std::mutex> lock(mutex_);
-    changesChanged_.wait_until(lock, deadline, [&] { return seen_.changes != seen.changes || stopping_; });
-    return seen_;
+    changesChanged_.wait_until(lock, deadline, [&] { return news_.changeCount != changeCount || stopping_; });
+    return news_.changeCount;
 }
 
 void StreamDispatcher::run() {
@@ -81,22 +82,22 @@ bool StreamDispatcher::waitForStreams() {
     return !stopping_;
 }
 
-StreamDispatcher::Seen StreamDispatcher::present() const {
+StreamDispatcher::News StreamDispatcher::present() const {
     const std::shared_ptr<const ProgramState> state = state_.get();
-    Seen seen;
+    News news;
     if (state && state->tracker)
-        seen.samples = state->tracker->lastNumberedSample().number;
+        news.newestNumber = state->tracker->lastNumberedSample().number;
     // Each of the two only increases, so the sum changes with each of them.
-    seen.changes = (state ? state->version : 0) + markers_.count();
-    return seen;
+    news.changeCount = (state ? state->version : 0) + markers_.count();
+    return news;
 }
 
-void StreamDispatcher::wake(const Seen &seen) {
+void StreamDispatcher::wake(const News &news) {
     const std::lock_guard<std::mutex> lock(mutex_);
-    const bool hasChanges = seen.changes != seen_.changes;
+    const bool hasChanges = news.changeCount != news_.changeCount;
     if (hasChanges)
         changesChanged_.notify_all();
-    if (hasChanges || seen.samples != seen_.samples)
+    if (hasChanges || news.newestNumber != news_.newestNumber)
         samplesChanged_.notify_all();
-    seen_ = seen;
+    news_ = news;
 }

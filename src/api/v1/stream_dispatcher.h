@@ -21,12 +21,6 @@ public:
     /// The number of streams that may be open at the same time.
     static constexpr int maxStreams = 20;
 
-    /// The newest sample, and the number of changes, that a stream has seen.
-    struct Seen {
-        quint64 samples = 0;
-        quint64 changes = 0;  ///< of the state and the markers
-    };
-
     /// An open stream, for the lifetime of the object.
     class Slot {
     public:
@@ -53,19 +47,25 @@ public:
     void stop();
     [[nodiscard]] bool isStopping() const;
 
-    /// Waits until there are samples, or changes, that are not in `seen`, or until `deadline`. Returns the newest
-    /// positions.
-    Seen waitForSamples(const Seen &seen, Clock::time_point deadline);
+    /// Waits until the selected tracker has a sample with a number above `lastNumber`, or until the number of changes
+    /// of the state and the markers is not `changeCount`, or until `deadline`. Returns the number of changes.
+    [[nodiscard]] quint64 waitForSamples(quint64 lastNumber, quint64 changeCount, Clock::time_point deadline);
     /// Waits in the same way, but for changes only.
-    Seen waitForChanges(const Seen &seen, Clock::time_point deadline);
+    [[nodiscard]] quint64 waitForChanges(quint64 changeCount, Clock::time_point deadline);
 
 private:
+    /// What the streams wait for.
+    struct News {
+        quint64 newestNumber = 0;  ///< of the selected tracker
+        quint64 changeCount = 0;
+    };
+
     [[nodiscard]] bool open();
     void close();
     void run();
     [[nodiscard]] bool waitForStreams();
-    [[nodiscard]] Seen present() const;
-    void wake(const Seen &seen);
+    [[nodiscard]] News present() const;
+    void wake(const News &news);
 
     const PublishedState &state_;
     const MarkerLog &markers_;
@@ -75,7 +75,7 @@ private:
     std::condition_variable streamsChanged_;
     std::condition_variable samplesChanged_;  ///< or the state or the markers
     std::condition_variable changesChanged_;
-    Seen seen_;
+    News news_;
     int streamCount_ = 0;
     bool stopping_ = false;
 

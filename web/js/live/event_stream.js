@@ -35,8 +35,8 @@ export class EventStream {
     #handlers;
     /** @type {EventSource | null} */
     #source = null;
-    /** The number of the last received sample, or an empty text. */
-    #lastNumber = '';
+    /** The id of the last event, or an empty text. */
+    #lastId = '';
     #failureCount = 0;
     /** Detects a silent connection or, without a connection, makes the next one. @type {ReturnType<typeof setTimeout> | undefined} */
     #timer;
@@ -69,7 +69,7 @@ export class EventStream {
     }
 
     #address() {
-        const after = this.#lastNumber && `&after=${this.#lastNumber}`;
+        const after = this.#lastId && `&after=${this.#lastId}`;
         return `${addressOf('stream')}?interval=${intervalMs}${after}`;
     }
 
@@ -83,8 +83,7 @@ export class EventStream {
      * @param {MessageEvent<string>} event
      */
     #receive(name, { data, lastEventId }) {
-        // The id is the run of Ocela and the number.
-        this.#lastNumber = lastEventId.replace(/.*:/, '') || this.#lastNumber;
+        this.#lastId = lastEventId || this.#lastId;
         this.#failureCount = 0;
         this.#watch();
         this.#handlers[name](JSON.parse(data));

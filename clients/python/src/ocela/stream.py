@@ -112,16 +112,9 @@ class EventStream:
         if event.id:
             self._last_id = event.id
         for item in events:
-            if isinstance(item, State):
-                self._remember_start(item)
-            elif isinstance(item, Marker):
+            if isinstance(item, Marker):
                 self._recent_markers.append(item)
         return events
-
-    def _remember_start(self, state: State) -> None:
-        """Lets the stream resume even if the connection is lost before the first sample."""
-        if not self._last_id and self._after is None and state.tracker:
-            self._last_id = f"{state.run}:{state.tracker.newest or 0}"
 
     def _note_success(self) -> None:
         self._received = True
