@@ -113,7 +113,8 @@ Function leaveAccessPage
   ${EndIf}
 FunctionEnd
 
-; The program sets all other settings to their defaults. By default, other computers may use it.
+; The program sets all other settings to their defaults. By default, other computers may use it. If the choice cannot be
+; saved, the program must not start with the system: it would let other computers use it.
 Function saveAccess
   ${If} $localOnly != 1
   ${OrIf} ${FileExists} "${SETTINGS}"
@@ -127,6 +128,7 @@ Function saveAccess
   FileClose $0
   ${If} ${Errors}
     Delete "${SETTINGS}"
+    Delete "$SMSTARTUP\Ocela.lnk"
     MessageBox MB_ICONEXCLAMATION "$(notSaved)" /SD IDOK
     SetErrorLevel 2
     Abort
@@ -205,7 +207,6 @@ Section "Ocela" program
   ${IfNot} ${FileExists} "${SETTINGS}"
     CreateShortcut "$SMSTARTUP\Ocela.lnk" "$INSTDIR\Ocela.exe"
   ${EndIf}
-  Call saveAccess
   WriteRegStr HKCU "${UNINSTALL_KEY}" "DisplayName" "Ocela"
   WriteRegStr HKCU "${UNINSTALL_KEY}" "DisplayVersion" "${VERSION}"
   WriteRegStr HKCU "${UNINSTALL_KEY}" "DisplayIcon" "$INSTDIR\Ocela.exe"
@@ -217,6 +218,9 @@ Section "Ocela" program
   WriteRegDWORD HKCU "${UNINSTALL_KEY}" "EstimatedSize" $0
   WriteRegDWORD HKCU "${UNINSTALL_KEY}" "NoModify" 1
   WriteRegDWORD HKCU "${UNINSTALL_KEY}" "NoRepair" 1
+  ; Last, because it is the only step after the copy that can abort. An installation that is repeated must find no settings:
+  ; they would suppress the question, and the shortcut above.
+  Call saveAccess
 SectionEnd
 
 ; Settings, logs and record files stay.
