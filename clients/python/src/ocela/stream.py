@@ -9,7 +9,7 @@ from typing import Any, Deque, Iterator, List, NamedTuple, Optional
 from urllib.parse import urlencode
 
 from .errors import NotRunning, OcelaError
-from .model import Event, Marker, Missed, State, read, sample_of, state_of
+from .model import Event, Marker, Missed, read, sample_of, state_of
 from .transport import Answer, Connection
 
 log = logging.getLogger("ocela")
@@ -20,7 +20,7 @@ FIRST_PAUSE_S = 0.1
 MAX_PAUSE_S = 2.0
 # The server is busy: too many connections, or too many streams.
 BUSY = (429, 503)
-# After a lost connection, Ocela may send the newest markers again.
+# With an id without the position of the markers, Ocela sends the newest markers again.
 RECENT_MARKER_COUNT = 1000
 
 
