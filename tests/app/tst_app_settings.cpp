@@ -3,7 +3,6 @@
 
 #include <QFile>
 #include <QTemporaryDir>
-#include <QTest>
 
 class TestAppSettings : public QObject {
     Q_OBJECT

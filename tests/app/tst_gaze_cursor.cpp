@@ -1,7 +1,6 @@
 #include "app/gaze_cursor.h"
 #include "support/test_main.h"
 
-#include <QTest>
 #include <limits>
 
 Q_DECLARE_METATYPE(gaze_cursor::Gaze)
@@ -21,12 +20,10 @@ void TestGazeCursor::cursor_is_where_the_person_looks_data() {
     // Full HD, an unscaled screen to its left, and 4K at 200 % below them.
     const std::vector<gaze_cursor::Screen> screens{
         {{0, 0, 1920, 1080}, 1}, {{-1280, 56, 1280, 1024}, 1}, {{0, 1080, 1920, 1080}, 2}};
-    QTest::addColumn<std::vector<gaze_cursor::Screen>>("screens");
-    QTest::addColumn<gaze_cursor::Gaze>("gaze");
-    QTest::addColumn<int>("screen");
-    QTest::addColumn<QPoint>("position");
+    dataColumns<std::vector<gaze_cursor::Screen>, gaze_cursor::Gaze, int, QPoint>("screens", "gaze", "screen",
+                                                                                  "position");
     const auto row = [&](const char *name, const gaze_cursor::Gaze &gaze, int screen, QPoint position) {
-        QTest::newRow(name) << screens << gaze << screen << position;
+        dataRow(name, screens, gaze, screen, position);
     };
     row("primary screen", {{960, 540}, {0, 0}, Unit::Desktop}, 0, {960, 540});
     row("area inside of the primary screen", {{10, 20}, {100, 200}, Unit::Desktop}, 0, {110, 220});
@@ -41,8 +38,8 @@ void TestGazeCursor::cursor_is_where_the_person_looks_data() {
     row("smallest numbers", {{-max, -max}, {-max, -max}, Unit::Desktop}, 1, {-1280, 56});
 
     const gaze_cursor::Screen scaled{{0, 0, 911, 512}, 1.5};
-    QTest::newRow("scale of 150 %") << std::vector<gaze_cursor::Screen>{scaled}
-                                    << gaze_cursor::Gaze{{1365, 767}, {0, 0}, Unit::Device} << 0 << QPoint(910, 511);
+    dataRow("scale of 150 %", std::vector<gaze_cursor::Screen>{scaled},
+            gaze_cursor::Gaze{{1365, 767}, {0, 0}, Unit::Device}, 0, QPoint(910, 511));
 }
 
 void TestGazeCursor::cursor_is_where_the_person_looks() {

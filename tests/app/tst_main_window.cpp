@@ -21,7 +21,6 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QTimer>
 #include <QToolButton>
 #include <QWheelEvent>
@@ -57,6 +56,16 @@ void click(const QWidget &page, const QString &text) {
         if (button->text() == text)
             button->click();
     }
+}
+
+/// Accepts the next message box, and stores its title and text.
+void acceptBox(QStringList &texts) {
+    QTimer::singleShot(0, [&texts] {
+        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        QVERIFY(box);
+        texts << box->windowTitle() << box->text();
+        box->accept();
+    });
 }
 
 /// Records the class names of the shown top-level widgets.
@@ -128,12 +137,7 @@ void TestMainWindow::first_tracker_is_selected_and_stored_for_an_unknown_name() 
 void TestMainWindow::missing_vendor_library_shows_an_error_and_keeps_the_selection() {
     store("aSee Pro");
     QStringList box;
-    QTimer::singleShot(0, [&] {
-        auto *shown = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-        QVERIFY(shown);
-        box << shown->windowTitle() << shown->text();
-        shown->accept();
-    });
+    acceptBox(box);
     MainWindow window;
     QCOMPARE(box, QStringList({"others error!!!", "code: -1"}));
     QCOMPARE(trackersOf(window).currentText(), QString("aSee Pro"));
@@ -260,14 +264,10 @@ void TestMainWindow::failing_autorun_is_shown_and_switched_back() {
     // The program is not in the folder of this test, so adding it fails with a warning.
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Cannot add to autostart .*Ocela"));
     settingsOf(window).setAutoRun(true);
-    QString text;
-    QTimer::singleShot(0, [&] {
-        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-        QVERIFY(box);
-        text = box->text();
-        box->accept();
-    });
-    QTRY_VERIFY(!text.isEmpty());
+    QStringList box;
+    acceptBox(box);
+    QTRY_VERIFY(!box.isEmpty());
+    const QString text = box.value(1);
     const QString program = QDir::toNativeSeparators(QCoreApplication::applicationDirPath() + "/Ocela");
     QVERIFY2(text.startsWith("Не удалось изменить «Запускать вместе с системой»:\n" + program), qPrintable(text));
     QVERIFY2(text.endsWith(": " + qt_error_string(ENOENT)), qPrintable(text));

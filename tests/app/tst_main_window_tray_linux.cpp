@@ -7,13 +7,11 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QDir>
 #include <QLabel>
 #include <QMenu>
 #include <QSystemTrayIcon>
 #include <QTcpServer>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QTimer>
 #include <functional>
 #include <memory>

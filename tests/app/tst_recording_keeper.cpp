@@ -9,7 +9,6 @@
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QTimer>
 #include <memory>
 
@@ -82,21 +81,13 @@ void TestRecordingKeeper::answerQuestion() {
 }
 
 void TestRecordingKeeper::asks_before_closing_while_any_tracker_records_data() {
-    QTest::addColumn<QString>("language");
-    QTest::addColumn<QString>("answer");
-    QTest::addColumn<QString>("question");
-    QTest::addColumn<bool>("closes");
-    QTest::addColumn<bool>("saves");
+    dataColumns<QString, QString, QString, bool, bool>("language", "answer", "question", "closes", "saves");
     const QString english = "A recording is running: gazepoint|Cancel|Discard|Stop and save";
     const QString russian = "Идёт запись: gazepoint|Не сохранять|Остановить и сохранить|Отмена";
-    QTest::newRow("save") << "en_US"
-                          << "Stop and save" << english << true << true;
-    QTest::newRow("discard") << "ru_RU"
-                             << "Не сохранять" << russian << true << false;
-    QTest::newRow("cancel") << "ru_RU"
-                            << "Отмена" << russian << false << false;
-    QTest::newRow("question is closed") << "en_US"
-                                        << "" << english << false << false;
+    dataRow("save", "en_US", "Stop and save", english, true, true);
+    dataRow("discard", "ru_RU", "Не сохранять", russian, true, false);
+    dataRow("cancel", "ru_RU", "Отмена", russian, false, false);
+    dataRow("question is closed", "en_US", "", english, false, false);
 }
 
 void TestRecordingKeeper::asks_before_closing_while_any_tracker_records() {

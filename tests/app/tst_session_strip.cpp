@@ -6,7 +6,6 @@
 #include <QLineEdit>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QTest>
 #include <memory>
 
 class TestSessionStrip : public QObject {
@@ -45,8 +44,7 @@ void TestSessionStrip::type(const char *field, const QString &text) {
 }
 
 void TestSessionStrip::names_the_record_file_data() {
-    QTest::addColumn<QStringList>("texts");
-    QTest::addColumn<QString>("start");
+    dataColumns<QStringList, QString>("texts", "start");
     QTest::newRow("all") << QStringList{"P01", "pre test", "reading"} << "P01_pre test_reading_";
     QTest::newRow("no session") << QStringList{"P01", "", "reading"} << "P01_reading_";
     QTest::newRow("spaces") << QStringList{" P01 ", "  ", ""} << "P01_";

@@ -2,8 +2,6 @@
 #include "support/test_main.h"
 #include "toolkit/settings/ui_language.h"
 
-#include <QTest>
-
 using namespace std::chrono_literals;
 
 Q_DECLARE_METATYPE(TrackerStatus)
@@ -21,22 +19,16 @@ private Q_SLOTS:
 };
 
 void TestStatusTexts::tracker_is_described_in_both_languages_data() {
-    QTest::addColumn<TrackerStatus>("status");
-    QTest::addColumn<QString>("english");
-    QTest::addColumn<QString>("russian");
-    QTest::newRow("unknown reason") << TrackerStatus{} << "Not connected"
-                                    << "Не подключено";
-    QTest::newRow("reason") << TrackerStatus{false, "XY", 0s, 60.0, 1.0} << "Not connected: XY"
-                            << "Не подключено: XY";
-    QTest::newRow("no sample yet") << TrackerStatus{true, {}, 999ms, {}, {}} << "Connected"
-                                   << "Подключено";
-    QTest::newRow("live") << TrackerStatus{true, {}, 0s, 149.84, 0.969} << "Connected, 149.8 Hz, 97 % valid"
-                          << "Подключено, 149,8 Гц, достоверно 97 %";
-    QTest::newRow("silent") << TrackerStatus{true, {}, 5900ms, 60.0, 1.0} << "Connected, but no samples for 5 s"
-                            << "Подключено, но данных нет уже 5 с";
-    QTest::newRow("silent for hours") << TrackerStatus{true, {}, 3661s, {}, {}}
-                                      << "Connected, but no samples for 01:01:01"
-                                      << "Подключено, но данных нет уже 01:01:01";
+    dataColumns<TrackerStatus, QString, QString>("status", "english", "russian");
+    dataRow("unknown reason", TrackerStatus{}, "Not connected", "Не подключено");
+    dataRow("reason", TrackerStatus{false, "XY", 0s, 60.0, 1.0}, "Not connected: XY", "Не подключено: XY");
+    dataRow("no sample yet", TrackerStatus{true, {}, 999ms, {}, {}}, "Connected", "Подключено");
+    dataRow("live", TrackerStatus{true, {}, 0s, 149.84, 0.969}, "Connected, 149.8 Hz, 97 % valid",
+            "Подключено, 149,8 Гц, достоверно 97 %");
+    dataRow("silent", TrackerStatus{true, {}, 5900ms, 60.0, 1.0}, "Connected, but no samples for 5 s",
+            "Подключено, но данных нет уже 5 с");
+    dataRow("silent for hours", TrackerStatus{true, {}, 3661s, {}, {}}, "Connected, but no samples for 01:01:01",
+            "Подключено, но данных нет уже 01:01:01");
 }
 
 void TestStatusTexts::tracker_is_described_in_both_languages() {
@@ -49,23 +41,16 @@ void TestStatusTexts::tracker_is_described_in_both_languages() {
 }
 
 void TestStatusTexts::recording_has_a_time_and_a_number_of_samples_data() {
-    QTest::addColumn<QString>("locale");
-    QTest::addColumn<int>("count");
-    QTest::addColumn<int>("seconds");
-    QTest::addColumn<QString>("running");
-    QTest::addColumn<QString>("saved");
-    QTest::newRow("English") << "en_US" << 114150 << 761 << "Recording (x) 00:12:41, 114,150 samples"
-                             << "Saved r.csv, 114,150 samples, 12:41";
-    QTest::newRow("one sample") << "en_US" << 1 << 0 << "Recording (x) 00:00:00, 1 sample"
-                                << "Saved r.csv, 1 sample, 00:00";
-    QTest::newRow("long") << "en_US" << 2 << 100 * 3600 + 59 << "Recording (x) 100:00:59, 2 samples"
-                          << "Saved r.csv, 2 samples, 100:00:59";
-    QTest::newRow("Russian, one") << "ru_RU" << 21 << 0 << "Запись (x) 00:00:00, 21 отсчёт"
-                                  << "Сохранено: r.csv, 21 отсчёт, 00:00";
-    QTest::newRow("Russian, few") << "ru_RU" << 2 << 0 << "Запись (x) 00:00:00, 2 отсчёта"
-                                  << "Сохранено: r.csv, 2 отсчёта, 00:00";
-    QTest::newRow("Russian, many") << "ru_RU" << 114150 << 761 << QString("Запись (x) 00:12:41, 114\u00A0150 отсчётов")
-                                   << QString("Сохранено: r.csv, 114\u00A0150 отсчётов, 12:41");
+    dataColumns<QString, int, int, QString, QString>("locale", "count", "seconds", "running", "saved");
+    dataRow("English", "en_US", 114150, 761, "Recording (x) 00:12:41, 114,150 samples",
+            "Saved r.csv, 114,150 samples, 12:41");
+    dataRow("one sample", "en_US", 1, 0, "Recording (x) 00:00:00, 1 sample", "Saved r.csv, 1 sample, 00:00");
+    dataRow("long", "en_US", 2, 100 * 3600 + 59, "Recording (x) 100:00:59, 2 samples",
+            "Saved r.csv, 2 samples, 100:00:59");
+    dataRow("Russian, one", "ru_RU", 21, 0, "Запись (x) 00:00:00, 21 отсчёт", "Сохранено: r.csv, 21 отсчёт, 00:00");
+    dataRow("Russian, few", "ru_RU", 2, 0, "Запись (x) 00:00:00, 2 отсчёта", "Сохранено: r.csv, 2 отсчёта, 00:00");
+    dataRow("Russian, many", "ru_RU", 114150, 761, QString("Запись (x) 00:12:41, 114\u00A0150 отсчётов"),
+            QString("Сохранено: r.csv, 114\u00A0150 отсчётов, 12:41"));
 }
 
 void TestStatusTexts::recording_has_a_time_and_a_number_of_samples() {

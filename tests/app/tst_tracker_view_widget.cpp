@@ -3,7 +3,6 @@
 #include "support/test_main.h"
 
 #include <QPushButton>
-#include <QTest>
 #include <memory>
 
 class TestTrackerViewWidget : public QObject {

@@ -5,7 +5,6 @@
 
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QTest>
 
 class TestTranslations : public QObject {
     Q_OBJECT

@@ -5,7 +5,6 @@
 
 #include <QDBusConnection>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QThread>
 #include <QVariantMap>
 #include <QWidget>

@@ -4,8 +4,6 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
-#include <QTest>
 
 class TestCrossedEye : public QObject {
     Q_OBJECT

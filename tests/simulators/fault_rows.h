@@ -1,7 +1,8 @@
 #pragma once
 
+#include "support/test_main.h"
+
 #include <QByteArrayList>
-#include <QTest>
 
 /// Sets environment variables until it is destroyed: "NAME=value", separated by spaces.
 class ScopedVariables {
@@ -25,8 +26,7 @@ private:
 
 /// A table of faults: the environment variables and the expected outcome.
 inline void faultColumns() {
-    QTest::addColumn<QByteArray>("variables");
-    QTest::addColumn<QString>("outcome");
+    dataColumns<QByteArray, QString>("variables", "outcome");
 }
 inline void faultRow(const char *name, const QByteArray &variables, const QString &outcome) {
     QTest::newRow(name) << variables << outcome;

@@ -1,4 +1,5 @@
 #include "simulators/fault_rows.h"
+#include "simulators/record_field.h"
 #include "support/test_main.h"
 #include "trackers/asee/sdk/asee_sdk.h"
 
@@ -25,9 +26,7 @@ struct Record {
 
     template <typename T>
     [[nodiscard]] T field(std::size_t offset) const {
-        T value{};
-        std::memcpy(&value, bytes.data() + offset, sizeof value);
-        return value;
+        return fieldAt<T>(bytes.data(), offset);
     }
     [[nodiscard]] bool eyeSeen() const { return (field<int>(at::leftEyeFlags) & 1) != 0; }
     [[nodiscard]] bool tracked() const { return field<int>(at::leftStatus) < 2; }

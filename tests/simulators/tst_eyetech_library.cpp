@@ -1,11 +1,11 @@
 #include "simulators/fault_rows.h"
+#include "simulators/record_field.h"
 #include "support/test_main.h"
 #include "trackers/eyetech/sdk/quicklink2.h"
 
 #include <QLibrary>
 #include <array>
 #include <cmath>
-#include <cstring>
 
 namespace at = quicklink2::frame_record;
 
@@ -16,9 +16,7 @@ OCELA_QUICKLINK2_FUNCTIONS(OCELA_POINTER)
 
 template <typename T>
 T field(const quicklink2::QLFrameRecord &record, int offset) {
-    T value{};
-    std::memcpy(&value, record.bytes + offset, sizeof value);
-    return value;
+    return fieldAt<T>(record.bytes, static_cast<std::size_t>(offset));
 }
 
 /// Returns whether the dark pupil in the image extends equally far from its reported centre in opposite directions.

@@ -1,8 +1,6 @@
 #include "gazepoint/faults.h"
 #include "support/test_main.h"
 
-#include <QTest>
-
 using namespace sim::gazepoint;
 
 namespace {

@@ -7,7 +7,6 @@
 #include "simulators/loopback_client.h"
 #include "support/test_main.h"
 
-#include <QTest>
 #include <cmath>
 
 using namespace sim;

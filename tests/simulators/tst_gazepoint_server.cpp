@@ -3,7 +3,6 @@
 #include "simulators/loopback_client.h"
 #include "support/test_main.h"
 
-#include <QTest>
 #include <memory>
 
 using namespace sim;

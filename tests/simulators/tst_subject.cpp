@@ -1,7 +1,6 @@
 #include "subject/subject.h"
 #include "support/test_main.h"
 
-#include <QTest>
 #include <QVector>
 #include <cmath>
 #include <vector>

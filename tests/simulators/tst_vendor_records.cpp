@@ -8,15 +8,14 @@
 #include "eyetech/results.h"
 #include "simulators/distinct_eyes.h"
 #include "simulators/fault_rows.h"
+#include "simulators/record_field.h"
 #include "support/test_main.h"
 
 #include <QTemporaryDir>
-#include <QTest>
 #include <algorithm>
 #include <array>
 #include <chrono>
 #include <cmath>
-#include <cstring>
 #include <future>
 #include <thread>
 
@@ -27,20 +26,13 @@ namespace {
 namespace asee_at = asee_sdk::gaze_record;
 namespace eyetech_at = quicklink2::frame_record;
 
-template <typename T>
-T valueAt(const unsigned char *record, std::size_t offset) {
-    T value{};
-    std::memcpy(&value, record + offset, sizeof value);
-    return value;
-}
-
 /// Returns the points at these offsets.
 QString pointsAt(const unsigned char *record, std::initializer_list<std::size_t> offsets) {
     QString text;
     for (const std::size_t offset : offsets)
         text += QString("(%1, %2) ")
-                    .arg(double(valueAt<float>(record, offset)))
-                    .arg(double(valueAt<float>(record, offset + 4)));
+                    .arg(double(fieldAt<float>(record, offset)))
+                    .arg(double(fieldAt<float>(record, offset + 4)));
     return text.trimmed();
 }
 
@@ -67,8 +59,8 @@ void TestVendorRecords::asee_has_each_value_in_its_field() {
     QCOMPARE(pointsAt(record.data(), {asee_at::gaze, asee_at::leftGaze, asee_at::rightGaze}),
              QString("(0.3, 0.4) (0.1, 0.2) (0.5, 0.6)"));
     QCOMPARE(pointsAt(record.data(), {asee_at::leftEye, asee_at::rightEye}), QString("(0.3, 0.4) (0.7, 0.8)"));
-    QCOMPARE(valueAt<float>(record.data(), asee_at::leftPupil_mm), 3.0F);
-    QCOMPARE(valueAt<float>(record.data(), asee_at::rightPupil_mm), 4.0F);
+    QCOMPARE(fieldAt<float>(record.data(), asee_at::leftPupil_mm), 3.0F);
+    QCOMPARE(fieldAt<float>(record.data(), asee_at::rightPupil_mm), 4.0F);
 }
 
 /// The eye flags, gaze flags and status, left and right.
@@ -80,7 +72,7 @@ void TestVendorRecords::asee_reports_the_states_of_the_eyes() {
         QVector<int> states;
         for (const std::size_t offset : {asee_at::leftEyeFlags, asee_at::rightEyeFlags, asee_at::leftGazeFlags,
                                          asee_at::rightGazeFlags, asee_at::leftStatus, asee_at::rightStatus})
-            states << valueAt<int>(record.data(), offset);
+            states << fieldAt<int>(record.data(), offset);
         return states;
     };
     QCOMPARE(statesOf(true, true), (QVector<int>{1, 1, 1, 1, 0, 0}));
@@ -93,7 +85,7 @@ void TestVendorRecords::asee_distinguishes_fixations_from_saccades() {
     const auto stateAt = [&](Point gaze, bool tracking = true) {
         EyeState eyes = distinctEyes();
         eyes.left.gaze = eyes.right.gaze = gaze;
-        return valueAt<int>(recorder.record(eyes, tracking).data(), asee_at::fixationState);
+        return fieldAt<int>(recorder.record(eyes, tracking).data(), asee_at::fixationState);
     };
     for (int i = 0; i < 50; ++i)
         stateAt({0.5, 0.5});
@@ -145,12 +137,12 @@ void TestVendorRecords::eyetech_has_each_value_in_its_field() {
     QCOMPARE(pointsAt(frame.bytes, {eyetech_at::leftEye + eyetech_at::eyePupilCentre,
                                     eyetech_at::rightEye + eyetech_at::eyePupilCentre}),
              QString("(300, 200) (700, 400)"));
-    QCOMPARE(valueAt<float>(frame.bytes, eyetech_at::leftEye + eyetech_at::eyePupil_mm), 3.0F);
-    QCOMPARE(valueAt<float>(frame.bytes, eyetech_at::rightEye + eyetech_at::eyePupil_mm), 4.0F);
-    QCOMPARE(valueAt<float>(frame.bytes, eyetech_at::distance_cm), 50.0F);
-    QCOMPARE(valueAt<const unsigned char *>(frame.bytes, eyetech_at::imagePixels), &pixel);
-    QCOMPARE(valueAt<int>(frame.bytes, eyetech_at::imageWidth), 7);
-    QCOMPARE(valueAt<int>(frame.bytes, eyetech_at::imageHeight), -8);
+    QCOMPARE(fieldAt<float>(frame.bytes, eyetech_at::leftEye + eyetech_at::eyePupil_mm), 3.0F);
+    QCOMPARE(fieldAt<float>(frame.bytes, eyetech_at::rightEye + eyetech_at::eyePupil_mm), 4.0F);
+    QCOMPARE(fieldAt<float>(frame.bytes, eyetech_at::distance_cm), 50.0F);
+    QCOMPARE(fieldAt<const unsigned char *>(frame.bytes, eyetech_at::imagePixels), &pixel);
+    QCOMPARE(fieldAt<int>(frame.bytes, eyetech_at::imageWidth), 7);
+    QCOMPARE(fieldAt<int>(frame.bytes, eyetech_at::imageHeight), -8);
 }
 
 void TestVendorRecords::eyetech_scores_each_eye() {

@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QFile>
 #include <QTemporaryDir>
-#include <QTest>
 #include <cstdio>
 #include <memory>
 #include <vector>

@@ -8,7 +8,6 @@
 #include <QDir>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QTest>
 #include <cerrno>
 
 namespace {

@@ -3,7 +3,6 @@
 #include "views/eyetracker_connected_widget.h"
 
 #include <QImage>
-#include <QTest>
 
 class TestEyetrackerConnectedWidget : public QObject {
     Q_OBJECT

@@ -5,7 +5,6 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QRegularExpression>
-#include <QTest>
 #include <QTranslator>
 #include <limits>
 #include <thread>
@@ -67,15 +66,14 @@ public:
 }  // namespace
 
 void TestEyetrackerSampleViewer::shows_a_sample_data() {
-    QTest::addColumn<EyeTrackingSample>("sample");
-    QTest::addColumn<QString>("texts");
-    QTest::newRow("all fields") << EyeTrackingSample{1, true, false, true, 1,  2,  3,  4,  5,  6,  7,  8,
-                                                     9, 10,   11,    12,   13, 14, 15, 16, 17, 18, 19, 20}
-                                << "true|0-|x:   1.0%|y:   4.0%|x:    7px|y:    8px|19.0|20.0cm"
-                                   "|0|2.0%|5.0%|   17.0mm|-|3.0%|6.0%|   18.0mm";
-    QTest::newRow("wide values are not truncated") << sampleAt(-1234.56F, 123456)
-                                                   << "false|--|x:-1234.6%|y:   0.0%|x:123456px|y:    0px|0.0|0.0cm"
-                                                      "|-|0.0%|0.0%|    0.0mm|-|0.0%|0.0%|    0.0mm";
+    dataColumns<EyeTrackingSample, QString>("sample", "texts");
+    dataRow("all fields", EyeTrackingSample{1, true, false, true, 1,  2,  3,  4,  5,  6,  7,  8,
+                                            9, 10,   11,    12,   13, 14, 15, 16, 17, 18, 19, 20},
+            "true|0-|x:   1.0%|y:   4.0%|x:    7px|y:    8px|19.0|20.0cm"
+            "|0|2.0%|5.0%|   17.0mm|-|3.0%|6.0%|   18.0mm");
+    dataRow("wide values are not truncated", sampleAt(-1234.56F, 123456),
+            "false|--|x:-1234.6%|y:   0.0%|x:123456px|y:    0px|0.0|0.0cm"
+            "|-|0.0%|0.0%|    0.0mm|-|0.0%|0.0%|    0.0mm");
 }
 
 void TestEyetrackerSampleViewer::shows_a_sample() {

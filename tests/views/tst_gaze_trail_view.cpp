@@ -4,7 +4,6 @@
 #include "views/gaze_trail_view.h"
 
 #include <QImage>
-#include <QTest>
 
 using namespace std::chrono_literals;
 
@@ -85,15 +84,10 @@ void TestGazeTrailView::trail_fades_and_ends() {
 }
 
 void TestGazeTrailView::picture_keeps_the_proportions_of_the_screen_data() {
-    QTest::addColumn<QSize>("screen");
-    QTest::addColumn<QRectF>("picture");
-    QTest::addColumn<QPointF>("gaze");
-    QTest::addColumn<QPointF>("place");
-    QTest::newRow("wide") << QSize(1600, 400) << QRectF(0, 75, 400, 100) << QPointF(25, 50) << QPointF(100, 125);
-    QTest::newRow("upright") << QSize(1080, 2160) << QRectF(137.5, 0, 125, 250) << QPointF(0, 100)
-                             << QPointF(137.5, 250);
-    QTest::newRow("beside the screen") << QSize(1600, 1000) << QRectF(0, 0, 400, 250) << QPointF(-20, 1e9)
-                                       << QPointF(0, 250);
+    dataColumns<QSize, QRectF, QPointF, QPointF>("screen", "picture", "gaze", "place");
+    dataRow("wide", QSize(1600, 400), QRectF(0, 75, 400, 100), QPointF(25, 50), QPointF(100, 125));
+    dataRow("upright", QSize(1080, 2160), QRectF(137.5, 0, 125, 250), QPointF(0, 100), QPointF(137.5, 250));
+    dataRow("beside the screen", QSize(1600, 1000), QRectF(0, 0, 400, 250), QPointF(-20, 1e9), QPointF(0, 250));
 }
 
 void TestGazeTrailView::picture_keeps_the_proportions_of_the_screen() {
@@ -105,8 +99,7 @@ void TestGazeTrailView::picture_keeps_the_proportions_of_the_screen() {
 }
 
 void TestGazeTrailView::shows_the_gaze_until_it_is_lost_data() {
-    QTest::addColumn<QColor>("screen");
-    QTest::addColumn<QColor>("text");
+    dataColumns<QColor, QColor>("screen", "text");
     QTest::newRow("light") << QColor(Qt::white) << QColor(Qt::black);
     QTest::newRow("dark") << QColor(Qt::black) << QColor(Qt::white);
 }

@@ -1,8 +1,6 @@
 #include "support/test_main.h"
 #include "toolkit/base/connection_helper.h"
 
-#include <QTest>
-
 class TestConnectionHelper : public QObject {
     Q_OBJECT
 

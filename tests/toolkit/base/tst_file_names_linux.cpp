@@ -4,7 +4,6 @@
 
 #include <QFileInfo>
 #include <QTemporaryDir>
-#include <QTest>
 #include <cerrno>
 #include <cstddef>
 #include <linux/filter.h>

@@ -5,7 +5,6 @@
 #include <QDir>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QTest>
 
 class TestFileUtilities : public QObject {
     Q_OBJECT

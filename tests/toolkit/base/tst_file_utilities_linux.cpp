@@ -3,7 +3,6 @@
 
 #include <QDir>
 #include <QTemporaryDir>
-#include <QTest>
 
 class TestFileUtilitiesLinux : public QObject {
     Q_OBJECT

@@ -5,7 +5,6 @@
 #include <QDir>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QTest>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -35,10 +34,7 @@ private Q_SLOTS:
 };
 
 void TestLogFile::limits_its_size_and_keeps_the_newest_lines_data() {
-    QTest::addColumn<int>("lines");
-    QTest::addColumn<int>("length");
-    QTest::addColumn<int>("linesPerStart");
-    QTest::addColumn<bool>("oldFileIsBlocked");
+    dataColumns<int, int, int, bool>("lines", "length", "linesPerStart", "oldFileIsBlocked");
     QTest::newRow("many lines") << 20000 << 600 << 20000 << false;
     QTest::newRow("huge lines") << 800 << 1000000 << 800 << false;
     QTest::newRow("a program start for each line") << 800 << 16000 << 1 << false;

@@ -6,7 +6,6 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QStandardPaths>
-#include <QTest>
 #include <objbase.h>
 #include <shlobj.h>
 

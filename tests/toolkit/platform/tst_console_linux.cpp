@@ -3,7 +3,6 @@
 #include "toolkit/platform/console.h"
 
 #include <QTemporaryFile>
-#include <QTest>
 #include <cstdio>
 #include <pty.h>
 

@@ -3,7 +3,6 @@
 
 #include <QFile>
 #include <QTemporaryDir>
-#include <QTest>
 
 class TestFileLock : public QObject {
     Q_OBJECT

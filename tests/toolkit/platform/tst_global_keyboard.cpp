@@ -3,7 +3,6 @@
 
 #include <QLineEdit>
 #include <QSignalSpy>
-#include <QTest>
 
 /// Without a display, keys come from the application's own key events.
 class TestGlobalKeyboard : public QObject {

@@ -1,7 +1,6 @@
 #include "support/test_main.h"
 #include "toolkit/platform/global_keyboard.h"
 
-#include <QTest>
 #include <windows.h>
 
 /// Tests key presses while no window of this process has the focus.

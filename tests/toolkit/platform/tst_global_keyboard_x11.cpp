@@ -4,7 +4,6 @@
 #include <QKeyEvent>
 #include <QProcess>
 #include <QRasterWindow>
-#include <QTest>
 
 namespace {
 

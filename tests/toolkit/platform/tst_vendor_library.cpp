@@ -6,7 +6,6 @@
 #include <QFile>
 #include <QRegularExpression>
 #include <QScopeGuard>
-#include <QTest>
 
 using Reason = VendorLibrary::Reason;
 
@@ -59,10 +58,7 @@ void TestVendorLibrary::names_the_first_missing_entry_point() {
 }
 
 void TestVendorLibrary::reports_why_a_library_cannot_be_loaded_data() {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<Reason>("reason");
-    QTest::addColumn<QString>("text");
+    dataColumns<QString, QByteArray, Reason, QString>("name", "content", "reason", "text");
     const auto row = [](const char *title, const QString &name, const QByteArray &content, Reason reason,
                         const char *text) { QTest::newRow(title) << name << content << reason << text; };
     row("file does not exist", "ocela_missing", {}, Reason::NotFound,

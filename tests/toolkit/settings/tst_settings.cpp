@@ -5,7 +5,6 @@
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
 #include <memory>
 
 class TestSettings : public QObject {
@@ -107,28 +106,13 @@ void TestSettings::reload_sets_the_properties_from_the_file() {
 }
 
 void TestSettings::replaces_invalid_values_and_values_outside_the_range_data() {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<bool>("warns");
-    QTest::newRow("too small") << "TimeMs"
-                               << "-5"
-                               << "1000" << false;
-    QTest::newRow("larger than an int") << "TimeMs"
-                                        << "99999999999"
-                                        << "10000" << false;
-    QTest::newRow("number with a unit") << "TimeMs"
-                                        << "1500 ms"
-                                        << "2000" << true;
-    QTest::newRow("not a number") << "Gain"
-                                  << "nan"
-                                  << "1.5" << true;
-    QTest::newRow("unknown key") << "Points"
-                                 << "Mode_2_points"
-                                 << "Mode_5_points" << true;
-    QTest::newRow("unknown language") << "Language"
-                                      << "fr_FR"
-                                      << "en_US" << true;
+    dataColumns<QString, QString, QString, bool>("name", "text", "value", "warns");
+    dataRow("too small", "TimeMs", "-5", "1000", false);
+    dataRow("larger than an int", "TimeMs", "99999999999", "10000", false);
+    dataRow("number with a unit", "TimeMs", "1500 ms", "2000", true);
+    dataRow("not a number", "Gain", "nan", "1.5", true);
+    dataRow("unknown key", "Points", "Mode_2_points", "Mode_5_points", true);
+    dataRow("unknown language", "Language", "fr_FR", "en_US", true);
 }
 
 void TestSettings::replaces_invalid_values_and_values_outside_the_range() {

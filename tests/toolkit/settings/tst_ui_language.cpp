@@ -1,8 +1,6 @@
 #include "support/test_main.h"
 #include "toolkit/settings/ui_language.h"
 
-#include <QTest>
-
 class TestUiLanguage : public QObject {
     Q_OBJECT
 
@@ -12,9 +10,7 @@ private Q_SLOTS:
 };
 
 void TestUiLanguage::selects_the_language_of_the_system_data() {
-    QTest::addColumn<QStringList>("offered");
-    QTest::addColumn<QStringList>("system");
-    QTest::addColumn<QString>("expected");
+    dataColumns<QStringList, QStringList, QString>("offered", "system", "expected");
 
     const QStringList both{"ru_RU", "en_US"};
     QTest::newRow("Russian") << both << QStringList{"ru-RU", "en-US"} << "ru_RU";

@@ -5,7 +5,6 @@
 #include <QDir>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QThread>
 #include <cstdio>
 #include <thread>
@@ -15,7 +14,6 @@ class TestUnreadSettings : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void file_is_neither_renamed_nor_overwritten_data();
     void file_is_neither_renamed_nor_overwritten();
     void file_is_read_as_soon_as_possible();
     void damaged_file_that_cannot_be_renamed_is_kept();
@@ -37,41 +35,36 @@ void replaceByFile(const QString &path) {
 
 }  // namespace
 
-void TestUnreadSettings::file_is_neither_renamed_nor_overwritten_data() {
-    QTest::addColumn<bool>("isFolder");
-    QTest::newRow("cannot be read") << false;
-    QTest::newRow("is a folder") << true;
-}
-
 void TestUnreadSettings::file_is_neither_renamed_nor_overwritten() {
-    QFETCH(bool, isFolder);
-    const QTemporaryDir folder;
-    const QString path = folder.filePath("settings.xml");
-    SampleSettings settings(path);
-    settings.setTimeMs(3000);
-    QVERIFY(QFile::remove(path));
-    if (isFolder)
-        QVERIFY(QDir().mkdir(path));
-    else
-        makeUnreadable(path);
+    for (const bool isFolder : {false, true}) {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath("settings.xml");
+        SampleSettings settings(path);
+        settings.setTimeMs(3000);
+        QVERIFY(QFile::remove(path));
+        if (isFolder)
+            QVERIFY(QDir().mkdir(path));
+        else
+            makeUnreadable(path);
 
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("Settings file .*settings.xml cannot be read: .+; the "
-                                                          "defaults apply, and changes are not saved"));
-    QVERIFY(!settings.reload());
-    QVERIFY(!settings.readProblem().isEmpty());
-    QCOMPARE(settings.getTimeMs(), 2000);
-    settings.setTimeMs(4000);
-    QVERIFY(!settings.save());
-    const auto entries = QDir(folder.path()).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
-    QCOMPARE(entries, QStringList("settings.xml"));
-    QCOMPARE(QFileInfo(path).isSymLink(), !isFolder);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("Settings file .*settings.xml cannot be read: .+; the "
+                                                              "defaults apply, and changes are not saved"));
+        QVERIFY(!settings.reload());
+        QVERIFY(!settings.readProblem().isEmpty());
+        QCOMPARE(settings.getTimeMs(), 2000);
+        settings.setTimeMs(4000);
+        QVERIFY(!settings.save());
+        const auto entries = QDir(folder.path()).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
+        QCOMPARE(entries, QStringList("settings.xml"));
+        QCOMPARE(QFileInfo(path).isSymLink(), !isFolder);
 
-    QVERIFY(isFolder ? QDir().rmdir(path) : QFile::remove(path));
-    QVERIFY(writeFile(path, stored));
-    QVERIFY(settings.reload());
-    QCOMPARE(settings.getTimeMs(), 1500);
-    settings.setTimeMs(1600);
-    QVERIFY(readFile(path).contains("1600"));
+        QVERIFY(isFolder ? QDir().rmdir(path) : QFile::remove(path));
+        QVERIFY(writeFile(path, stored));
+        QVERIFY(settings.reload());
+        QCOMPARE(settings.getTimeMs(), 1500);
+        settings.setTimeMs(1600);
+        QVERIFY(readFile(path).contains("1600"));
+    }
 }
 
 void TestUnreadSettings::file_is_read_as_soon_as_possible() {

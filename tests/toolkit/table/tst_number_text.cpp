@@ -2,7 +2,6 @@
 #include "toolkit/table/number_text.h"
 
 #include <QRandomGenerator>
-#include <QTest>
 #include <QVariant>
 #include <cstring>
 #include <limits>

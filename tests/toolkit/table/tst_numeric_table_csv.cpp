@@ -7,7 +7,6 @@
 #include <QLocale>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QTest>
 
 namespace {
 
@@ -107,8 +106,7 @@ void TestNumericTableCSV::loads_a_saved_table() {
 }
 
 void TestNumericTableCSV::reads_csv_text_data() {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QList<QStringList>>("records");
+    dataColumns<QString, QList<QStringList>>("text", "records");
     using Records = QList<QStringList>;
     QTest::newRow("last line without a line ending") << "a,b" << Records{{"a", "b"}};
     QTest::newRow("all three line endings") << "a\r\nb\nc\rd" << Records{{"a"}, {"b"}, {"c"}, {"d"}};

@@ -6,7 +6,6 @@
 #include <QNetworkReply>
 #include <QSignalSpy>
 #include <QTemporaryFile>
-#include <QTest>
 
 namespace {
 
@@ -58,8 +57,7 @@ void TestNewVersionButton::initTestCase() {
 }
 
 void TestNewVersionButton::is_visible_for_a_newer_release_data() {
-    QTest::addColumn<QByteArray>("response");
-    QTest::addColumn<bool>("shown");
+    dataColumns<QByteArray, bool>("response", "shown");
     QTest::newRow("newer") << release("1.4.0") << true;
     QTest::newRow("numbers are compared, not texts") << release("1.10.0") << true;
     QTest::newRow("older") << release("1.2.9") << false;

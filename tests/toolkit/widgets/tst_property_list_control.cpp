@@ -8,7 +8,6 @@
 #include <QSignalSpy>
 #include <QSpinBox>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QToolButton>
 #include <QWheelEvent>
 #include <algorithm>

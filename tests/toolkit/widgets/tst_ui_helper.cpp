@@ -4,7 +4,6 @@
 #include <QIcon>
 #include <QRegularExpression>
 #include <QTemporaryFile>
-#include <QTest>
 
 namespace {
 
