@@ -5,6 +5,7 @@
 #include "core/journal_writer.h"
 
 #include <QDir>
+#include <QTemporaryDir>
 
 /// A recording with a journal, as a tracker has it. The journal is destroyed first, because it reads the recording.
 class JournaledRecording {
@@ -61,6 +62,22 @@ private:
     std::unique_ptr<JournalWriter> journal_;
 };
 
+/// Returns the header and the first `count` rows of a record file.
+inline QByteArray recordText(int count) {
+    QByteArray text = QByteArray::fromStdString(JournaledRecording::header());
+    for (int row = 0; row < count; ++row)
+        text += QByteArray::number(row) + ",0,1" + QByteArray(",0").repeated(20) + "\r\n";
+    return text;
+}
+
+/// Returns the header and the first `count` rows of a samples file. The samples are 10 ms apart.
+inline QByteArray samplesText(int count) {
+    QByteArray text = "Number,Arrival_ms,L_Valid,R_Valid\r\n";
+    for (int row = 0; row < count; ++row)
+        text += QByteArray::number(row + 7) + ",17000000001" + QByteArray::number(row) + "0.250,1,0\r\n";
+    return text;
+}
+
 /// Returns the paths of the journals in `folder`, without a slash at the end.
 inline QStringList journalsIn(const QString &folder) {
     QStringList paths;
@@ -68,3 +85,25 @@ inline QStringList journalsIn(const QString &folder) {
         paths << entry.filePath();
     return paths;
 }
+
+/// A test with new folders for each test function: "journal/a", "records" and "target".
+class JournalTest : public QObject {
+    Q_OBJECT
+
+protected Q_SLOTS:
+    void init() {
+        folder_ = std::make_unique<QTemporaryDir>();
+        for (const char *name : {"journal/a", "records", "target"})
+            QDir(folder_->path()).mkpath(name);
+    }
+
+protected:
+    [[nodiscard]] QString path(const QString &name) const { return folder_->filePath(name); }
+    [[nodiscard]] QString target(const QString &name) const { return path("target/" + name); }
+    [[nodiscard]] QStringList files(const QString &name) const {
+        return QDir(path(name)).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+    }
+
+private:
+    std::unique_ptr<QTemporaryDir> folder_;
+};

@@ -3,7 +3,6 @@
 
 #include <QFile>
 #include <QTemporaryDir>
-#include <QTest>
 
 class TestEyeTrackingCSV : public QObject {
     Q_OBJECT

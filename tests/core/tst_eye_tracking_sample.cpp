@@ -2,7 +2,6 @@
 #include "support/test_main.h"
 
 #include <QJsonDocument>
-#include <QTest>
 #include <limits>
 
 class TestEyeTrackingSample : public QObject {
@@ -17,9 +16,7 @@ private Q_SLOTS:
 
 void TestEyeTrackingSample::pixels_are_truncated_and_not_clamped_data() {
     using Limits = std::numeric_limits<float>;
-    QTest::addColumn<float>("percent");
-    QTest::addColumn<int>("size");
-    QTest::addColumn<int>("pixel");
+    dataColumns<float, int, int>("percent", "size", "pixel");
     QTest::newRow("just before the edge") << 99.99F << 1080 << 1079;
     QTest::newRow("half a pixel left of the area") << -1.0F << 50 << 0;
     QTest::newRow("left of the area") << -10.0F << 1920 << -192;

@@ -9,7 +9,6 @@
 #include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTemporaryDir>
-#include <QTest>
 #include <functional>
 
 namespace {
@@ -173,19 +172,13 @@ void TestEyetrackerInterface::new_recording_takes_samples_while_the_old_file_is_
 }
 
 void TestEyetrackerInterface::recording_is_saved_at_the_next_possible_place_data() {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("saved");
-    QTest::newRow("the name is a folder") << "taken.csv"
-                                          << "^/taken_1\\.csv$";
-    QTest::newRow("another program takes the name") << "raced.csv"
-                                                    << "^/raced_1\\.csv$";
-    QTest::newRow("the folder is missing") << "missing/r.csv"
-                                           << "^/records/r_1\\.csv$";
-    QTest::newRow("the name is too long") << QString(300, 'x') + ".csv"
-                                          << "^/\\d{4}-[-_0-9]*_ocela\\.csv$";
+    dataColumns<QString, QString>("name", "saved");
+    dataRow("the name is a folder", "taken.csv", "^/taken_1\\.csv$");
+    dataRow("another program takes the name", "raced.csv", "^/raced_1\\.csv$");
+    dataRow("the folder is missing", "missing/r.csv", "^/records/r_1\\.csv$");
+    dataRow("the name is too long", QString(300, 'x') + ".csv", "^/\\d{4}-[-_0-9]*_ocela\\.csv$");
 #ifdef Q_OS_WIN
-    QTest::newRow("a spreadsheet holds the earlier file open") << "held.csv"
-                                                               << "^/held_1\\.csv$";
+    dataRow("a spreadsheet holds the earlier file open", "held.csv", "^/held_1\\.csv$");
 #endif
 }
 

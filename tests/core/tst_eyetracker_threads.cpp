@@ -1,9 +1,6 @@
-#include "core/eye_tracking_csv.h"
 #include "support/fake_tracker.h"
 #include "support/test_main.h"
 
-#include <QTemporaryDir>
-#include <QTest>
 #include <algorithm>
 #include <atomic>
 #include <thread>
@@ -14,13 +11,11 @@ class TestEyetrackerThreads : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void recordings_start_and_stop_while_a_device_delivers();
     void readers_get_every_sample_once_while_several_threads_deliver();
 };
 
 namespace {
 
-constexpr int recordingCount = 20;
 constexpr int devicesPerTracker = 2;
 constexpr int samplesPerDevice = 2000;
 
@@ -45,33 +40,6 @@ bool isInOrder(const std::vector<NumberedSample> &samples) {
 }
 
 }  // namespace
-
-void TestEyetrackerThreads::recordings_start_and_stop_while_a_device_delivers() {
-    const QTemporaryDir folder;
-    FakeTracker tracker;
-    std::atomic<bool> running{true};
-    std::thread device([&] {
-        for (qint64 timestamp = 1; running; ++timestamp)
-            tracker.addSample({timestamp});
-    });
-    for (int i = 0; i < recordingCount; ++i) {
-        tracker.startRecord(folder.filePath(QString("%1.csv").arg(i)));
-        const qint64 before = tracker.getLastSample().timestamp;
-        while (tracker.getLastSample().timestamp < before + 50)
-            std::this_thread::yield();
-        tracker.stopRecord();
-    }
-    running = false;
-    device.join();
-
-    for (int i = 0; i < recordingCount; ++i) {
-        const EyeTrackingCSV record(folder.filePath(QString("%1.csv").arg(i)), true);
-        QVERIFY2(record.rows().size() > 0, "the record file has no samples");
-        qint64 expected = record.rows().at(0).at(0).toLongLong();
-        for (std::size_t row = 0; row < record.rows().size(); ++row)
-            QCOMPARE(record.rows().at(row).at(0).toLongLong(), expected++);
-    }
-}
 
 void TestEyetrackerThreads::readers_get_every_sample_once_while_several_threads_deliver() {
     FakeTracker trackers[2];

@@ -2,17 +2,14 @@
 #include "support/test_main.h"
 
 #include <QDir>
-#include <QTest>
 
 class TestFreeSpace : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void warning_names_the_disk_that_is_full_first_data() {
-        QTest::addColumn<QString>("journalDisk");
-        QTest::addColumn<qint64>("recordBytes");
-        QTest::addColumn<qint64>("journalBytes");
-        QTest::addColumn<QString>("warning");  // the words that it must contain
+        // The warning must contain these words.
+        dataColumns<QString, qint64, qint64, QString>("journalDisk", "recordBytes", "journalBytes", "warning");
         const qint64 enough = free_space::enoughBytes;
         QTest::newRow("enough") << "/j" << enough << enough << "";
         QTest::newRow("record file") << "/j" << enough - 1 << enough << "500 MB|/r|100 samples|347 minutes";

@@ -9,7 +9,6 @@
 
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QTest>
 #include <cerrno>
 
 class TestJournalFullDisk : public QObject {

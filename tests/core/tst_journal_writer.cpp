@@ -4,10 +4,8 @@
 
 #include <QDateTime>
 #include <QFile>
-#include <QFileInfo>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QTest>
 
 class TestJournalWriter : public QObject {
     Q_OBJECT
@@ -17,7 +15,6 @@ private Q_SLOTS:
 
     void journal_has_the_rows_of_the_record_file_and_their_origins();
     void phases_are_on_the_disk_before_the_journal_is_removed();
-    void discarded_recording_leaves_no_journal();
     void journal_that_cannot_be_created_is_created_later();
     void step_of_the_system_clock_is_stored();
 
@@ -64,13 +61,11 @@ void TestJournalWriter::phases_are_on_the_disk_before_the_journal_is_removed() {
     QCOMPARE(storedInfo().savingRowCount, quint64(70));
     recording.journal().saved();
     QCOMPARE(journalsIn(journals()), QStringList());
-}
 
-void TestJournalWriter::discarded_recording_leaves_no_journal() {
-    JournaledRecording recording(journals(), folder_->filePath("r.csv"));
-    recording.add(1, 3);
+    JournaledRecording discarded(journals(), folder_->filePath("d.csv"));
+    discarded.add(1, 3);
     QTRY_COMPARE(journalsIn(journals()).size(), 1);
-    recording.journal().discarded();
+    discarded.journal().discarded();
     QCOMPARE(journalsIn(journals()), QStringList());
 }
 

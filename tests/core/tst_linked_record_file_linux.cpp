@@ -7,7 +7,6 @@
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
 
 class TestLinkedRecordFile : public QObject {
     Q_OBJECT

@@ -9,11 +9,8 @@
 #include "support/test_main.h"
 #include "toolkit/table/csv_text.h"
 
-#include <QFileInfo>
 #include <QRegularExpression>
 #include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QTest>
 #include <atomic>
 #include <thread>
 
@@ -34,7 +31,7 @@ QList<QStringList> eventsIn(const QString &path) {
 
 }  // namespace
 
-class TestMarkers : public QObject {
+class TestMarkers : public JournalTest {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -50,31 +47,21 @@ private Q_SLOTS:
     void markers_are_limited();
     void journal_is_recovered_data();
     void journal_is_recovered();
-    void marker_is_saved_if_and_only_if_it_is_reported_as_recorded();
+    void every_marker_and_sample_of_a_recording_is_saved_once();
     void documented_example_is_correct();
 
 private:
-    /// Starts a recording with a journal, whose record file is `name` in the folder "target".
-    void record(const QString &name);
     /// Returns whether the journal contains `count` lines of markers.
     [[nodiscard]] bool journalHas(int count) const {
         return readFile(journalsIn(path("running")).value(0) + "/markers.csv").count('\n') == count + 1;
     }
-    [[nodiscard]] QString path(const QString &name) const { return folder_->filePath(name); }
-    [[nodiscard]] QString target(const QString &name) const { return path("target/" + name); }
-    [[nodiscard]] QStringList files(const QString &name) const {
-        return QDir(path(name)).entryList(QDir::Files | QDir::Hidden, QDir::Name);
-    }
 
-    std::unique_ptr<QTemporaryDir> folder_;
     std::unique_ptr<FakeTracker> tracker_;
     std::unique_ptr<Markers> markers_;
 };
 
 void TestMarkers::init() {
-    folder_ = std::make_unique<QTemporaryDir>();
-    for (const char *name : {"journal/a", "records", "target"})
-        QVERIFY(QDir(folder_->path()).mkpath(name));
+    JournalTest::init();
     tracker_ = std::make_unique<FakeTracker>();
     tracker_->setRecordsFolder(path("records"));
     recording_journal::enable(*tracker_, path("running"), [] { return false; });
@@ -83,15 +70,11 @@ void TestMarkers::init() {
     markers_->setSelectedTracker(tracker_.get());
 }
 
-void TestMarkers::record(const QString &name) {
-    tracker_->startRecord(target(name));
-}
-
 void TestMarkers::marker_has_the_time_and_the_newest_sample_of_the_recording() {
     QSignalSpy added(markers_.get(), &Markers::added);
     QVERIFY(!markers_->add("no recording").recorded);
     const auto before = std::chrono::system_clock::now();
-    record("r.csv");
+    tracker_->startRecord(target("r.csv"));
     QVERIFY(tracker_->runningRecording()->startedAt >= before);
     QCOMPARE(markers_->add("no sample").number, quint64(0));
     const auto start = std::chrono::steady_clock::now();
@@ -126,30 +109,29 @@ void TestMarkers::marker_has_the_time_and_the_newest_sample_of_the_recording() {
     QCOMPARE(events[4], QStringList({"3600.000250", "0", "later", third, "2"}));
 
     // Before the first sample of a recording, the number is that of the tracker's newest sample.
-    record("s.csv");
+    tracker_->startRecord(target("s.csv"));
     markers_->add("no row");
     tracker_->stopRecord();
     QCOMPARE(eventsIn(target("s_events.csv")), QList<QStringList>({{"", "0", "no row", third, ""}}));
 }
 
 void TestMarkers::every_text_is_read_back_data() {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("stored");
+    dataColumns<QString, QString>("text", "stored");
     for (const char *text : {"stimulus on", "say \"yes\", then \"no\"", "\"", "\"\"", ",", "two\nlines",
                              "two\r\nlines\r", "\n", "=1+1", " spaces ", "Начало пробы", "\xF0\x9F\x91\x81 gaze"})
-        QTest::newRow(text) << QString(text) << QString(text);
-    QTest::newRow("zero") << QString("a") + QChar(0) + 'b' << QString("a") + QChar(QChar::ReplacementCharacter) + 'b';
+        dataRow(text, QString(text), QString(text));
+    dataRow("zero", QString("a") + QChar(0) + 'b', QString("a") + QChar(QChar::ReplacementCharacter) + 'b');
     const QString longest = QString::fromUtf8("\xF0\x9F\x91\x81").repeated(Markers::maxTextLength - 1) + 'x';
-    QTest::newRow("longest") << longest << longest;
-    QTest::newRow("too long") << longest + 'y' << longest;
+    dataRow("longest", longest, longest);
+    dataRow("too long", longest + 'y', longest);
     const QString longPair = longest.chopped(1) + QString::fromUtf8("\xF0\x9F\x91\x81");
-    QTest::newRow("too long, after a surrogate pair") << longPair + 'y' << longPair;
+    dataRow("too long, after a surrogate pair", longPair + 'y', longPair);
 }
 
 void TestMarkers::every_text_is_read_back() {
     QFETCH(QString, text);
     QFETCH(QString, stored);
-    record("r.csv");
+    tracker_->startRecord(target("r.csv"));
     QCOMPARE(markers_->add(text).text, stored);
     tracker_->stopRecord();
     QCOMPARE(eventsIn(target("r_events.csv")).value(0).value(2), stored);
@@ -178,7 +160,7 @@ void TestMarkers::every_running_recording_stores_the_marker() {
     QVERIFY(first.recorded);
     QCOMPARE(first.number, number);
     other.addSample({1});
-    record("r.csv");
+    tracker_->startRecord(target("r.csv"));
     QCOMPARE(markers_->add("second").number, number);
     tracker_->discardRecord();
     other.stopRecord();
@@ -190,32 +172,20 @@ void TestMarkers::every_running_recording_stores_the_marker() {
 }
 
 void TestMarkers::events_file_has_a_place_beside_the_record_file_data() {
-    QTest::addColumn<QStringList>("earlier");  // files, or folders with a slash at the end
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("files");  // of the folders "target" and "records"; * is the date and time
-    QTest::addColumn<QString>("events");
+    // The earlier entries are files, or folders with a slash at the end. The files are those of the folders "target"
+    // and "records"; * is the date and time.
+    dataColumns<QStringList, QString, QString, QString>("earlier", "name", "files", "events");
     const QString longName(245, 'x');
-    QTest::newRow("free") << QStringList() << "r.csv"
-                          << "r.csv r_events.csv"
-                          << "r_events.csv";
-    QTest::newRow("earlier recording with markers") << QStringList{"r.csv", "r_events.csv"} << "r.csv"
-                                                    << "r.csv r_1.csv r_1_events.csv r_events.csv"
-                                                    << "r_events.csv";
-    QTest::newRow("foreign file") << QStringList{"r_events.csv"} << "r.csv"
-                                  << "r.csv r_events.csv r_events_1.csv"
-                                  << "r_events.csv";
-    QTest::newRow("folder has the name") << QStringList{"r_events.csv/"} << "r.csv"
-                                         << "r.csv r_events_1.csv"
-                                         << "r_events_1.csv";
-    QTest::newRow("record file gets another name") << QStringList{"r.csv/"} << "r.csv"
-                                                   << "r_1.csv r_1_events.csv"
-                                                   << "r_1_events.csv";
-    QTest::newRow("fallback folder") << QStringList() << "missing/r.csv"
-                                     << "r.csv r_events.csv"
-                                     << "r_events.csv";
-    QTest::newRow("name is too long") << QStringList() << longName + ".csv"
-                                      << "*_ocela_events.csv " + longName + ".csv"
-                                      << "*_ocela_events.csv";
+    dataRow("free", QStringList(), "r.csv", "r.csv r_events.csv", "r_events.csv");
+    dataRow("earlier recording with markers", QStringList{"r.csv", "r_events.csv"}, "r.csv",
+            "r.csv r_1.csv r_1_events.csv r_events.csv", "r_events.csv");
+    dataRow("foreign file", QStringList{"r_events.csv"}, "r.csv", "r.csv r_events.csv r_events_1.csv", "r_events.csv");
+    dataRow("folder has the name", QStringList{"r_events.csv/"}, "r.csv", "r.csv r_events_1.csv", "r_events_1.csv");
+    dataRow("record file gets another name", QStringList{"r.csv/"}, "r.csv", "r_1.csv r_1_events.csv",
+            "r_1_events.csv");
+    dataRow("fallback folder", QStringList(), "missing/r.csv", "r.csv r_events.csv", "r_events.csv");
+    dataRow("name is too long", QStringList(), longName + ".csv", "*_ocela_events.csv " + longName + ".csv",
+            "*_ocela_events.csv");
 }
 
 void TestMarkers::events_file_has_a_place_beside_the_record_file() {
@@ -226,7 +196,7 @@ void TestMarkers::events_file_has_a_place_beside_the_record_file() {
         QVERIFY(entry.endsWith('/') ? QDir().mkdir(target(entry)) : writeFile(target(entry), entry.toUtf8()));
     if (events != "r_events.csv" || name != "r.csv")
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Cannot save .*"));
-    record(name);
+    tracker_->startRecord(target(name));
     markers_->add("a");
     tracker_->stopRecord();
 
@@ -247,7 +217,7 @@ void TestMarkers::events_file_has_a_place_beside_the_record_file() {
 
 void TestMarkers::many_markers_are_saved_and_recovered() {
     constexpr int count = 10'000;
-    record("r.csv");
+    tracker_->startRecord(target("r.csv"));
     for (int i = 0; i < count; ++i) {
         if (i % 10 == 0)
             tracker_->addSample({i});
@@ -274,32 +244,27 @@ void TestMarkers::markers_are_limited() {
 }
 
 void TestMarkers::journal_is_recovered_data() {
-    QTest::addColumn<QString>("phase");
-    QTest::addColumn<int>("rowCount");
-    QTest::addColumn<QByteArray>("markers");   // without the header; null: no file
-    QTest::addColumn<QByteArray>("existing");  // the events file that the recording has written
-    QTest::addColumn<QByteArray>("events");    // without the header; null: no file
-    QTest::addColumn<QString>("warning");
+    // The texts have no header; null: no file. "existing" is the events file that the recording has written.
+    dataColumns<QString, int, QByteArray, QByteArray, QByteArray, QString>("phase", "rowCount", "markers", "existing",
+                                                                           "events", "warning");
 
     const QByteArray none;
     const QByteArray first = "1700000000100.250,a,,\r\n";
     const QByteArray two = first + "1699999999100.125,\"b,\n\"\"c\"\"\",8,1\r\n";
     const QByteArray events = "-1.000125,0,\"b,\n\"\"c\"\"\",8,1\r\n0.000000,0,a,,\r\n";
-    QTest::newRow("markers") << "recording" << 2 << two << none << events << "";
-    QTest::newRow("no markers") << "recording" << 2 << QByteArray("") << none << none << "";
-    QTest::newRow("no file") << "recording" << 2 << none << none << none << "";
-    QTest::newRow("torn") << "recording" << 2 << two + "1700000000100.250,\"d\n" << none << events << "";
-    QTest::newRow("zeros") << "recording" << 2 << two + QByteArray(999, '\0') << none << events << "";
-    QTest::newRow("row was lost") << "recording" << 1 << two << none << QByteArray(events).replace(",1\r\n", ",\r\n")
-                                  << "";
-    QTest::newRow("only markers") << "recording" << 0 << first << none << QByteArray(",0,a,,\r\n") << "";
-    QTest::newRow("damaged") << "recording" << 2 << first + "x,y\r\n" + two << none << QByteArray("0.000000,0,a,,\r\n")
-                             << "^Only the first 1 markers can be read in .*";
-    QTest::newRow("saved, then killed") << "saving" << 2 << two << none << events << "";
-    QTest::newRow("saved with events, then killed") << "saving" << 2 << two << events << events << "";
-    QTest::newRow("saved with events that the journal lacks") << "saving" << 2 << two << events + "9.000000,0,z,,\r\n"
-                                                              << events + "9.000000,0,z,,\r\n"
-                                                              << "";
+    dataRow("markers", "recording", 2, two, none, events, "");
+    dataRow("no markers", "recording", 2, QByteArray(""), none, none, "");
+    dataRow("no file", "recording", 2, none, none, none, "");
+    dataRow("torn", "recording", 2, two + "1700000000100.250,\"d\n", none, events, "");
+    dataRow("zeros", "recording", 2, two + QByteArray(999, '\0'), none, events, "");
+    dataRow("row was lost", "recording", 1, two, none, QByteArray(events).replace(",1\r\n", ",\r\n"), "");
+    dataRow("only markers", "recording", 0, first, none, QByteArray(",0,a,,\r\n"), "");
+    dataRow("damaged", "recording", 2, first + "x,y\r\n" + two, none, QByteArray("0.000000,0,a,,\r\n"),
+            "^Only the first 1 markers can be read in .*");
+    dataRow("saved, then killed", "saving", 2, two, none, events, "");
+    dataRow("saved with events, then killed", "saving", 2, two, events, events, "");
+    dataRow("saved with events that the journal lacks", "saving", 2, two, events + "9.000000,0,z,,\r\n",
+            events + "9.000000,0,z,,\r\n", "");
 }
 
 void TestMarkers::journal_is_recovered() {
@@ -309,12 +274,7 @@ void TestMarkers::journal_is_recovered() {
     QFETCH(QByteArray, existing);
     QFETCH(QByteArray, events);
     QFETCH(QString, warning);
-    QByteArray rows = QByteArray::fromStdString(JournaledRecording::header());
-    QByteArray samples = "Number,Arrival_ms,L_Valid,R_Valid\r\n";
-    for (int row = 0; row < rowCount; ++row) {
-        rows += QByteArray::number(row) + QByteArray(",0").repeated(22) + "\r\n";
-        samples += QByteArray::number(row + 7) + ",17000000001" + QByteArray::number(row) + "0.250,1,0\r\n";
-    }
+    const QByteArray rows = recordText(rowCount);
     JournalInfo info = JournaledRecording::info(target("r.csv"));
     if (phase == "saving") {
         info.phase = JournalPhase::Saving;
@@ -326,7 +286,7 @@ void TestMarkers::journal_is_recovered() {
         QVERIFY(writeFile(target("saved_events.csv"), eventsHeader + existing));
     QVERIFY(writeFile(path("journal/a/recording.json"), info.toJson()));
     QVERIFY(writeFile(path("journal/a/rows.csv"), rows));
-    QVERIFY(writeFile(path("journal/a/samples.csv"), samples));
+    QVERIFY(writeFile(path("journal/a/samples.csv"), samplesText(rowCount)));
     if (!markers.isNull())
         QVERIFY(writeFile(path("journal/a/markers.csv"), markers.isEmpty() ? markers : journalHeader + markers));
     if (!warning.isEmpty())
@@ -344,7 +304,7 @@ void TestMarkers::journal_is_recovered() {
         QCOMPARE(readFile(target(base + "_events.csv")), eventsHeader + events);
 }
 
-void TestMarkers::marker_is_saved_if_and_only_if_it_is_reported_as_recorded() {
+void TestMarkers::every_marker_and_sample_of_a_recording_is_saved_once() {
     constexpr int threadCount = 3;
     std::atomic<bool> running{true};
     std::atomic<int> addedCount{0};
@@ -370,9 +330,9 @@ void TestMarkers::marker_is_saved_if_and_only_if_it_is_reported_as_recorded() {
     });
     // Some recordings follow one another without a pause.
     for (int i = 0; i < 10; ++i) {
-        record(QString("%1.csv").arg(i));
+        tracker_->startRecord(target(QString("%1.csv").arg(i)));
         const int before = addedCount;
-        QTRY_VERIFY(addedCount > before + 50);
+        QTRY_VERIFY(addedCount > before + 50 && tracker_->recordLength().sampleCount > 50);
         if (i % 2 == 0)
             tracker_->stopRecord();
     }
@@ -385,7 +345,12 @@ void TestMarkers::marker_is_saved_if_and_only_if_it_is_reported_as_recorded() {
     QStringList saved;
     for (int i = 0; i < 10; ++i) {
         const QList<QStringList> events = eventsIn(target(QString("%1_events.csv").arg(i)));
-        const int rowCount = readFile(target(QString("%1.csv").arg(i))).count('\n') - 1;
+        const EyeTrackingCSV record(target(QString("%1.csv").arg(i)), true);
+        const int rowCount = static_cast<int>(record.rows().size());
+        QVERIFY(rowCount > 50);
+        qint64 timestamp = record.rows().at(0).at(0).toLongLong();
+        for (int row = 0; row < rowCount; ++row)
+            QCOMPARE(record.rows().at(static_cast<std::size_t>(row)).at(0).toLongLong(), timestamp++);
         for (const QStringList &event : events) {
             saved << event.value(2);
             QVERIFY(event.value(4).isEmpty() || event.value(4).toInt() < rowCount);

@@ -4,7 +4,6 @@
 
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QTest>
 #include <cstdlib>
 #include <limits>
 #include <new>

@@ -11,7 +11,6 @@
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
 
 class TestRecordCompanions : public QObject {
     Q_OBJECT
@@ -111,25 +110,17 @@ void TestRecordCompanions::description_and_samples_stand_beside_the_record_file(
 }
 
 void TestRecordCompanions::earlier_files_are_kept_data() {
-    QTest::addColumn<QStringList>("earlier");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("kept");  // the new names of the earlier files
-    QTest::addColumn<QString>("written");
+    // "kept" has the new names of the earlier files.
+    dataColumns<QStringList, QString, QString, QString>("earlier", "name", "kept", "written");
 
     const QString written = "r.csv r.json r_samples.csv";
     const QStringList recording{"r.csv", "r.json", "r_samples.csv"};
-    QTest::newRow("recording with companions") << recording << "r.csv"
-                                               << "r_1.csv r_1.json r_1_samples.csv" << written;
-    QTest::newRow("its new names are taken") << recording + QStringList{"r_1.json", "r_1_samples.csv"} << "r.csv"
-                                             << "r_1.csv r_2.json r_samples_1.csv r_1.json r_1_samples.csv" << written;
-    QTest::newRow("only a description") << QStringList{"r.json", "r_1.json"} << "r.csv"
-                                        << "r_2.json r_1.json" << written;
-    QTest::newRow("suffix in capitals") << QStringList{"r"} << "r.CSV"
-                                        << "r"
-                                        << "r.CSV r.json r_samples.csv";
-    QTest::newRow("another suffix") << QStringList{"r.json"} << "r.json"
-                                    << "r_1.json"
-                                    << "r.json r.json.json r.json_samples.csv";
+    dataRow("recording with companions", recording, "r.csv", "r_1.csv r_1.json r_1_samples.csv", written);
+    dataRow("its new names are taken", recording + QStringList{"r_1.json", "r_1_samples.csv"}, "r.csv",
+            "r_1.csv r_2.json r_samples_1.csv r_1.json r_1_samples.csv", written);
+    dataRow("only a description", QStringList{"r.json", "r_1.json"}, "r.csv", "r_2.json r_1.json", written);
+    dataRow("suffix in capitals", QStringList{"r"}, "r.CSV", "r", "r.CSV r.json r_samples.csv");
+    dataRow("another suffix", QStringList{"r.json"}, "r.json", "r_1.json", "r.json r.json.json r.json_samples.csv");
 }
 
 void TestRecordCompanions::earlier_files_are_kept() {
@@ -151,15 +142,10 @@ void TestRecordCompanions::earlier_files_are_kept() {
 }
 
 void TestRecordCompanions::companion_that_cannot_be_saved_is_a_warning_data() {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("warning");
-    QTest::addColumn<QString>("description");
+    dataColumns<QString, QString, QString>("name", "warning", "description");
     const QString longName(245, 'x');
-    QTest::newRow("name is too long") << longName + ".csv"
-                                      << "^Cannot save .*x_samples\\.csv, which.*: .+" << longName + ".json";
-    QTest::newRow("folder has the name") << "r.csv"
-                                         << "^Cannot save .*r\\.json, which.*: .+r_1\\.json$"
-                                         << "r_1.json";
+    dataRow("name is too long", longName + ".csv", "^Cannot save .*x_samples\\.csv, which.*: .+", longName + ".json");
+    dataRow("folder has the name", "r.csv", "^Cannot save .*r\\.json, which.*: .+r_1\\.json$", "r_1.json");
 }
 
 void TestRecordCompanions::companion_that_cannot_be_saved_is_a_warning() {

@@ -2,7 +2,6 @@
 #include "core/recording_statistics.h"
 #include "support/test_main.h"
 
-#include <QTest>
 #include <cmath>
 
 namespace {

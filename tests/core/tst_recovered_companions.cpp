@@ -9,56 +9,23 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
-#include <QTemporaryDir>
-#include <QTest>
 #include <limits>
 
-namespace {
-
-/// Returns the header and the first `count` rows of a record file.
-QByteArray records(int count) {
-    QByteArray text = QByteArray::fromStdString(JournaledRecording::header());
-    for (int row = 0; row < count; ++row)
-        text += QByteArray::number(row) + ",0,1" + QByteArray(",0").repeated(20) + "\r\n";
-    return text;
-}
-
-/// Returns the header and the first `count` rows of a samples file. The samples are 10 ms apart.
-QByteArray samples(int count) {
-    QByteArray text = "Number,Arrival_ms,L_Valid,R_Valid\r\n";
-    for (int row = 0; row < count; ++row)
-        text += QByteArray::number(row + 7) + ",17000000000" + QByteArray::number(row + 10) + "0.250,1,0\r\n";
-    return text;
-}
-
-}  // namespace
-
-class TestRecoveredCompanions : public QObject {
+class TestRecoveredCompanions : public JournalTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void missing_companions_are_written_data();
     void missing_companions_are_written();
-    void recovered_companions_are_those_of_a_saved_recording();
+    void recovered_files_are_those_of_a_saved_recording();
 
 private:
     void recover() const { JournalRecovery(path("journal"), path("records")).waitForDone(); }
-    [[nodiscard]] QString path(const QString &name) const { return folder_->filePath(name); }
-    [[nodiscard]] QString target(const QString &name) const { return path("target/" + name); }
     [[nodiscard]] QJsonObject description(const QString &name) const {
         return QJsonDocument::fromJson(readFile(target(name))).object();
     }
     [[nodiscard]] JournalInfo info() const;
-
-    std::unique_ptr<QTemporaryDir> folder_;
 };
-
-void TestRecoveredCompanions::init() {
-    folder_ = std::make_unique<QTemporaryDir>();
-    for (const char *name : {"journal/a", "records", "target"})
-        QVERIFY(QDir(folder_->path()).mkpath(name));
-}
 
 JournalInfo TestRecoveredCompanions::info() const {
     JournalInfo info = JournaledRecording::info(target("r.csv"));
@@ -70,46 +37,34 @@ JournalInfo TestRecoveredCompanions::info() const {
 }
 
 void TestRecoveredCompanions::missing_companions_are_written_data() {
-    QTest::addColumn<QString>("phase");  // or "not described"
-    QTest::addColumn<QByteArray>("journalSamples");
-    QTest::addColumn<QStringList>("existing");  // "own": the recording has written it; other files are foreign
-    QTest::addColumn<QStringList>("files");
-    QTest::addColumn<QByteArray>("writtenSamples");
-    QTest::addColumn<QString>("figures");  // of the description: rate, longest gap, recovered
-    QTest::addColumn<QString>("warning");
+    // The recording has written the existing files with "own"; the others are foreign. The figures are those of the
+    // description: rate, longest gap, recovered.
+    dataColumns<QString, QByteArray, QStringList, QStringList, QByteArray, QString, QString>(
+        "phase", "journalSamples", "existing", "files", "writtenSamples", "figures", "warning");
 
     const QStringList none;
     const QStringList recovered{"r_recovered.csv", "r_recovered.json", "r_recovered_samples.csv"};
     const QStringList saved{"saved.csv", "saved.json", "saved_samples.csv"};
     const QString few = "r_recovered_samples\\.csv has only the first %1 of 3 rows$";
-    QTest::newRow("recovered") << "recording" << samples(3) << none << recovered << samples(3) << "100 10 1"
-                               << "";
-    QTest::newRow("torn row has a sample")
-        << "recording" << samples(4) + "8,17" << none << recovered << samples(3) << "100 10 1"
-        << "";
-    QTest::newRow("samples were lost") << "recording" << samples(3).chopped(1) << none << recovered << samples(2)
-                                       << "100 10 1" << few.arg(2);
-    QTest::newRow("samples are damaged") << "recording" << samples(2) + "x,y\r\n"
-                                         << none << recovered << samples(0) << "0 0 1" << few.arg(0);
-    QTest::newRow("not described") << "not described" << samples(3) << none << QStringList{"r_recovered.csv"}
-                                   << QByteArray() << ""
-                                   << "";
-    QTest::newRow("saved, then killed") << "saving" << samples(3) << none << saved << samples(3) << "100 10 0"
-                                        << "";
-    QTest::newRow("saved with samples, then killed")
-        << "saving" << samples(2) << QStringList{"own saved_samples.csv"} << saved << samples(3) << "100 10 0"
-        << "";
-    QTest::newRow("saved with both, then killed")
-        << "saving" << samples(2) << QStringList{"own saved_samples.csv", "own saved.json"} << saved << samples(3)
-        << "0 0 0"
-        << "";
-    QTest::newRow("saved beside foreign files, then killed")
-        << "saving" << samples(3) << QStringList{"saved.json", "saved_samples.csv"}
-        << QStringList{"saved.csv", "saved.json", "saved_1.json", "saved_samples.csv", "saved_samples_1.csv"}
-        << samples(3) << "100 10 0"
-        << "";
-    QTest::newRow("recovered, then killed") << "recovering" << samples(3) << none << saved << samples(3) << "100 10 1"
-                                            << "";
+    dataRow("recovered", "recording", samplesText(3), none, recovered, samplesText(3), "100 10 1", "");
+    dataRow("torn row has a sample", "recording", samplesText(4) + "8,17", none, recovered, samplesText(3), "100 10 1",
+            "");
+    dataRow("samples were lost", "recording", samplesText(3).chopped(1), none, recovered, samplesText(2), "100 10 1",
+            few.arg(2));
+    dataRow("samples are damaged", "recording", samplesText(2) + "x,y\r\n", none, recovered, samplesText(0), "0 0 1",
+            few.arg(0));
+    dataRow("not described", "not described", samplesText(3), none, QStringList{"r_recovered.csv"}, QByteArray(), "",
+            "");
+    dataRow("saved, then killed", "saving", samplesText(3), none, saved, samplesText(3), "100 10 0", "");
+    dataRow("saved with samples, then killed", "saving", samplesText(2), QStringList{"own saved_samples.csv"}, saved,
+            samplesText(3), "100 10 0", "");
+    dataRow("saved with both, then killed", "saving", samplesText(2),
+            QStringList{"own saved_samples.csv", "own saved.json"}, saved, samplesText(3), "0 0 0", "");
+    dataRow("saved beside foreign files, then killed", "saving", samplesText(3),
+            QStringList{"saved.json", "saved_samples.csv"},
+            QStringList{"saved.csv", "saved.json", "saved_1.json", "saved_samples.csv", "saved_samples_1.csv"},
+            samplesText(3), "100 10 0", "");
+    dataRow("recovered, then killed", "recovering", samplesText(3), none, saved, samplesText(3), "100 10 1", "");
 }
 
 void TestRecoveredCompanions::missing_companions_are_written() {
@@ -124,16 +79,16 @@ void TestRecoveredCompanions::missing_companions_are_written() {
     journal.isDescribed = phase != "not described";
     const bool isSaved = phase == "saving" || phase == "recovering";
     if (isSaved)
-        QVERIFY(writeFile(target("saved.csv"), records(3)));
+        QVERIFY(writeFile(target("saved.csv"), recordText(3)));
     journal.phase = isSaved ? JournalPhase::Saving : JournalPhase::Recording;
     journal.isRecovered = phase == "recovering";
     for (const QString &file : existing) {
-        const QByteArray own = file.endsWith(".json") ? record_description::toJson(journal, {}) : samples(3);
+        const QByteArray own = file.endsWith(".json") ? record_description::toJson(journal, {}) : samplesText(3);
         const bool isOwn = file.startsWith("own ");
         QVERIFY(writeFile(target(file.section(' ', -1)), isOwn ? own : QByteArray("foreign")));
     }
     QVERIFY(writeFile(path("journal/a/recording.json"), journal.toJson()));
-    QVERIFY(writeFile(path("journal/a/rows.csv"), records(3)));
+    QVERIFY(writeFile(path("journal/a/rows.csv"), recordText(3)));
     QVERIFY(writeFile(path("journal/a/samples.csv"), journalSamples));
     if (!warning.isEmpty())
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(warning));
@@ -141,7 +96,7 @@ void TestRecoveredCompanions::missing_companions_are_written() {
     recover();
     QCOMPARE(journalsIn(path("journal")), QStringList());
     files.sort();
-    QCOMPARE(QDir(path("target")).entryList(QDir::Files | QDir::Hidden, QDir::Name), files);
+    QCOMPARE(JournalTest::files("target"), files);
     const QString base = isSaved ? "saved" : "r_recovered";
     QCOMPARE(readFile(target(base + "_samples.csv")), writtenSamples);
     if (figures.isEmpty())
@@ -157,10 +112,12 @@ void TestRecoveredCompanions::missing_companions_are_written() {
         QCOMPARE(readFile(target(file)), QByteArray("foreign"));
 }
 
-void TestRecoveredCompanions::recovered_companions_are_those_of_a_saved_recording() {
-    FakeTracker tracker;
-    recording_journal::enable(tracker, path("running"), [] { return true; });
-    tracker.startRecord(target("r.csv"));
+void TestRecoveredCompanions::recovered_files_are_those_of_a_saved_recording() {
+    const auto journals = [this] { return journalsIn(path("running")); };
+    auto tracker = std::make_unique<FakeTracker>();
+    tracker->setCalibratedArea(10, 20, 300, 200);
+    recording_journal::enable(*tracker, path("running"), [] { return true; });
+    tracker->startRecord(target("r.csv"));
     for (int i = 0; i < 200; ++i) {
         EyeTrackingSample sample;
         sample.timestamp = i;
@@ -169,19 +126,31 @@ void TestRecoveredCompanions::recovered_companions_are_those_of_a_saved_recordin
         sample.r_valid = i % 7 != 0;
         sample.x = sample.r_y = 60.3F + static_cast<float>(i % 4);
         sample.y = sample.r_x = i == 20 ? std::numeric_limits<float>::quiet_NaN() : 12.7F;
-        tracker.addSample(sample);
+        tracker->addSample(sample);
     }
-    QTRY_COMPARE(readFile(journalsIn(path("running")).value(0) + "/rows.csv").count('\n'), 201);
+    QTRY_COMPARE(readFile(journals().value(0) + "/rows.csv").count('\n'), 201);
+    const QByteArray lastSample = readFile(journals().first() + "/samples.csv").split('\n').value(200);
+    QCOMPARE(lastSample.split(',').first().toULongLong(), tracker->lastNumberedSample().number);
     for (const char *name : {"/recording.json", "/rows.csv", "/samples.csv"})
-        QVERIFY(QFile::copy(journalsIn(path("running")).first() + name, path("journal/a") + name));
-    tracker.stopRecord();
+        QVERIFY(QFile::copy(journals().first() + name, path("journal/a") + name));
+    tracker->stopRecord();
+    QCOMPARE(journals(), QStringList());
     recover();
     QCOMPARE(readFile(target("r_recovered.csv")), readFile(target("r.csv")));
     QCOMPARE(readFile(target("r_recovered_samples.csv")), readFile(target("r_samples.csv")));
     QJsonObject saved = description("r.json");
     QVERIFY(saved["rightEyeCrossed"].toBool() && saved["measuredRateHz"].toDouble() > 0);
+    QCOMPARE(saved["calibratedAreaPx"].toObject()["width"].toInt(), 300);
+    QCOMPARE(saved["tracker"].toString(), tracker->name());
     saved["recovered"] = true;
     QCOMPARE(description("r_recovered.json"), saved);
+
+    // The journal stays when the tracker is destroyed during a recording.
+    tracker->startRecord(target("destroyed.csv"));
+    tracker->addSample({1});
+    tracker.reset();
+    JournalRecovery(path("running"), path("records")).waitForDone();
+    QCOMPARE(readFile(target("destroyed_recovered.csv")).count('\n'), 2);
 }
 
 OCELA_TEST(TestRecoveredCompanions)

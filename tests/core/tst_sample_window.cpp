@@ -1,7 +1,6 @@
 #include "core/sample_window.h"
 #include "support/test_main.h"
 
-#include <QTest>
 #include <limits>
 
 class TestSampleWindow : public QObject {
@@ -44,9 +43,7 @@ Stamps stampsOf(const QList<EyeTrackingSample> &samples) {
 void TestSampleWindow::holds_two_seconds_data() {
     constexpr auto min = std::numeric_limits<qint64>::min();
     constexpr auto max = std::numeric_limits<qint64>::max();
-    QTest::addColumn<Stamps>("stamps");
-    QTest::addColumn<qint64>("arrivalIntervalMs");
-    QTest::addColumn<Stamps>("kept");
+    dataColumns<Stamps, qint64, Stamps>("stamps", "arrivalIntervalMs", "kept");
     const auto row = [](const char *name, const Stamps &stamps, qint64 arrivalIntervalMs, const Stamps &kept) {
         QTest::newRow(name) << stamps << arrivalIntervalMs << kept;
     };
@@ -85,9 +82,7 @@ void TestSampleWindow::list_is_current_after_every_sample() {
 }
 
 void TestSampleWindow::samples_since_a_number_data() {
-    QTest::addColumn<int>("number");
-    QTest::addColumn<Stamps>("newer");
-    QTest::addColumn<int>("missedCount");
+    dataColumns<int, Stamps, int>("number", "newer", "missedCount");
     // Ten samples were added. The numbers count from the first of them, and numbers 7 to 10 are in the window.
     QTest::newRow("before the window was created") << -1000 << Stamps{70, 80, 90, 100} << 6;
     QTest::newRow("before the first sample") << 0 << Stamps{70, 80, 90, 100} << 6;
