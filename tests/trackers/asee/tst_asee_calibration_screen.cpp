@@ -1,8 +1,6 @@
 #include "asee_fixture.h"
 #include "support/test_main.h"
 
-#include <QTest>
-
 /// Tests the painted image.
 class TestCalibrationScreen : public QObject {
     Q_OBJECT
@@ -11,7 +9,6 @@ private Q_SLOTS:
     void init();
 
     void intro_shows_nine_points_and_a_box_for_the_eyes();
-    void texts_cover_no_target_data();
     void texts_cover_no_target();
     void target_shrinks_with_the_progress_data();
     void target_shrinks_with_the_progress();
@@ -78,34 +75,30 @@ void TestCalibrationScreen::intro_shows_nine_points_and_a_box_for_the_eyes() {
     QVERIFY(picture.copy(600, 1115, 720, 25) != picture.copy(600, 1060, 720, 25));
 }
 
-void TestCalibrationScreen::texts_cover_no_target_data() {
-    QTest::addColumn<QSize>("size");
-    QTest::newRow("small screen") << QSize(1366, 768);
-    QTest::newRow("Full HD at 200 %") << QSize(960, 540);
-}
-
 void TestCalibrationScreen::texts_cover_no_target() {
-    QFETCH(QSize, size);
-    screen_->resize(size);
-    const auto rowEdge = [size](double y, int side) { return static_cast<int>(size.height() * y) + side * 35; };
+    const QSize smallScreen(1366, 768), scaledFullHd(960, 540);
+    for (const QSize size : {smallScreen, scaledFullHd}) {
+        init();
+        screen_->resize(size);
+        const auto rowEdge = [size](double y, int side) { return static_cast<int>(size.height() * y) + side * 35; };
 
-    screen_->showCalibration();
-    screen_->showPoint(3, {0.5F, 0.85F}, {0.5F, 0.85F});
-    QCOMPARE(screen_->hint(), QString("Point 3 of 9"));
-    QVERIFY(QRect(QPoint(0, rowEdge(0.85, 1)), QPoint(size.width(), size.height())).contains(textPlace()));
+        screen_->showCalibration();
+        screen_->showPoint(3, {0.5F, 0.85F}, {0.5F, 0.85F});
+        QCOMPARE(screen_->hint(), QString("Point 3 of 9"));
+        QVERIFY(QRect(QPoint(0, rowEdge(0.85, 1)), QPoint(size.width(), size.height())).contains(textPlace()));
 
-    QTest::keyClick(screen_.get(), Qt::Key_Space);
-    asee::CalibrationOutcome outcome;
-    outcome.failure = asee::CalibrationOutcome::Failure::Tracking;  // four lines, with the hint for Escape
-    outcome.scores = {0.25F, 0.75F};
-    screen_->setOutcome(outcome);
-    screen_->showIntro();
-    QVERIFY(QRect(QPoint(0, rowEdge(0.15, 1)), QPoint(size.width(), rowEdge(0.5, -1))).contains(textPlace()));
+        QTest::keyClick(screen_.get(), Qt::Key_Space);
+        asee::CalibrationOutcome outcome;
+        outcome.failure = asee::CalibrationOutcome::Failure::Tracking;  // four lines, with the hint for Escape
+        outcome.scores = {0.25F, 0.75F};
+        screen_->setOutcome(outcome);
+        screen_->showIntro();
+        QVERIFY(QRect(QPoint(0, rowEdge(0.15, 1)), QPoint(size.width(), rowEdge(0.5, -1))).contains(textPlace()));
+    }
 }
 
 void TestCalibrationScreen::target_shrinks_with_the_progress_data() {
-    QTest::addColumn<int>("percent");
-    QTest::addColumn<int>("radius");
+    dataColumns<int, int>("percent", "radius");
     QTest::newRow("half") << 50 << 20;
     QTest::newRow("more than 100 percent") << 2147483647 << 5;
     QTest::newRow("less than 0 percent") << -2147483647 << 35;
@@ -138,10 +131,7 @@ void TestCalibrationScreen::target_moves_to_the_next_point() {
 }
 
 void TestCalibrationScreen::gaze_and_eyes_are_drawn_data() {
-    QTest::addColumn<int>("state");
-    QTest::addColumn<float>("place");
-    QTest::addColumn<QColor>("colour");
-    QTest::addColumn<int>("radius");
+    dataColumns<int, float, QColor, int>("state", "place", "colour", "radius");
     QTest::newRow("state 1") << 1 << 0.25F << QColor(0, 255, 0) << 20;
     QTest::newRow("state 3") << 3 << 0.25F << QColor(255, 0, 0) << 10;
     QTest::newRow("other state, colour of the eyes' circle") << 2 << 0.25F << orange << 10;

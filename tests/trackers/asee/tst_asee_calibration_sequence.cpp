@@ -6,7 +6,6 @@
 #include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QTest>
 #include <future>
 #include <thread>
 
@@ -118,21 +117,17 @@ void TestCalibrationWidget::visits_nine_points_centre_first_and_saves() {
 }
 
 void TestCalibrationWidget::failed_calls_of_the_library_data() {
-    QTest::addColumn<QStringList>("functions");
-    QTest::addColumn<QStringList>("calls");
-    QTest::addColumn<int>("bytes");
-    QTest::addColumn<QString>("text");
+    dataColumns<QStringList, QStringList, int, QString>("functions", "calls", "bytes", "text");
     const QStringList refused{measuring[0], firstPoint, "cancel_calibration", "complete_calibration"};
     const QStringList complete = measuring + QStringList("start_tracking measured");
-    QTest::newRow("point") << QStringList("_7i_start_calibration_point") << refused << 0
-                           << "failed\nThe tracker refused point 1 of 9 (error 108)";
-    QTest::newRow("start and point") << QStringList{"_7i_start_calibration", "_7i_start_calibration_point"} << refused
-                                     << 0 << "failed\nThe tracker did not start the calibration (error 108)";
-    QTest::newRow("computation") << QStringList("_7i_compute_calibration") << measuring << 0
-                                 << "failed\nThe tracker could not compute the calibration (error 108)";
-    QTest::newRow("tracking with the new coefficients")
-        << QStringList("_7i_start_tracking") << complete << 1024
-        << "failed\nThe tracker refused the new calibration (error 108)\nScores: left eye 0.25, right eye 0.75";
+    dataRow("point", QStringList("_7i_start_calibration_point"), refused, 0,
+            "failed\nThe tracker refused point 1 of 9 (error 108)");
+    dataRow("start and point", QStringList{"_7i_start_calibration", "_7i_start_calibration_point"}, refused, 0,
+            "failed\nThe tracker did not start the calibration (error 108)");
+    dataRow("computation", QStringList("_7i_compute_calibration"), measuring, 0,
+            "failed\nThe tracker could not compute the calibration (error 108)");
+    dataRow("tracking with the new coefficients", QStringList("_7i_start_tracking"), complete, 1024,
+            "failed\nThe tracker refused the new calibration (error 108)\nScores: left eye 0.25, right eye 0.75");
 }
 
 void TestCalibrationWidget::failed_calls_of_the_library() {
@@ -165,9 +160,7 @@ void TestCalibrationWidget::unsaved_calibration_is_used() {
 }
 
 void TestCalibrationWidget::can_be_cancelled_at_any_time_data() {
-    QTest::addColumn<QString>("lastCall");
-    QTest::addColumn<asee::CalibrationPace>("pace");
-    QTest::addColumn<QString>("action");
+    dataColumns<QString, asee::CalibrationPace, QString>("lastCall", "pace", "action");
     const asee::CalibrationPace stuckBefore{milliseconds(60000), milliseconds(60000), endTimeout};
     const asee::CalibrationPace stuckAfter{milliseconds(1), milliseconds(60000), endTimeout};
     for (const char *action : {"Escape", "Escape twice", "close", "delete"}) {

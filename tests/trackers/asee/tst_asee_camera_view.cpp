@@ -4,7 +4,6 @@
 #include "trackers/asee/asee_tracker.h"
 
 #include <QTemporaryDir>
-#include <QTest>
 #include <thread>
 
 class TestAseeProPreviewWidget : public QObject {
@@ -100,8 +99,7 @@ void TestAseeProPreviewWidget::refreshes_do_not_accumulate() {
 }
 
 void TestAseeProPreviewWidget::invalid_images_are_ignored_data() {
-    QTest::addColumn<int>("bytes");
-    QTest::addColumn<QSize>("size");
+    dataColumns<int, QSize>("bytes", "size");
     QTest::newRow("no width") << 64 << QSize(0, 8);
     QTest::newRow("negative on both sides") << 64 << QSize(-8, -8);
     QTest::newRow("more pixels than bytes") << 64 << QSize(8, 9);

@@ -2,7 +2,6 @@
 #include "trackers/asee/asee_library.h"
 
 #include <QRegularExpression>
-#include <QTest>
 
 class TestAseeIncomplete : public QObject {
     Q_OBJECT

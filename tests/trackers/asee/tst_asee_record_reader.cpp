@@ -2,7 +2,6 @@
 #include "support/test_main.h"
 #include "trackers/asee/asee_record_reader.h"
 
-#include <QTest>
 #include <limits>
 
 /// Uses literal offsets, so that a wrong constant fails.
@@ -31,9 +30,7 @@ QPointF exact(asee::FractionPoint point) {
 }  // namespace
 
 void TestGazeReading::validity_depends_on_the_status_data() {
-    QTest::addColumn<int>("left");
-    QTest::addColumn<int>("right");
-    QTest::addColumn<QList<bool>>("valid");  // left, right, sample
+    dataColumns<int, int, QList<bool>>("left", "right", "valid");  // valid: left, right, sample
     QTest::newRow("left eye at the limit") << 1 << 2 << QList<bool>{true, false, true};
     QTest::newRow("right eye only") << 3 << -1 << QList<bool>{false, true, true};
     QTest::newRow("neither eye") << 2 << 5 << QList<bool>{false, false, false};
@@ -47,10 +44,7 @@ void TestGazeReading::validity_depends_on_the_status() {
 }
 
 void TestGazeReading::numbers_become_percent_and_pixels_data() {
-    QTest::addColumn<int>("offset");
-    QTest::addColumn<float>("number");
-    QTest::addColumn<QString>("field");
-    QTest::addColumn<double>("value");
+    dataColumns<int, float, QString, double>("offset", "number", "field", "value");
     using Limits = std::numeric_limits<float>;
     QTest::newRow("gaze x") << 16 << 0.5F << "x_px" << 960.0;
     QTest::newRow("gaze y") << 20 << 0.25F << "y_px" << 256.0;
@@ -73,10 +67,7 @@ void TestGazeReading::numbers_become_percent_and_pixels() {
 }
 
 void TestGazeReading::calibration_follows_the_eyes_data() {
-    QTest::addColumn<int>("left");
-    QTest::addColumn<int>("right");
-    QTest::addColumn<QPointF>("gaze");
-    QTest::addColumn<QPointF>("eyes");
+    dataColumns<int, int, QPointF, QPointF>("left", "right", "gaze", "eyes");
     QTest::newRow("both eyes: mean") << 1 << 3 << QPointF(0.5, 0.25) << QPointF(0.5, 0.75);
     QTest::newRow("left only") << 1 << 2 << QPointF(0.25, 0.125) << QPointF(0.25, 0.5);
     QTest::newRow("right eye only") << 0 << 1 << QPointF(0.75, 0.375) << QPointF(0.75, 1.0);

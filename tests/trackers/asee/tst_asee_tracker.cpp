@@ -10,7 +10,6 @@
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QTimer>
 #include <future>
 #include <thread>
@@ -23,11 +22,9 @@ private Q_SLOTS:
     void cleanup() { tracker_.reset(); }
 
     void starts_once_and_stays_started();
-    void failed_start_data();
-    void failed_start();
+    void failed_start_and_reconnect_data();
+    void failed_start_and_reconnect();
     void reconnects_during_a_recording();
-    void failed_reconnect_data() { failed_start_data(); }
-    void failed_reconnect();
     void reconnect_closes_the_calibration_screen();
     void calibrate_for_another_area_starts_again();
     void calibrate_restores_a_minimised_screen();
@@ -65,20 +62,39 @@ void TestAseePro::starts_once_and_stays_started() {
     QCOMPARE(changes.count(), 1);
 }
 
-void TestAseePro::failed_start_data() {
-    QTest::addColumn<QString>("function");
-    QTest::addColumn<bool>("started");
-    QTest::addColumn<QString>("box");
-    QTest::addColumn<QString>("problem");
-    QTest::newRow("no device") << "_7i_device_connect" << false << "others error!!! code: 7"
-                               << "device cannot be opened (error 7)";
-    QTest::newRow("library does not start") << "_7i_start" << false << QString() << "device does not start (error 7)";
-    QTest::newRow("no coefficients") << QString() << false << QString() << "not calibrated";
-    QTest::newRow("refused coefficients") << "_7i_start_tracking" << true << QString() << QString();
+void TestAseePro::failed_start_and_reconnect_data() {
+    dataColumns<QString, bool, QString, QString>("function", "started", "box", "problem");
+    dataRow("no device", "_7i_device_connect", false, "others error!!! code: 7", "device cannot be opened (error 7)");
+    dataRow("library does not start", "_7i_start", false, QString(), "device does not start (error 7)");
+    dataRow("no coefficients", QString(), false, QString(), "not calibrated");
+    dataRow("refused coefficients", "_7i_start_tracking", true, QString(), QString());
 }
 
-void TestAseePro::failed_start() {
+void TestAseePro::failed_start_and_reconnect() {
     QFETCH(QString, function);
+    const auto fail = [&] {
+        if (function.isEmpty())
+            QVERIFY(QFile::remove(path("coefficient.dat")));
+        library().results[function.toStdString()] = 7;
+    };
+    const auto repair = [&] {
+        library().results.clear();
+        writeFile(path("coefficient.dat"), "coefficients");
+    };
+    QVERIFY(tracker_->start());
+    fail();
+    if (!function.isEmpty())
+        QTest::ignoreMessage(QtInfoMsg, QRegularExpression('^' + function + R"( \([a-z, ]+\) returned 7$)"));
+    tracker_->reconnect();  // without a box
+    QTEST(tracker_->isConnected(), "started");
+    QTEST(tracker_->connectionProblem(), "problem");
+    repair();
+    if (function.isEmpty())
+        QCOMPARE(tracker_->connectionProblem(), QString("calibrated, reconnect to use it"));
+    tracker_->reconnect();
+    QVERIFY(tracker_->isConnected());
+
+    create();
     QString box;
     QTimer::singleShot(0, this, [&] {
         if (auto *shown = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
@@ -86,17 +102,13 @@ void TestAseePro::failed_start() {
             shown->accept();
         }
     });
-    if (function.isEmpty())
-        QVERIFY(QFile::remove(path("coefficient.dat")));
-    library().results[function.toStdString()] = 7;
+    fail();
     QTEST(tracker_->start(), "started");
     QTEST(tracker_->isConnected(), "started");
     QCoreApplication::processEvents();
     QTEST(box, "box");
     QTEST(tracker_->connectionProblem(), "problem");
-
-    library().results.clear();
-    writeFile(path("coefficient.dat"), "coefficients");
+    repair();
     QVERIFY(tracker_->start());
     QVERIFY(tracker_->isConnected());
 }
@@ -116,27 +128,6 @@ void TestAseePro::reconnects_during_a_recording() {
     QCOMPARE(changes.count(), 1);
     QCOMPARE(tracker_->recordLength().sampleCount, std::size_t{2});
     QVERIFY(tracker_->stopRecord());
-}
-
-void TestAseePro::failed_reconnect() {
-    QFETCH(QString, function);
-    QFETCH(bool, started);
-    QVERIFY(tracker_->start());
-    if (function.isEmpty())
-        QVERIFY(QFile::remove(path("coefficient.dat")));
-    library().results[function.toStdString()] = 7;
-    if (!function.isEmpty())
-        QTest::ignoreMessage(QtInfoMsg, QRegularExpression('^' + function + R"( \([a-z, ]+\) returned 7$)"));
-    tracker_->reconnect();  // without a box
-    QCOMPARE(tracker_->isConnected(), started);
-    QTEST(tracker_->connectionProblem(), "problem");
-
-    library().results.clear();
-    writeFile(path("coefficient.dat"), "coefficients");
-    if (function.isEmpty())
-        QCOMPARE(tracker_->connectionProblem(), QString("calibrated, reconnect to use it"));
-    tracker_->reconnect();
-    QVERIFY(tracker_->isConnected());
 }
 
 void TestAseePro::reconnect_closes_the_calibration_screen() {

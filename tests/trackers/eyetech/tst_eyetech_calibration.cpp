@@ -7,9 +7,7 @@
 #include <QApplication>
 #include <QPushButton>
 #include <QRegularExpression>
-#include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QTimer>
 #include <memory>
 
@@ -218,11 +216,7 @@ void TestEyetechCalibrationWidget::recalibrates_and_saves() {
 }
 
 void TestEyetechCalibrationWidget::reconnect_restores_the_calibration_data() {
-    QTest::addColumn<QString>("action");
-    QTest::addColumn<bool>("refuses");
-    QTest::addColumn<QString>("serialNumber");
-    QTest::addColumn<int>("applied");
-    QTest::addColumn<bool>("fails");
+    dataColumns<QString, bool, QString, int, bool>("action", "refuses", "serialNumber", "applied", "fails");
     QTest::newRow("calibrated") << "" << false << "" << 9 << false;
     QTest::newRow("calibrated twice") << "another calibrate()" << false << "" << 10 << false;
     QTest::newRow("second result refused") << "refused calibrate()" << false << "" << 9 << false;
@@ -295,11 +289,7 @@ void TestEyetechCalibrationWidget::refused_target_is_explained_on_the_screen() {
 }
 
 void TestEyetechCalibrationWidget::failure_is_explained_on_the_screen_data() {
-    QTest::addColumn<int>("initialised");
-    QTest::addColumn<int>("targets");
-    QTest::addColumn<int>("count");
-    QTest::addColumn<int>("applied");
-    QTest::addColumn<bool>("calibrates");
+    dataColumns<int, int, int, int, bool>("initialised", "targets", "count", "applied", "calibrates");
     QTest::newRow("initialisation fails") << 1 << 0 << 2 << 0 << false;
     QTest::newRow("initialisation returns another result") << 2 << 0 << 2 << 0 << true;
     QTest::newRow("too many targets") << 0 << 11 << 25 << 0 << false;
@@ -337,9 +327,7 @@ void TestEyetechCalibrationWidget::failure_is_explained_on_the_screen() {
 }
 
 void TestEyetechCalibrationWidget::can_be_cancelled_at_any_time_data() {
-    QTest::addColumn<QString>("action");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<int>("polls");
+    dataColumns<QString, int, int>("action", "status", "polls");
     for (const char *action : {"Escape", "stopCalibration()", "stop()", "reconnect()", "another calibrate()",
                                "quitting", "losing the device", "destroying the tracker"}) {
         QTest::addRow("%s during the move to a target", action) << action << 1 << 0;

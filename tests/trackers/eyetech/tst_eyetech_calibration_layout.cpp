@@ -1,7 +1,6 @@
 #include "support/test_main.h"
 #include "trackers/eyetech/eyetech_calibration_layout.h"
 
-#include <QTest>
 #include <limits>
 
 namespace layout = eyetech::calibration_layout;
@@ -17,11 +16,7 @@ private Q_SLOTS:
 };
 
 void TestEyetechCalibrationLayout::points_are_truncated_to_pixels_data() {
-    QTest::addColumn<float>("x");
-    QTest::addColumn<float>("y");
-    QTest::addColumn<float>("offset");
-    QTest::addColumn<QPoint>("centre");
-    QTest::addColumn<QPoint>("gaze");
+    dataColumns<float, float, float, QPoint, QPoint>("x", "y", "offset", "centre", "gaze");
     constexpr float nan = std::numeric_limits<float>::quiet_NaN();
     constexpr int maxPixel = 1000000;
     QTest::newRow("middle") << 50.0F << 50.0F << 0.0F << QPoint(960, 540) << QPoint(960, 540);

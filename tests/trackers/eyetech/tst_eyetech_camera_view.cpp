@@ -6,7 +6,6 @@
 #include "trackers/eyetech/script.h"
 
 #include <QTemporaryDir>
-#include <QTest>
 
 class TestEyetechCameraView : public QObject {
     Q_OBJECT
@@ -18,17 +17,10 @@ private Q_SLOTS:
     void frame_fits_into_the_widget();
     void paints_image_and_pupils_data();
     void paints_image_and_pupils();
-    void click_shows_the_pupils();
-
-private:
-    /// Returns a view with bands of 50 pixels at the sides, after a frame with the right pupil, or before it.
-    QImage shown(QSize camera, float pupilX, bool hasFrame, bool clicked);
 };
 
 void TestEyetechCameraView::distance_chooses_colour_and_size_data() {
-    QTest::addColumn<float>("distance");
-    QTest::addColumn<QString>("colour");
-    QTest::addColumn<float>("factor");
+    dataColumns<float, QString, float>("distance", "colour", "factor");
     const auto row = [](float distance, const char *colour, float factor) {
         QTest::addRow("%g cm", static_cast<double>(distance)) << distance << QString(colour) << factor;
     };
@@ -57,8 +49,7 @@ void TestEyetechCameraView::distance_chooses_colour_and_size() {
 }
 
 void TestEyetechCameraView::frame_fits_into_the_widget_data() {
-    QTest::addColumn<QSize>("widget");
-    QTest::addColumn<QRect>("image");
+    dataColumns<QSize, QRect>("widget", "image");
     QTest::newRow("wider") << QSize(1001, 270) << QRect(244, 0, 512, 270);
     QTest::newRow("taller") << QSize(512, 401) << QRect(0, 65, 512, 270);
     QTest::newRow("truncated to pixels") << QSize(100, 100) << QRect(0, 24, 100, 52);
@@ -71,27 +62,29 @@ void TestEyetechCameraView::frame_fits_into_the_widget() {
 }
 
 void TestEyetechCameraView::paints_image_and_pupils_data() {
-    QTest::addColumn<bool>("hasFrame");
-    QTest::addColumn<QSize>("camera");
-    QTest::addColumn<float>("pupilX");
-    QTest::addColumn<QColor>("atPupil");
-    QTest::addColumn<QColor>("beside");
+    dataColumns<bool, QSize, float, bool, QColor, QColor>("hasFrame", "camera", "pupilX", "clicked", "atPupil",
+                                                          "beside");
     const QColor nothing(Qt::transparent), grey(100, 100, 100), good("#3C0");
     const QSize camera(2048, 1080);
-    QTest::newRow("before the first frame") << false << camera << 512.0F << nothing << nothing;
-    QTest::newRow("without image") << true << QSize(0, 0) << 512.0F << nothing << nothing;
-    QTest::newRow("image below the minimum width") << true << QSize(9, 1080) << 512.0F << nothing << nothing;
-    QTest::newRow("pupil on the image") << true << camera << 512.0F << good << grey;
-    QTest::newRow("image with another aspect ratio") << true << QSize(10, 10) << 512.0F << good << grey;
-    QTest::newRow("pupil position overflows") << true << camera << 3e38F << grey << grey;
+    QTest::newRow("before the first frame") << false << camera << 512.0F << false << nothing << nothing;
+    QTest::newRow("without image") << true << QSize(0, 0) << 512.0F << false << nothing << nothing;
+    QTest::newRow("image below the minimum width") << true << QSize(9, 1080) << 512.0F << false << nothing << nothing;
+    QTest::newRow("pupil on the image") << true << camera << 512.0F << false << good << grey;
+    QTest::newRow("image with another aspect ratio") << true << QSize(10, 10) << 512.0F << false << good << grey;
+    QTest::newRow("pupil on the image, after a click") << true << camera << 512.0F << true << good << grey;
+    QTest::newRow("pupil position overflows") << true << camera << 3e38F << false << grey << grey;
 }
 
-QImage TestEyetechCameraView::shown(QSize camera, float pupilX, bool hasFrame, bool clicked) {
+void TestEyetechCameraView::paints_image_and_pupils() {
+    QFETCH(const QSize, camera);
+    QFETCH(const float, pupilX);
+    QFETCH(const bool, hasFrame);
+    QFETCH(const bool, clicked);
     freshScript();
     const QTemporaryDir folder;
     EyetechGrabber tracker(folder.path(), nullptr);
     EyetechVideoDisplayWidget view(&tracker);
-    view.resize(612, 270);
+    view.resize(612, 270);  // with bands of 50 pixels at the sides
 
     const std::vector<unsigned char> pixels(2048UL * 1080UL, 100);
     QLFrameData frame;
@@ -110,23 +103,10 @@ QImage TestEyetechCameraView::shown(QSize camera, float pupilX, bool hasFrame, b
     QImage picture(view.size(), QImage::Format_ARGB32);
     picture.fill(Qt::transparent);
     view.render(&picture, QPoint(), QRegion(), QWidget::RenderFlags());
-    return picture;
-}
-
-void TestEyetechCameraView::paints_image_and_pupils() {
-    QFETCH(const QSize, camera);
-    QFETCH(const float, pupilX);
-    QFETCH(const bool, hasFrame);
-    const QImage picture = shown(camera, pupilX, hasFrame, false);
-    QTEST(picture.pixelColor(50 + 128 + 22, 135), "atPupil");
-    QTEST(picture.pixelColor(50 + 128 + 26, 135), "beside");
+    // A click makes a ring of the dot.
+    QTEST(picture.pixelColor(50 + 128 + (clicked ? 24 : 22), 135), "atPupil");
+    QTEST(picture.pixelColor(50 + 128 + (clicked ? 0 : 26), 135), "beside");
     QCOMPARE(picture.pixelColor(48, 135), QColor(Qt::transparent));
-}
-
-void TestEyetechCameraView::click_shows_the_pupils() {
-    const QImage picture = shown({2048, 1080}, 512, true, true);
-    QCOMPARE(picture.pixelColor(50 + 128, 135), QColor(100, 100, 100));
-    QCOMPARE(picture.pixelColor(50 + 128 + 24, 135), QColor("#3C0"));
 }
 
 OCELA_TEST(TestEyetechCameraView)

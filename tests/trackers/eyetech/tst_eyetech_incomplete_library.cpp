@@ -6,7 +6,6 @@
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
 
 /// Uses a library without the last entry point.
 class TestIncompleteLibrary : public QObject {

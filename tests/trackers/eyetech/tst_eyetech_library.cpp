@@ -7,7 +7,6 @@
 #include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QTest>
 #include <unistd.h>
 
 class TestEyetechLibrary : public QObject {
@@ -100,11 +99,7 @@ void TestEyetechLibrary::failing_call_is_logged_when_its_result_changes() {
 }
 
 void TestEyetechLibrary::chooses_a_device_data() {
-    QTest::addColumn<int>("result");
-    QTest::addColumn<QList<int>>("devices");
-    QTest::addColumn<QByteArray>("input");
-    QTest::addColumn<int>("chosen");
-    QTest::addColumn<QByteArray>("printed");
+    dataColumns<int, QList<int>, QByteArray, int, QByteArray>("result", "devices", "input", "chosen", "printed");
     const QByteArray question =
         "QLDevice_Enumerate() found 2 devices\n\nDevice 0\n\tdeviceInfo.modelName = TM\n"
         "\tdeviceInfo.serialNumber = " +
@@ -113,13 +108,13 @@ void TestEyetechLibrary::chooses_a_device_data() {
         "\tdeviceInfo.modelName = TM\n\tdeviceInfo.serialNumber = " +
         QByteArray(64, '7') + "\n\nWhich device would you like to use? ";
     const QList<int> two{5, 7};
-    QTest::newRow("enumeration fails") << 3 << two << QByteArray() << 0
-                                       << QByteArray("QLDevice_Enumerate() failed with error code 3\n");
-    QTest::newRow("no device") << 0 << QList<int>() << QByteArray() << 0 << QByteArray("No devices present.\n");
-    QTest::newRow("one device") << 0 << QList<int>{5} << QByteArray() << 5 << QByteArray();
-    QTest::newRow("the second of two") << 0 << two << QByteArray("1\n") << 7 << question;
-    QTest::newRow("number too high") << 0 << two << QByteArray("2") << 0 << question + "Invalid device: 2.\n\n";
-    QTest::newRow("a letter") << 0 << two << QByteArray("a") << 0 << question + "Invalid device: 49.\n\n";
+    dataRow("enumeration fails", 3, two, QByteArray(), 0,
+            QByteArray("QLDevice_Enumerate() failed with error code 3\n"));
+    dataRow("no device", 0, QList<int>(), QByteArray(), 0, QByteArray("No devices present.\n"));
+    dataRow("one device", 0, QList<int>{5}, QByteArray(), 5, QByteArray());
+    dataRow("the second of two", 0, two, QByteArray("1\n"), 7, question);
+    dataRow("number too high", 0, two, QByteArray("2"), 0, question + "Invalid device: 2.\n\n");
+    dataRow("a letter", 0, two, QByteArray("a"), 0, question + "Invalid device: 49.\n\n");
 }
 
 void TestEyetechLibrary::chooses_a_device() {
@@ -137,8 +132,7 @@ void TestEyetechLibrary::chooses_a_device() {
 }
 
 void TestEyetechLibrary::leaves_several_devices_undecided_data() {
-    QTest::addColumn<QStringList>("serialNumbers");
-    QTest::addColumn<int>("chosen");
+    dataColumns<QStringList, int>("serialNumbers", "chosen");
     const QString third(64, '3');
     QTest::newRow("no serial number") << QStringList{QString(), QString()} << 0;
     QTest::newRow("unknown serial number") << QStringList{"4"} << 0;

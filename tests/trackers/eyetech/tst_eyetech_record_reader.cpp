@@ -2,7 +2,6 @@
 #include "trackers/eyetech/eyetech_record_reader.h"
 #include "trackers/eyetech/record_builder.h"
 
-#include <QTest>
 #include <limits>
 #include <vector>
 
@@ -16,10 +15,7 @@ private Q_SLOTS:
 };
 
 void TestFrameData::valid_image_is_copied_data() {
-    QTest::addColumn<bool>("hasPixels");
-    QTest::addColumn<QSize>("claimed");
-    QTest::addColumn<QSize>("copied");
-    QTest::addColumn<bool>("invalid");
+    dataColumns<bool, QSize, QSize, bool>("hasPixels", "claimed", "copied", "invalid");
     constexpr int maxInt = std::numeric_limits<int>::max();
     // An odd width, because QImage aligns its lines.
     QTest::newRow("image") << true << QSize(5, 3) << QSize(5, 3) << false;

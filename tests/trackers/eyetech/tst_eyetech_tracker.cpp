@@ -9,7 +9,6 @@
 
 #include <QApplication>
 #include <QDialogButtonBox>
-#include <QElapsedTimer>
 #include <QListWidget>
 #include <QPushButton>
 #include <QRegularExpression>
@@ -17,7 +16,6 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTemporaryFile>
-#include <QTest>
 #include <atomic>
 #include <future>
 #include <memory>
@@ -38,7 +36,6 @@ private Q_SLOTS:
     void invalid_images_are_reported_again_after_a_valid_one();
     void image_is_not_copied_after_a_stop_during_the_call();
     void larger_record_does_no_harm();
-    void fetches_one_frame_at_a_time_and_does_not_wait_at_destruction();
     void keeps_its_settings();
     void reconnects_a_device_with_a_new_id();
     void reconnects_without_waiting_for_a_frame();
@@ -50,6 +47,11 @@ private Q_SLOTS:
 private:
     void attachTwo();
     [[nodiscard]] static EyetechDeviceQuestion *question();
+    /// Ends the calls of hooks that use local variables of a test.
+    void close() {
+        tracker_.reset();
+        freshScript();
+    }
     void open() { tracker_ = std::make_unique<EyetechGrabber>(folder_->path(), nullptr); }
 
     QTemporaryFile emptyInput_;
@@ -82,12 +84,7 @@ void TestEyetechGrabber::init() {
 }
 
 void TestEyetechGrabber::status_controls_connection_and_frames_data() {
-    QTest::addColumn<int>("status");
-    QTest::addColumn<int>("result");
-    QTest::addColumn<QString>("action");
-    QTest::addColumn<bool>("connected");
-    QTest::addColumn<bool>("restarted");
-    QTest::addColumn<bool>("frames");
+    dataColumns<int, int, QString, bool, bool, bool>("status", "result", "action", "connected", "restarted", "frames");
     QTest::newRow("stopped") << 2 << 0 << "" << true << false << false;
     QTest::newRow("stopped, after start()") << 2 << 0 << "start" << true << true << false;
     QTest::newRow("stopped, after stop()") << 2 << 0 << "stop" << true << true << false;
@@ -155,8 +152,7 @@ void TestEyetechGrabber::frame_becomes_a_sample() {
     QCOMPARE((QList<int>{s.x_px, s.y_px, s.l_x_px, s.l_y_px, s.r_x_px, s.r_y_px}),
              (QList<int>{115, 250, 45, 110, 95, 210}));
     QCOMPARE(tracker_->getLastFrame().focus(), 13.5F);
-    tracker_.reset();
-    freshScript();
+    close();
 }
 
 void TestEyetechGrabber::invalid_images_are_reported_again_after_a_valid_one() {
@@ -170,8 +166,7 @@ void TestEyetechGrabber::invalid_images_are_reported_again_after_a_valid_one() {
     open();
     const QSignalSpy samples(tracker_.get(), &EyetrackerInterface::newSample);
     QTRY_VERIFY(samples.count() > 5);
-    tracker_.reset();
-    freshScript();
+    close();
 }
 
 void TestEyetechGrabber::image_is_not_copied_after_a_stop_during_the_call() {
@@ -203,27 +198,6 @@ void TestEyetechGrabber::larger_record_does_no_harm() {
     };
     open();
     QCOMPARE(eyetech::fetchFrame(7).image.pixelColor(0, 0), QColor(9, 9, 9));
-}
-
-void TestEyetechGrabber::fetches_one_frame_at_a_time_and_does_not_wait_at_destruction() {
-    QSemaphore released;
-    std::atomic<int> calls{0};
-    int polls = 0;
-    script_->QLDevice_GetStatus = [&](int, int *status) { return *status = 3, ++polls, 0; };
-    script_->QLDevice_GetFrame = [&](int, int waitMs, quicklink2::QLFrameRecord *) {
-        ++calls;
-        return released.tryAcquire(1, waitMs), 0;
-    };
-    open();
-    QTRY_VERIFY(calls == 1 && polls > 10);
-    QCOMPARE(calls.load(), 1);
-    QElapsedTimer time;
-    time.start();
-    tracker_.reset();
-    QVERIFY(time.elapsed() < 5000);
-    released.release();
-    freshScript();
-    QCOMPARE(calls.load(), 1);
 }
 
 void TestEyetechGrabber::keeps_its_settings() {
@@ -287,8 +261,7 @@ void TestEyetechGrabber::reconnects_a_device_with_a_new_id() {
     QTRY_VERIFY(tracker_->isConnected());
     QCOMPARE(started.load(), 9);
     QVERIFY(tracker_->isRecording());
-    tracker_.reset();
-    freshScript();
+    close();
 }
 
 void TestEyetechGrabber::reconnects_without_waiting_for_a_frame() {
@@ -309,8 +282,7 @@ void TestEyetechGrabber::reconnects_without_waiting_for_a_frame() {
     QCOMPARE(calls.load(), 1);  // a frame at a time
     released.release();
     QTRY_VERIFY(calls > 2);
-    tracker_.reset();
-    freshScript();
+    close();
 }
 
 void TestEyetechGrabber::attachTwo() {
@@ -356,8 +328,7 @@ void TestEyetechGrabber::asks_for_one_of_several_devices() {
     script_->QLDevice_Enumerate = [](int *count, int *ids) { return *ids = 5, *count = 1, 0; };
     tracker_->reconnect();
     QCOMPARE(tracker_->deviceId(), 5);
-    tracker_.reset();
-    freshScript();
+    close();
 }
 
 void TestEyetechGrabber::closed_question_returns_with_reconnect() {
@@ -377,9 +348,7 @@ void TestEyetechGrabber::closed_question_returns_with_reconnect() {
 }
 
 void TestEyetechGrabber::serial_number_in_the_settings_answers_the_question_data() {
-    QTest::addColumn<bool>("isClosed");
-    QTest::addColumn<QString>("number");
-    QTest::addColumn<int>("device");
+    dataColumns<bool, QString, int>("isClosed", "number", "device");
     QTest::newRow("open") << false << "seven" << 7;
     QTest::newRow("closed by the user") << true << "seven" << 7;
     QTest::newRow("number that is not attached") << true << "eight" << 0;

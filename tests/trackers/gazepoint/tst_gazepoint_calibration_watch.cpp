@@ -1,8 +1,6 @@
 #include "support/test_main.h"
 #include "trackers/gazepoint/gazepoint_calibration_watch.h"
 
-#include <QTest>
-
 using gazepoint::CalibrationWatch;
 using Result = CalibrationWatch::Result;
 
@@ -38,8 +36,7 @@ private Q_SLOTS:
 };
 
 void TestGazepointCalibrationWatch::finds_the_end_of_a_calibration_data() {
-    QTest::addColumn<QByteArrayList>("chunks");
-    QTest::addColumn<QString>("result");
+    dataColumns<QByteArrayList, QString>("chunks", "result");
     const auto row = [](const char *name, const QByteArrayList &chunks, const char *result) {
         QTest::newRow(name) << chunks << QString(result);
     };

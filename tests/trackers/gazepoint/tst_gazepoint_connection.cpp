@@ -7,7 +7,6 @@
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QTest>
 #include <QThread>
 
 constexpr qint64 halfSendTimeoutMs = 15000;
@@ -24,7 +23,6 @@ private Q_SLOTS:
     void asks_for_the_screen_size_until_it_is_known();
     void asks_for_no_screen_size_while_the_server_does_not_read();
     void split_record_yields_the_fields_of_its_first_part();
-    void lost_connection_is_reported_and_restored();
     void reopens_while_a_message_waits_for_the_server();
     void each_calibration_has_one_result();
     void screen_area_is_bounded();
@@ -153,14 +151,6 @@ void TestGazePointConnection::split_record_yields_the_fields_of_its_first_part()
     QTRY_COMPARE(samples_.size(), 2);
     QCOMPARE(samples_[1].x, 25.0F);
     QCOMPARE(samples_[1].y, 0.0F);
-}
-
-void TestGazePointConnection::lost_connection_is_reported_and_restored() {
-    connectServer();
-    peer_->write("<REC FPOGX=\"0.5");
-    peer_->abort();
-    QTRY_VERIFY(!isConnected_);
-    connectServer();
 }
 
 void TestGazePointConnection::reopens_while_a_message_waits_for_the_server() {

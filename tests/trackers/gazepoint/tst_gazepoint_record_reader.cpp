@@ -1,7 +1,6 @@
 #include "support/test_main.h"
 #include "trackers/gazepoint/gazepoint_record_reader.h"
 
-#include <QTest>
 #include <limits>
 
 using gazepoint::Message;
@@ -40,8 +39,7 @@ private Q_SLOTS:
 };
 
 void TestGazepointRecordReader::recognises_messages_data() {
-    QTest::addColumn<QByteArray>("message");
-    QTest::addColumn<int>("kind");
+    dataColumns<QByteArray, int>("message", "kind");
     const auto row = [](const char *name, const char *message, Message kind) {
         QTest::newRow(name) << QByteArray(message) << static_cast<int>(kind);
     };
@@ -59,9 +57,7 @@ void TestGazepointRecordReader::recognises_messages() {
 }
 
 void TestGazepointRecordReader::reads_one_attribute_data() {
-    QTest::addColumn<QByteArray>("attribute");
-    QTest::addColumn<QString>("field");
-    QTest::addColumn<double>("value");
+    dataColumns<QByteArray, QString, double>("attribute", "field", "value");
     const auto row = [](const char *name, const QByteArray &attribute, const char *field, double value) {
         QTest::newRow(name) << attribute << QString(field) << value;
     };
@@ -93,8 +89,7 @@ void TestGazepointRecordReader::reads_one_attribute() {
 }
 
 void TestGazepointRecordReader::reads_flags_exactly_data() {
-    QTest::addColumn<QByteArray>("attribute");
-    QTest::addColumn<bool>("set");
+    dataColumns<QByteArray, bool>("attribute", "set");
     QTest::newRow("one") << QByteArray("\"1\"") << true;
     QTest::newRow("zero") << QByteArray("\"0\"") << false;
     QTest::newRow("decimal one") << QByteArray("\"1.0\"") << false;
@@ -126,9 +121,7 @@ void TestGazepointRecordReader::reads_all_fields_of_a_captured_record() {
 }
 
 void TestGazepointRecordReader::reads_screens_data() {
-    QTest::addColumn<QByteArray>("attributes");
-    QTest::addColumn<QPoint>("origin");
-    QTest::addColumn<QSize>("size");
+    dataColumns<QByteArray, QPoint, QSize>("attributes", "origin", "size");
     const auto row = [](const char *name, const char *attributes, QPoint origin, QSize size) {
         QTest::newRow(name) << QByteArray(attributes) << origin << size;
     };

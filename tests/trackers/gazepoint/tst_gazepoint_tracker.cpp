@@ -7,7 +7,6 @@
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QTest>
 #include <QThread>
 
 /// Tests the back-end, whose connection has a thread of its own.
