@@ -1,11 +1,11 @@
 #include "system/program.h"
 
+#include "support/file_content.h"
 #include "system/desktop.h"
 #include "system/timeout.h"
 
 #include <QDebug>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QTest>
@@ -13,14 +13,7 @@
 namespace {
 
 bool write(const QString &path, const QByteArray &contents) {
-    QFile file(path);
-    return QDir().mkpath(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly) &&
-           file.write(contents) == contents.size();
-}
-
-QString read(const QString &path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    return QDir().mkpath(QFileInfo(path).path()) && writeFile(path, contents);
 }
 
 }  // namespace
@@ -52,11 +45,11 @@ void Home::writeSettings(const QByteArray &contents) const {
 }
 
 QString Home::readSettings() const {
-    return read(settingsFile());
+    return QString::fromUtf8(readFile(settingsFile()));
 }
 
 QString Home::readLogFile() const {
-    return read(dataFolder() + "/Ocela.log");
+    return QString::fromUtf8(readFile(dataFolder() + "/Ocela.log"));
 }
 
 QString Home::recordFile() const {
@@ -111,4 +104,14 @@ int Program::close() {
 QStringList Program::problems() {
     static const QRegularExpression problem(R"(^\[(warning|critical|fatal)\]|Sanitizer|runtime error:)");
     return process_.log().split('\n').filter(problem);
+}
+
+void ProgramTest::create(const QString &tracker) {
+    home_ = std::make_unique<Home>(tracker);
+    program_ = std::make_unique<Program>(*home_);
+}
+
+void ProgramTest::checkEnd() {
+    QCOMPARE(program_->close(), 0);
+    QCOMPARE(program_->problems(), QStringList());
 }

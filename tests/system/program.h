@@ -5,6 +5,7 @@
 #include <QImage>
 #include <QMap>
 #include <QTemporaryDir>
+#include <memory>
 
 /// A temporary home folder, which gives the program settings, data and documents of its own.
 class Home {
@@ -58,4 +59,22 @@ public:
 
 private:
     ChildProcess process_;
+};
+
+/// A test with a new home and a new program, which is not started, for each test function.
+class ProgramTest : public QObject {
+    Q_OBJECT
+
+protected Q_SLOTS:
+    void init() { create("gazepoint"); }
+    void cleanup() { program_.reset(); }
+
+protected:
+    /// Creates the home and the program. See Home for the tracker.
+    void create(const QString &tracker);
+    /// Fails the test if the program does not end without problems.
+    void checkEnd();
+
+    std::unique_ptr<Home> home_;
+    std::unique_ptr<Program> program_;
 };

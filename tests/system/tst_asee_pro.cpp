@@ -6,7 +6,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QTest>
 
 namespace {
 
@@ -25,16 +24,14 @@ bool showsCamera(const QImage &window) {
 }  // namespace
 
 /// The program with a simulated aSee Pro library.
-class TestAseeProSession : public QObject {
+class TestAseeProSession : public ProgramTest {
     Q_OBJECT
 
 private Q_SLOTS:
     void init();
-    void cleanup();
 
     void calibrates_nine_points_and_records_the_gaze();
     void closes_while_the_library_still_calls_back();
-    void closes_during_a_calibration();
 
 private:
     void giveCoefficients();
@@ -47,21 +44,13 @@ private:
     [[nodiscard]] bool calibrationShows(QRgb colour) const {
         return desktop::count(colour, desktop::screenshot(screen().toUInt())) > 0;
     }
-
-    std::unique_ptr<Home> home_;
-    std::unique_ptr<Program> program_;
 };
 
 void TestAseeProSession::init() {
-    home_ = std::make_unique<Home>();
-    program_ = std::make_unique<Program>(*home_);
+    ProgramTest::init();
     home_->writeSettings({{"SelectedTracker", "aSee Pro"}, {"Language", "en_US"}});
     // Without its library, the EyeTech tracker prints a line every 10 ms.
     program_->setVariable("LD_LIBRARY_PATH", OCELA_ASEE_LIBRARY_FOLDER ":" OCELA_EYETECH_LIBRARY_FOLDER);
-}
-
-void TestAseeProSession::cleanup() {
-    program_.reset();
 }
 
 void TestAseeProSession::giveCoefficients() {
@@ -141,8 +130,7 @@ void TestAseeProSession::calibrates_nine_points_and_records_the_gaze() {
     QTRY_VERIFY_WITH_TIMEOUT(!home_->recordFile().isEmpty(), timeoutMs);
     checkRecordFile();
 
-    QCOMPARE(program_->close(), 0);
-    QCOMPARE(program_->problems(), QStringList());
+    checkEnd();
     const QString log = program_->process().log();
     QCOMPARE(log.count("_7i_start_calibration_point: 0 "), 9);
     for (const char *line : {"_7i_compute_calibration: 0", "write coefficient file: 1024", "_7i_start_tracking: 0"})
@@ -156,18 +144,7 @@ void TestAseeProSession::closes_while_the_library_still_calls_back() {
     QVERIFY(program_->startWindow());
     QTRY_VERIFY_WITH_TIMEOUT(desktop::showsIndicator(desktop::connectedColour), timeoutMs);
     QVERIFY(waitForNewPictures());
-    QCOMPARE(program_->close(), 0);
-    QCOMPARE(program_->problems(), QStringList());
-}
-
-void TestAseeProSession::closes_during_a_calibration() {
-    program_->setVariable("OCELA_SIM_ASEE_FAULT", "endless-point");
-    QVERIFY(program_->startWindow());
-    startCalibration();
-    QCOMPARE(program_->close(), 0);
-    QCOMPARE(program_->problems(), QStringList());
-    QVERIFY(program_->process().log().contains("_7i_cancel_calibration"));
-    QVERIFY(!QFile::exists(coefficientFile()));
+    checkEnd();
 }
 
 OCELA_TEST(TestAseeProSession)

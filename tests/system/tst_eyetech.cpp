@@ -1,3 +1,4 @@
+#include "support/file_content.h"
 #include "support/test_main.h"
 #include "system/desktop.h"
 #include "system/program.h"
@@ -6,8 +7,6 @@
 
 #include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
-#include <QTest>
 
 namespace {
 
@@ -26,12 +25,11 @@ constexpr QPoint recalibrateButton(714, 382);
 }  // namespace
 
 /// The program with a simulated EyeTech library.
-class TestEyetechSession : public QObject {
+class TestEyetechSession : public ProgramTest {
     Q_OBJECT
 
 private Q_SLOTS:
     void init();
-    void cleanup();
 
     void first_start_shows_calibrates_and_records();
     void recording_continues_when_the_device_is_plugged_in_again();
@@ -47,24 +45,15 @@ private:
     [[nodiscard]] bool showsTarget() const {
         return !screen().isEmpty() && desktop::count(movingTarget, picture()) > 0;
     }
-
-    std::unique_ptr<Home> home_;
-    std::unique_ptr<Program> program_;
 };
 
 void TestEyetechSession::init() {
-    home_ = std::make_unique<Home>(QString());
-    program_ = std::make_unique<Program>(*home_);
+    create(QString());
     program_->setVariable("LD_LIBRARY_PATH", OCELA_EYETECH_LIBRARY_FOLDER);
     program_->setVariable("OCELA_SIM_BLINK_INTERVAL", "0");
     QVERIFY(QDir().mkpath(home_->dataFolder()));
-    QFile settings(home_->dataFolder() + "/EyeTechSettings.xml");
-    QVERIFY(settings.open(QIODevice::WriteOnly));
-    settings.write("<settings version=\"1\"><property name=\"CalibrationTimeMs\">1000</property></settings>");
-}
-
-void TestEyetechSession::cleanup() {
-    program_.reset();
+    QVERIFY(writeFile(home_->dataFolder() + "/EyeTechSettings.xml",
+                      "<settings version=\"1\"><property name=\"CalibrationTimeMs\">1000</property></settings>"));
 }
 
 void TestEyetechSession::startCalibration() {
@@ -124,8 +113,7 @@ void TestEyetechSession::first_start_shows_calibrates_and_records() {
     QTRY_VERIFY_WITH_TIMEOUT(showsTarget(), timeoutMs);
     desktop::press("Escape");
     QTRY_VERIFY_WITH_TIMEOUT(screen().isEmpty(), timeoutMs);
-    QCOMPARE(program_->close(), 0);
-    QCOMPARE(program_->problems(), QStringList());
+    checkEnd();
 }
 
 void TestEyetechSession::recording_continues_when_the_device_is_plugged_in_again() {
@@ -151,8 +139,7 @@ void TestEyetechSession::recording_continues_when_the_device_is_plugged_in_again
         gapCount += record.timestamp(row) - record.timestamp(row - 1) > unpluggedMs - 100 ? 1 : 0;
     QCOMPARE(gapCount, 1);
     QVERIFY(record.timestamp(record.rows.size() - 1) - record.timestamp(0) > unpluggedMs + recordingMs);
-    QCOMPARE(program_->close(), 0);
-    QCOMPARE(program_->problems(), QStringList());
+    checkEnd();
 }
 
 void TestEyetechSession::closes_while_the_device_blocks() {

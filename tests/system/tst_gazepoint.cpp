@@ -6,7 +6,6 @@
 #include "system/timeout.h"
 
 #include <QCursor>
-#include <QTest>
 
 namespace {
 
@@ -17,13 +16,10 @@ QByteArray gazeAt(double x, double y, bool valid = true) {
 }  // namespace
 
 /// The control of the mouse cursor by gaze.
-class TestGazePointSession : public QObject {
+class TestGazePointSession : public ProgramTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void gaze_moves_the_cursor_between_two_presses_of_F10();
 
 private:
@@ -32,31 +28,18 @@ private:
     /// Sends a gaze at another place and returns whether the cursor is there as soon as the window shows the gaze.
     [[nodiscard]] bool cursorFollows(bool valid = true);
 
-    std::unique_ptr<Home> home_;
-    std::unique_ptr<Program> program_;
-    std::unique_ptr<ScriptedServer> server_;
+    ScriptedServer server_;
     int gazeCount_ = 0;
 };
 
-void TestGazePointSession::init() {
-    home_ = std::make_unique<Home>();
-    program_ = std::make_unique<Program>(*home_);
-    server_ = std::make_unique<ScriptedServer>();
-}
-
-void TestGazePointSession::cleanup() {
-    program_.reset();
-    server_.reset();
-}
-
 void TestGazePointSession::connectProgram() {
-    QVERIFY(server_->listen());
+    QVERIFY(server_.listen());
     QVERIFY(program_->startWindow());
-    QTRY_COMPARE_WITH_TIMEOUT(server_->received(), QByteArray(wire::enableData), timeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(server_.received(), QByteArray(wire::enableData), timeoutMs);
 
-    server_->send(gazeAt(0.9, 0.9));
-    QTRY_VERIFY_WITH_TIMEOUT(server_->received().endsWith(wire::askScreenSize), timeoutMs);
-    server_->send(QByteArray(wire::screenSize).trimmed());
+    server_.send(gazeAt(0.9, 0.9));
+    QTRY_VERIFY_WITH_TIMEOUT(server_.received().endsWith(wire::askScreenSize), timeoutMs);
+    server_.send(QByteArray(wire::screenSize).trimmed());
 }
 
 bool TestGazePointSession::cursorFollows(bool valid) {
@@ -68,7 +51,7 @@ bool TestGazePointSession::cursorFollows(bool valid) {
     // The reply of the X server shows that this move is complete before the program moves the cursor.
     if (QCursor::pos() != start)
         return false;
-    server_->send(gazeAt(place, 0.5, valid));
+    server_.send(gazeAt(place, 0.5, valid));
     const bool shown = !desktop::waitFor(QString::asprintf("x:%6.1f%%", 100 * place)).isEmpty();
     return shown && QCursor::pos() == expected;
 }
@@ -85,8 +68,7 @@ void TestGazePointSession::gaze_moves_the_cursor_between_two_presses_of_F10() {
     desktop::save(desktop::screenshot(), "gaze-controls-cursor");
     desktop::press("F10");
     QVERIFY(QTest::qWaitFor([this] { return !cursorFollows(); }, timeoutMs));
-    QCOMPARE(program_->close(), 0);
-    QCOMPARE(program_->problems(), QStringList());
+    checkEnd();
 }
 
 OCELA_TEST(TestGazePointSession)

@@ -1,11 +1,12 @@
 #include "support/test_main.h"
 #include "system/desktop.h"
+#include "system/http_client.h"
 #include "system/program.h"
 #include "system/timeout.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QTest>
+#include <QTcpServer>
 #include <csignal>
 
 namespace {
@@ -15,33 +16,17 @@ const QString alreadyRunning = QStringLiteral("Ocela уже запущена");
 }  // namespace
 
 /// Start, settings and end of the program, without a tracker.
-class TestProgram : public QObject {
+class TestProgram : public ProgramTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void refuses_a_second_instance();
     void refusal_ends_with_the_other_instance_and_blocks_nobody();
     void one_of_two_instances_that_start_together_runs();
     void ignores_start_hidden_without_a_tray();
-    void starts_with_defaults_if_the_settings_file_is_damaged();
+    void runs_while_its_port_is_in_use();
     void keeps_a_settings_file_that_cannot_be_read();
-
-private:
-    std::unique_ptr<Home> home_;
-    std::unique_ptr<Program> program_;
 };
-
-void TestProgram::init() {
-    home_ = std::make_unique<Home>();
-    program_ = std::make_unique<Program>(*home_);
-}
-
-void TestProgram::cleanup() {
-    program_.reset();
-}
 
 void TestProgram::refuses_a_second_instance() {
     home_->writeSettings({{"Language", "ru_RU"}});
@@ -109,19 +94,14 @@ void TestProgram::ignores_start_hidden_without_a_tray() {
     QCOMPARE(program_->close(), 0);
 }
 
-void TestProgram::starts_with_defaults_if_the_settings_file_is_damaged() {
-    const QByteArray contents = "<settings><property name=\"Language\">ru_RU</prop";
-    home_->writeSettings(contents);
+void TestProgram::runs_while_its_port_is_in_use() {
+    QTcpServer other;
+    QVERIFY(other.listen(QHostAddress::Any, apiPort));
     QVERIFY(program_->startWindow());
     QVERIFY(!desktop::waitFor("Start record").isEmpty());
-
-    QFile damaged(home_->settingsFile() + ".damaged");
-    QVERIFY(damaged.open(QIODevice::ReadOnly));
-    QCOMPARE(damaged.readAll(), contents);
+    QTRY_COMPARE_WITH_TIMEOUT(program_->problems().size(), 1, timeoutMs);  // logged after the window opens
+    QVERIFY2(program_->problems().first().contains("port 3735"), qPrintable(program_->problems().first()));
     QCOMPARE(program_->close(), 0);
-    QCOMPARE(program_->problems().size(), 1);
-    QVERIFY2(program_->problems().first().contains(home_->settingsFile() + ".damaged"),
-             qPrintable(program_->problems().first()));
 }
 
 void TestProgram::keeps_a_settings_file_that_cannot_be_read() {

@@ -3,8 +3,6 @@
 #include "system/server.h"
 #include "system/timeout.h"
 
-#include <QTest>
-
 /// The API for programs of the running program.
 class TestProgramApi : public QObject {
     Q_OBJECT

@@ -1,3 +1,4 @@
+#include "support/file_content.h"
 #include "support/test_main.h"
 #include "system/http_client.h"
 #include "system/record_file.h"
@@ -9,7 +10,6 @@
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryDir>
-#include <QTest>
 #include <windows.h>
 
 namespace {
@@ -47,11 +47,6 @@ public:
     }
 };
 
-QByteArray contents(const QString &path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 const QString programFolder = QStringLiteral(OCELA_PROGRAM_FOLDER);
 
 }  // namespace
@@ -77,7 +72,7 @@ private:
     [[nodiscard]] bool startSimulator();
     void start();
     [[nodiscard]] bool hasGaze() { return qAbs(client_.lastSample()["x"].toDouble()) > 0; }
-    [[nodiscard]] QString log() const { return QString::fromUtf8(contents(localData_ + "/Ocela.log")); }
+    [[nodiscard]] QString log() const { return QString::fromUtf8(readFile(localData_ + "/Ocela.log")); }
     [[nodiscard]] QStringList problems() const;
 
     const QString localData_ = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/Velmora/Ocela";
@@ -112,10 +107,8 @@ void TestProgramOnWindows::cleanup() {
 }
 
 void TestProgramOnWindows::selectTracker(const QString &tracker) {
-    QFile settings(localData_ + "Settings.xml");
-    QVERIFY(settings.open(QIODevice::WriteOnly));
-    settings.write("<settings version=\"1\"><property name=\"SelectedTracker\">" + tracker.toUtf8() +
-                   "</property></settings>");
+    QVERIFY(writeFile(localData_ + "Settings.xml", "<settings version=\"1\"><property name=\"SelectedTracker\">" +
+                                                       tracker.toUtf8() + "</property></settings>"));
 }
 
 bool TestProgramOnWindows::startSimulator() {
@@ -147,7 +140,7 @@ void TestProgramOnWindows::record_file_contains_the_served_sample() {
     if (tracker == "aSee Pro")
         QCOMPARE(QProcess::execute(OCELA_ASEE_COEFFICIENTS, {localData_ + "/coefficient.dat"}), 0);
     start();
-    QCOMPARE(client_.get("/"), contents(programFolder + "/http/index.html"));
+    QCOMPARE(client_.get("/"), readFile(programFolder + "/http/index.html"));
     QTRY_VERIFY_WITH_TIMEOUT(hasGaze(), timeoutMs);
 
     const QTemporaryDir folder;
@@ -171,7 +164,7 @@ void TestProgramOnWindows::record_file_contains_the_served_sample() {
     QVERIFY(std::any_of(record.rows.begin(), record.rows.end(), isSample));
     QCOMPARE(program_->closeWindows(), 0);
     QCOMPARE(problems(), QStringList());
-    QVERIFY(contents(localData_ + "Settings.xml").contains(tracker.toUtf8()));
+    QVERIFY(readFile(localData_ + "Settings.xml").contains(tracker.toUtf8()));
 }
 
 void TestProgramOnWindows::does_not_ask_without_a_console() {

@@ -1,3 +1,4 @@
+#include "simulators/loopback_client.h"
 #include "support/test_main.h"
 #include "system/desktop.h"
 #include "system/expected_row.h"
@@ -7,8 +8,6 @@
 #include "system/timeout.h"
 
 #include <QDateTime>
-#include <QFile>
-#include <QTest>
 #include <algorithm>
 
 namespace {
@@ -18,19 +17,6 @@ constexpr QSize screenSize(1920, 1080);
 constexpr char header[] =
     "Timestamp,Time,Valid,X,Y,X_px,Y_px,Distance_cm,L_X,L_Y,L_X_px,L_Y_px,L_Pupil_mm,L_PupilX_px,L_PupilY_px,"
     "R_X,R_Y,R_X_px,R_Y_px,R_Pupil_mm,R_PupilX_px,R_PupilY_px,Focus";
-
-QList<QByteArray> recordedLines() {
-    QFile file(linesFile);
-    QList<QByteArray> lines;
-    if (!file.open(QIODevice::ReadOnly))
-        return lines;
-    while (!file.atEnd()) {
-        const QByteArray line = file.readLine().trimmed();
-        if (line.startsWith("<REC"))
-            lines << line;
-    }
-    return lines;
-}
 
 /// Returns whether the picture shows all values of one of the lines that have a gaze.
 bool showsOneOf(const QList<QByteArray> &lines, const QImage &screen) {
@@ -83,13 +69,10 @@ void checkTimes(const RecordFile &file, qint64 from, qint64 to) {
 }  // namespace
 
 /// The path of the samples from the GazePoint server to the window and the record file.
-class TestRecording : public QObject {
+class TestRecording : public ProgramTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void shows_and_records_captured_lines();
 
 private:
@@ -97,20 +80,9 @@ private:
     template <typename Condition>
     [[nodiscard]] bool record(Condition done);
 
-    std::unique_ptr<Home> home_;
-    std::unique_ptr<Program> program_;
     qint64 startedMs_ = 0;
     qint64 stoppedMs_ = 0;
 };
-
-void TestRecording::init() {
-    home_ = std::make_unique<Home>();
-    program_ = std::make_unique<Program>(*home_);
-}
-
-void TestRecording::cleanup() {
-    program_.reset();
-}
 
 template <typename Condition>
 bool TestRecording::record(Condition done) {
@@ -123,7 +95,7 @@ bool TestRecording::record(Condition done) {
 }
 
 void TestRecording::shows_and_records_captured_lines() {
-    const QList<QByteArray> lines = recordedLines();
+    const QList<QByteArray> lines = capturedLines("<REC");
     QVERIFY(lines.size() > 20);
     // The rate is low, so that each line arrives in a chunk of its own.
     Simulator simulator;
@@ -169,8 +141,7 @@ void TestRecording::shows_and_records_captured_lines() {
     // The program shows the loss of the server and continues.
     simulator.kill();
     QTRY_VERIFY_WITH_TIMEOUT(desktop::showsIndicator(desktop::disconnectedColour), timeoutMs);
-    QCOMPARE(program_->close(), 0);
-    QCOMPARE(program_->problems(), QStringList());
+    checkEnd();
 }
 
 OCELA_TEST(TestRecording)
