@@ -1,0 +1,359 @@
+// @ts-check
+// Measures of data quality, as defined by Niehorster, Nyström, Hessels, Benjamins, Andersson & Hooge (2026), "The
+// fundamentals of eye tracking part 7: Determining data quality", Behavior Research Methods, doi:10.3758/s13428-026-03039-4.
+//
+// Gaze directions are Fick angles in degrees, relative to the line from the eye to the screen's centre: the azimuth is
+// positive to the right, the elevation is positive downward. A sample is missing if one of its angles is NaN. Missing
+// samples must stay in the arrays, because RMS-S2S compares neighbouring samples. A measure that cannot be determined is NaN.
+
+/** @typedef {ArrayLike<number>} Numbers */
+
+/**
+ * The screen and its distance from the eyes. The line from the eye to the screen's centre is perpendicular to the screen.
+ *
+ * @typedef {{ widthMm: number, heightMm: number, widthPx: number, heightPx: number, distanceMm: number }} Geometry
+ */
+
+/** @typedef {{ azimuth: Float64Array, elevation: Float64Array }} Directions */
+/** @typedef {{ offset: number, azimuth: number, elevation: number }} Accuracy The offset, and its signed parts. */
+/** @typedef {{ total: number, azimuth: number, elevation: number }} Precision */
+
+/**
+ * An ellipse that contains a share of the samples. The area is in square degrees. The axes are the lengths of the semi-axes.
+ * The orientation is the angle from the azimuth axis to the major axis, from -90 to 90 degrees, positive toward downward.
+ *
+ * @typedef {{ area: number, orientation: number, majorAxis: number, minorAxis: number }} Ellipse
+ */
+
+/**
+ * The samples of one target, all from a time when the target did not move.
+ *
+ * @typedef {Directions & {
+ *     timestampMs: Float64Array, targetAzimuth: number, targetElevation: number, expectedHz?: number,
+ * }} Segment `expectedHz` is the nominal sample rate of the tracker, if it is known.
+ */
+
+/**
+ * All measures of a segment. `accuracy` is null if there is not enough data. `dataLossFromExpectedPercent` is NaN if the
+ * expected sample rate is not known. RMS-S2S depends on the sample rate, so show the effective frequency beside it.
+ *
+ * @typedef {{
+ *     sampleCount: number, validCount: number, durationS: number, accuracy: Accuracy | null, rmsS2s: Precision,
+ *     std: Precision, bcea: Ellipse, dataLossPercent: number, dataLossFromExpectedPercent: number,
+ *     effectiveFrequencyHz: number,
+ * }} DataQuality
+ */
+
+/** The share of a target's expected samples that the accuracy needs. */
+const minValidShare = 0.5;
+
+const toDegrees = (/** @type {number} */ radians) => (radians * 180) / Math.PI;
+const toRadians = (/** @type {number} */ degrees) => (degrees * Math.PI) / 180;
+
+/**
+ * Returns the unit vector of a direction: x to the right, y downward, z toward the screen.
+ *
+ * @param {number} azimuth
+ * @param {number} elevation
+ */
+export function fickToVector(azimuth, elevation) {
+    const [a, e] = [toRadians(azimuth), toRadians(elevation)];
+    return { x: Math.cos(e) * Math.sin(a), y: Math.sin(e), z: Math.cos(e) * Math.cos(a) };
+}
+
+/**
+ * Returns the direction of a vector of any length.
+ *
+ * @param {number} x
+ * @param {number} y
+ * @param {number} z
+ */
+export function vectorToFick(x, y, z) {
+    return { azimuth: toDegrees(Math.atan2(x, z)), elevation: toDegrees(Math.atan2(y, Math.hypot(x, z))) };
+}
+
+/**
+ * Converts positions in pixels from the screen's centre, x to the right and y downward.
+ *
+ * @param {Numbers} x
+ * @param {Numbers} y
+ * @param {Geometry} geometry
+ */
+export function pixelsToDegrees(x, y, geometry) {
+    const { widthMm, heightMm, widthPx, heightPx } = geometry;
+    return directionsOf(x, y, px => (px / widthPx) * widthMm, px => (px / heightPx) * heightMm, geometry);
+}
+
+/**
+ * Converts positions in percent of the screen, from its top-left corner.
+ *
+ * @param {Numbers} x
+ * @param {Numbers} y
+ * @param {Geometry} geometry
+ */
+export function percentToDegrees(x, y, geometry) {
+    const { widthMm, heightMm } = geometry;
+    const toMm = (/** @type {number} */ percent, /** @type {number} */ sizeMm) => (percent / 100 - 0.5) * sizeMm;
+    return directionsOf(x, y, percent => toMm(percent, widthMm), percent => toMm(percent, heightMm), geometry);
+}
+
+/**
+ * @param {Numbers} x
+ * @param {Numbers} y
+ * @param {(x: number) => number} toMmX
+ * @param {(y: number) => number} toMmY
+ * @param {Geometry} geometry
+ * @returns {Directions}
+ */
+function directionsOf(x, y, toMmX, toMmY, { distanceMm }) {
+    const directions = { azimuth: new Float64Array(x.length), elevation: new Float64Array(x.length) };
+    for (let i = 0; i < x.length; ++i) {
+        const { azimuth, elevation } = vectorToFick(toMmX(x[i]), toMmY(y[i]), distanceMm);
+        directions.azimuth[i] = azimuth;
+        directions.elevation[i] = elevation;
+    }
+    return directions;
+}
+
+/**
+ * Returns the angle between the mean gaze direction and the target, and its parts as Fick angles in the target's frame.
+ *
+ * @param {Numbers} azimuth
+ * @param {Numbers} elevation
+ * @param {number} targetAzimuth
+ * @param {number} targetElevation
+ * @returns {Accuracy}
+ */
+export function accuracy(azimuth, elevation, targetAzimuth, targetElevation) {
+    const gaze = sumOfVectors(azimuth, elevation);
+    if (gaze.count === 0) return { offset: NaN, azimuth: NaN, elevation: NaN };
+    const { x, y, z } = inFrameOf(gaze, toRadians(targetAzimuth), toRadians(targetElevation));
+    return { offset: toDegrees(Math.atan2(Math.hypot(x, y), z)), ...vectorToFick(x, y, z) };
+}
+
+/**
+ * Returns the sum of the unit vectors of all valid samples. It has the direction of their mean.
+ *
+ * @param {Numbers} azimuth
+ * @param {Numbers} elevation
+ */
+function sumOfVectors(azimuth, elevation) {
+    const sum = { count: 0, x: 0, y: 0, z: 0 };
+    for (let i = 0; i < azimuth.length; ++i) {
+        if (isMissing(azimuth[i], elevation[i])) continue;
+        const { x, y, z } = fickToVector(azimuth[i], elevation[i]);
+        ++sum.count;
+        sum.x += x;
+        sum.y += y;
+        sum.z += z;
+    }
+    return sum;
+}
+
+/**
+ * Rotates a vector so that the target is straight ahead. The angles are in radians.
+ *
+ * @param {{ x: number, y: number, z: number }} vector
+ * @param {number} a the target's azimuth
+ * @param {number} e the target's elevation
+ */
+function inFrameOf({ x, y, z }, a, e) {
+    const forward = Math.sin(a) * x + Math.cos(a) * z;
+    return {
+        x: Math.cos(a) * x - Math.sin(a) * z,
+        y: Math.cos(e) * y - Math.sin(e) * forward,
+        z: Math.sin(e) * y + Math.cos(e) * forward,
+    };
+}
+
+/**
+ * Returns the root mean square of the differences between successive samples. Pairs with a missing sample are skipped.
+ *
+ * @param {Numbers} azimuth
+ * @param {Numbers} elevation
+ * @returns {Precision}
+ */
+export function rmsS2s(azimuth, elevation) {
+    let [pairCount, azimuthSquares, elevationSquares] = [0, 0, 0];
+    for (let i = 1; i < azimuth.length; ++i) {
+        const [a, e] = [azimuth[i] - azimuth[i - 1], elevation[i] - elevation[i - 1]];
+        if (isMissing(a, e)) continue;
+        ++pairCount;
+        azimuthSquares += a * a;
+        elevationSquares += e * e;
+    }
+    return precisionOf(azimuthSquares / pairCount, elevationSquares / pairCount);
+}
+
+/**
+ * Returns the standard deviation around the mean direction (population formula, divided by n).
+ *
+ * @param {Numbers} azimuth
+ * @param {Numbers} elevation
+ * @returns {Precision}
+ */
+export function std(azimuth, elevation) {
+    const { count, azimuthSquares, elevationSquares } = momentsOf(azimuth, elevation);
+    return precisionOf(azimuthSquares / count, elevationSquares / count);
+}
+
+/**
+ * @param {number} azimuthVariance
+ * @param {number} elevationVariance
+ * @returns {Precision}
+ */
+function precisionOf(azimuthVariance, elevationVariance) {
+    const total = Math.sqrt(azimuthVariance + elevationVariance);
+    return { total, azimuth: Math.sqrt(azimuthVariance), elevation: Math.sqrt(elevationVariance) };
+}
+
+/**
+ * Returns the bivariate contour ellipse that contains the share `probability` of normally distributed samples. It uses
+ * the sample formula of the variances (divided by n - 1), so it needs two valid samples.
+ *
+ * @param {Numbers} azimuth
+ * @param {Numbers} elevation
+ * @param {number} probability
+ * @returns {Ellipse}
+ */
+export function bcea(azimuth, elevation, probability = 0.68) {
+    const { count, azimuthSquares, elevationSquares, products } = momentsOf(azimuth, elevation);
+    if (count < 2) return { area: NaN, orientation: NaN, majorAxis: NaN, minorAxis: NaN };
+    const [aa, ee, ae] = [azimuthSquares, elevationSquares, products].map(sum => sum / (count - 1));
+    const scale = 2 * Math.log(1 / (1 - probability));
+    // Rounding may make the determinant of points on a line slightly negative.
+    const determinant = Math.max(0, aa * ee - ae * ae);
+    const larger = (aa + ee) / 2 + Math.hypot((aa - ee) / 2, ae);
+    const smaller = larger > 0 ? determinant / larger : 0;
+    return {
+        area: scale * Math.PI * Math.sqrt(determinant),
+        orientation: toDegrees(Math.atan2(2 * ae, aa - ee) / 2),
+        majorAxis: Math.sqrt(scale * larger),
+        minorAxis: Math.sqrt(scale * smaller),
+    };
+}
+
+/**
+ * Returns the number of valid samples, and the sums of the squares and products of their differences from the mean.
+ *
+ * @param {Numbers} azimuth
+ * @param {Numbers} elevation
+ */
+function momentsOf(azimuth, elevation) {
+    let [count, azimuthSum, elevationSum] = [0, 0, 0];
+    for (let i = 0; i < azimuth.length; ++i) {
+        if (isMissing(azimuth[i], elevation[i])) continue;
+        ++count;
+        azimuthSum += azimuth[i];
+        elevationSum += elevation[i];
+    }
+    const [azimuthMean, elevationMean] = [azimuthSum / count, elevationSum / count];
+    let [azimuthSquares, elevationSquares, products] = [0, 0, 0];
+    for (let i = 0; i < azimuth.length; ++i) {
+        const [a, e] = [azimuth[i] - azimuthMean, elevation[i] - elevationMean];
+        if (isMissing(a, e)) continue;
+        azimuthSquares += a * a;
+        elevationSquares += e * e;
+        products += a * e;
+    }
+    return { count, azimuthSquares, elevationSquares, products };
+}
+
+/**
+ * Returns the share of missing samples in percent.
+ *
+ * @param {Numbers} azimuth
+ * @param {Numbers} elevation
+ */
+export function dataLossFromInvalid(azimuth, elevation) {
+    return 100 * (1 - validCountOf(azimuth, elevation) / azimuth.length);
+}
+
+/**
+ * Returns the share of the expected samples that are missing or were never delivered, in percent. It is negative if the
+ * tracker is faster than expected.
+ *
+ * @param {Numbers} azimuth
+ * @param {Numbers} elevation
+ * @param {number} durationS
+ * @param {number} frequencyHz the expected sample rate
+ */
+export function dataLossFromExpected(azimuth, elevation, durationS, frequencyHz) {
+    if (!(durationS > 0)) return NaN;
+    return 100 * (1 - validCountOf(azimuth, elevation) / (durationS * frequencyHz));
+}
+
+/**
+ * Returns the number of valid samples per second.
+ *
+ * @param {Numbers} azimuth
+ * @param {Numbers} elevation
+ * @param {number} durationS
+ */
+export function effectiveFrequency(azimuth, elevation, durationS) {
+    return durationS > 0 ? validCountOf(azimuth, elevation) / durationS : NaN;
+}
+
+/**
+ * Returns the duration of samples in seconds, including the interval after the last sample. That interval is taken to be
+ * the median. The result is NaN for fewer than two samples.
+ *
+ * @param {Float64Array} timestampMs
+ */
+export function durationOf(timestampMs) {
+    if (timestampMs.length < 2) return NaN;
+    const intervals = timestampMs.subarray(1).map((timeMs, i) => timeMs - timestampMs[i]);
+    return (timestampMs[timestampMs.length - 1] - timestampMs[0] + medianOf(intervals)) / 1000;
+}
+
+/** @param {Float64Array} values sorted by this function */
+function medianOf(values) {
+    values.sort();
+    const middle = values.length >> 1;
+    return values.length % 2 === 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
+}
+
+/**
+ * Returns all measures of a segment.
+ *
+ * @param {Segment} segment
+ * @returns {DataQuality}
+ */
+export function dataQuality({ azimuth, elevation, timestampMs, targetAzimuth, targetElevation, expectedHz = NaN }) {
+    const durationS = durationOf(timestampMs);
+    const validCount = validCountOf(azimuth, elevation);
+    const expectedCount = Number.isNaN(expectedHz) ? azimuth.length : durationS * expectedHz;
+    const isEnough = validCount > 0 && validCount >= minValidShare * expectedCount;
+    return {
+        sampleCount: azimuth.length,
+        validCount,
+        durationS,
+        accuracy: isEnough ? accuracy(azimuth, elevation, targetAzimuth, targetElevation) : null,
+        rmsS2s: rmsS2s(azimuth, elevation),
+        std: std(azimuth, elevation),
+        bcea: bcea(azimuth, elevation),
+        dataLossPercent: dataLossFromInvalid(azimuth, elevation),
+        dataLossFromExpectedPercent: dataLossFromExpected(azimuth, elevation, durationS, expectedHz),
+        effectiveFrequencyHz: effectiveFrequency(azimuth, elevation, durationS),
+    };
+}
+
+/**
+ * @param {Numbers} azimuth
+ * @param {Numbers} elevation
+ */
+function validCountOf(azimuth, elevation) {
+    let count = 0;
+    for (let i = 0; i < azimuth.length; ++i) {
+        if (!isMissing(azimuth[i], elevation[i])) ++count;
+    }
+    return count;
+}
+
+/**
+ * @param {number} azimuth
+ * @param {number} elevation
+ */
+function isMissing(azimuth, elevation) {
+    return Number.isNaN(azimuth) || Number.isNaN(elevation);
+}
