@@ -2,17 +2,18 @@ import assert from 'node:assert/strict';
 import { describe, test } from 'node:test';
 import { ArrivalTimes } from '../../web/js/record/arrival_times.js';
 import { recordingOf } from '../../web/js/record/chosen_files.js';
-import { parseDecimal } from '../../web/js/record/decimal.js';
 import { defaultParameters, findFixations } from '../../web/js/record/fixations.js';
 import { heatMapOf } from '../../web/js/record/heat_map.js';
 import { dragToMove, dragToSelect } from '../../web/js/record/range_control.js';
 import { RecordBuilder } from '../../web/js/record/record_builder.js';
 import { drawOverview, drawPupils } from '../../web/js/record/record_charts.js';
-import { RecordError, RecordParser, headers, samplesFormat } from '../../web/js/record/record_parser.js';
+import { RecordParser, headers, samplesFormat } from '../../web/js/record/record_parser.js';
 import { RecordView } from '../../web/js/record/record_view.js';
 import { drawScanPath } from '../../web/js/record/scan_path_view.js';
 import { between, moved, zoomed } from '../../web/js/record/time_range.js';
 import { validShares } from '../../web/js/record/validity.js';
+import { parseDecimal } from '../../web/js/shared/decimal.js';
+import { FileError } from '../../web/js/shared/file_error.js';
 import { screenIn } from '../../web/js/shared/screen.js';
 import { columnsOf, listOf } from './support/columns.js';
 import { fakeSurface } from './support/fake_context.js';
@@ -96,7 +97,7 @@ describe('record file', () => {
         ['a line with too many cells', header + row(1).replace('\r', ',1,1\r'), 'wrongColumns', 2, { columns: 25 }],
     ])
         test(`is not ${name}`, () => assert.throws(() => read(content, 65536), error => {
-            assert.ok(error instanceof RecordError);
+            assert.ok(error instanceof FileError);
             assert.equal(error.key, key);
             assert.deepEqual(error.values, { ...error.values, line, ...more });
             return true;

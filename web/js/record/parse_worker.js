@@ -1,8 +1,9 @@
 // @ts-check
+import { FileError } from '../shared/file_error.js';
 import { columnNames } from '../shared/sample_columns.js';
 import { ArrivalTimes } from './arrival_times.js';
 import { RecordBuilder } from './record_builder.js';
-import { RecordError, RecordParser, samplesFormat } from './record_parser.js';
+import { RecordParser, samplesFormat } from './record_parser.js';
 /** @import { TextKey, TextValues } from '../shared/language.js' */
 /** @import { RecordingFiles } from './chosen_files.js' */
 /** @import { RecordContent } from './record_builder.js' */
@@ -45,7 +46,7 @@ function reply(message, transfer = []) {
  * @returns {Problem}
  */
 function problemOf(error) {
-    if (error instanceof RecordError) return { key: error.key, values: error.values };
+    if (error instanceof FileError) return { key: error.key, values: error.values };
     return { key: 'unreadable', values: { reason: error.message } };
 }
 

@@ -1,6 +1,7 @@
 // @ts-check
-import { parseDecimal } from './decimal.js';
-/** @import { TextKey, TextValues } from '../shared/language.js' */
+import { parseDecimal } from '../shared/decimal.js';
+import { FileError, excerpt } from '../shared/file_error.js';
+/** @import { TextKey } from '../shared/language.js' */
 
 /** @typedef {(cells: Float64Array, line: number) => void} TakeRow Called for each row, with its line, counted from 1. */
 
@@ -29,23 +30,6 @@ const [lineFeed, carriageReturn, comma] = [10, 13, 44];
 /** Much longer than any line of a record file. A file without line ends must not fill the memory. */
 const maxLineBytes = 65536;
 
-/** Error messages show the start of an unexpected text. */
-const maxExcerptLength = 60;
-
-/** The reason why a file is refused: the key of its text, and the text's values with the line, counted from 1. */
-export class RecordError extends Error {
-    /**
-     * @param {TextKey} key
-     * @param {number} line
-     * @param {TextValues} values
-     */
-    constructor(key, line, values = {}) {
-        super(key);
-        this.key = key;
-        this.values = { line, ...values };
-    }
-}
-
 /** A parser for record files and samples files. It also accepts LF line ends and a byte order mark, which some editors write. */
 export class RecordParser {
     /** The line in which the file was cut off; 0 if it is complete. */
@@ -69,7 +53,7 @@ export class RecordParser {
     }
 
     /**
-     * Parses the next piece of the file, which may end anywhere. Throws a RecordError at the first line that does not
+     * Parses the next piece of the file, which may end anywhere. Throws a FileError at the first line that does not
      * belong to such a file.
      *
      * @param {Uint8Array} piece
@@ -85,11 +69,11 @@ export class RecordParser {
         if (this.#rest.length > maxLineBytes) throw this.#tooLong();
     }
 
-    /** Parses the last line. If it is invalid, the file is cut off in it. Throws a RecordError if the file has no rows. */
+    /** Parses the last line. If it is invalid, the file is cut off in it. Throws a FileError if the file has no rows. */
     finish() {
         if (this.#rest.length > 0) this.#readLastLine();
-        if (this.#line === 0) throw new RecordError('emptyFile', 1);
-        if (this.#rowCount === 0) throw new RecordError('noRows', 2);
+        if (this.#line === 0) throw new FileError('emptyFile', 1);
+        if (this.#rowCount === 0) throw new FileError('noRows', 2);
     }
 
     #readLastLine() {
@@ -148,34 +132,23 @@ export class RecordParser {
         const values = {
             column: column + 1, name: this.#format.headers[column], found: excerpt(bytes.subarray(from, to)),
         };
-        throw new RecordError('noNumber', this.#line, values);
+        throw new FileError('noNumber', this.#line, values);
     }
 
     /** @param {number} columns */
     #wrongColumns(columns) {
-        return new RecordError('wrongColumns', this.#line, { columns, expected: this.#cells.length });
+        return new FileError('wrongColumns', this.#line, { columns, expected: this.#cells.length });
     }
 
     /** @param {Uint8Array} bytes */
     #wrongHeader(bytes) {
         const { headers: expected, wrongHeader } = this.#format;
-        return new RecordError(wrongHeader, 1, { expected: expected.slice(0, 3).join(), found: excerpt(bytes) });
+        return new FileError(wrongHeader, 1, { expected: expected.slice(0, 3).join(), found: excerpt(bytes) });
     }
 
     #tooLong() {
-        return this.#line === 0 ? this.#wrongHeader(this.#rest) : new RecordError('lineTooLong', this.#line + 1);
+        return this.#line === 0 ? this.#wrongHeader(this.#rest) : new FileError('lineTooLong', this.#line + 1);
     }
-}
-
-/**
- * Returns the start of a text, without control characters.
- *
- * @param {Uint8Array} bytes
- */
-function excerpt(bytes) {
-    const start = new TextDecoder().decode(bytes.subarray(0, 4 * maxExcerptLength));
-    const text = start.replace(/[\p{Cc}\uFFFD]+/gu, '\uFFFD');
-    return text.length > maxExcerptLength ? `${text.slice(0, maxExcerptLength)}…` : text;
 }
 
 /**
