@@ -4,6 +4,8 @@ import {
     accuracy, bcea, dataLossFromExpected, dataLossFromInvalid, dataQuality, effectiveFrequency, fickToVector,
     percentToDegrees, pixelsToDegrees, rmsS2s, std, vectorToFick,
 } from '../../web/js/shared/data_quality.js';
+import { readExchangeFile, windowsOf, writeExchangeFile } from '../../web/js/shared/exchange_file.js';
+import { FileError } from '../../web/js/shared/file_error.js';
 import { listOf } from './support/columns.js';
 
 const geometry = { widthMm: 528, heightMm: 297, widthPx: 1920, heightPx: 1080, distanceMm: 650 };
@@ -117,8 +119,10 @@ describe('samples of a target', () => {
         const halved = { azimuth: azimuth.map((a, i) => (i % 4 === 0 ? NaN : a)),
             elevation: elevation.map((e, i) => (i % 4 === 3 ? NaN : e)) };
         const lossy = dataQuality(segment(0.2, { ...halved, expectedHz: 100 }));
-        assertNear(complete, { dataLossPercent: 0, dataLossFromExpectedPercent: 0, effectiveFrequencyHz: 100, durationS: 4 });
-        assertNear(lossy, { dataLossPercent: 50, dataLossFromExpectedPercent: 50, effectiveFrequencyHz: 50, durationS: 4 });
+        const loss = (percent, effectiveFrequencyHz) =>
+            ({ dataLossPercent: percent, dataLossFromExpectedPercent: percent, effectiveFrequencyHz, durationS: 4 });
+        assertNear(complete, loss(0, 100));
+        assertNear(lossy, loss(50, 50));
         assertNear(lossy, { accuracy: complete.accuracy, std: complete.std, validCount: 200 });
     });
 
@@ -145,4 +149,69 @@ describe('samples of a target', () => {
             [{ area: NaN, majorAxis: NaN }, NaN, NaN]);
         assertNear([effectiveFrequency([1], [1], 0), bcea([1, 1], [2, 2])], [NaN, { area: 0, majorAxis: 0, minorAxis: 0 }]);
     });
+});
+
+describe('exchange file', () => {
+    const header = 'timestamp\tleft_x\tleft_y\tright_x\tright_y\ttarget_id\ttar_x\ttar_y\n';
+    const row = (time, id = 0, target = '0\t0') => `${time}\t1.5\t-2\t3\t4e1\t${id}\t${target}\n`;
+    const complete = `${header + row(0, -1, '\t')}5\t\t\tnan\tNaN\t2\t480\t-270\n${row(10, 2, '480\t-270')}`;
+    const samples = {
+        timestampMs: Float64Array.of(0, 5, 10),
+        left: { x: Float64Array.of(1.5, NaN, 1.5), y: Float64Array.of(-2, NaN, -2) },
+        right: { x: Float64Array.of(3, NaN, 3), y: Float64Array.of(40, NaN, 40) },
+        targetId: Float64Array.of(-1, 2, 2),
+        targetX: Float64Array.of(NaN, 480, 480),
+        targetY: Float64Array.of(NaN, -270, -270),
+    };
+    const read = text => readExchangeFile(new TextEncoder().encode(text));
+    const reversed = line => line && `7\t${line.split('\t').reverse().join('\t')}\ttext`;
+    const columnsWithout = (text, ...dropped) => text.trimEnd().split('\n')
+        .map(line => line.split('\t').filter((_, i) => !dropped.includes(i)).join('\t')).join('\n');
+
+    for (const [name, text, expected] of [
+        ['as another tool writes it', complete, samples],
+        ['as this module writes it', writeExchangeFile(samples), samples],
+        ['with CR LF, a byte order mark and empty lines at the end',
+            `\uFEFF${complete.replaceAll('\n', '\r\n')}\r\n`, samples],
+        ['without the last line end', complete.trimEnd(), samples],
+        ['with other columns, in another order', complete.split('\n').map(reversed).join('\n'), samples],
+        ['with the left eye only', columnsWithout(complete, 3, 4), { ...samples, right: null }],
+        ['with the right eye only', writeExchangeFile({ ...samples, left: null }), { ...samples, left: null }],
+    ])
+        test(name, () => assert.deepEqual(read(text), expected));
+
+    test('a target that is shown again has another window', () => {
+        const rows = [1, 1, -1, 1, 3].map((id, i) => row(10 * i, id, `${100 * id}\t0`));
+        const windows = windowsOf(read(header + rows.join('')));
+        assert.deepEqual(windows.map(({ targetId, x, from, to }) => [targetId, x, from, to]),
+            [[1, 100, 0, 2], [1, 100, 3, 4], [3, 300, 4, 5]]);
+    });
+
+    for (const [name, text, key, line, more] of [
+        ['an empty file', '\n', 'emptyFile', 1],
+        ['without a column', columnsWithout(complete, 7), 'noColumn', 1, { name: 'tar_y' }],
+        ['with half of an eye', columnsWithout(complete, 2), 'noColumn', 1, { name: 'left_y' }],
+        ['separated by commas', complete.replaceAll('\t', ','), 'noColumn', 1, { name: 'timestamp' }],
+        ['without an eye', columnsWithout(complete, 1, 2, 3, 4), 'noEye', 1],
+        ['with a column twice', complete.replace('right_x', 'left_x\tright_x'), 'columnTwice', 1, { name: 'left_x' }],
+        ['with a text in a number', complete.replace('4e1', 'lost'), 'noNumber', 2,
+            { column: 5, name: 'right_y', found: 'lost' }],
+        ['without a timestamp', complete.replace('\n10\t', '\n\t'), 'noNumber', 4, { name: 'timestamp', found: '' }],
+        ['without a target id', header + row(0, ''), 'noNumber', 2, { name: 'target_id' }],
+        ['with a cut off line', complete.slice(0, -6), 'wrongColumns', 4, { columns: 7, expected: 8 }],
+        ['with an empty line', complete.replace('\n5', '\n\n5'), 'noNumber', 3, { column: 1 }],
+        ['whose time goes back', header + row(10) + row(5), 'timeOrder', 3],
+        ['with a fractional target id', header + row(0, 1.5), 'noTargetId', 2, { found: 1.5 }],
+        ['with another negative target id', header + row(0, -2), 'noTargetId', 2],
+        ['with constant timestamps', header + row(0, -1) + row(5).repeat(3), 'constantTime', 3, { target: 0 }],
+        ['without targets', header + row(0, -1), 'noTargets', 2],
+        ['without samples', header, 'noTargets', 2],
+        ['with a target without position', header + row(0) + row(1, 0, '0\t'), 'noPosition', 3, { target: 0 }],
+        ['with a moving target', header + row(0) + row(1, 0, '0\t1'), 'targetMoves', 3, { target: 0 }],
+    ])
+        test(`refused: ${name}`, () => assert.throws(() => read(text), error => {
+            assert.ok(error instanceof FileError, error.stack);
+            assert.deepEqual([error.key, error.values], [key, { ...error.values, line, ...more }]);
+            return true;
+        }));
 });

@@ -157,4 +157,14 @@ export default {
     noNumber: 'Line {line}, column {column} ({name}): “{found}” is not a number.',
     lineTooLong: 'Line {line} is too long.',
     unreadable: 'The file cannot be read: {reason}',
+
+    noColumn: 'Line {line}: the column “{name}” is missing. The columns must be separated by tabs. This file starts with “{found}”.',
+    noEye: 'Line {line}: there are no columns of an eye. A file needs left_x and left_y, or right_x and right_y, or all four. This file starts with “{found}”.',
+    columnTwice: 'Line {line}: there are several columns “{name}”. Rename or remove all but one.',
+    timeOrder: 'Line {line}: the timestamp is earlier than in the line before.',
+    noTargetId: 'Line {line}: target_id is {found}. It must be a whole number, and -1 outside the collection windows.',
+    noTargets: 'The file has no samples of a target. During the collection windows, target_id must be 0 or more.',
+    noPosition: 'Line {line}: target {target} has no position. During its collection window, tar_x and tar_y must be numbers.',
+    targetMoves: 'Line {line}: target {target} moves during its collection window. While a target moves, target_id must be -1.',
+    constantTime: 'Line {line}: all timestamps in this collection window of target {target} are equal. Timestamps must be in ms and increase.',
 };
