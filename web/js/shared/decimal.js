@@ -4,6 +4,7 @@ const [plus, minus, point, zero, nine] = ['+', '-', '.', '0', '9'].map(character
 
 /** A double cannot represent higher powers of ten exactly. */
 const maxDecimals = 22;
+const powersOfTen = Float64Array.from({ length: maxDecimals + 1 }, (_, exponent) => 10 ** exponent);
 
 /**
  * Returns the number in `bytes` from `from` to `to` (excluded): NaN for "nan" and "inf", undefined for other text. The
@@ -28,7 +29,7 @@ export function parseDecimal(bytes, from, to) {
     const decimals = to - 1 - pointAt;
     const isEmpty = to - start - (bytes[pointAt] === point ? 1 : 0) <= 0;
     if (isEmpty || decimals > maxDecimals) return parseText(bytes, from, to);
-    return (first === minus ? -value : value) / 10 ** decimals;
+    return (first === minus ? -value : value) / powersOfTen[decimals];
 }
 
 /**
