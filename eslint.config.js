@@ -18,5 +18,5 @@ export default [
     },
     { files: ['web/**/*.js'], languageOptions: { globals: globals.browser } },
     { files: ['web/**/*_worker.js'], languageOptions: { globals: globals.worker } },
-    { files: ['tests/**/*.js', 'tests/**/*.mjs', 'bench/**/*.js'], languageOptions: { globals: globals.node } },
+    { files: ['tests/**/*.js', 'tests/**/*.mjs', 'bench/**/*.js', 'tools/**/*.js'], languageOptions: { globals: globals.node } },
 ];

@@ -1,4 +1,5 @@
 import assert from 'node:assert/strict';
+import { spawnSync } from 'node:child_process';
 import { describe, test } from 'node:test';
 import {
     accuracy, bcea, dataLossFromExpected, dataLossFromInvalid, dataQuality, effectiveFrequency, fickToVector,
@@ -214,4 +215,46 @@ describe('exchange file', () => {
             assert.deepEqual([error.key, error.values], [key, { ...error.values, line, ...more }]);
             return true;
         }));
+});
+
+describe('tools/data-quality', () => {
+    const tool = new URL('../../tools/data-quality', import.meta.url).pathname;
+    const options = ['--screen', '528x297', '--resolution', '1920x1080', '--distance', '650'];
+    const run = (input, ...args) => spawnSync(tool, args, { input, encoding: 'utf8' });
+    /** The left eye looks 1 degree below the first target and is lost at the second; the right eye looks at them. */
+    const offsetPx = (Math.tan(Math.PI / 180) * 650 * 1080) / 297;
+    const file = writeExchangeFile({
+        timestampMs: Float64Array.from(listOf(8, i => 10 * i)),
+        left: { x: new Float64Array(8), y: Float64Array.from(listOf(8, i => (i < 4 ? offsetPx : NaN))) },
+        right: { x: new Float64Array(8), y: new Float64Array(8) },
+        targetId: Float64Array.from(listOf(8, i => i >> 2)), targetX: new Float64Array(8), targetY: new Float64Array(8),
+    });
+
+    test('prints each eye and target, and the means', () => {
+        const { stdout, status } = run(file, '-', ...options, '--rate', '100');
+        const [header, ...rows] = stdout.trimEnd().split('\n').map(line => line.split('\t'));
+        const columns = ['eye', 'target_id', 'accuracy_deg', 'std_deg', 'data_loss_percent', 'effective_frequency_hz'];
+        assert.equal(status, 0);
+        assert.deepEqual(rows.map(row => columns.map(name => row[header.indexOf(name)]).join(' ')), [
+            'left 0 1.0000 0.0000 0.00 100.00', 'left 1 not enough data nan 100.00 0.00', 'left mean 1.0000 0.0000 50.00 50.00',
+            'right 0 0.0000 0.0000 0.00 100.00', 'right 1 0.0000 0.0000 0.00 100.00', 'right mean 0.0000 0.0000 0.00 100.00',
+            'combined 0 0.5000 0.0000 0.00 100.00', 'combined 1 not enough data nan 100.00 0.00',
+            'combined mean 0.5000 0.0000 50.00 50.00', 'mean mean 0.5000 0.0000 25.00 75.00',
+        ]);
+    });
+
+    for (const [name, args, status, message] of [
+        ['a broken file', ['-', ...options], 1, /-: Line 1: the column “timestamp” is missing/],
+        ['a file that does not exist', ['/nowhere.tsv', ...options], 1, /nowhere\.tsv: ENOENT/],
+        ['no file', options, 2, /one file is needed/],
+        ['a missing option', ['-', ...options.slice(2)], 2, /--screen is missing/],
+        ['a wrong size', ['-', '--screen', '528', ...options.slice(2)], 2, /--screen must be WIDTHxHEIGHT/],
+        ['a distance of 0', ['-', ...options.slice(0, 5), '0'], 2, /--distance must be a number greater than 0/],
+        ['an unknown option', ['-', ...options, '--size', '1'], 2, /--size/],
+    ])
+        test(`refuses ${name}`, () => {
+            const result = run('a,b\n', ...args);
+            assert.deepEqual([result.status, result.stdout], [status, '']);
+            assert.match(result.stderr, message);
+        });
 });

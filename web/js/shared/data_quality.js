@@ -69,7 +69,8 @@ export function fickToVector(azimuth, elevation) {
  * @param {number} z
  */
 export function vectorToFick(x, y, z) {
-    return { azimuth: toDegrees(Math.atan2(x, z)), elevation: toDegrees(Math.atan2(y, Math.hypot(x, z))) };
+    // Called for each sample. Math.hypot() is slower, and protects from an overflow that cannot happen here.
+    return { azimuth: toDegrees(Math.atan2(x, z)), elevation: toDegrees(Math.atan2(y, Math.sqrt(x * x + z * z))) };
 }
 
 /**
