@@ -1,7 +1,7 @@
 #include "gazepoint/command_parser.h"
 #include "gazepoint/device.h"
 #include "simulators/distinct_eyes.h"
-#include "simulators/loopback_client.h"
+#include "support/loopback_client.h"
 #include "support/test_main.h"
 
 #include <cmath>

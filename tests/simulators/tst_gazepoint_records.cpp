@@ -4,7 +4,7 @@
 #include "gazepoint/record_builder.h"
 #include "gazepoint/record_formatter.h"
 #include "simulators/distinct_eyes.h"
-#include "simulators/loopback_client.h"
+#include "support/loopback_client.h"
 #include "support/test_main.h"
 
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "gazepoint/options.h"
 #include "gazepoint/server.h"
-#include "simulators/loopback_client.h"
+#include "support/loopback_client.h"
 #include "support/test_main.h"
 
 #include <memory>

@@ -1,4 +1,4 @@
-#include "simulators/loopback_client.h"
+#include "support/loopback_client.h"
 #include "support/test_main.h"
 #include "system/desktop.h"
 #include "system/expected_row.h"
