@@ -236,8 +236,9 @@ describe('tools/data-quality', () => {
         const columns = ['eye', 'target_id', 'accuracy_deg', 'std_deg', 'data_loss_percent', 'effective_frequency_hz'];
         assert.equal(status, 0);
         assert.deepEqual(rows.map(row => columns.map(name => row[header.indexOf(name)]).join(' ')), [
-            'left 0 1.0000 0.0000 0.00 100.00', 'left 1 not enough data nan 100.00 0.00', 'left mean 1.0000 0.0000 50.00 50.00',
-            'right 0 0.0000 0.0000 0.00 100.00', 'right 1 0.0000 0.0000 0.00 100.00', 'right mean 0.0000 0.0000 0.00 100.00',
+            'left 0 1.0000 0.0000 0.00 100.00', 'left 1 not enough data nan 100.00 0.00',
+            'left mean 1.0000 0.0000 50.00 50.00', 'right 0 0.0000 0.0000 0.00 100.00',
+            'right 1 0.0000 0.0000 0.00 100.00', 'right mean 0.0000 0.0000 0.00 100.00',
             'combined 0 0.5000 0.0000 0.00 100.00', 'combined 1 not enough data nan 100.00 0.00',
             'combined mean 0.5000 0.0000 50.00 50.00', 'mean mean 0.5000 0.0000 25.00 75.00',
         ]);
