@@ -29,8 +29,8 @@
  * The samples of one target, all from a time when the target did not move.
  *
  * @typedef {Directions & {
- *     timestampMs: Float64Array, targetAzimuth: number, targetElevation: number, expectedHz?: number,
- * }} Segment `expectedHz` is the nominal sample rate of the tracker, if it is known.
+ *     durationS: number, targetAzimuth: number, targetElevation: number, expectedHz?: number,
+ * }} Segment `durationS` is from durationOf(). `expectedHz` is the nominal sample rate of the tracker, if it is known.
  */
 
 /**
@@ -46,6 +46,9 @@
 
 /** The share of a target's expected samples that the accuracy needs. */
 const minValidShare = 0.5;
+
+/** The share of the samples that the BCEA contains. */
+const defaultProbability = 0.68;
 
 const toDegrees = (/** @type {number} */ radians) => (radians * 180) / Math.PI;
 const toRadians = (/** @type {number} */ degrees) => (degrees * Math.PI) / 180;
@@ -82,7 +85,7 @@ export function vectorToFick(x, y, z) {
  */
 export function pixelsToDegrees(x, y, geometry) {
     const { widthMm, heightMm, widthPx, heightPx } = geometry;
-    return directionsOf(x, y, px => (px / widthPx) * widthMm, px => (px / heightPx) * heightMm, geometry);
+    return directionsOf(x, y, 0, widthMm / widthPx, heightMm / heightPx, geometry);
 }
 
 /**
@@ -94,26 +97,29 @@ export function pixelsToDegrees(x, y, geometry) {
  */
 export function percentToDegrees(x, y, geometry) {
     const { widthMm, heightMm } = geometry;
-    const toMm = (/** @type {number} */ percent, /** @type {number} */ sizeMm) => (percent / 100 - 0.5) * sizeMm;
-    return directionsOf(x, y, percent => toMm(percent, widthMm), percent => toMm(percent, heightMm), geometry);
+    return directionsOf(x, y, 50, widthMm / 100, heightMm / 100, geometry);
 }
 
 /**
+ * Converts positions in any unit.
+ *
  * @param {Numbers} x
  * @param {Numbers} y
- * @param {(x: number) => number} toMmX
- * @param {(y: number) => number} toMmY
+ * @param {number} centre the coordinate of the screen's centre
+ * @param {number} mmPerUnitX
+ * @param {number} mmPerUnitY
  * @param {Geometry} geometry
  * @returns {Directions}
  */
-function directionsOf(x, y, toMmX, toMmY, { distanceMm }) {
-    const directions = { azimuth: new Float64Array(x.length), elevation: new Float64Array(x.length) };
+function directionsOf(x, y, centre, mmPerUnitX, mmPerUnitY, { distanceMm }) {
+    const azimuths = new Float64Array(x.length);
+    const elevations = new Float64Array(x.length);
     for (let i = 0; i < x.length; ++i) {
-        const { azimuth, elevation } = vectorToFick(toMmX(x[i]), toMmY(y[i]), distanceMm);
-        directions.azimuth[i] = azimuth;
-        directions.elevation[i] = elevation;
+        const direction = vectorToFick((x[i] - centre) * mmPerUnitX, (y[i] - centre) * mmPerUnitY, distanceMm);
+        azimuths[i] = direction.azimuth;
+        elevations[i] = direction.elevation;
     }
-    return directions;
+    return { azimuth: azimuths, elevation: elevations };
 }
 
 /**
@@ -175,9 +181,12 @@ function inFrameOf({ x, y, z }, a, e) {
  * @returns {Precision}
  */
 export function rmsS2s(azimuth, elevation) {
-    let [pairCount, azimuthSquares, elevationSquares] = [0, 0, 0];
+    let pairCount = 0;
+    let azimuthSquares = 0;
+    let elevationSquares = 0;
     for (let i = 1; i < azimuth.length; ++i) {
-        const [a, e] = [azimuth[i] - azimuth[i - 1], elevation[i] - elevation[i - 1]];
+        const a = azimuth[i] - azimuth[i - 1];
+        const e = elevation[i] - elevation[i - 1];
         if (isMissing(a, e)) continue;
         ++pairCount;
         azimuthSquares += a * a;
@@ -194,7 +203,14 @@ export function rmsS2s(azimuth, elevation) {
  * @returns {Precision}
  */
 export function std(azimuth, elevation) {
-    const { count, azimuthSquares, elevationSquares } = momentsOf(azimuth, elevation);
+    return stdOf(momentsOf(azimuth, elevation));
+}
+
+/**
+ * @param {Moments} moments
+ * @returns {Precision}
+ */
+function stdOf({ count, azimuthSquares, elevationSquares }) {
     return precisionOf(azimuthSquares / count, elevationSquares / count);
 }
 
@@ -217,8 +233,16 @@ function precisionOf(azimuthVariance, elevationVariance) {
  * @param {number} probability
  * @returns {Ellipse}
  */
-export function bcea(azimuth, elevation, probability = 0.68) {
-    const { count, azimuthSquares, elevationSquares, products } = momentsOf(azimuth, elevation);
+export function bcea(azimuth, elevation, probability = defaultProbability) {
+    return ellipseOf(momentsOf(azimuth, elevation), probability);
+}
+
+/**
+ * @param {Moments} moments
+ * @param {number} probability
+ * @returns {Ellipse}
+ */
+function ellipseOf({ count, azimuthSquares, elevationSquares, products }, probability) {
     if (count < 2) return { area: NaN, orientation: NaN, majorAxis: NaN, minorAxis: NaN };
     const [aa, ee, ae] = [azimuthSquares, elevationSquares, products].map(sum => sum / (count - 1));
     const scale = 2 * Math.log(1 / (1 - probability));
@@ -235,23 +259,34 @@ export function bcea(azimuth, elevation, probability = 0.68) {
 }
 
 /**
- * Returns the number of valid samples, and the sums of the squares and products of their differences from the mean.
+ * The number of valid samples, and the sums of the squares and products of their differences from the mean.
  *
+ * @typedef {{ count: number, azimuthSquares: number, elevationSquares: number, products: number }} Moments
+ */
+
+/**
  * @param {Numbers} azimuth
  * @param {Numbers} elevation
+ * @returns {Moments}
  */
 function momentsOf(azimuth, elevation) {
-    let [count, azimuthSum, elevationSum] = [0, 0, 0];
+    let count = 0;
+    let azimuthSum = 0;
+    let elevationSum = 0;
     for (let i = 0; i < azimuth.length; ++i) {
         if (isMissing(azimuth[i], elevation[i])) continue;
         ++count;
         azimuthSum += azimuth[i];
         elevationSum += elevation[i];
     }
-    const [azimuthMean, elevationMean] = [azimuthSum / count, elevationSum / count];
-    let [azimuthSquares, elevationSquares, products] = [0, 0, 0];
+    const azimuthMean = azimuthSum / count;
+    const elevationMean = elevationSum / count;
+    let azimuthSquares = 0;
+    let elevationSquares = 0;
+    let products = 0;
     for (let i = 0; i < azimuth.length; ++i) {
-        const [a, e] = [azimuth[i] - azimuthMean, elevation[i] - elevationMean];
+        const a = azimuth[i] - azimuthMean;
+        const e = elevation[i] - elevationMean;
         if (isMissing(a, e)) continue;
         azimuthSquares += a * a;
         elevationSquares += e * e;
@@ -267,7 +302,7 @@ function momentsOf(azimuth, elevation) {
  * @param {Numbers} elevation
  */
 export function dataLossFromInvalid(azimuth, elevation) {
-    return 100 * (1 - validCountOf(azimuth, elevation) / azimuth.length);
+    return lossOf(validCountOf(azimuth, elevation), azimuth.length);
 }
 
 /**
@@ -280,8 +315,7 @@ export function dataLossFromInvalid(azimuth, elevation) {
  * @param {number} frequencyHz the expected sample rate
  */
 export function dataLossFromExpected(azimuth, elevation, durationS, frequencyHz) {
-    if (!(durationS > 0)) return NaN;
-    return 100 * (1 - validCountOf(azimuth, elevation) / (durationS * frequencyHz));
+    return lossOf(validCountOf(azimuth, elevation), expectedCountOf(durationS, frequencyHz));
 }
 
 /**
@@ -292,7 +326,31 @@ export function dataLossFromExpected(azimuth, elevation, durationS, frequencyHz)
  * @param {number} durationS
  */
 export function effectiveFrequency(azimuth, elevation, durationS) {
-    return durationS > 0 ? validCountOf(azimuth, elevation) / durationS : NaN;
+    return frequencyOf(validCountOf(azimuth, elevation), durationS);
+}
+
+/**
+ * @param {number} validCount
+ * @param {number} expectedCount
+ */
+function lossOf(validCount, expectedCount) {
+    return 100 * (1 - validCount / expectedCount);
+}
+
+/**
+ * @param {number} durationS
+ * @param {number} frequencyHz
+ */
+function expectedCountOf(durationS, frequencyHz) {
+    return durationS > 0 ? durationS * frequencyHz : NaN;
+}
+
+/**
+ * @param {number} validCount
+ * @param {number} durationS
+ */
+function frequencyOf(validCount, durationS) {
+    return durationS > 0 ? validCount / durationS : NaN;
 }
 
 /**
@@ -303,7 +361,8 @@ export function effectiveFrequency(azimuth, elevation, durationS) {
  */
 export function durationOf(timestampMs) {
     if (timestampMs.length < 2) return NaN;
-    const intervals = timestampMs.subarray(1).map((timeMs, i) => timeMs - timestampMs[i]);
+    const intervals = new Float64Array(timestampMs.length - 1);
+    for (let i = 0; i < intervals.length; ++i) intervals[i] = timestampMs[i + 1] - timestampMs[i];
     return (timestampMs[timestampMs.length - 1] - timestampMs[0] + medianOf(intervals)) / 1000;
 }
 
@@ -320,22 +379,23 @@ function medianOf(values) {
  * @param {Segment} segment
  * @returns {DataQuality}
  */
-export function dataQuality({ azimuth, elevation, timestampMs, targetAzimuth, targetElevation, expectedHz = NaN }) {
-    const durationS = durationOf(timestampMs);
-    const validCount = validCountOf(azimuth, elevation);
-    const expectedCount = Number.isNaN(expectedHz) ? azimuth.length : durationS * expectedHz;
+export function dataQuality({ azimuth, elevation, durationS, targetAzimuth, targetElevation, expectedHz = NaN }) {
+    const sampleCount = azimuth.length;
+    const moments = momentsOf(azimuth, elevation);
+    const validCount = moments.count;
+    const expectedCount = Number.isNaN(expectedHz) ? sampleCount : durationS * expectedHz;
     const isEnough = validCount > 0 && validCount >= minValidShare * expectedCount;
     return {
-        sampleCount: azimuth.length,
+        sampleCount,
         validCount,
         durationS,
         accuracy: isEnough ? accuracy(azimuth, elevation, targetAzimuth, targetElevation) : null,
         rmsS2s: rmsS2s(azimuth, elevation),
-        std: std(azimuth, elevation),
-        bcea: bcea(azimuth, elevation),
-        dataLossPercent: dataLossFromInvalid(azimuth, elevation),
-        dataLossFromExpectedPercent: dataLossFromExpected(azimuth, elevation, durationS, expectedHz),
-        effectiveFrequencyHz: effectiveFrequency(azimuth, elevation, durationS),
+        std: stdOf(moments),
+        bcea: ellipseOf(moments, defaultProbability),
+        dataLossPercent: lossOf(validCount, sampleCount),
+        dataLossFromExpectedPercent: lossOf(validCount, expectedCountOf(durationS, expectedHz)),
+        effectiveFrequencyHz: frequencyOf(validCount, durationS),
     };
 }
 

@@ -1,5 +1,5 @@
 // @ts-check
-import { dataQuality, pixelsToDegrees } from './data_quality.js';
+import { dataQuality, durationOf, pixelsToDegrees } from './data_quality.js';
 import { windowsOf } from './exchange_file.js';
 /** @import { DataQuality, Directions, Geometry, Precision } from './data_quality.js' */
 /** @import { ExchangeSamples, EyeGaze } from './exchange_file.js' */
@@ -24,6 +24,7 @@ import { windowsOf } from './exchange_file.js';
  */
 export function qualityTable(samples, geometry, expectedHz) {
     const { left, right } = samples;
+    const targets = targetsOf(samples, geometry);
     const combined = left && right && { x: meanPosition(left.x, right.x), y: meanPosition(left.y, right.y) };
     const eyes = [gazeQuality('left', left), gazeQuality('right', right)].flat();
     return { gazes: [...eyes, ...gazeQuality('combined', combined)], mean: meanQuality(eyes.map(({ mean }) => mean)) };
@@ -35,8 +36,8 @@ export function qualityTable(samples, geometry, expectedHz) {
      */
     function gazeQuality(name, gaze) {
         if (!gaze) return [];
-        const targets = targetQualities(samples, pixelsToDegrees(gaze.x, gaze.y, geometry), geometry, expectedHz);
-        return [{ name, targets, mean: meanQuality(targets.map(({ quality }) => quality)) }];
+        const qualities = targetQualities(targets, pixelsToDegrees(gaze.x, gaze.y, geometry), expectedHz);
+        return [{ name, targets: qualities, mean: meanQuality(qualities.map(({ quality }) => quality)) }];
     }
 }
 
@@ -45,25 +46,46 @@ export function qualityTable(samples, geometry, expectedHz) {
  * @param {Float64Array} right
  */
 function meanPosition(left, right) {
-    return left.map((value, i) => (value + right[i]) / 2);
+    const mean = new Float64Array(left.length);
+    for (let i = 0; i < mean.length; ++i) mean[i] = (left[i] + right[i]) / 2;
+    return mean;
 }
 
 /**
+ * The samples `from` to `to` (excluded) of a window, with the direction of its target.
+ *
+ * @typedef {{ targetId: number, from: number, to: number, durationS: number, direction: Directions }} Target
+ */
+
+/**
+ * Returns the windows of all targets. Their durations and targets are the same for all eyes.
+ *
  * @param {ExchangeSamples} samples
- * @param {Directions} gaze
  * @param {Geometry} geometry
+ * @returns {Target[]}
+ */
+function targetsOf(samples, geometry) {
+    return windowsOf(samples).map(({ targetId, x, y, from, to }) => {
+        const durationS = durationOf(samples.timestampMs.subarray(from, to));
+        const direction = pixelsToDegrees(Float64Array.of(x), Float64Array.of(y), geometry);
+        return { targetId, from, to, durationS, direction };
+    });
+}
+
+/**
+ * @param {Target[]} targets
+ * @param {Directions} gaze
  * @param {number} [expectedHz]
  * @returns {TargetQuality[]}
  */
-function targetQualities(samples, gaze, geometry, expectedHz) {
-    return windowsOf(samples).map(({ targetId, x, y, from, to }) => {
-        const target = pixelsToDegrees([x], [y], geometry);
+function targetQualities(targets, gaze, expectedHz) {
+    return targets.map(({ targetId, from, to, durationS, direction }) => {
         const quality = dataQuality({
             azimuth: gaze.azimuth.subarray(from, to),
             elevation: gaze.elevation.subarray(from, to),
-            timestampMs: samples.timestampMs.subarray(from, to),
-            targetAzimuth: target.azimuth[0],
-            targetElevation: target.elevation[0],
+            durationS,
+            targetAzimuth: direction.azimuth[0],
+            targetElevation: direction.elevation[0],
             expectedHz,
         });
         return { targetId, quality };
