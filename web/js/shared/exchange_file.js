@@ -1,7 +1,7 @@
 // @ts-check
 // The file format in which tools for data quality exchange gaze: tab-separated values with a header line, in UTF-8. Columns
 // may be in any order, and unknown columns are ignored.
-import { parseDecimal } from './decimal.js';
+import { parseDecimal, readDecimal } from './decimal.js';
 import { FileError, excerpt } from './file_error.js';
 
 /** @typedef {{ x: Float64Array, y: Float64Array }} EyeGaze In pixels from the centre, x to the right, y downward. */
@@ -34,7 +34,11 @@ const [tab, lineFeed, carriageReturn] = [9, 10, 13];
 const firstRowLine = 2;
 const outsideId = -1;
 
-/** @typedef {{ name: string, values: Float64Array } | null} Column Null if the column is ignored. */
+/**
+ * A column with its number, counted from 1. Null if the column is ignored.
+ *
+ * @typedef {{ name: string, number: number, values: Float64Array } | null} Column
+ */
 
 /**
  * Reads a file. Throws a FileError at the first line that is not valid. Also throws a FileError if the file has no
@@ -126,7 +130,8 @@ function columnsOf(header, rowCount) {
     const known = names.filter(name => knownColumns.includes(name));
     const twice = known.find((name, i) => known.indexOf(name) !== i);
     if (twice !== undefined) throw new FileError('columnTwice', 1, { name: twice });
-    return names.map(name => (knownColumns.includes(name) ? { name, values: new Float64Array(rowCount) } : null));
+    return names.map((name, i) =>
+        knownColumns.includes(name) ? { name, number: i + 1, values: new Float64Array(rowCount) } : null);
 }
 
 /**
@@ -136,14 +141,12 @@ function columnsOf(header, rowCount) {
  * @param {Column[]} columns
  */
 function readRows(bytes, from, to, columns) {
-    for (let [start, row] = [from, 0]; start < to; ++row) {
-        const end = endOfLine(bytes, start, to);
-        readRow(bytes, start, end > start && bytes[end - 1] === carriageReturn ? end - 1 : end, columns, row);
-        start = end + 1;
-    }
+    for (let [start, row] = [from, 0]; start < to; ++row) start = readRow(bytes, start, to, columns, row) + 1;
 }
 
 /**
+ * Reads a line and returns its end.
+ *
  * @param {Uint8Array} bytes
  * @param {number} from
  * @param {number} to
@@ -151,22 +154,49 @@ function readRows(bytes, from, to, columns) {
  * @param {number} row
  */
 function readRow(bytes, from, to, columns, row) {
-    let cellCount = 0;
-    for (let start = from; start <= to; ++cellCount) {
-        const end = endOfCell(bytes, start, to);
-        const column = columns[cellCount];
-        if (column) {
-            const value = readCell(bytes, start, end, column.name);
-            if (value === undefined) {
-                const values = { column: cellCount + 1, name: column.name, found: excerpt(bytes.subarray(start, end)) };
-                throw new FileError('noNumber', row + firstRowLine, values);
-            }
-            column.values[row] = value;
-        }
-        start = end + 1;
-    }
+    let end = readCell(bytes, from, to, columns[0], row);
+    let cellCount = 1;
+    for (; end < to && bytes[end] === tab; ++cellCount) end = readCell(bytes, end + 1, to, columns[cellCount], row);
     if (cellCount !== columns.length)
         throw new FileError('wrongColumns', row + firstRowLine, { columns: cellCount, expected: columns.length });
+    return end;
+}
+
+/**
+ * Reads a cell and returns its end: the next tab, line feed, or `to`.
+ *
+ * @param {Uint8Array} bytes
+ * @param {number} from
+ * @param {number} to
+ * @param {Column} column
+ * @param {number} row
+ */
+function readCell(bytes, from, to, column, row) {
+    if (!column) return endOfCell(bytes, from, to);
+    const end = readDecimal(bytes, from, to, column.values, row);
+    const isPlain = end > from || mayBeMissing(column.name);
+    return isPlain && isEndOfCell(bytes, end, to) ? end : readUnusualCell(bytes, from, to, column, row);
+}
+
+/**
+ * Reads a cell like readCell(). Handles all texts, and the carriage return at the end of a line.
+ *
+ * @param {Uint8Array} bytes
+ * @param {number} from
+ * @param {number} to
+ * @param {NonNullable<Column>} column
+ * @param {number} row
+ */
+function readUnusualCell(bytes, from, to, { name, number, values }, row) {
+    const end = endOfCell(bytes, from, to);
+    const endOfText = bytes[end] === lineFeed && bytes[end - 1] === carriageReturn ? end - 1 : end;
+    const value = from === endOfText ? NaN : parseDecimal(bytes, from, endOfText);
+    if (value === undefined || (Number.isNaN(value) && !mayBeMissing(name))) {
+        const found = excerpt(bytes.subarray(from, endOfText));
+        throw new FileError('noNumber', row + firstRowLine, { column: number, name, found });
+    }
+    values[row] = value;
+    return end;
 }
 
 /**
@@ -176,21 +206,17 @@ function readRow(bytes, from, to, columns, row) {
  */
 function endOfCell(bytes, from, to) {
     let end = from;
-    while (end < to && bytes[end] !== tab) ++end;
+    while (!isEndOfCell(bytes, end, to)) ++end;
     return end;
 }
 
 /**
- * Returns the number in a cell, or undefined if it is not a number. An empty cell is NaN if the column may have such cells.
- *
  * @param {Uint8Array} bytes
- * @param {number} from
+ * @param {number} at
  * @param {number} to
- * @param {string} name
  */
-function readCell(bytes, from, to, name) {
-    const value = from === to ? NaN : parseDecimal(bytes, from, to);
-    return Number.isNaN(value) && !mayBeMissing(name) ? undefined : value;
+function isEndOfCell(bytes, at, to) {
+    return at >= to || bytes[at] === tab || bytes[at] === lineFeed;
 }
 
 /** @param {ExchangeSamples} samples */
