@@ -12,6 +12,7 @@ namespace hanging_files {
 class Hang {
 public:
     explicit Hang(const QByteArray &part);
+    // NOLINTNEXTLINE(performance-trivially-destructible): where files can hang, it ends that.
     ~Hang();
     Hang(const Hang &) = delete;
     Hang &operator=(const Hang &) = delete;
