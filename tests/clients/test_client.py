@@ -54,7 +54,7 @@ class TestRequests(RunningProgram):
         self.assertEqual(sum(screen.primary for screen in state.screens), 1)
 
     def test_samples_after(self):
-        next(ocela.samples())
+        wait_for(lambda: len(ocela.samples_after().samples) > 5, "there are recent samples")
         self.assertEqual(len(ocela.samples_after(limit=5).samples), 5)
         newest = ocela.samples_after().samples[-5:]
         self.assertEqual([sample.number for sample in newest], list(range(newest[0].number, newest[0].number + 5)))
