@@ -9,7 +9,7 @@ namespace api_v1 {
 struct EventId {
     QByteArray run;
     quint64 number = 0;  ///< of the last sample that the client has
-    /// How many markers of the run were set before the next one that the client lacks. A client that composes the id
+    /// How many markers were set in the run until the last one that the client has. A client that composes the id
     /// itself may leave it out.
     std::optional<quint64> markerCount;
 
