@@ -1,10 +1,16 @@
 #include "device/person.h"
 
 #include "device/environment.h"
+#include "pointer/pointer_source.h"
+
+#include <QGuiApplication>
+#include <QScreen>
 
 namespace sim {
 
 namespace {
+
+constexpr int maxScreenNumber = 99;
 
 SubjectOptions optionsFromEnvironment() {
     SubjectOptions options;
@@ -16,7 +22,11 @@ SubjectOptions optionsFromEnvironment() {
 
 }  // namespace
 
-Person::Person() : Person(optionsFromEnvironment()) {}
+Person::Person() : Person(optionsFromEnvironment()) {
+    const int screenNumber = environment::integer("OCELA_SIM_FOLLOW_MOUSE", 0, 0, maxScreenNumber);
+    if (screenNumber > 0)
+        followMouse(screenNumber);
+}
 
 Person::Person(const SubjectOptions &options) : setup_(options.setup), subject_(options) {}
 
@@ -35,6 +45,31 @@ void Person::release() {
     const std::lock_guard lock(mutex_);
     subject_.at(seconds());
     subject_.release();
+}
+
+/// The library may be loaded in any thread, but only the main thread may ask for the position of the pointer.
+void Person::followMouse(int screenNumber) {
+    auto *application = qobject_cast<QGuiApplication *>(QCoreApplication::instance());
+    if (!application) {
+        qWarning("OCELA_SIM_FOLLOW_MOUSE needs a program with a display, and is ignored");
+        return;
+    }
+    const auto start = [this, application, screenNumber] {
+        const QScreen *screen = QGuiApplication::screens().value(screenNumber - 1);
+        if (!screen) {
+            qWarning("OCELA_SIM_FOLLOW_MOUSE is ignored, because there is no screen %d", screenNumber);
+            return;
+        }
+        auto *source = new PointerSource(screen->geometry(), [this](Point pointer) { follow(pointer); });
+        source->setParent(application);
+    };
+    QMetaObject::invokeMethod(application, start, Qt::QueuedConnection);
+}
+
+void Person::follow(Point pointer) {
+    const std::lock_guard lock(mutex_);
+    subject_.at(seconds());
+    subject_.follow(pointer);
 }
 
 double Person::seconds() const {

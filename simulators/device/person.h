@@ -9,7 +9,9 @@ namespace sim {
 
 /// The simulated person in real time, for a device with several threads. Thread-safe.
 ///
-/// The constructor reads OCELA_SIM_SEED, OCELA_SIM_BLINK_INTERVAL and OCELA_SIM_DISTANCE.
+/// The constructor reads the environment. With OCELA_SIM_FOLLOW_MOUSE=N, the person looks at the mouse pointer on
+/// screen N. Its position is read in the main thread, as long as the application exists. The person must then outlive
+/// the application.
 class Person {
 public:
     Person();
@@ -22,6 +24,8 @@ public:
 
 private:
     explicit Person(const SubjectOptions &options);
+    void followMouse(int screenNumber);
+    void follow(Point pointer);
     [[nodiscard]] double seconds() const;
 
     const PhysicalSetup setup_;

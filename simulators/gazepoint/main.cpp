@@ -1,12 +1,13 @@
 #include "gazepoint/line_player.h"
 #include "gazepoint/options.h"
-#include "gazepoint/pointer_source.h"
 #include "gazepoint/server.h"
+#include "pointer/pointer_source.h"
 #include "subject/recording.h"
 #include "subject/subject.h"
 
 #include <QCoreApplication>
 #include <QGuiApplication>
+#include <QScreen>
 #include <QTimer>
 #include <csignal>
 #include <cstdio>
@@ -54,6 +55,7 @@ void explainMissingDisplay(QtMsgType type, const QMessageLogContext & /*context*
 std::unique_ptr<QCoreApplication> makeApplication(int &argc, char **argv, bool withDisplay) {
     if (!withDisplay)
         return std::make_unique<QCoreApplication>(argc, argv);
+    QCoreApplication::setAttribute(Qt::AA_DisableHighDpiScaling);  // --screen is in device pixels
     const QtMessageHandler previous = qInstallMessageHandler(explainMissingDisplay);
     auto application = std::make_unique<QGuiApplication>(argc, argv);
     qInstallMessageHandler(previous);
@@ -67,13 +69,23 @@ QStringList argumentList(int argc, char **argv) {
     return list;
 }
 
+Screen primaryScreen() {
+    const QRect area = QGuiApplication::primaryScreen()->geometry();
+    return {QByteArray::number(area.x()), QByteArray::number(area.y()), QByteArray::number(area.width()),
+            QByteArray::number(area.height())};
+}
+
+QRect areaOf(const Screen &screen) {
+    return {screen.x.toInt(), screen.y.toInt(), screen.width.toInt(), screen.height.toInt()};
+}
+
 int serve(const Options &options, const ServerOptions &serverOptions, Subject &subject) {
     Server server(serverOptions, subject);
     if (!server.listen())
         return fail(QString("cannot listen on 127.0.0.1:%1: %2").arg(serverOptions.port).arg(server.errorString()));
     std::unique_ptr<PointerSource> pointer;
     if (options.followMouse) {
-        pointer = std::make_unique<PointerSource>([&](Point position) {
+        pointer = std::make_unique<PointerSource>(areaOf(serverOptions.screen), [&](Point position) {
             subject.follow(position);
             server.setCursor(position);
         });
@@ -95,6 +107,8 @@ int run(const Options &options) {
         subject.play(std::get<Recording>(recording), options.server.once);
     }
     ServerOptions serverOptions = options.server;
+    if (options.followMouse && !options.screenIsSet)
+        serverOptions.screen = primaryScreen();
     if (!options.linesFile.isEmpty()) {
         const auto lines = LinePlayer::load(options.linesFile);
         if (const auto *error = std::get_if<QString>(&lines))

@@ -92,7 +92,9 @@ void declareOptions(QCommandLineParser &parser) {
         {"older-server", "Report SCREEN_SIZE without X and Y, like older servers."},
         {"seed", "Seed of the simulated person. The same seed gives the same gaze.", "NUMBER", "1"},
         {"blink-interval", "Median seconds between blinks; 0: no blinks.", "SECONDS", "4"},
-        {"follow-mouse", "The person looks at the mouse pointer. Needs a display."},
+        {"follow-mouse",
+         "The person looks at the mouse pointer on --screen, or on the primary screen, whose size is then reported.\n"
+         "Needs a display."},
         {"record", "The person plays back a record file.", "FILE"},
         {"lines",
          "Send the <REC .../> lines of a file instead of simulated records. ENABLE_SEND_DATA starts them;\n"
@@ -110,6 +112,7 @@ Options optionsOf(const QCommandLineParser &parser, Values &values) {
     options.server.port = values.whole<quint16>("port");
     options.server.rateHz = values.number("rate", minRateHz, maxRateHz);
     options.server.screen = values.screen("screen");
+    options.screenIsSet = parser.isSet("screen");
     options.server.olderServer = parser.isSet("older-server");
     options.server.faults.faults = values.faults("fault");
     options.server.faults.after_s = values.number("fault-after", 0, maxTime_s);

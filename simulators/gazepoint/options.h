@@ -16,6 +16,7 @@ struct Options {
     QString recordFile;  ///< record file that the subject plays back; empty: none
     QString linesFile;   ///< file with the protocol lines to send; empty: none
     bool followMouse = false;
+    bool screenIsSet = false;  ///< server.screen is from the command line
     bool help = false;
 };
 
