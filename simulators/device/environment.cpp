@@ -24,17 +24,21 @@ void warnOnce(const char *name, const QString &value) {
 
 }  // namespace
 
-double number(const char *name, double fallback, double min, double max) {
+std::optional<double> number(const char *name, double min, double max) {
     const QString value = text(name);
     if (value.isEmpty())
-        return fallback;
+        return std::nullopt;
     bool ok = false;
     const double result = value.toDouble(&ok);
     if (!ok || !std::isfinite(result)) {
         warnOnce(name, value);
-        return fallback;
+        return std::nullopt;
     }
     return std::clamp(result, min, max);
+}
+
+double number(const char *name, double fallback, double min, double max) {
+    return number(name, min, max).value_or(fallback);
 }
 
 int integer(const char *name, int fallback, int min, int max) {
@@ -47,6 +51,17 @@ int anyInteger(const char *name) {
 
 QString text(const char *name) {
     return qEnvironmentVariable(name);
+}
+
+std::optional<GazeAngles> gazeAngles(const char *name, double max_deg) {
+    const QString value = text(name);
+    const std::optional<GazeAngles> angles = parseGazeAngles(value);
+    if (!angles && !value.isEmpty())
+        warnOnce(name, value);
+    if (!angles)
+        return std::nullopt;
+    return GazeAngles{std::clamp(angles->azimuth_deg, -max_deg, max_deg),
+                      std::clamp(angles->elevation_deg, -max_deg, max_deg)};
 }
 
 std::set<std::string> words(const char *name, std::initializer_list<std::string_view> known) {

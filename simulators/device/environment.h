@@ -1,5 +1,7 @@
 #pragma once
 
+#include "subject/gaze_angles.h"
+
 #include <QString>
 #include <initializer_list>
 #include <optional>
@@ -12,13 +14,17 @@
 /// An invalid value is logged, once for each value, and treated as not set. Any thread may call these functions.
 namespace sim::environment {
 
-/// Returns the number, clamped to `min`..`max`, or `fallback` if it is not set.
+/// Returns the number, clamped to `min`..`max`. If it is not set, returns nullopt or `fallback`.
+std::optional<double> number(const char *name, double min, double max);
 double number(const char *name, double fallback, double min, double max);
 int integer(const char *name, int fallback, int min, int max);
 /// Returns any integer; 0 if it is not set.
 int anyInteger(const char *name);
 
 QString text(const char *name);
+
+/// Returns the angles, both clamped to `-max_deg`..`max_deg`.
+std::optional<GazeAngles> gazeAngles(const char *name, double max_deg);
 
 /// Returns the words of a comma-separated list. Words that are not in `known` are invalid.
 std::set<std::string> words(const char *name, std::initializer_list<std::string_view> known);

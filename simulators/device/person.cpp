@@ -12,17 +12,19 @@ namespace {
 
 constexpr int maxScreenNumber = 99;
 
-SubjectOptions optionsFromEnvironment() {
+}  // namespace
+
+SubjectOptions personFromEnvironment() {
     SubjectOptions options;
     options.seed = static_cast<std::uint64_t>(environment::number("OCELA_SIM_SEED", 1, 0, 0x1p53));
     options.blinkInterval_s = environment::number("OCELA_SIM_BLINK_INTERVAL", options.blinkInterval_s, 0, 3600);
     options.setup.distance_cm = environment::number("OCELA_SIM_DISTANCE", options.setup.distance_cm, 20, 150);
+    options.offset = environment::gazeAngles("OCELA_SIM_OFFSET", maxOffset_deg);
+    options.noise_deg = environment::number("OCELA_SIM_NOISE", 0, maxNoise_deg);
     return options;
 }
 
-}  // namespace
-
-Person::Person() : Person(optionsFromEnvironment()) {
+Person::Person() : Person(personFromEnvironment()) {
     const int screenNumber = environment::integer("OCELA_SIM_FOLLOW_MOUSE", 0, 0, maxScreenNumber);
     if (screenNumber > 0)
         followMouse(screenNumber);

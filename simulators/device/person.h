@@ -7,6 +7,9 @@
 
 namespace sim {
 
+/// Returns the options in the environment variables OCELA_SIM_* of the person, which docs/simulators.md describes.
+SubjectOptions personFromEnvironment();
+
 /// The simulated person in real time, for a device with several threads. Thread-safe.
 ///
 /// The constructor reads the environment. With OCELA_SIM_FOLLOW_MOUSE=N, the person looks at the mouse pointer on

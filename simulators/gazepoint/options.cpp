@@ -3,6 +3,7 @@
 #include <QCommandLineParser>
 #include <QRegularExpression>
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace sim::gazepoint {
@@ -24,6 +25,14 @@ public:
         return check(ok && value >= min && value <= max, option, QString("a number from %1 to %2").arg(min).arg(max))
                    ? value
                    : min;
+    }
+
+    GazeAngles gazeAngles(const QString &option, double max_deg) {
+        const auto angles = parseGazeAngles(parser_.value(option));
+        const bool ok =
+            angles && std::abs(angles->azimuth_deg) <= max_deg && std::abs(angles->elevation_deg) <= max_deg;
+        check(ok, option, QString("one angle or two, separated by a comma, from -%1 to %1").arg(max_deg));
+        return angles.value_or(GazeAngles());
     }
 
     template <typename Unsigned>
@@ -92,6 +101,12 @@ void declareOptions(QCommandLineParser &parser) {
         {"older-server", "Report SCREEN_SIZE without X and Y, like older servers."},
         {"seed", "Seed of the simulated person. The same seed gives the same gaze.", "NUMBER", "1"},
         {"blink-interval", "Median seconds between blinks; 0: no blinks.", "SECONDS", "4"},
+        {"offset",
+         "Error of both eyes in degrees: horizontal,vertical, or one number for both. Positive is right and down.\n"
+         "Without it, each eye has its own random error.",
+         "H[,V]"},
+        {"noise", "Standard deviation in degrees of white noise on each axis of each eye, instead of natural noise.",
+         "DEGREES"},
         {"follow-mouse",
          "The person looks at the mouse pointer on --screen, or on the primary screen, whose size is then reported.\n"
          "Needs a display."},
@@ -119,6 +134,10 @@ Options optionsOf(const QCommandLineParser &parser, Values &values) {
     options.server.once = parser.isSet("once");
     options.subject.seed = values.whole<quint64>("seed");
     options.subject.blinkInterval_s = values.number("blink-interval", 0, maxTime_s);
+    if (parser.isSet("offset"))
+        options.subject.offset = values.gazeAngles("offset", maxOffset_deg);
+    if (parser.isSet("noise"))
+        options.subject.noise_deg = values.number("noise", 0, maxNoise_deg);
     options.recordFile = parser.value("record");
     options.linesFile = parser.value("lines");
     options.followMouse = parser.isSet("follow-mouse");

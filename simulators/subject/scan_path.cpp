@@ -27,9 +27,6 @@ constexpr double maxAmplitude_deg = 30;
 constexpr int maxTargetAttempts = 20;
 constexpr double screenMargin = 0.03;
 
-// A closer goal needs no saccade, because the fovea covers it.
-constexpr double minGoalDistance_deg = 0.3;
-
 bool onScreen(Point p) {
     const auto inside = [](double v) { return v >= screenMargin && v <= 1 - screenMargin; };
     return inside(p.x) && inside(p.y);
@@ -48,7 +45,8 @@ Point ScanPath::Saccade::at(double seconds) const {
     return from + (to - from) * progress(std::max(0.0, (seconds - start_s) / duration_s));
 }
 
-ScanPath::ScanPath(const PhysicalSetup &setup, std::uint64_t seed) : setup_(setup), random_(seed) {
+ScanPath::ScanPath(const PhysicalSetup &setup, std::uint64_t seed, double tolerance_deg)
+    : setup_(setup), random_(seed), tolerance_deg_(tolerance_deg) {
     saccade_.from = saccade_.to = screenCentre;
     nextDecision_s_ = medianFixation_s;
 }
@@ -74,7 +72,7 @@ void ScanPath::decide() {
         moveTo(nextTarget());
         nextDecision_s_ =
             saccade_.end_s() + random_.logNormalWithin(medianFixation_s, fixationSigma, minFixation_s, maxFixation_s);
-    } else if (setup_.degreesBetween(saccade_.to, *goal_) > minGoalDistance_deg) {
+    } else if (setup_.degreesBetween(saccade_.to, *goal_) > tolerance_deg_) {
         moveTo(*goal_);
         nextDecision_s_ = saccade_.end_s();
     } else {

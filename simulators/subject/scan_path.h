@@ -13,7 +13,8 @@ namespace sim {
 /// The path depends on the seed and on the goals, but not on how often at() is called.
 class ScanPath {
 public:
-    ScanPath(const PhysicalSetup &setup, std::uint64_t seed);
+    /// The gaze does not move to a goal that is within `tolerance_deg` of the current fixation.
+    ScanPath(const PhysicalSetup &setup, std::uint64_t seed, double tolerance_deg);
 
     /// `seconds` must not decrease from call to call.
     Point at(double seconds);
@@ -41,6 +42,7 @@ private:
 
     PhysicalSetup setup_;
     Random random_;
+    double tolerance_deg_;
     Saccade saccade_;
     double nextDecision_s_ = 0;  // end of the current fixation; infinite while the gaze rests on a goal
     std::optional<Point> goal_;

@@ -23,6 +23,7 @@ constexpr double tremorPeriod_s = 0.004;  // below the sample interval of most d
 constexpr double driftPeriod_s = 0.120;
 constexpr double halfVergence_deg = 0.15;
 constexpr double calibrationError_deg = 0.35;  // standard deviation of the error of one eye on one axis
+constexpr double goalTolerance_deg = 0.3;      // a closer goal needs no saccade, because the fovea covers it
 constexpr Point leftEyeInImage{0.27, 0.46};
 constexpr Point rightEyeInImage{0.66, 0.44};
 constexpr Point imageCentre{0.5, 0.5};
@@ -41,20 +42,26 @@ Eye withRecorded(Eye live, const Eye &recorded) {
     return live;
 }
 
+double fixationNoise_deg(const SubjectOptions &options) {
+    return options.noise_deg ? 0 : options.fixationNoise_deg;
+}
+
 }  // namespace
 
 // The variance has four equal parts: tremor and drift, each on two axes.
 Subject::EyeModel::EyeModel(std::uint64_t seed, const SubjectOptions &options, double vergence_deg, Point centre)
-    : tremor(mix(seed), tremorPeriod_s, options.fixationNoise_deg / 2),
-      drift(mix(seed + 2), driftPeriod_s, options.fixationNoise_deg / 2),
-      offset(options.setup.fromDegrees(vergence_deg + calibrationError_deg * normalOf(mix(seed + 4)),
-                                       calibrationError_deg * normalOf(mix(seed + 5)))),
+    : tremor(mix(seed), tremorPeriod_s, fixationNoise_deg(options) / 2),
+      drift(mix(seed + 2), driftPeriod_s, fixationNoise_deg(options) / 2),
+      noise(mix(seed + 7), options.noise_deg.value_or(0)),
+      offset(options.offset ? Point()
+                            : options.setup.fromDegrees(vergence_deg + calibrationError_deg * normalOf(mix(seed + 4)),
+                                                        calibrationError_deg * normalOf(mix(seed + 5)))),
       pupil(mix(seed + 6), 1.5, 0.06),
       centreInImage(centre) {}
 
 Subject::Subject(const SubjectOptions &options)
     : options_(options),
-      path_(options.setup, mix(options.seed + PathStream)),
+      path_(options.setup, mix(options.seed + PathStream), options.offset ? 0 : goalTolerance_deg),
       blinks_(mix(options.seed + BlinkStream), options.blinkInterval_s),
       left_(mix(options.seed + LeftStream), options, halfVergence_deg, leftEyeInImage),
       right_(mix(options.seed + RightStream), options, -halfVergence_deg, rightEyeInImage),
@@ -110,7 +117,7 @@ double Subject::millimetreInImage(double distance_cm) {
 Eye Subject::liveEye(const EyeModel &model, Point gaze, bool visible, double distance_cm) const {
     Eye eye;
     eye.visible = visible;
-    eye.gaze = gaze + eyeError(model);
+    eye.gaze = measuredGaze(model, gaze);
     eye.pupil_mm =
         std::clamp(restingPupil_mm_ + commonPupil_.at(now_s_) + model.pupil.at(now_s_), minPupil_mm, maxPupil_mm);
     const Point atRest =
@@ -122,6 +129,13 @@ Eye Subject::liveEye(const EyeModel &model, Point gaze, bool visible, double dis
 Point Subject::eyeError(const EyeModel &model) const {
     const Point noise_deg = model.tremor.at(now_s_) + model.drift.at(now_s_);
     return model.offset + options_.setup.fromDegrees(noise_deg.x, noise_deg.y);
+}
+
+Point Subject::measuredGaze(const EyeModel &model, Point gaze) const {
+    const Point natural = gaze + eyeError(model);
+    if (!options_.offset && !options_.noise_deg)
+        return natural;
+    return options_.setup.turned(natural, options_.offset.value_or(GazeAngles()) + model.noise.at(now_s_));
 }
 
 /// Takes the pupil centres from live(). Pupil diameters and distance also come from live() if the recording does not

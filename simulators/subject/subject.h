@@ -2,10 +2,12 @@
 
 #include "subject/blinks.h"
 #include "subject/eye_state.h"
+#include "subject/gaze_angles.h"
 #include "subject/physical_setup.h"
 #include "subject/recording.h"
 #include "subject/scan_path.h"
 #include "subject/smooth_noise.h"
+#include "subject/white_noise.h"
 
 #include <cstdint>
 #include <optional>
@@ -17,7 +19,15 @@ struct SubjectOptions {
     PhysicalSetup setup;
     double blinkInterval_s = 4;      ///< median time between blinks; 0: no blinks
     double fixationNoise_deg = 0.3;  ///< root mean square distance of one eye from its fixation point
+    /// The constant error of both eyes, instead of a random error for each eye. The person then also looks exactly at
+    /// targets and at the pointer. See PhysicalSetup::turned().
+    std::optional<GazeAngles> offset;
+    /// The standard deviation of white noise on each angle of each eye, which replaces the fixation noise.
+    std::optional<double> noise_deg;
 };
+
+constexpr double maxOffset_deg = 20;  ///< on each axis
+constexpr double maxNoise_deg = 5;
 
 /// The simulated person in front of a tracker, the same for all simulated devices.
 ///
@@ -54,6 +64,7 @@ private:
 
         PointNoise tremor;
         PointNoise drift;
+        WhiteNoise noise;
         Point offset;  // vergence and the remaining calibration error, in fractions of the screen
         SmoothNoise pupil;
         Point centreInImage;
@@ -63,6 +74,7 @@ private:
     EyeState live();
     EyeState played();
     [[nodiscard]] Point eyeError(const EyeModel &model) const;
+    [[nodiscard]] Point measuredGaze(const EyeModel &model, Point gaze) const;
 
     SubjectOptions options_;
     ScanPath path_;

@@ -3,7 +3,11 @@
 #include "support/test_main.h"
 #include "trackers/eyetech/sdk/quicklink2.h"
 
+#include <QCursor>
+#include <QGuiApplication>
 #include <QLibrary>
+#include <QScreen>
+#include <QtMath>
 #include <array>
 #include <cmath>
 
@@ -13,6 +17,9 @@ namespace {
 
 #define OCELA_POINTER(name, parameters, arguments) int(*name) parameters = nullptr;
 OCELA_QUICKLINK2_FUNCTIONS(OCELA_POINTER)
+
+/// Longer than a machine stops.
+constexpr int frameTimeoutMs = 6000;
 
 template <typename T>
 T field(const quicklink2::QLFrameRecord &record, int offset) {
@@ -43,6 +50,7 @@ private Q_SLOTS:
     void initTestCase();
     void cleanup();
     void streams_frames_while_it_runs();
+    void looks_beside_the_mouse_pointer_by_its_offset();
     void finds_devices_data();
     void finds_devices();
     void returns_each_frame_once_with_an_invalid_image();
@@ -57,7 +65,9 @@ private:
 };
 
 void TestEyetechLibrary::initTestCase() {
-    const ScopedVariables person("OCELA_SIM_BLINK_INTERVAL=0.5 OCELA_SIM_DISTANCE=50");
+    const ScopedVariables person(
+        "OCELA_SIM_BLINK_INTERVAL=0.5 OCELA_SIM_DISTANCE=50 OCELA_SIM_OFFSET=1,-0.5 "
+        "OCELA_SIM_NOISE=0 OCELA_SIM_FOLLOW_MOUSE=1");
     QLibrary library(OCELA_EYETECH_LIBRARY), incomplete(OCELA_INCOMPLETE_EYETECH_LIBRARY);
     QStringList missing;
 #define OCELA_RESOLVE(name, parameters, arguments)                   \
@@ -103,6 +113,27 @@ void TestEyetechLibrary::streams_frames_while_it_runs() {
     QVERIFY(QLDevice_GetFrame(device_, 1000, &frame) != 0);
     QLDevice_GetStatus(device_, &status);
     QCOMPARE(status, quicklink2::deviceStopped);
+}
+
+/// The pointer is at -132.75 mm, 74.75 mm from the centre of a screen of 531 mm x 299 mm. The eyes are 500 mm away.
+void TestEyetechLibrary::looks_beside_the_mouse_pointer_by_its_offset() {
+    const QRect screen = QGuiApplication::primaryScreen()->geometry();
+    QCursor::setPos(screen.topLeft() + QPoint(screen.width() / 4, screen.height() * 3 / 4));
+    QCOMPARE(start(), 0);
+    const double x_mm = 500 * std::tan(std::atan2(-132.75, 500) + qDegreesToRadians(1.0));
+    const double elevation = std::atan2(74.75, std::hypot(-132.75, 500)) - qDegreesToRadians(0.5);
+    const double y_mm = std::hypot(x_mm, 500) * std::tan(elevation);
+    const auto errorOf = [&](const quicklink2::QLFrameRecord &frame, int point) {
+        return std::hypot(field<float>(frame, point) - (50 + 100 * x_mm / 531),
+                          field<float>(frame, point + 4) - (50 + 100 * y_mm / 299));
+    };
+    quicklink2::QLFrameRecord frame{};
+    const auto looksThere = [&] {
+        return QLDevice_GetFrame(device_, frameTimeoutMs, &frame) == 0 && field<bool>(frame, at::gazeValid) &&
+               errorOf(frame, at::gaze) < 0.001 && errorOf(frame, at::leftEye + at::eyeGaze) < 0.001 &&
+               errorOf(frame, at::rightEye + at::eyeGaze) < 0.001;
+    };
+    QTRY_VERIFY(looksThere());
 }
 
 void TestEyetechLibrary::finds_devices_data() {
