@@ -1,6 +1,7 @@
 #include "gazepoint/line_player.h"
 #include "gazepoint/options.h"
 #include "gazepoint/server.h"
+#include "gazepoint/truth_file.h"
 #include "pointer/pointer_source.h"
 #include "subject/recording.h"
 #include "subject/subject.h"
@@ -80,7 +81,13 @@ QRect areaOf(const Screen &screen) {
 }
 
 int serve(const Options &options, const ServerOptions &serverOptions, Subject &subject) {
+    TruthFile truth(options.truthFile);
     Server server(serverOptions, subject);
+    if (!options.truthFile.isEmpty()) {
+        if (!truth.open())
+            return fail(QString("cannot write %1: %2").arg(options.truthFile, truth.errorString()));
+        subject.onFixation([&](const PathFixation &fixation) { truth.add(fixation); });
+    }
     if (!server.listen())
         return fail(QString("cannot listen on 127.0.0.1:%1: %2").arg(serverOptions.port).arg(server.errorString()));
     std::unique_ptr<PointerSource> pointer;

@@ -115,6 +115,10 @@ void declareOptions(QCommandLineParser &parser) {
          "Send the <REC .../> lines of a file instead of simulated records. ENABLE_SEND_DATA starts them;\n"
          "the other switches have no effect.",
          "FILE"},
+        {"truth",
+         "Write the true fixations of the person to a CSV file: start and end in ms since 1970 UTC, position in\n"
+         "percent of the screen. Not with --record or --lines.",
+         "FILE"},
         {"once", "With --record or --lines: do not start again at the end."},
         {"fault", faultHelp(), "NAME[,NAME...]"},
         {"fault-after", "Seconds of good data before the faults start.", "SECONDS", "2"},
@@ -140,6 +144,7 @@ Options optionsOf(const QCommandLineParser &parser, Values &values) {
         options.subject.noise_deg = values.number("noise", 0, maxNoise_deg);
     options.recordFile = parser.value("record");
     options.linesFile = parser.value("lines");
+    options.truthFile = parser.value("truth");
     options.followMouse = parser.isSet("follow-mouse");
     return options;
 }
@@ -160,6 +165,8 @@ std::variant<Options, QString> parseOptions(const QStringList &arguments) {
         return QString("unexpected argument \"%1\"").arg(parser.positionalArguments().first());
     if (countSet(parser, {"follow-mouse", "record", "lines"}) > 1)
         return QString("--follow-mouse, --record and --lines exclude each other");
+    if (parser.isSet("truth") && countSet(parser, {"record", "lines"}) > 0)
+        return QString("--truth needs a simulated person, not --record or --lines");
     Values values(parser);
     const Options options = optionsOf(parser, values);
     if (!values.error().isEmpty())

@@ -15,6 +15,7 @@ struct Options {
     SubjectOptions subject;
     QString recordFile;  ///< record file that the subject plays back; empty: none
     QString linesFile;   ///< file with the protocol lines to send; empty: none
+    QString truthFile;   ///< file for the true fixations of the subject; empty: none
     bool followMouse = false;
     bool screenIsSet = false;  ///< server.screen is from the command line
     bool help = false;

@@ -81,6 +81,9 @@ void ScanPath::decide() {
 }
 
 void ScanPath::moveTo(Point target) {
+    // The path of a pointer that moves all the time has saccades without a fixation between them.
+    if (fixationEnded_ && nextDecision_s_ > saccade_.end_s())
+        fixationEnded_({saccade_.end_s(), nextDecision_s_, saccade_.to});
     saccade_.from = saccade_.to;
     saccade_.to = target;
     saccade_.start_s = nextDecision_s_;

@@ -4,9 +4,17 @@
 #include "subject/physical_setup.h"
 #include "subject/random.h"
 
+#include <functional>
 #include <optional>
 
 namespace sim {
+
+/// A time in which the gaze of the scan path rests on `position`. The eyes may be closed for a part of it.
+struct PathFixation {
+    double start_s = 0;
+    double end_s = 0;
+    Point position;
+};
 
 /// The scan path of the simulated person: fixations joined by saccades, without noise.
 ///
@@ -24,6 +32,9 @@ public:
 
     /// Returns to free viewing.
     void release(double now_s);
+
+    /// Calls `ended` at the end of each fixation, from at().
+    void onFixation(const std::function<void(const PathFixation &)> &ended) { fixationEnded_ = ended; }
 
 private:
     struct Saccade {
@@ -46,6 +57,7 @@ private:
     Saccade saccade_;
     double nextDecision_s_ = 0;  // end of the current fixation; infinite while the gaze rests on a goal
     std::optional<Point> goal_;
+    std::function<void(const PathFixation &)> fixationEnded_;
 };
 
 }  // namespace sim

@@ -10,6 +10,7 @@
 #include "subject/white_noise.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 
 namespace sim {
@@ -51,6 +52,9 @@ public:
 
     /// Plays `recording` in a loop from now on. With `once`, it is played once, and no eye is visible afterwards.
     void play(const Recording &recording, bool once);
+
+    /// Calls `ended` at the end of each fixation of the scan path, from at(). A recording that is played has no path.
+    void onFixation(const std::function<void(const PathFixation &)> &ended) { path_.onFixation(ended); }
 
     [[nodiscard]] const PhysicalSetup &setup() const { return options_.setup; }
 

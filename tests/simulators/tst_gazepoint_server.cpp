@@ -58,8 +58,8 @@ void TestGazepointServer::takes_its_options_from_the_command_line() {
     QCOMPARE(options.server.faults.after_s, 7.0);
     QCOMPARE(options.server.screen.x + ' ' + options.server.screen.y, QByteArray("-1920 0"));
     for (const char *arguments :
-         {"--rate fast", "--port 65536", "--fault split,fire", "--record a --lines b", "--offset 1,2,3",
-          "--offset 1,21", "--offset nan", "--offset ,", "--noise -0.1", "--noise 6", "--noise 1,1"})
+         {"--rate fast", "--port 65536", "--fault split,fire", "--record a --lines b", "--truth a --lines b",
+          "--offset 1,2,3", "--offset 1,21", "--offset nan", "--offset ,", "--noise -0.1", "--noise 6", "--noise 1,1"})
         QVERIFY2(std::holds_alternative<QString>(parse(arguments)), arguments);
 }
 
