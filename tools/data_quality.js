@@ -5,8 +5,8 @@ import { parseArgs } from 'node:util';
 import { readExchangeFile } from '../web/js/shared/exchange_file.js';
 import { FileError } from '../web/js/shared/file_error.js';
 import { text } from '../web/js/shared/language.js';
+import { measureCells, measureNames } from '../web/js/shared/quality_columns.js';
 import { qualityTable } from '../web/js/shared/quality_table.js';
-/** @import { DataQuality } from '../web/js/shared/data_quality.js' */
 
 const help = `Prints the data quality of gaze on targets: accuracy, precision, data loss and effective frequency.
 
@@ -32,27 +32,6 @@ Exit code: 0 on success, 1 if the file cannot be read, 2 if the options are wron
 
 /** A mistake in the command line. */
 class UsageError extends Error {}
-
-/** The columns of the output: their names, their values, and the number of decimals. */
-const outputColumns = /** @type {[string, (quality: DataQuality) => number | undefined, number][]} */ ([
-    ['accuracy_deg', ({ accuracy }) => accuracy?.offset, 4],
-    ['accuracy_x_deg', ({ accuracy }) => accuracy?.azimuth, 4],
-    ['accuracy_y_deg', ({ accuracy }) => accuracy?.elevation, 4],
-    ['rms_s2s_deg', ({ rmsS2s }) => rmsS2s.total, 4],
-    ['rms_s2s_x_deg', ({ rmsS2s }) => rmsS2s.azimuth, 4],
-    ['rms_s2s_y_deg', ({ rmsS2s }) => rmsS2s.elevation, 4],
-    ['std_deg', ({ std }) => std.total, 4],
-    ['std_x_deg', ({ std }) => std.azimuth, 4],
-    ['std_y_deg', ({ std }) => std.elevation, 4],
-    ['bcea_deg2', ({ bcea }) => bcea.area, 4],
-    ['bcea_orientation_deg', ({ bcea }) => bcea.orientation, 1],
-    ['bcea_major_deg', ({ bcea }) => bcea.majorAxis, 4],
-    ['bcea_minor_deg', ({ bcea }) => bcea.minorAxis, 4],
-    ['data_loss_percent', quality => quality.dataLossPercent, 2],
-    ['data_loss_from_rate_percent', quality => quality.dataLossFromExpectedPercent, 2],
-    ['effective_frequency_hz', quality => quality.effectiveFrequencyHz, 2],
-    ['duration_s', quality => quality.durationS, 4],
-]);
 
 /** @param {string[]} args */
 function optionsOf(args) {
@@ -97,26 +76,16 @@ function readSamples(name) {
     }
 }
 
-/** @param {DataQuality} quality */
-function cellsOf(quality) {
-    return outputColumns.map(([, valueOf, decimals]) => {
-        const value = valueOf(quality);
-        if (value === undefined) return 'not enough data';
-        // "|| 0" turns -0 into 0.
-        return Number.isNaN(value) ? 'nan' : (Number(value.toFixed(decimals)) || 0).toFixed(decimals);
-    });
-}
-
 /** @param {ReturnType<typeof qualityTable>} table */
 function linesOf({ gazes, mean }) {
     const line = (/** @type {(string | number)[]} */ ...cells) => `${cells.join('\t')}\n`;
     return [
-        line('eye', 'target_id', ...outputColumns.map(([name]) => name)),
+        line('eye', 'target_id', ...measureNames),
         ...gazes.flatMap(({ name, targets, mean: meanOfTargets }) => [
-            ...targets.map(({ targetId, quality }) => line(name, targetId, ...cellsOf(quality))),
-            line(name, 'mean', ...cellsOf(meanOfTargets)),
+            ...targets.map(({ targetId, quality }) => line(name, targetId, ...measureCells(quality))),
+            line(name, 'mean', ...measureCells(meanOfTargets)),
         ]),
-        line('mean', 'mean', ...cellsOf(mean)),
+        line('mean', 'mean', ...measureCells(mean)),
     ];
 }
 

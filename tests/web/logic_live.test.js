@@ -1,10 +1,10 @@
 import assert from 'node:assert/strict';
 import { describe, test } from 'node:test';
 import { recordingAt } from '../../web/js/live/controls.js';
-import { EventStream } from '../../web/js/live/event_stream.js';
+import { EventStream } from '../../web/js/shared/event_stream.js';
 import { drawGaze } from '../../web/js/live/gaze_view.js';
-import { LiveModel } from '../../web/js/live/live_model.js';
-import { ProgramClock } from '../../web/js/live/program_clock.js';
+import { LiveModel } from '../../web/js/shared/live_model.js';
+import { ProgramClock } from '../../web/js/shared/program_clock.js';
 import { screenIn } from '../../web/js/shared/screen.js';
 import { columnsOf, listOf } from './support/columns.js';
 import { fakeSurface } from './support/fake_context.js';

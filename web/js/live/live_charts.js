@@ -4,11 +4,11 @@ import { Chart } from '../shared/chart.js';
 import { byId } from '../shared/dom.js';
 import { number, text } from '../shared/language.js';
 import { rangeOf } from '../shared/ticks.js';
-import { spanMs } from './live_model.js';
+import { spanMs } from '../shared/live_model.js';
 /** @import { Colour, Palette } from '../shared/canvas.js' */
 /** @import { Label } from '../shared/chart.js' */
 /** @import { ColumnName } from '../shared/sample_columns.js' */
-/** @import { LiveModel } from './live_model.js' */
+/** @import { LiveModel } from '../shared/live_model.js' */
 
 /**
  * The value axis has the fixed `range`. Without `range`, it covers all values, extended to multiples of `step`.

@@ -3,7 +3,7 @@ import { byId, setText } from '../shared/dom.js';
 import { number, quantity, text, timeOfDay } from '../shared/language.js';
 import { statisticsOf } from '../shared/statistics.js';
 /** @import { SampleColumns } from '../shared/sample_columns.js' */
-/** @import { Condition, LiveModel, MissedSum } from './live_model.js' */
+/** @import { Condition, LiveModel, MissedSum } from '../shared/live_model.js' */
 
 let shown = '';
 

@@ -4,10 +4,10 @@ import { byId, canvasById } from '../shared/dom.js';
 import { startLanguage } from '../shared/language.js';
 import { aspectOf, canvasAspect, defaultAspect } from '../shared/screen.js';
 import { startControls } from './controls.js';
-import { EventStream } from './event_stream.js';
+import { EventStream } from '../shared/event_stream.js';
 import { drawGaze } from './gaze_view.js';
 import { drawCharts } from './live_charts.js';
-import { LiveModel } from './live_model.js';
+import { LiveModel } from '../shared/live_model.js';
 import { showCondition, showFigures } from './live_texts.js';
 import { showSession } from './session_view.js';
 

@@ -1,15 +1,12 @@
 // @ts-check
 import { byId, element, inputById, setText } from '../shared/dom.js';
 import { clock, number, text, timeOfDay } from '../shared/language.js';
-/** @import { LiveModel, Marker, Recording, ScreenSize, State } from './live_model.js' */
+import { calibrationResult, screenName } from '../shared/state_texts.js';
+/** @import { LiveModel, Marker, Recording, ScreenSize, State } from '../shared/live_model.js' */
 
 const shownMarkerCount = 8;
 
 const lightTexts = /** @type {const} */ ({ on: 'recordingOn', off: 'recordingOff', unknown: 'recordingUnknown' });
-
-const calibrationTexts = /** @type {const} */ ({
-    done: 'calibrationDone', failed: 'calibrationFailed', cancelled: 'calibrationCancelled', unknown: 'calibrationUnknown',
-});
 
 /** The contents that are shown now, by the ids of their elements. @type {Record<string, string>} */
 const shown = {};
@@ -92,9 +89,9 @@ function showTrackers({ names, selected }) {
 /** @param {ScreenSize[]} screens */
 function showScreens(screens) {
     const chosen = inputById('screen').value;
-    byId('screen').replaceChildren(...screens.map(({ number: i, width, height, primary }) => {
-        const name = text(primary ? 'primaryScreenName' : 'screenName', { number: i, width, height });
-        return option(String(i), name, chosen ? chosen === String(i) : primary);
+    byId('screen').replaceChildren(...screens.map(screen => {
+        const value = String(screen.number);
+        return option(value, screenName(screen), chosen ? chosen === value : screen.primary);
     }));
 }
 
@@ -147,7 +144,7 @@ function lastRecordingText({ lastRecording, recordings }) {
 function calibrationText({ calibration: { running, last } }) {
     if (running) return text('calibrationRuns');
     if (!last) return '';
-    return text(calibrationTexts[last.result], { time: timeOfDay(new Date(last.time)) });
+    return calibrationResult(last);
 }
 
 /** @param {Marker[]} markers */

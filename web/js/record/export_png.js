@@ -1,4 +1,5 @@
 // @ts-check
+import { downloadPng } from '../shared/download.js';
 import { number, text } from '../shared/language.js';
 import { canvasAspect } from '../shared/screen.js';
 import { drawPupils, drawValidity, stages } from './record_charts.js';
@@ -28,17 +29,8 @@ const charts = [
  * @param {StageMode} mode
  * @param {Palette} palette
  */
-export async function savePng(view, mode, palette) {
-    const canvas = imageOf(view, mode, palette);
-    /** @type {Blob | null} */
-    const blob = await new Promise(resolve => canvas.toBlob(resolve, 'image/png'));
-    if (!blob) return;
-    const link = document.createElement('a');
-    link.href = URL.createObjectURL(blob);
-    link.download = `${view.fileName.replace(/\.csv$/i, '')}.png`;
-    link.click();
-    // The browser may start the download after click() has returned.
-    setTimeout(() => URL.revokeObjectURL(link.href), 60000);
+export function savePng(view, mode, palette) {
+    return downloadPng(imageOf(view, mode, palette), `${view.fileName.replace(/\.csv$/i, '')}.png`);
 }
 
 /**

@@ -1,9 +1,9 @@
 // @ts-check
-import { CrossedEye } from '../shared/crossed_eye.js';
-import { SampleColumns } from '../shared/sample_columns.js';
-import { SampleReader } from '../shared/sample_reader.js';
+import { CrossedEye } from './crossed_eye.js';
+import { SampleColumns } from './sample_columns.js';
+import { SampleReader } from './sample_reader.js';
 import { ProgramClock } from './program_clock.js';
-/** @import { Sample } from '../shared/sample_reader.js' */
+/** @import { Sample } from './sample_reader.js' */
 
 /** @typedef {Sample & { number: number, time: number }} LiveSample `time` is the arrival, in ms since 1970. */
 

@@ -1,5 +1,5 @@
 // @ts-check
-import { addressOf, reasonOf } from '../shared/api.js';
+import { addressOf, reasonOf } from './api.js';
 /** @import { LiveSample, Marker, Missed, State } from './live_model.js' */
 
 /**
