@@ -245,14 +245,15 @@ describe('the live page', () => {
     });
 });
 
-test('both pages fit a narrow screen, name their controls and keep the language', async () => {
+test('all pages fit a narrow screen, name their controls and keep the language', async () => {
     const service = await new FakeService().listen();
     service.answers['GET recordings'] = { body: { recordings: [{ name: `${'long'.repeat(30)}.csv`, bytes: 1, modified: 0 }] } };
     try {
-        // The first page follows the browser. The second page has the language that was chosen on the first one.
+        // The first page follows the browser. The others have the language that was chosen on the page before.
         for (const [path, title, other, otherTitle] of [
             ['/', /взгляд/, 'en', /gaze/],
             ['/record.html', /record/, 'ru', /запис/],
+            ['/validate.html', /валидация/, 'en', /validation/],
         ]) {
             const page = await browser.open(service.address + path, { width: 360, language: 'ru' });
             await page.until('document.documentElement.lang && document.querySelector("[aria-pressed=true]")');

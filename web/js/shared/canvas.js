@@ -22,9 +22,12 @@ export function readPalette() {
     return /** @type {Palette} */ ({ ...Object.fromEntries(colours), font });
 }
 
-/** @param {() => void} changed called after a change between light and dark mode */
+/**
+ * @param {() => void} changed called after a change between light and dark mode, before printing, which is always light, and
+ *     after it
+ */
 export function onPaletteChange(changed) {
-    matchMedia('(prefers-color-scheme: dark)').addEventListener('change', changed);
+    for (const query of ['(prefers-color-scheme: dark)', 'print']) matchMedia(query).addEventListener('change', changed);
 }
 
 /**

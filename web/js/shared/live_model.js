@@ -11,7 +11,11 @@ import { ProgramClock } from './program_clock.js';
  * @typedef {{ name: string, connected: boolean, reason: string | null, lastSampleAgeMs: number | null, newest: number | null }} Tracker
  * @typedef {{ tracker: string, path: string, durationMs: number, samples: number, events: number }} Recording
  * @typedef {{ path: string, samples: number, saved: boolean, error: string | null }} LastRecording
- * @typedef {{ number: number, width: number, height: number, primary: boolean }} ScreenSize
+ * @typedef {{
+ *     number: number, x: number, y: number, width: number, height: number, widthMm: number, heightMm: number,
+ *     scale: number, primary: boolean,
+ * }} ScreenSize The position is in desktop pixels, the size in device pixels. A size in mm is 0 if it is not known.
+ * @typedef {{ x: number, y: number, width: number, height: number, unit: 'desktop' | 'device' }} Area
  * @typedef {{ result: 'done' | 'failed' | 'cancelled' | 'unknown', time: number }} CalibrationResult
  * @typedef {{ time: number, text: string }} Marker `time` is in ms since 1970.
  * @typedef {{ count: number | null, events?: number }} Missed The counts of samples and markers; `count` is null after a restart of Ocela.
@@ -30,6 +34,7 @@ import { ProgramClock } from './program_clock.js';
  * @property {Recording[]} recordings
  * @property {LastRecording | null} lastRecording
  * @property {ScreenSize[]} screens
+ * @property {Area | null} area the area to which percent are relative; null if it is not known
  */
 
 /** @typedef {'connecting' | 'offline' | 'noTracker' | 'notConnected' | 'noSamples' | 'stalled' | 'live'} Condition */
@@ -52,7 +57,7 @@ const recentCount = 200;
 const maxMarkerCount = 100;
 
 /**
- * All that the page knows about the service: its state, the samples of the last ten seconds, the markers, and how many
+ * The data of the service that the page has received: its state, the samples of the last ten seconds, the markers, and how many
  * samples were missed. Receives the events of the stream. Times are in ms of Ocela's clock.
  */
 export class LiveModel {

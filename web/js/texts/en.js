@@ -1,12 +1,18 @@
 // @ts-check
+import quality from './quality_en.js';
+import validate from './validate_en.js';
 
 /** All texts of the pages in English. {name} is replaced by a value. */
 export default {
+    ...quality,
+    ...validate,
+
     language: 'Language',
     pages: 'Pages',
     liveTitle: 'Ocela: live gaze',
     livePage: 'Live',
     recordPage: 'Record viewer',
+    validatePage: 'Validation',
 
     gaze: 'Gaze',
     leftEye: 'Left eye',

@@ -1,4 +1,6 @@
 // @ts-check
+import quality from './quality_ru.js';
+import validate from './validate_ru.js';
 
 /**
  * All texts of the pages in Russian.
@@ -6,11 +8,15 @@
  * @type {typeof import('./en.js').default}
  */
 export default {
+    ...quality,
+    ...validate,
+
     language: 'Язык',
     pages: 'Страницы',
     liveTitle: 'Ocela: взгляд сейчас',
     livePage: 'Сейчас',
     recordPage: 'Просмотр записи',
+    validatePage: 'Валидация',
 
     gaze: 'Взгляд',
     leftEye: 'Левый глаз',

@@ -1,0 +1,26 @@
+// @ts-check
+import { download } from '../shared/download.js';
+import { writeExchangeFile } from '../shared/exchange_file.js';
+import { fileNameOf } from './file_names.js';
+import { writeValidationFile } from './validation_file.js';
+/** @import { Validation } from './validation.js' */
+
+/**
+ * Saves the samples in the exchange format.
+ *
+ * @param {Validation} validation
+ */
+export function saveTsv(validation) {
+    const content = new Blob([writeExchangeFile(validation.samples)], { type: 'text/tab-separated-values' });
+    download(content, `${fileNameOf(validation)}.tsv`);
+}
+
+/**
+ * Saves everything about a validation.
+ *
+ * @param {Validation} validation
+ */
+export function saveJson(validation) {
+    const content = new Blob([writeValidationFile(validation)], { type: 'application/json' });
+    download(content, `${fileNameOf(validation)}.json`);
+}
