@@ -619,8 +619,8 @@
         <translation>Calibration cancelled</translation>
     </message>
     <message>
-        <source>Calibration ended, result unknown</source>
-        <translation>Calibration ended, result unknown</translation>
+        <source>Calibration result unknown</source>
+        <translation>Calibration result unknown</translation>
     </message>
     <message>
         <source>Interrupted recording recovered: %1</source>
@@ -655,6 +655,14 @@
     <message>
         <source>Opens the tracker again. A running recording continues.</source>
         <translation>Opens the tracker again. A running recording continues.</translation>
+    </message>
+    <message>
+        <source>Validate</source>
+        <translation>Validate</translation>
+    </message>
+    <message>
+        <source>Opens a page in the browser that measures the accuracy of the calibration in degrees.</source>
+        <translation>Opens a page in the browser that measures the accuracy of the calibration in degrees.</translation>
     </message>
 </context>
 <context>

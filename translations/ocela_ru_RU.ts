@@ -620,8 +620,8 @@
         <translation>Калибровка отменена</translation>
     </message>
     <message>
-        <source>Calibration ended, result unknown</source>
-        <translation>Калибровка закончена, результат неизвестен</translation>
+        <source>Calibration result unknown</source>
+        <translation>Результат калибровки неизвестен</translation>
     </message>
     <message>
         <source>Interrupted recording recovered: %1</source>
@@ -657,6 +657,14 @@
     <message>
         <source>Opens the tracker again. A running recording continues.</source>
         <translation>Открывает трекер заново. Запись продолжается.</translation>
+    </message>
+    <message>
+        <source>Validate</source>
+        <translation>Валидация</translation>
+    </message>
+    <message>
+        <source>Opens a page in the browser that measures the accuracy of the calibration in degrees.</source>
+        <translation>Открывает в браузере страницу, которая измеряет точность калибровки в угловых градусах.</translation>
     </message>
 </context>
 <context>

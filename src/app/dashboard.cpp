@@ -27,3 +27,7 @@ void dashboard::open() {
 void dashboard::openRecording(const QString &fileName) {
     openPage("/record.html?recording=" + QUrl::toPercentEncoding(fileName));
 }
+
+void dashboard::openValidation() {
+    openPage("/validate.html");
+}

@@ -11,4 +11,7 @@ void open();
 /// Opens a record file of the records folder in the record viewer. Shows a message box if that is not possible.
 void openRecording(const QString &fileName);
 
+/// Opens the page that measures the accuracy of a calibration. Shows a message box if that is not possible.
+void openValidation();
+
 }  // namespace dashboard

@@ -217,7 +217,7 @@ void MainWindow::retranslate() {
 void MainWindow::showReachability() {
     const QString problem = exchange_->listenProblem();
     mainPage_->setDashboardProblem(problem);
-    status_->setViewerAvailable(problem.isEmpty());
+    status_->setDashboardAvailable(problem.isEmpty());
     status_->setProblem(problem.isEmpty() ? QString() : tr("Other programs cannot reach Ocela: %1").arg(problem));
     if (!problem.isEmpty())
         status_->setReach(AccessButton::Reach::Nobody);

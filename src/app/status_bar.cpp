@@ -79,7 +79,8 @@ void StatusBar::setProblem(const QString &problem) {
     problemLabel_->setVisible(!problem.isEmpty());
 }
 
-void StatusBar::setViewerAvailable(bool available) {
+void StatusBar::setDashboardAvailable(bool available) {
+    trackerLine_->setValidationAvailable(available);
     recordingLine_->setViewerAvailable(available);
     arrange();
 }

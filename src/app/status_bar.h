@@ -37,8 +37,8 @@ public:
     /// Shows a problem of the program in a line of its own. An empty text hides the line.
     void setProblem(const QString &problem);
 
-    /// Sets whether the record viewer can be opened in the browser.
-    void setViewerAvailable(bool available);
+    /// Sets whether the pages of the dashboard can be opened in the browser.
+    void setDashboardAvailable(bool available);
 
 Q_SIGNALS:
     /// The user wants to try again to save the unsaved recordings.

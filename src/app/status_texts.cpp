@@ -56,7 +56,7 @@ QString StatusTexts::calibration(EyetrackerInterface::CalibrationResult result) 
         case Result::Unknown:
             break;
     }
-    return tr("Calibration ended, result unknown");
+    return tr("Calibration result unknown");
 }
 
 QString StatusTexts::recording(const RunningRecording &recording, const QString &trackerName) const {

@@ -31,6 +31,7 @@ private Q_SLOTS:
     void offers_to_reconnect_while_there_are_no_samples();
     void tells_how_a_calibration_ended_data();
     void tells_how_a_calibration_ended();
+    void offers_to_validate_the_current_calibration();
     void shows_a_recording_and_its_file();
     void shows_a_marker_for_a_few_seconds();
     void shows_a_recovered_file_until_the_next_recording();
@@ -143,21 +144,54 @@ void TestStatusBar::offers_to_reconnect_while_there_are_no_samples() {
 }
 
 void TestStatusBar::tells_how_a_calibration_ended_data() {
-    dataColumns<EyetrackerInterface::CalibrationResult, QString>("result", "text");
+    dataColumns<EyetrackerInterface::CalibrationResult, QString, QByteArray>("result", "text", "validation");
     using Result = EyetrackerInterface::CalibrationResult;
-    QTest::newRow("done") << Result::Done << "Calibration done. Connected";
-    QTest::newRow("failed") << Result::Failed << "Calibration failed. Connected";
-    QTest::newRow("cancelled") << Result::Cancelled << "Calibration cancelled. Connected";
-    QTest::newRow("unknown") << Result::Unknown << "Calibration ended, result unknown. Connected";
+    const QByteArray page = "http://localhost:3735/validate.html";
+    QTest::newRow("done") << Result::Done << "Calibration done. Connected" << page;
+    QTest::newRow("failed") << Result::Failed << "Calibration failed. Connected" << QByteArray();
+    QTest::newRow("cancelled") << Result::Cancelled << "Calibration cancelled. Connected" << QByteArray();
+    QTest::newRow("unknown") << Result::Unknown << "Calibration result unknown. Connected" << page;
 }
 
 void TestStatusBar::tells_how_a_calibration_ended() {
     QFETCH(EyetrackerInterface::CalibrationResult, result);
     tracker_->setConnected(true);
+    Q_EMIT tracker_->calibrationFinished(EyetrackerInterface::CalibrationResult::Done);
     Q_EMIT tracker_->calibrationFinished(result);
     QTEST(trackerText(), "text");
+    QTEST(button("validate") ? opened("http", "validate").toEncoded() : QByteArray(), "validation");
     bar_->setEyetracker(other_.get());
     QCOMPARE(trackerText(), QString("Not connected: no device"));
+}
+
+void TestStatusBar::offers_to_validate_the_current_calibration() {
+    const auto calibrate = [&] { Q_EMIT tracker_->calibrationFinished(FakeTracker::CalibrationResult::Done); };
+    const auto isOffered = [&] { return button("validate") != nullptr; };
+    calibrate();
+    QVERIFY(!isOffered());  // not connected
+    tracker_->setConnected(true);
+    QVERIFY(isOffered());
+    Q_EMIT tracker_->calibrationStarted();
+    QVERIFY(!isOffered());
+    QCOMPARE(trackerText(), QString("Connected"));  // no longer the earlier result
+    calibrate();
+    QVERIFY(isOffered());
+    tracker_->setConnected(false);
+    tracker_->setConnected(true);
+    QVERIFY(!isOffered());
+    calibrate();
+    bar_->setEyetracker(other_.get());
+    other_->setConnected(true);
+    QVERIFY(!isOffered());
+    bar_->setEyetracker(tracker_.get());
+    QVERIFY(!isOffered());
+    calibrate();
+    bar_->setDashboardAvailable(false);
+    QVERIFY(!isOffered());
+    bar_->setDashboardAvailable(true);
+    QVERIFY(isOffered());
+    QTRY_VERIFY(button("reconnect"));  // connected, but silent
+    QVERIFY(!isOffered());
 }
 
 void TestStatusBar::shows_a_recording_and_its_file() {
@@ -260,9 +294,9 @@ void TestStatusBar::opens_files_of_the_records_folder_in_the_viewer() {
     tracker_->startRecord(records.filePath(path));
     tracker_->stopRecord();
     QCOMPARE(button("openViewer") != nullptr, !address.isEmpty());
-    bar_->setViewerAvailable(false);
+    bar_->setDashboardAvailable(false);
     QVERIFY(!button("openViewer"));
-    bar_->setViewerAvailable(true);
+    bar_->setDashboardAvailable(true);
     if (!address.isEmpty())
         QCOMPARE(opened("http", "openViewer").toEncoded(), address);
 }
@@ -272,9 +306,13 @@ void TestStatusBar::long_texts_do_not_widen_the_bar() {
     tracker_->startRecord(folder_.filePath(QString(100, 'n') + ".csv"));
     tracker_->stopRecord();
     bar_->setReach(AccessButton::Reach::OtherComputers);
+    tracker_->setConnected(true);
+    Q_EMIT tracker_->calibrationFinished(FakeTracker::CalibrationResult::Unknown);
+    const QToolButton &validate = *button("validate");
     bar_->resize(width, 100);
     bar_->show();
     QVERIFY(bar_->minimumSizeHint().width() < width);
+    QTRY_COMPARE(validate.visibleRegion(), QRegion(QRect(QPoint(), validate.sizeHint())));
     const auto isBelow = [&] {
         const auto bottom = label("trackerStatus").mapTo(bar_.get(), label("trackerStatus").rect().bottomLeft());
         return label("recordingStatus").mapTo(bar_.get(), QPoint()).y() > bottom.y();

@@ -84,7 +84,7 @@ export default {
     calibrationDone: 'Last calibration: done, {time}',
     calibrationFailed: 'Last calibration: failed, {time}',
     calibrationCancelled: 'Last calibration: cancelled, {time}',
-    calibrationUnknown: 'Last calibration: ended with an unknown result, {time}',
+    calibrationUnknown: 'Last calibration: result unknown, {time}',
     requests: 'Requests',
     startRecordAt: 'Start recording: {path}',
     recordingTo: 'Recording to {path}',
