@@ -7,7 +7,7 @@ import { FakeService } from './support/fake_service.js';
 import { address, createHome, fileAt, startProgram } from './support/program.js';
 
 const localhost = address.replace('127.0.0.1', 'localhost');
-const browser = new Chromium('--host-resolver-rules=MAP attacker.example 127.0.0.1');
+const browser = new Chromium({ options: ['--host-resolver-rules=MAP attacker.example 127.0.0.1'] });
 after(() => browser.close());
 
 /** The answer of Ocela to a script, or the name of the error. */

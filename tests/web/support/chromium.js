@@ -6,9 +6,13 @@ import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { waitFor } from './wait.js';
 
-/** A headless Chromium, controlled with the DevTools protocol over two pipes. Each message ends with NUL. */
+/**
+ * A Chromium, controlled with the DevTools protocol over two pipes. Each message ends with NUL. It is headless, with pages of
+ * a fixed size, unless it `hasWindow` on the X display.
+ */
 export class Chromium {
     listeners = new Set();
+    hasWindow;
     #process;
     #profile = mkdtempSync(join(tmpdir(), 'ocela-chromium-'));
     #calls = new Map();
@@ -16,10 +20,12 @@ export class Chromium {
     #targetId = '';
     #received = '';
 
-    constructor(...options) {
+    constructor({ hasWindow = false, options = [] } = {}) {
+        this.hasWindow = hasWindow;
         this.#process = spawn('chromium', [
-            '--headless=new', '--no-sandbox', '--remote-debugging-pipe', `--user-data-dir=${this.#profile}`,
-            '--disable-gpu', '--disable-dev-shm-usage', '--no-first-run', '--hide-scrollbars', ...options,
+            ...(hasWindow ? ['--ozone-platform=x11'] : ['--headless=new', '--hide-scrollbars']),
+            '--no-sandbox', '--remote-debugging-pipe', `--user-data-dir=${this.#profile}`, '--disable-gpu',
+            '--disable-dev-shm-usage', '--no-first-run', ...options,
         ], { stdio: ['ignore', 'ignore', 'ignore', 'pipe', 'pipe'] });
         this.#process.stdio[4].setEncoding('utf8').on('data', text => this.#receive(text));
         this.#process.on('exit', () => this.#calls.forEach(({ reject }) => reject(new Error('Chromium has exited'))));
@@ -85,7 +91,8 @@ export class Page {
     async start(url, { width = 1280, language = 'en-GB' }) {
         for (const domain of ['Page', 'Runtime', 'Log', 'DOM']) await this.send(`${domain}.enable`);
         await this.send('Emulation.setUserAgentOverride', { userAgent: 'Mozilla/5.0', acceptLanguage: language });
-        await this.send('Emulation.setDeviceMetricsOverride', { width, height: 800, deviceScaleFactor: 1, mobile: false });
+        const metrics = { width, height: 800, deviceScaleFactor: 1, mobile: false };
+        if (!this.#browser.hasWindow) await this.send('Emulation.setDeviceMetricsOverride', metrics);
         await this.send('Page.navigate', { url });
         await this.until('document.readyState === "complete" && location.href !== "about:blank"');
     }

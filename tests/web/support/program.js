@@ -45,9 +45,10 @@ export function createHome(properties = {}) {
     return { folder, remove: () => rmSync(folder, { recursive: true, force: true }) };
 }
 
-/** Starts Ocela in its own folder, or in `folder`. Resolves when it answers requests. */
-export async function startProgram(home, program = builtProgram, folder = dirname(program)) {
-    const env = { ...process.env, QT_QPA_PLATFORM: 'offscreen', XDG_RUNTIME_DIR: home.folder, LC_ALL: 'C.UTF-8' };
+/** Starts Ocela in its own folder, or in `folder`. Resolves when it answers requests. `variables` are of its environment. */
+export async function startProgram(home, program = builtProgram, folder = dirname(program), variables = {}) {
+    const fixed = { QT_QPA_PLATFORM: 'offscreen', XDG_RUNTIME_DIR: home.folder, LC_ALL: 'C.UTF-8' };
+    const env = { ...process.env, ...fixed, ...variables };
     const child = new Child(privateProfile, [home.folder, program], { cwd: folder, env });
     await waitFor(() => fetch(`${address}/hello`).then(({ ok }) => ok, () => false), 'Ocela answers');
     return child;
