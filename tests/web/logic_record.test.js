@@ -2,7 +2,7 @@ import assert from 'node:assert/strict';
 import { describe, test } from 'node:test';
 import { ArrivalTimes } from '../../web/js/record/arrival_times.js';
 import { recordingOf } from '../../web/js/record/chosen_files.js';
-import { defaultParameters, findFixations } from '../../web/js/record/fixations.js';
+import { defaultDispersionParameters } from '../../web/js/record/fixations.js';
 import { heatMapOf } from '../../web/js/record/heat_map.js';
 import { dragToMove, dragToSelect } from '../../web/js/record/range_control.js';
 import { RecordBuilder } from '../../web/js/record/record_builder.js';
@@ -15,7 +15,7 @@ import { validShares } from '../../web/js/record/validity.js';
 import { parseDecimal } from '../../web/js/shared/decimal.js';
 import { FileError } from '../../web/js/shared/file_error.js';
 import { screenIn } from '../../web/js/shared/screen.js';
-import { columnsOf, listOf } from './support/columns.js';
+import { columnsOf, gazeOf, listOf } from './support/columns.js';
 import { fakeSurface } from './support/fake_context.js';
 
 const bytesOf = text => new TextEncoder().encode(text);
@@ -65,7 +65,7 @@ describe('record file', () => {
 
     test('without timestamps gets times from the assumed rate', () => {
         const record = read(header + row(0).repeat(3));
-        assert.deepEqual(timesOf(new RecordView(record, '', defaultParameters, 50)), [0, 20, 40]);
+        assert.deepEqual(timesOf(new RecordView(record, '', defaultDispersionParameters, 50)), [0, 20, 40]);
     });
 
     test('with a crossed right eye', () => {
@@ -116,7 +116,7 @@ describe('samples file', () => {
         parser.push(bytesOf(samples));
         parser.finish();
         times.applyTo(file, file.cutOffLine > 0);
-        return new RecordView({ ...file, samples: null }, '', defaultParameters, 50);
+        return new RecordView({ ...file, samples: null }, '', defaultDispersionParameters, 50);
     }
 
     const arrivals = ['1700000000123.456', '1700000000133.956', '1700000000133.956', '1700000000200'].map(sample);
@@ -168,15 +168,9 @@ describe('samples file', () => {
     test('is not chosen without files', () => assert.equal(recordingOf([]), null));
 });
 
-/** Returns samples at 100 Hz, in parts of [count, x, y]. */
-function gazeOf(...parts) {
-    const gaze = parts.flatMap(([count, x, y]) => listOf(count, i => ({ x: x + (i % 2), y })));
-    return columnsOf(gaze.map((_, i) => 10 * i), i => gaze[i]);
-}
-
 function viewOf(columns, range) {
     const file = { columns, aspect: 16 / 9, crossed: false, timeless: false, setBackLine: 0, cutOffLine: 0, samples: null };
-    const view = new RecordView(file, 'record.csv', defaultParameters, 60);
+    const view = new RecordView(file, 'record.csv', defaultDispersionParameters, 60);
     view.show(range);
     return view;
 }
@@ -184,30 +178,6 @@ function viewOf(columns, range) {
 function shareAt({ width, height, shares }, x, y) {
     return shares[Math.floor((y * height) / 100) * width + Math.floor((x * width) / 100)];
 }
-
-describe('fixations', () => {
-    const lost = [NaN, NaN];
-    for (const [name, parts, expected] of [
-        ['two places', [[20, 50, 50], [16, 80, 20]], [[0, 190, 50.5, 50], [200, 150, 80.5, 20]]],
-        ['two adjacent ones do not overlap', [[20, 50, 50], [20, 53, 50]],
-            [[0, 200, 50 + 13 / 21, 50], [210, 180, 53 + 10 / 19, 50]]],
-        ['too short', [[10, 50, 50]], []],
-        ['just long enough', [[11, 50, 40]], [[0, 100, 50 + 5 / 11, 40]]],
-        ['a slow drift', listOf(50, i => [1, 2 * i, 50]), []],
-        ['after a saccade', [[3, 10, 10], [2, 30, 30], [20, 50, 50]], [[50, 190, 50.5, 50]]],
-        ['after a sample that does not fit', [[1, 46, 50], [20, 48.5, 50]], [[10, 190, 49, 50]]],
-        ['after a drift', [[5, 46, 50], [20, 48.5, 50]], [[50, 190, 49, 50]]],
-        ['with a short loss', [[10, 50, 50], [6, ...lost], [10, 50, 50]], [[0, 250, 50.5, 50]]],
-        ['separated by a long loss', [[16, 50, 50], [20, ...lost], [16, 50, 50]],
-            [[0, 150, 50.5, 50], [360, 150, 50.5, 50]]],
-        ['all samples are lost', [[50, ...lost]], []],
-        ['the vertical extent is converted to percent of the width', [[20, 50, 50], [20, 50, 53]], [[0, 390, 50.5, 51.5]]],
-    ])
-        test(name, () => {
-            const found = findFixations(gazeOf(...parts), defaultParameters, 16 / 9);
-            assert.deepEqual(found.map(({ startMs, durationMs, x, y }) => [startMs, durationMs, x, y]), expected);
-        });
-});
 
 describe('a time range', () => {
     const columns = gazeOf([20, 50, 50], [20, 80, 20], [20, 10, 80]);

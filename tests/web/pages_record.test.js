@@ -183,3 +183,34 @@ test('a dropped record file of an hour is shown with its figures', async () => {
     assert.match(await page.text('#status'), /^540,000 /);
     assert.deepEqual(page.errors, []);
 });
+
+test('fixations are detected by velocity when the screen and its distance are known', async () => {
+    const page = await browser.open(`${address}/record.html`);
+    await page.choose('#file', recordFile);
+    await page.until(`${fixationCount} > 3`);
+    await page.click('[data-method=velocity]');
+    await page.until("document.querySelector('#fixation-count').textContent === '–'");
+    for (const [id, value, missing] of [
+        ['screen-width', 531, 'Not entered: Screen height, mm; Viewing distance, mm.'],
+        ['screen-height', 299, 'Not entered: Viewing distance, mm.'],
+        ['viewing-distance', 620, ''],
+    ]) {
+        await page.fill(`#${id}`, value);
+        const note = await page.text('#geometry-note');
+        assert.ok(missing ? note.startsWith(missing) : note === '', note);
+    }
+    await page.until(`${fixationCount} > 3`);
+    const count = await page.evaluate(fixationCount);
+    await page.fill('#velocity', 1000);  // faster than any saccade of the person; only lost samples end a fixation
+    await page.until(`${fixationCount} < ${count}`);
+    await page.fill('#velocity', 30);
+    await page.until(`${fixationCount} === ${count}`);
+
+    // The entries are remembered for the next recording.
+    const next = await browser.open(`${address}/record.html`);
+    await next.choose('#file', recordFile);
+    await next.click('[data-method=velocity]');
+    await next.until(`${fixationCount} === ${count}`);
+    assert.match(await next.text('#geometry-note'), /your last entry/);
+    assert.deepEqual([...page.errors, ...next.errors], []);
+});

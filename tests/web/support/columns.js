@@ -11,3 +11,9 @@ export function columnsOf(times, rowOf) {
 
 /** Returns the values of `valueOf` for 0 to `count` (excluded). */
 export const listOf = (count, valueOf) => Array.from({ length: count }, (_, i) => valueOf(i));
+
+/** Returns samples at 100 Hz, in parts of [count, x, y]. Successive samples differ by 1 % horizontally. */
+export function gazeOf(...parts) {
+    const gaze = parts.flatMap(([count, x, y]) => listOf(count, i => ({ x: x + (i % 2), y })));
+    return columnsOf(gaze.map((_, i) => 10 * i), i => gaze[i]);
+}

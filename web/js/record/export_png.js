@@ -71,6 +71,7 @@ function drawTitle(context, view, palette) {
     const figures = [
         `${seconds(fromMs)} – ${seconds(toMs)}`, rate, `${text('validShare')}: ${valid}`,
         `${text('fixations')}: ${count}`, `${text('meanFixation')}: ${mean}`,
+        text(view.parameters.method === 'velocity' ? 'velocityMethod' : 'dispersionMethod'),
     ];
     write(context, view.fileName, edge, 30, palette.ink, fontOf(palette, '600 17px'));
     write(context, figures.join('  ·  '), edge, 52, palette.muted, fontOf(palette, '13px'));

@@ -3,20 +3,20 @@
 
 /** @typedef {{ startMs: number, durationMs: number, x: number, y: number }} Fixation The centre is in percent. */
 
-/** The dispersion is in percent of the screen's width. */
-export const defaultParameters = { maxDispersion: 3, minDurationMs: 100, maxLossMs: 75 };
+/** @typedef {{ method: 'dispersion', maxDispersion: number, minDurationMs: number, maxLossMs: number }} DispersionParameters */
 
-/** @typedef {typeof defaultParameters} FixationParameters */
+/** The dispersion is in percent of the screen's width. @type {DispersionParameters} */
+export const defaultDispersionParameters = { method: 'dispersion', maxDispersion: 3, minDurationMs: 100, maxLossMs: 75 };
 
 /**
  * Finds fixations by dispersion threshold: time ranges of at least `minDurationMs` in which the width and the height of
  * the gaze's bounding box add up to at most `maxDispersion`. The gaze may be lost for up to `maxLossMs`.
  *
  * @param {SampleColumns} columns
- * @param {FixationParameters} parameters
+ * @param {DispersionParameters} parameters
  * @param {number} aspect the screen's width divided by its height
  */
-export function findFixations(columns, parameters, aspect) {
+export function findDispersionFixations(columns, parameters, aspect) {
     const search = new Search(columns, parameters, aspect);
     for (let i = 0; i < columns.length; ++i) {
         if (!Number.isNaN(columns.x[i])) search.add(i);
@@ -41,7 +41,7 @@ class Search {
 
     /**
      * @param {SampleColumns} columns
-     * @param {FixationParameters} parameters
+     * @param {DispersionParameters} parameters
      * @param {number} aspect
      */
     constructor(columns, parameters, aspect) {

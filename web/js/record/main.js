@@ -3,9 +3,10 @@ import { onPaletteChange, prepareCanvas, readPalette } from '../shared/canvas.js
 import { allOf, byId, canvasById } from '../shared/dom.js';
 import { onLanguage, startLanguage } from '../shared/language.js';
 import { canvasAspect } from '../shared/screen.js';
+import { fixationParameters, startDetection, useGeometryOf } from './detection_fields.js';
 import { savePng } from './export_png.js';
 import { openRecording, startOpening } from './open_file.js';
-import { assumedRateHz, fixationParameters, startParameters } from './parameters.js';
+import { assumedRateHz, startParameters } from './parameters.js';
 import { controlRange, dragToMove, dragToSelect } from './range_control.js';
 import { drawOverview, drawPupils, drawValidity, stages } from './record_charts.js';
 import { showFile, showProblem, showProgress, showRange } from './record_texts.js';
@@ -22,6 +23,12 @@ let view = null;
 let mode = 'scanPath';
 let palette = readPalette();
 let frameRequest = 0;
+
+/** Finding the fixations among more samples takes so long that the page first says so. */
+const maxInstantCount = 200_000;
+
+/** Changes of the fixations that wait until the page says so. @type {Set<(view: RecordView) => void>} */
+const waitingChanges = new Set();
 
 const charts = [
     { canvas: canvasById('overview'), draw: drawOverview, drag: dragToSelect },
@@ -43,6 +50,32 @@ function update(change = () => {}) {
     frameRequest = requestAnimationFrame(draw);
 }
 
+/**
+ * Does the same with a change of the fixations. In a long recording, the page first says that it takes time. Equal changes
+ * that are requested in the meantime are made once.
+ *
+ * @param {(view: RecordView) => void} change
+ */
+function updateFixations(change) {
+    if (!view || view.columns.length <= maxInstantCount) {
+        update(change);
+        return;
+    }
+    byId('detecting').hidden = false;
+    waitingChanges.add(change);
+    // The callback of the frame is called before the frame is painted.
+    if (waitingChanges.size === 1) requestAnimationFrame(() => setTimeout(makeWaitingChanges));
+}
+
+function makeWaitingChanges() {
+    for (const change of waitingChanges) update(change);
+    waitingChanges.clear();
+    byId('detecting').hidden = true;
+}
+
+const detectAgain = (/** @type {RecordView} */ shown) => shown.detect(fixationParameters());
+const assumeRate = (/** @type {RecordView} */ shown) => shown.assumeRate(assumedRateHz());
+
 function draw() {
     if (!view) return;
     stages[mode](prepareCanvas(canvasById('stage'), palette), view);
@@ -60,9 +93,9 @@ function chooseMode(chosen) {
 
 startLanguage();
 startRecordings();
+startDetection(() => updateFixations(detectAgain));
 startParameters({
-    detection: () => update(shown => shown.detect(fixationParameters())),
-    rate: () => update(shown => shown.assumeRate(assumedRateHz())),
+    rate: () => updateFixations(assumeRate),
     range: (fromMs, toMs) => update(shown => shown.show(between(fromMs, toMs, shown.wholeMs))),
 });
 /** @type {Handlers} */
@@ -72,6 +105,7 @@ const opening = {
         showProgress(share);
     },
     record: (file, fileName) => {
+        useGeometryOf(file);
         view = new RecordView(file, fileName, fixationParameters(), assumedRateHz());
         byId('stage').style.aspectRatio = String(canvasAspect(view.aspect));
         byId('assumed').hidden = !view.timeless;

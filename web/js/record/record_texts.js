@@ -1,6 +1,6 @@
 // @ts-check
 import { byId, element, inputById, setText } from '../shared/dom.js';
-import { clock, number, onLanguage, quantity, text } from '../shared/language.js';
+import { clock, count, number, onLanguage, quantity, text } from '../shared/language.js';
 import { maxInSecondsMs } from './record_charts.js';
 import { showsNumbers } from './scan_path_view.js';
 /** @import { Problem, SamplesFile } from './parse_worker.js' */
@@ -84,7 +84,7 @@ export function figuresOf({ summary, file }) {
         duration: durationMs > maxInSecondsMs ? clock(durationMs) : quantity('seconds', durationMs / 1000, 1),
         rate: file.timeless ? text('unknown') : quantity('hz', summary.rateHz, 1),
         valid: quantity('percent', 100 * summary.validShare, 1),
-        'fixation-count': number(summary.fixationCount),
+        'fixation-count': count(summary.fixationCount),
         'mean-fixation': quantity('ms', summary.meanFixationMs),
     };
 }

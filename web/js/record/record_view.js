@@ -1,11 +1,12 @@
 // @ts-check
 import { SampleColumns } from '../shared/sample_columns.js';
 import { statisticsOf } from '../shared/statistics.js';
-import { findFixations } from './fixations.js';
+import { detectFixations, isComplete } from './detection.js';
 import { heatMapOf } from './heat_map.js';
 import { between } from './time_range.js';
 /** @import { TimeRange } from '../shared/chart.js' */
-/** @import { Fixation, FixationParameters } from './fixations.js' */
+/** @import { FixationParameters } from './detection.js' */
+/** @import { Fixation } from './fixations.js' */
 /** @import { HeatMap } from './heat_map.js' */
 /** @import { RecordFile } from './parse_worker.js' */
 
@@ -68,7 +69,7 @@ export class RecordView {
      */
     detect(parameters) {
         this.#parameters = parameters;
-        this.#allFixations = findFixations(this.columns, parameters, this.aspect);
+        this.#allFixations = this.areFixationsKnown ? detectFixations(this.columns, parameters, this.aspect) : [];
         this.show(this.range);
     }
 
@@ -86,20 +87,30 @@ export class RecordView {
         this.#heatMap = null;
     }
 
+    /** The method and the parameters by which the fixations were found. */
+    get parameters() {
+        return this.#parameters;
+    }
+
+    /** Whether the fixations are known. They are not if a parameter is missing. */
+    get areFixationsKnown() {
+        return isComplete(this.#parameters);
+    }
+
     /** Computed on demand, because the computation takes longer than that of the other figures. */
     get heatMap() {
         const [from, to] = this.#sampleRange();
         return (this.#heatMap ??= heatMapOf(this.columns, from, to, this.aspect));
     }
 
-    /** Returns the figures of the range. */
+    /** Returns the figures of the range. The figures of the fixations are NaN if these are not known. */
     get summary() {
         const [from, to] = this.#sampleRange();
         const totalMs = this.fixations.reduce((sum, { durationMs }) => sum + durationMs, 0);
         return {
             ...statisticsOf(this.columns, from, to),
             durationMs: this.range.toMs - this.range.fromMs,
-            fixationCount: this.fixations.length,
+            fixationCount: this.areFixationsKnown ? this.fixations.length : NaN,
             meanFixationMs: totalMs / this.fixations.length,
         };
     }

@@ -14,6 +14,7 @@
  * @typedef {{ widthMm: number, heightMm: number, widthPx: number, heightPx: number, distanceMm: number }} Geometry
  */
 
+/** @typedef {Omit<Geometry, 'widthPx' | 'heightPx'>} SizeAndDistance */
 /** @typedef {{ azimuth: Float64Array, elevation: Float64Array }} Directions */
 /** @typedef {{ offset: number, azimuth: number, elevation: number }} Accuracy The offset, and its signed parts. */
 /** @typedef {{ total: number, azimuth: number, elevation: number }} Precision */
@@ -93,7 +94,7 @@ export function pixelsToDegrees(x, y, geometry) {
  *
  * @param {Numbers} x
  * @param {Numbers} y
- * @param {Geometry} geometry
+ * @param {SizeAndDistance} geometry
  */
 export function percentToDegrees(x, y, geometry) {
     const { widthMm, heightMm } = geometry;
@@ -108,7 +109,7 @@ export function percentToDegrees(x, y, geometry) {
  * @param {number} centre the coordinate of the screen's centre
  * @param {number} mmPerUnitX
  * @param {number} mmPerUnitY
- * @param {Geometry} geometry
+ * @param {SizeAndDistance} geometry
  * @returns {Directions}
  */
 function directionsOf(x, y, centre, mmPerUnitX, mmPerUnitY, { distanceMm }) {

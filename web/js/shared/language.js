@@ -46,6 +46,15 @@ export function number(value, decimals = 0) {
     return numberFormat(decimals).format(Number(value.toFixed(decimals)) || 0).replace('-', '−');
 }
 
+/**
+ * Returns a number of things, or the text for an unknown value.
+ *
+ * @param {number} value
+ */
+export function count(value) {
+    return Number.isNaN(value) ? text('unknown') : number(value);
+}
+
 /** @type {Record<string, Intl.NumberFormat>} */
 const numberFormats = {};
 

@@ -1,9 +1,11 @@
 // @ts-check
+import detection from './detection_en.js';
 import quality from './quality_en.js';
 import validate from './validate_en.js';
 
 /** All texts of the pages in English. {name} is replaced by a value. */
 export default {
+    ...detection,
     ...quality,
     ...validate,
 

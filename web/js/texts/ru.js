@@ -1,4 +1,5 @@
 // @ts-check
+import detection from './detection_ru.js';
 import quality from './quality_ru.js';
 import validate from './validate_ru.js';
 
@@ -8,6 +9,7 @@ import validate from './validate_ru.js';
  * @type {typeof import('./en.js').default}
  */
 export default {
+    ...detection,
     ...quality,
     ...validate,
 
