@@ -36,6 +36,10 @@ QString record_companions::eventsPath(const QString &recordPath) {
     return baseName(recordPath) + "_events.csv";
 }
 
+QString record_companions::areasPath(const QString &recordPath) {
+    return baseName(recordPath) + "_areas.json";
+}
+
 void record_companions::rename(const QString &recordPath, const QString &newRecordPath) {
     for (const auto pathOf : {&descriptionPath, &samplesPath, &eventsPath}) {
         if (QFileInfo(pathOf(recordPath)).isFile())

@@ -5,7 +5,7 @@
 #include <string>
 
 /// The files that are saved beside a record file and are named after it: "x.json", "x_samples.csv" and "x_events.csv"
-/// for "x.csv". They are never replaced. Any thread.
+/// for "x.csv". They are never replaced. Any thread. The record viewer saves "x_areas.json" later, and replaces it.
 namespace record_companions {
 
 /// Returns the path of the description.
@@ -14,6 +14,9 @@ namespace record_companions {
 [[nodiscard]] QString samplesPath(const QString &recordPath);
 /// Returns the path of the table of the markers.
 [[nodiscard]] QString eventsPath(const QString &recordPath);
+
+/// Returns the path of the areas of interest.
+[[nodiscard]] QString areasPath(const QString &recordPath);
 
 /// Renames the companions of a renamed record file. A companion whose new name is taken keeps its old name.
 void rename(const QString &recordPath, const QString &newRecordPath);

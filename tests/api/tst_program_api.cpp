@@ -2,6 +2,7 @@
 #include "core/eye_tracking_csv.h"
 #include "core/markers.h"
 #include "support/fake_tracker.h"
+#include "support/file_content.h"
 #include "support/test_main.h"
 
 #include <QDir>
@@ -36,11 +37,6 @@ QByteArray emptyRecord() {
     return names.join(',').toLatin1() + "\r\n";
 }
 
-bool writeFile(const QString &path, const QByteArray &content) {
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-}
-
 QVector<int> range(int first, int count) {
     QVector<int> numbers;
     for (int number = first; number < first + count; ++number)
@@ -68,6 +64,7 @@ private Q_SLOTS:
     void recording_that_cannot_be_saved_is_reported();
     void recordings_are_confined_if_the_settings_say_so();
     void record_files_are_listed_and_sent();
+    void areas_are_saved_beside_a_record_file();
 
     void trackers_are_selected_after_the_answer();
     void calibrations_are_followed();
@@ -153,7 +150,7 @@ void TestProgramApi::requests_data() {
     row("an unknown method", "BREW", "/state", "", 405, "Allow: GET, OPTIONS\r\n");
     row("HEAD", "HEAD", "/state", "", 405, "Allow: GET, OPTIONS\r\n");
     row("two methods", "GET", "/recording", "", 405, "Allow: POST, DELETE, OPTIONS\r\n");
-    row("a path with a name", "DELETE", "/recordings/a.csv", "", 405, "Allow: GET, OPTIONS\r\n");
+    row("a path with a name", "DELETE", "/recordings/a.csv", "", 405, "Allow: GET, PUT, OPTIONS\r\n");
     row("options", "OPTIONS", "/events", "", 204, "Allow: POST, OPTIONS\r\n");
     row("options of nothing", "OPTIONS", "/nothing", "", 404, "no such path");
     row("an empty query", "GET", "/state?", "", 200, "{");
@@ -193,6 +190,14 @@ void TestProgramApi::requests_data() {
     row("no such screen", "POST", "/calibration", R"({"screen":9})", 422, "There is no screen 9");
     row("no calibration", "DELETE", "/calibration", "", 409, "No calibration");
     row("no record file", "GET", "/recordings/a.csv", "", 404, "no record file");
+    row("no events file", "GET", "/recordings/a.csv?file=events", "", 404, "beside a record file");
+    row("another kind of file", "GET", "/recordings/a.csv?file=journal", "", 422, "record, samples, events or areas");
+    row("no areas file", "GET", "/recordings/a.csv?file=areas", "", 404, "beside a record file");
+    const QByteArray areas = R"({"format":"Ocela areas","areas":[]})";
+    row("areas of no record file", "PUT", "/recordings/a.csv?file=areas", areas, 404, "no record file");
+    row("another file to replace", "PUT", "/recordings/a.csv?file=events", areas, 422, "cannot be replaced");
+    row("no areas to save", "PUT", "/recordings/a.csv?file=areas", R"({"format":"Ocela areas"})", 422, "an array");
+    row("another format", "PUT", "/recordings/a.csv?file=areas", R"({"format":"a","areas":[]})", 422, "areas file");
     row("a description", "GET", "/openapi.json", "", 200, R"("openapi": "3.1.0")");
 }
 
@@ -370,6 +375,22 @@ void TestProgramApi::record_files_are_listed_and_sent() {
     QVERIFY(writeFile(folder_->filePath("b+c d.csv"), content));
     QCOMPARE(client.ask("GET", "/recordings/b+c%20d.csv?").status, 200);
     QCOMPARE(client.ask("GET", "/recordings/b+c+d.csv").status, 404);
+
+    const QByteArray events = "/recordings/a.csv?file=events";
+    QCOMPARE(client.ask("GET", events).status, 404);
+    QVERIFY(QFile::link(folder_->filePath("a.txt"), folder_->filePath("a_events.csv")));
+    // On Windows it is a shortcut, which is an ordinary file.
+    QCOMPARE(client.ask("GET", events).status, QFileInfo(folder_->filePath("a_events.csv")).isSymLink() ? 404 : 200);
+    QVERIFY(QFile::remove(folder_->filePath("a_events.csv")));
+    QVERIFY(writeFile(folder_->filePath("a_events.csv"), "onset"));
+    QVERIFY(writeFile(folder_->filePath("a_samples.csv"), "Number"));
+    QVERIFY(writeFile(folder_->filePath("other_events.csv"), "onset"));
+    QCOMPARE(client.ask("GET", events).body, QByteArray("onset"));
+    QCOMPARE(client.ask("GET", "/recordings/a.csv?file=samples").body, QByteArray("Number"));
+    QCOMPARE(client.ask("GET", "/recordings/a.csv?file=record").body, content);
+    for (const char *name : {"a_events.csv", "a_events.csv?file=events", "other.csv?file=events"})
+        QCOMPARE(client.ask("GET", QByteArray("/recordings/") + name).status, 404);
+
     const ProgramReply whole = client.ask("GET", "/recordings/%61.csv");
     QCOMPARE(whole.status, 200);
     QCOMPARE(whole.body, content);
@@ -385,6 +406,37 @@ void TestProgramApi::record_files_are_listed_and_sent() {
         QString("Content-Range: bytes %1-%2/%3\r\n").arg(size - 5).arg(size - 1).arg(size).toLatin1()));
     QCOMPARE(get("Range: bytes=-5\r\nIf-Range: \"older\"\r\n").body, content);
     QCOMPARE(get("Range: bytes=9999-\r\n").status, 416);
+}
+
+void TestProgramApi::areas_are_saved_beside_a_record_file() {
+    QVERIFY(writeFile(folder_->filePath("a.csv"), emptyRecord() + "1,0\r\n"));
+    const QByteArray path = "/recordings/a.csv?file=areas";
+    const QString file = folder_->filePath("a_areas.json");
+    ProgramClient client;
+    for (const char *areas : {"[]", "[ {\"name\": \"\xD0\x96\"} ]"}) {
+        const QByteArray content = QByteArray("{\"format\": \"Ocela areas\",\n\"areas\":") + areas + '}';
+        const ProgramReply saved = client.ask("PUT", path, content);
+        QCOMPARE(saved.status, 200);
+        QCOMPARE(saved.json()["path"].toString(), file);
+        QCOMPARE(readFile(file), content);
+        const ProgramReply read = client.ask("GET", path);
+        QCOMPARE(read.body, content);
+        QVERIFY(read.head.contains("Content-Type: application/json\r\n"));
+    }
+    QCOMPARE(QDir(folder_->path()).entryList(QDir::Files), QStringList({"a.csv", "a_areas.json"}));
+
+    QVERIFY(QFile::remove(file));
+    QVERIFY(QDir(folder_->path()).mkdir("a_areas.json"));
+    const QByteArray content = R"({"format":"Ocela areas","areas":[]})";
+    QVERIFY(client.ask("PUT", path, content).body.contains("The areas cannot be saved: "));
+    QVERIFY(QDir(folder_->path()).rmdir("a_areas.json"));
+    const QString other = folder_->filePath("other.json");
+    QVERIFY(writeFile(other, "other"));
+    if (QFile::link(other, file) && QFileInfo(file).isSymLink()) {
+        QCOMPARE(client.ask("PUT", path, content).status, 500);
+        QCOMPARE(client.ask("GET", path).status, 404);
+    }
+    QCOMPARE(readFile(other), QByteArray("other"));
 }
 
 void TestProgramApi::trackers_are_selected_after_the_answer() {

@@ -150,7 +150,8 @@ def check_errors(api):
         for method in ("GET", "PUT", "POST", "DELETE"):
             if (api.path_of(target), method.lower(), "422") in api.unchecked:
                 api.ask(method, target + "?unknown=1", 422)
-    for method, target in (("PUT", "/tracker"), ("POST", "/recording"), ("POST", "/events"), ("POST", "/calibration")):
+    for method, target in (("PUT", "/tracker"), ("POST", "/recording"), ("POST", "/events"), ("POST", "/calibration"),
+                           ("PUT", "/recordings/a.csv?file=areas")):
         api.ask(method, target, 400, "{")
         api.ask(method, target, 413, '{"text": "' + 65536 * "x" + '"}')
         api.ask(method, target, 415, "{}", {"Content-Type": "text/plain"})
@@ -229,6 +230,13 @@ def check_recording(api, folder):
     assert api.ask("GET", "/recordings/P01.csv", 206, headers={"Range": "bytes=0-8"}) == b"Timestamp"
     api.ask("GET", "/recordings/P01.csv", 416, headers={"Range": f"bytes={len(content)}-"})
     api.ask("GET", "/recordings/P01.csv", 304, headers={"If-None-Match": headers["ETag"]})
+    beside = {kind: api.ask("GET", f"/recordings/P01.csv?file={kind}", 200) for kind in ("samples", "events")}
+    assert beside["samples"].count(b"\r\n") == saved["samples"] + 1
+    assert ",onset \u00e4,".encode() in beside["events"]
+    areas = {"format": "Ocela areas", "areas": [{"name": "\u00e4"}]}
+    saved_areas = api.ask("PUT", "/recordings/P01.csv?file=areas", 200, areas)
+    assert saved_areas["path"] == str(folder / "P01_areas.json"), saved_areas
+    assert api.ask("GET", "/recordings/P01.csv?file=areas", 200) == areas
 
 
 def check_calibration(api):

@@ -30,8 +30,15 @@ struct OpenFile {
     [[nodiscard]] QByteArray tag() const;
 };
 
-/// Opens a file that list() contains under exactly this name. Returns no file if there is none.
-[[nodiscard]] OpenFile open(const QString &folder, const QString &name);
+enum class Kind { Record, Samples, Events, Areas };
+
+/// Opens a record file that list() contains under exactly this name, or a file beside it. Returns no file if there is
+/// none. The content of the files beside a record file is not checked.
+[[nodiscard]] OpenFile open(const QString &folder, const QString &name, Kind kind = Kind::Record);
+
+/// Saves the areas file beside the record file `name`, which open() has found, in place of an earlier one. Returns why
+/// it cannot be saved, or an empty text.
+[[nodiscard]] QString saveAreas(const QString &folder, const QString &name, const QByteArray &json);
 
 }  // namespace record_files
 

@@ -29,6 +29,7 @@ public:
     [[nodiscard]] QByteArray text(const QString &name) const { return query_.value(name).toByteArray(); }
 
     [[nodiscard]] bool has(const QString &key) const { return body_.contains(key); }
+    [[nodiscard]] bool hasArray(const QString &key) const { return body_[key].isArray(); }
     /// Returns a text, a whole number or a number of the body. Call them only for a key that the body has.
     [[nodiscard]] QString bodyText(const QString &key);
     [[nodiscard]] int bodyInteger(const QString &key, int min, int max);

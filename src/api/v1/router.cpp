@@ -6,12 +6,14 @@
 #include "api/v1/request_reader.h"
 #include "core/eyetracker_interface.h"
 #include "core/markers.h"
+#include "core/record_companions.h"
 #include "http/byte_text.h"
 #include "http/http_log.h"
 #include "http/http_request.h"
 #include "http/http_response.h"
 #include "http/url_encoding.h"
 
+#include <QDir>
 #include <QJsonArray>
 #include <QLocale>
 #include <algorithm>
@@ -34,6 +36,7 @@ constexpr quint64 maxNumber = quint64(1) << 53;
 constexpr quint64 maxSampleCount = 10'000;
 constexpr quint64 maxIntervalMs = 1000;
 constexpr int maxLoggedLength = 200;
+constexpr char areasFormat[] = "Ocela areas";
 constexpr int preflightLifetimeSeconds = 600;
 /// A client's clock may differ a little.
 constexpr std::chrono::seconds maxFuture(1);
@@ -68,6 +71,23 @@ Reply notModified(const QByteArray &tag) {
     return reply;
 }
 
+/// Returns the kind of file for a value of the parameter "file". Without the parameter, the value is empty.
+std::optional<record_files::Kind> fileKind(const QByteArray &value) {
+    if (value.isEmpty() || value == "record")
+        return record_files::Kind::Record;
+    if (value == "samples")
+        return record_files::Kind::Samples;
+    if (value == "events")
+        return record_files::Kind::Events;
+    if (value == "areas")
+        return record_files::Kind::Areas;
+    return {};
+}
+
+Reply noRecordFile() {
+    return problem(404, "The records folder has no record file of this name. GET /api/v1/recordings lists them.");
+}
+
 Reply methodNotAllowed(const QByteArray &methods) {
     Reply reply = problem(405, "The methods of this path are " + QString::fromLatin1(methods) + '.');
     reply.headers.push_back({"Allow", methods});
@@ -81,6 +101,9 @@ struct Router::Request {
     QByteArray name;  ///< the rest of the path, for an endpoint that has one
     std::shared_ptr<const ProgramState> state;
     Commands &commands;
+
+    /// With the size, because the conversion of a QByteArray stops at a NUL character.
+    [[nodiscard]] QString fileName() const { return QString::fromUtf8(name.constData(), name.size()); }
 };
 
 struct Router::Endpoint {
@@ -103,6 +126,7 @@ const Router::Endpoint Router::endpoints[] = {
     {"DELETE", "/recording", false, &Router::deleteRecording},
     {"GET", "/recordings", false, &Router::getRecordings},
     {"GET", "/recordings/", true, &Router::getRecording},
+    {"PUT", "/recordings/", true, &Router::putAreas},
     {"POST", "/events", false, &Router::postEvent},
     {"POST", "/calibration", false, &Router::postCalibration},
     {"DELETE", "/calibration", false, &Router::deleteCalibration},
@@ -346,20 +370,44 @@ Router::Answer Router::getRecordings(const Request &request) {
 
 Router::Answer Router::getRecording(const Request &request) {
     RequestReader reader(request.http);
-    reader.readQuery({});
+    reader.readQuery({"file"});
+    const std::optional<record_files::Kind> kind = fileKind(reader.text("file"));
+    if (!kind)
+        reader.fail(422, "\"file\" must be record, samples, events or areas.");
     if (reader.problem())
         return *reader.problem();
-    // With the size, because the conversion of a QByteArray stops at a NUL character.
-    const QString name = QString::fromUtf8(request.name.constData(), request.name.size());
-    record_files::OpenFile file = record_files::open(request.state->recordsFolder, name);
+    record_files::OpenFile file = record_files::open(request.state->recordsFolder, request.fileName(), *kind);
     if (!file.file)
-        return problem(404, "The records folder has no record file of this name. GET /api/v1/recordings lists them.");
+        return kind == record_files::Kind::Record
+                   ? noRecordFile()
+                   : problem(404, "The records folder has no such file beside a record file of this name.");
     const QByteArray tag = file.tag();
     if (request.http.getHeader("If-None-Match") == tag)
         return notModified(tag);
     const QByteArray condition = request.http.getHeader("If-Range");
     const QByteArray range = condition.isEmpty() || condition == tag ? request.http.getHeader("Range") : QByteArray();
-    return Download{std::move(file), range};
+    const bool isJson = kind == record_files::Kind::Areas;
+    return Download{std::move(file), isJson ? "application/json" : "text/csv; charset=utf-8", range};
+}
+
+Router::Answer Router::putAreas(const Request &request) {
+    RequestReader reader(request.http);
+    reader.readQuery({"file"});
+    reader.readBody({"format", "version", "record", "screen", "areas"});
+    if (reader.text("file") != "areas")
+        reader.fail(422, "\"file\" must be areas. The other files of a recording cannot be replaced.");
+    if (reader.bodyText("format") != areasFormat || !reader.hasArray("areas"))
+        reader.fail(422, "The body must be an areas file: \"format\" is \"Ocela areas\", and \"areas\" is an array.");
+    if (reader.problem())
+        return *reader.problem();
+    const QString name = request.fileName();
+    const QString &folder = request.state->recordsFolder;
+    if (!record_files::open(folder, name).file)
+        return noRecordFile();
+    const QString reason = record_files::saveAreas(folder, name, request.http.getBody());
+    if (!reason.isEmpty())
+        return problem(500, "The areas cannot be saved: " + reason + '.');
+    return jsonReply(200, {{"path", QDir(folder).filePath(record_companions::areasPath(name))}});
 }
 
 Router::Answer Router::postEvent(const Request &request) {
@@ -453,7 +501,7 @@ void Router::send(const Download &download, HttpResponse &response) {
     if (range)
         response.setHeader("Content-Range", "bytes " + QByteArray::number(part.first) + '-' +
                                                 QByteArray::number(part.first + part.sizeBytes - 1) + '/' + total);
-    response.setHeader("Content-Type", "text/csv; charset=utf-8");
+    response.setHeader("Content-Type", download.contentType);
     response.setHeader("Cache-Control", "no-cache");
     response.setHeader("Accept-Ranges", "bytes");
     response.setHeader("ETag", file.tag());

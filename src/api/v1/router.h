@@ -54,6 +54,7 @@ private:
     struct Request;
     struct Download {
         record_files::OpenFile file;
+        QByteArray contentType;
         QByteArray range;
     };
     /// Samples, and the position of a client that has received all before them.
@@ -78,6 +79,7 @@ private:
     [[nodiscard]] Answer deleteRecording(const Request &request);
     [[nodiscard]] Answer getRecordings(const Request &request);
     [[nodiscard]] Answer getRecording(const Request &request);
+    [[nodiscard]] Answer putAreas(const Request &request);
     [[nodiscard]] Answer postEvent(const Request &request);
     [[nodiscard]] Answer postCalibration(const Request &request);
     [[nodiscard]] Answer deleteCalibration(const Request &request);
