@@ -149,7 +149,7 @@ describe('samples file', () => {
             return true;
         }));
 
-    for (const [names, record, samples] of [
+    for (const [names, record, samples, events] of [
         ['r.csv', 'r.csv'],
         ['r.csv r.json r_samples.csv', 'r.csv', 'r_samples.csv'],
         ['b_samples.csv a_samples.csv a.csv b.csv', 'a.csv', 'a_samples.csv'],
@@ -158,11 +158,14 @@ describe('samples file', () => {
         ['R.CSV r_Samples.csv x_samples.csv', 'R.CSV', 'r_Samples.csv'],
         ['r_samples.csv', 'r_samples.csv'],
         ['r.json', 'r.json'],
-        ['a_events.csv a_samples.csv a.json a.csv', 'a.csv', 'a_samples.csv'],
+        ['a_events.csv a_samples.csv a.json a.csv', 'a.csv', 'a_samples.csv', 'a_events.csv'],
+        ['b_events.csv a.csv b.csv', 'a.csv'],
+        ['a_fixations.csv a_intervals.csv b_events.csv b.csv', 'b.csv', undefined, 'b_events.csv'],
+        ['renamed.csv r_events.csv', 'renamed.csv', undefined, 'r_events.csv'],
     ])
         test(`chosen among ${names}`, () => {
             const files = recordingOf(names.split(' ').map(name => ({ name })));
-            assert.deepEqual([files.record.name, files.samples?.name], [record, samples]);
+            assert.deepEqual([files.record.name, files.samples?.name, files.events?.name], [record, samples, events]);
         });
 
     test('is not chosen without files', () => assert.equal(recordingOf([]), null));

@@ -7,7 +7,8 @@ import { Chromium } from './support/chromium.js';
 import { address, createHome, fileAt, startProgram, startSimulator } from './support/program.js';
 import { waitFor } from './support/wait.js';
 
-const recordingSeconds = 3;
+const rateHz = 150;
+const sampleCount = 450;
 const isShown = id => `!document.querySelector('#${id}').hidden`;
 const duration = "parseFloat(document.querySelector('#duration').textContent)";
 const fixationCount = "parseInt(document.querySelector('#fixation-count').textContent)";
@@ -19,14 +20,17 @@ const browser = new Chromium();
 const children = [];
 
 before(async () => {
-    children.push(await startSimulator('--rate', '150'));
+    children.push(await startSimulator('--rate', `${rateHz}`));
     children.push(await startProgram(home));
-    await waitFor(async () => (await lastTimestamp()) > 0, 'samples');
+    await waitFor(async () => (await state()).tracker.newest > 0, 'samples');
     await fetch(`${address}/startrecord&path=${encodeURIComponent(recordFile)}`);
-    const endMs = (await lastTimestamp()) + 1000 * recordingSeconds;
-    await waitFor(async () => (await lastTimestamp()) > endMs, 'the end of the recording');
+    await untilRecorded(sampleCount / 3);
+    await setMarker('"on", left');
+    await untilRecorded((2 * sampleCount) / 3);
+    await setMarker('off');
+    await untilRecorded(sampleCount);
     await fetch(`${address}/stoprecord`);
-    // The last of the three files.
+    // The last of the four files.
     await fileAt(join(folder, 'record.json'));
 });
 after(async () => {
@@ -36,16 +40,24 @@ after(async () => {
     rmSync(folder, { recursive: true, force: true });
 });
 
-async function lastTimestamp() {
-    const { sample } = await (await fetch(`${address}/lastsample`)).json();
-    return sample.timestamp;
+const state = async () => (await fetch(`${address}/api/v1/state`)).json();
+
+/** Counts samples, because a recording of a few seconds can have none on a machine that stops for as long. */
+function untilRecorded(count) {
+    return waitFor(async () => (await state()).recordings[0]?.samples >= count, `${count} recorded samples`);
+}
+
+async function setMarker(text) {
+    const headers = { 'Content-Type': 'application/json' };
+    const answer = await fetch(`${address}/api/v1/events`, { method: 'POST', headers, body: JSON.stringify({ text }) });
+    assert.equal(answer.status, 201);
 }
 
 test('a record file of Ocela is shown, zoomed and saved as an image', async () => {
     const page = await browser.open(`${address}/record.html`);
     await page.choose('#file', recordFile);
     await page.until(isShown('view'));
-    await page.until(`${duration} >= ${recordingSeconds - 0.5}`);
+    await page.until(`${duration} >= ${(0.9 * sampleCount) / rateHz}`);
     assert.ok(await page.evaluate(fixationCount) > 3);
     assert.ok(await page.evaluate("parseInt(document.querySelector('#mean-fixation').textContent)") >= 100);
 
@@ -91,7 +103,8 @@ test('the recordings of the records folder are listed and open with a click', as
     const list = "document.querySelector('#recordings')";
     const page = await browser.open(`${address}/record.html`);
     await page.until("document.querySelector('#recordings-note').textContent === 'There are no record files in it yet.'");
-    copyFileSync(recordFile, join(records, name));
+    for (const ending of ['_samples.csv', '_events.csv', '.csv'])
+        copyFileSync(recordFile.replace('.csv', ending), join(records, name.replace('.csv', ending)));
     const show = await page.hide();
     await show();
     await page.until(`/^a & b\\+ü%20\\.csv.* · \\d+\\.\\d MB$/.test(${list}.textContent)`);
@@ -99,6 +112,8 @@ test('the recordings of the records folder are listed and open with a click', as
     // An expression cannot be evaluated until the page of the link is loaded.
     await waitFor(() => page.evaluate(isShown('view')).catch(() => false), 'the recording is shown');
     assert.equal(await page.text('#file-name'), name);
+    const remarks = 'The times are the times of arrival in “a & b+ü%20_samples.csv”.Markers: 2, from “a & b+ü%20_events.csv”.';
+    assert.ok((await page.text('#remarks')).startsWith(remarks));
     assert.ok(await page.evaluate(fixationCount) > 3);
 
     for (const [requested, reason] of [
@@ -109,6 +124,42 @@ test('the recordings of the records folder are listed and open with a click', as
         await other.until(`document.querySelector('#problem').textContent.startsWith(${JSON.stringify(text)})`);
         assert.deepEqual(other.errors, []);
     }
+    assert.deepEqual(page.errors, []);
+});
+
+test('the intervals between markers are shown, chosen and saved', async () => {
+    const events = join(folder, 'record_events.csv');
+    const page = await browser.open(`${address}/record.html`);
+    await page.choose('#file', events, recordFile);
+    await page.until("document.querySelectorAll('#interval-rows tr').length === 3");
+    const [names, starts, durations] = await page.evaluate(`['th', 'td:nth-child(2)', 'td:nth-child(3)'].map(selector => (
+        [...document.querySelectorAll('#interval-rows ' + selector)].map(cell => cell.textContent)))`);
+    assert.deepEqual([names, starts[0]], [['Before the first marker', '"on", left', 'off'], '0.000']);
+    const onsets = readFileSync(events, 'utf8').split('\r\n').slice(1, 3).map(parseFloat);
+    for (const [shown, expected] of [[starts[1], onsets[0]], [starts[2], onsets[1]], [durations[1], onsets[1] - onsets[0]]])
+        assert.ok(Math.abs(shown - expected) <= 0.001, `${shown} instead of ${expected}`);
+
+    await page.evaluate("document.querySelector('#interval-rows tr:nth-child(2) button').focus()");
+    await page.send('Input.dispatchKeyEvent', { type: 'keyDown', key: 'Enter', windowsVirtualKeyCode: 13, text: '\r' });
+    await page.until(`document.querySelector('#from').value === '${starts[1]}'`);
+    assert.equal(await page.text('#interval-rows [aria-pressed=true]'), '"on", left');
+    assert.equal(await page.text('#duration'), `${Number(durations[1]).toFixed(1)} s`);
+    await page.click('#interval-rows tr:nth-child(3) td');
+    await page.until(`document.querySelector('#from').value === '${starts[2]}'`);
+
+    await browser.send('Browser.setDownloadBehavior', { behavior: 'allow', downloadPath: folder });
+    for (const kind of ['intervals', 'fixations']) {
+        await page.click(`#save-${kind}`);
+        await fileAt(join(folder, `record_${kind}.csv`));
+        const csv = readFileSync(join(folder, `record_${kind}.csv`), 'utf8');
+        assert.ok(csv.includes(`"""on"", left"`) && csv.includes('off') && csv.split('\r\n').length > 4, csv);
+    }
+
+    writeFileSync(events, `${readFileSync(events, 'utf8')}2,0,"x,1,1\r\n`);
+    await page.choose('#file', events, recordFile);
+    const reason = '“record_events.csv” is not used. Line 4, column 3: a quotation mark is missing at the end of a text.';
+    await page.until(`document.querySelector('#remarks').textContent.includes('${reason}')`);
+    await page.until(`!(${isShown('intervals-card')})`);
     assert.deepEqual(page.errors, []);
 });
 

@@ -46,6 +46,11 @@ class FakeContext {
         this.texts.push({ text, x, y });
     }
 
+    /** All characters have the same width. */
+    measureText(text) {
+        return { width: 6 * text.length };
+    }
+
     strokeText() {}
     strokeRect() {}
     rect() {}

@@ -1,39 +1,39 @@
 // @ts-check
 
 /**
- * The files of one recording: its record file, and the samples file beside it, if it was chosen, too.
+ * The files of one recording: its record file, and the samples file and events file beside it, if they were chosen, too.
  *
- * @typedef {{ record: File, samples: File | null }} RecordingFiles
+ * @typedef {{ record: File, samples: File | null, events: File | null }} RecordingFiles
  */
-
-/** @param {File} file */
-function isSamples({ name }) {
-    return /_samples\.csv$/i.test(name);
-}
 
 /**
- * Returns the name of the samples file beside a record file.
+ * Returns the name of a file beside a record file.
  *
  * @param {string} recordName
+ * @param {string} ending
  */
-function samplesNameOf(recordName) {
-    return `${recordName.replace(/\.csv$/i, '')}_samples.csv`;
+export function nameBeside(recordName, ending) {
+    return `${recordName.replace(/\.csv$/i, '')}${ending}`;
 }
 
 /**
  * Returns the first recording among the files that the user has chosen or dropped, or null if there are no files.
- * Descriptions and events files are skipped. A single samples file belongs to a single record file, whatever its name is.
+ * Descriptions and exported tables are skipped. A single samples file or events file belongs to a single record file, whatever
+ * its name is.
  *
  * @param {Iterable<File>} files
  * @returns {RecordingFiles | null}
  */
 export function recordingOf(files) {
     const all = [...files];
-    const records = all.filter(file => !isSamples(file) && !/(\.json|_events\.csv)$/i.test(file.name));
+    const records = all.filter(({ name }) => !/(\.json|_(samples|events|fixations|intervals)\.csv)$/i.test(name));
     const record = records[0] ?? all[0];
     if (!record) return null;
-    const others = all.filter(file => isSamples(file) && file !== record);
-    const named = others.find(({ name }) => name.toLowerCase() === samplesNameOf(record.name).toLowerCase());
-    const only = records.length === 1 && others.length === 1 ? others[0] : null;
-    return { record, samples: named ?? only };
+    const beside = (/** @type {string} */ ending) => {
+        const others = all.filter(file => file.name.toLowerCase().endsWith(ending) && file !== record);
+        const named = others.find(({ name }) => name.toLowerCase() === nameBeside(record.name, ending).toLowerCase());
+        const only = records.length === 1 && others.length === 1 ? others[0] : null;
+        return named ?? only;
+    };
+    return { record, samples: beside('_samples.csv'), events: beside('_events.csv') };
 }

@@ -1,4 +1,5 @@
 // @ts-check
+import { meanOf } from '../shared/statistics.js';
 /** @import { SampleColumns } from '../shared/sample_columns.js' */
 
 /** @typedef {{ startMs: number, durationMs: number, x: number, y: number }} Fixation The centre is in percent. */
@@ -123,24 +124,6 @@ class Search {
         const { time, x, y } = this.#columns;
         const [from, to] = [this.#start, this.#end + 1];
         const startMs = time[from];
-        return { startMs, durationMs: time[this.#end] - startMs, x: mean(x, from, to), y: mean(y, from, to) };
+        return { startMs, durationMs: time[this.#end] - startMs, x: meanOf(x, from, to), y: meanOf(y, from, to) };
     }
-}
-
-/**
- * Returns the mean of the values that are not missing.
- *
- * @param {Float32Array} values
- * @param {number} from
- * @param {number} to
- */
-function mean(values, from, to) {
-    let sum = 0;
-    let count = 0;
-    for (let i = from; i < to; ++i) {
-        if (Number.isNaN(values[i])) continue;
-        sum += values[i];
-        ++count;
-    }
-    return sum / count;
 }

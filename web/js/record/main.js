@@ -5,6 +5,7 @@ import { onLanguage, startLanguage } from '../shared/language.js';
 import { canvasAspect } from '../shared/screen.js';
 import { fixationParameters, startDetection, useGeometryOf } from './detection_fields.js';
 import { savePng } from './export_png.js';
+import { showIntervals, startIntervals } from './intervals_view.js';
 import { openRecording, startOpening } from './open_file.js';
 import { assumedRateHz, startParameters } from './parameters.js';
 import { controlRange, dragToMove, dragToSelect } from './range_control.js';
@@ -81,6 +82,7 @@ function draw() {
     stages[mode](prepareCanvas(canvasById('stage'), palette), view);
     for (const { canvas, draw: drawChart } of charts) drawn.set(canvas, drawChart(prepareCanvas(canvas, palette), view));
     showRange(view, mode);
+    showIntervals(view);
 }
 
 /** @param {StageMode} chosen */
@@ -121,6 +123,7 @@ for (const { canvas, drag } of charts) {
     };
     controlRange(canvas, drag, access, range => update(shown => shown.show(range)));
 }
+startIntervals(range => update(shown => shown.show(range)));
 byId('whole').addEventListener('click', () => update(shown => shown.show(shown.whole)));
 byId('export').addEventListener('click', () => view && savePng(view, mode, palette));
 for (const button of allOf('[data-mode]'))

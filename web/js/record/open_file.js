@@ -1,7 +1,7 @@
 // @ts-check
 import { addressOf, reasonOf } from '../shared/api.js';
 import { allOf, inputById } from '../shared/dom.js';
-import { recordingOf } from './chosen_files.js';
+import { nameBeside, recordingOf } from './chosen_files.js';
 /** @import { Problem, RecordFile, WorkerMessage } from './parse_worker.js' */
 
 /**
@@ -48,7 +48,7 @@ function handle(message, fileName, handlers) {
 }
 
 /**
- * Opens a record file of Ocela's records folder.
+ * Opens a record file of Ocela's records folder, with its samples file and its events file.
  *
  * @param {string} name
  * @param {Handlers} handlers
@@ -59,12 +59,31 @@ export async function openRecording(name, handlers) {
     handlers.progress(0);
     try {
         const answer = await fetch(addressOf('recordings', name), { signal });
-        if (answer.ok) read([new File([await answer.blob()], name)], handlers);
-        else handlers.problem(await problemOf(answer), name);
+        if (!answer.ok) {
+            handlers.problem(await problemOf(answer), name);
+            return;
+        }
+        const record = new File([await answer.blob()], name);
+        const beside = await Promise.all([fileBeside(name, 'samples', signal), fileBeside(name, 'events', signal)]);
+        read([record, ...beside.flat()], handlers);
     } catch (error) {
         if (signal.aborted) return;
         handlers.problem({ key: 'notDelivered', values: { reason: /** @type {Error} */ (error).message } }, name);
     }
+}
+
+/**
+ * Returns a file beside a record file, or an empty array if there is none.
+ *
+ * @param {string} name of the record file
+ * @param {'samples' | 'events'} kind
+ * @param {AbortSignal} signal
+ */
+async function fileBeside(name, kind, signal) {
+    const answer = await fetch(`${addressOf('recordings', name)}?file=${kind}`, { signal });
+    if (answer.status === 404) return [];
+    if (!answer.ok) throw new Error(await reasonOf(answer));
+    return [new File([await answer.blob()], nameBeside(name, `_${kind}.csv`))];
 }
 
 /**

@@ -2,18 +2,22 @@
 import { FileError } from '../shared/file_error.js';
 import { columnNames } from '../shared/sample_columns.js';
 import { ArrivalTimes } from './arrival_times.js';
+import { readMarkers } from './markers_file.js';
 import { RecordBuilder } from './record_builder.js';
 import { RecordParser, samplesFormat } from './record_parser.js';
 /** @import { TextKey, TextValues } from '../shared/language.js' */
 /** @import { RecordingFiles } from './chosen_files.js' */
+/** @import { Marker } from './markers_file.js' */
 /** @import { RecordContent } from './record_builder.js' */
 
 /** @typedef {{ key: TextKey, values: TextValues }} Problem */
 
 /** @typedef {{ name: string, problem: Problem | null }} SamplesFile `problem` is the reason why its times are not used. */
 
+/** @typedef {{ name: string, problem: Problem | null, markers: Marker[] }} EventsFile `problem` is the reason why it is not used. */
+
 /**
- * @typedef {RecordContent & { cutOffLine: number, samples: SamplesFile | null }} RecordFile
+ * @typedef {RecordContent & { cutOffLine: number, samples: SamplesFile | null, events: EventsFile | null }} RecordFile
  * `cutOffLine` is 0 if the file is complete.
  */
 
@@ -54,15 +58,31 @@ function problemOf(error) {
  * @param {RecordingFiles} files
  * @returns {Promise<RecordFile>}
  */
-async function read({ record, samples }) {
+async function read({ record, samples, events }) {
     const totalBytes = record.size + (samples?.size ?? 0);
     const builder = new RecordBuilder();
     const parser = new RecordParser((cells, line) => builder.add(cells, line));
     await parse(record, parser, doneBytes => reply({ progress: doneBytes / totalBytes }));
-    const file = { ...builder.finish(), cutOffLine: parser.cutOffLine, samples: null };
+    const content = { ...builder.finish(), cutOffLine: parser.cutOffLine };
+    const file = { ...content, samples: null, events: events && await readEvents(events, content) };
     if (!samples) return file;
     const problem = await readTimes(samples, file, doneBytes => reply({ progress: (record.size + doneBytes) / totalBytes }));
     return { ...file, samples: { name: samples.name, problem } };
+}
+
+/**
+ * @param {File} events
+ * @param {RecordContent & { cutOffLine: number }} content
+ * @returns {Promise<EventsFile>}
+ */
+async function readEvents(events, { columns, cutOffLine }) {
+    const { name } = events;
+    try {
+        const markers = readMarkers(await events.text(), cutOffLine > 0 ? Infinity : columns.length);
+        return { name, problem: null, markers };
+    } catch (error) {
+        return { name, problem: problemOf(/** @type {Error} */ (error)), markers: [] };
+    }
 }
 
 /**

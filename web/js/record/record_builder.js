@@ -2,7 +2,7 @@
 import { CrossedEye } from '../shared/crossed_eye.js';
 import { SampleColumns } from '../shared/sample_columns.js';
 import { SampleReader } from '../shared/sample_reader.js';
-import { aspectOf } from '../shared/screen.js';
+import { areaPxOf, aspectOf } from '../shared/screen.js';
 import { headers } from './record_parser.js';
 /** @import { Sample } from '../shared/sample_reader.js' */
 
@@ -14,6 +14,7 @@ import { headers } from './record_parser.js';
  * @property {boolean} crossed whether the axes of the right eye are exchanged in the file; the columns have the corrected axes
  * @property {boolean} timeless whether all samples have the same time
  * @property {number} aspect the screen's width divided by its height
+ * @property {{ width: number, height: number }} areaPx the size of the calibrated area; NaN if it is unknown
  * @property {number} setBackLine the line at which the clock was first set back; 0 if it never was
  */
 
@@ -70,7 +71,10 @@ export class RecordBuilder {
         const { crossed } = this.#rightEye;
         if (crossed) [columns.rightX, columns.rightY] = [columns.rightY, columns.rightX];
         const timeless = columns.length > 1 && columns.time[columns.length - 1] === columns.time[0];
-        return { columns, crossed, timeless, aspect: aspectOf(this.#aspectSamples), setBackLine: this.#setBackLine };
+        const samples = this.#aspectSamples;
+        return {
+            columns, crossed, timeless, aspect: aspectOf(samples), areaPx: areaPxOf(samples), setBackLine: this.#setBackLine,
+        };
     }
 
     /**

@@ -3,6 +3,7 @@ import { Chart } from '../shared/chart.js';
 import { clock, number, text } from '../shared/language.js';
 import { rangeOf } from '../shared/ticks.js';
 import { drawHeatMap } from './heat_map_view.js';
+import { drawMarkers } from './markers_view.js';
 import { drawScanPath } from './scan_path_view.js';
 import { validShares } from './validity.js';
 /** @import { Surface } from '../shared/canvas.js' */
@@ -36,7 +37,7 @@ function timeLabel({ fromMs, toMs }) {
  * @param {Surface} surface
  * @param {RecordView} view
  */
-export function drawPupils(surface, { columns, range, fixations }) {
+export function drawPupils(surface, { columns, range, fixations, markers }) {
     // One more sample at each end, so that the lines reach the edges.
     const from = Math.max(columns.indexAt(range.fromMs) - 1, 0);
     const to = Math.min(columns.indexAt(range.toMs) + 1, columns.length);
@@ -51,6 +52,7 @@ export function drawPupils(surface, { columns, range, fixations }) {
     if (!values) chart.drawNote(text('notMeasured'));
     chart.drawSeries(columns, 'leftPupil', palette.left, { from, to });
     chart.drawSeries(columns, 'rightPupil', palette.right, { from, to });
+    drawMarkers(surface, chart, markers, range);
     return chart;
 }
 
@@ -60,10 +62,11 @@ export function drawPupils(surface, { columns, range, fixations }) {
  * @param {Surface} surface
  * @param {RecordView} view
  */
-export function drawValidity(surface, { columns, range }) {
+export function drawValidity(surface, { columns, range, markers }) {
     const chart = new Chart(surface, range, [0, 100]);
     chart.drawAxes(timeLabel(range), number);
     drawShares(surface, chart, columns, range, surface.palette.accent);
+    drawMarkers(surface, chart, markers, range);
     return chart;
 }
 
@@ -73,7 +76,7 @@ export function drawValidity(surface, { columns, range }) {
  * @param {Surface} surface
  * @param {RecordView} view
  */
-export function drawOverview(surface, { columns, range, whole }) {
+export function drawOverview(surface, { columns, range, whole, markers }) {
     const { context, palette } = surface;
     const chart = new Chart(surface, whole, [0, 100]);
     chart.drawAxes(timeLabel(whole), () => '');
@@ -82,6 +85,7 @@ export function drawOverview(surface, { columns, range, whole }) {
     chart.drawBand(range, palette.accent);
     context.globalAlpha = 1;
     chart.drawFrame(range, palette.accent);
+    drawMarkers(surface, chart, markers, whole);
     return chart;
 }
 

@@ -3,7 +3,7 @@ import { byId, element, inputById, setText } from '../shared/dom.js';
 import { clock, count, number, onLanguage, quantity, text } from '../shared/language.js';
 import { maxInSecondsMs } from './record_charts.js';
 import { showsNumbers } from './scan_path_view.js';
-/** @import { Problem, SamplesFile } from './parse_worker.js' */
+/** @import { EventsFile, Problem, SamplesFile } from './parse_worker.js' */
 /** @import { StageMode } from './record_charts.js' */
 /** @import { RecordView } from './record_view.js' */
 
@@ -55,9 +55,11 @@ export function showFile(view) {
 }
 
 /** @param {RecordView} view */
-function remarksOf({ file: { cutOffLine, setBackLine, timeless, crossed, samples } }) {
+function remarksOf({ file: { cutOffLine, setBackLine, timeless, crossed, samples, events }, placesMarkersByRow }) {
     const remarks = [];
     if (samples) remarks.push(samplesRemark(samples));
+    if (events) remarks.push(eventsRemark(events));
+    if (events?.markers.length && placesMarkersByRow) remarks.push(text('markersByRow'));
     if (cutOffLine > 0) remarks.push(text('cutOff', { line: cutOffLine }));
     if (setBackLine > 0) remarks.push(text('setBack', { line: setBackLine }));
     if (timeless) remarks.push(text('timeless'));
@@ -70,7 +72,13 @@ function remarksOf({ file: { cutOffLine, setBackLine, timeless, crossed, samples
  */
 function samplesRemark({ name, problem }) {
     if (!problem) return text('arrivalTimes', { name });
-    return text('samplesNotUsed', { name, reason: text(problem.key, problem.values) });
+    return text('fileNotUsed', { name, reason: text(problem.key, problem.values) });
+}
+
+/** @param {EventsFile} events */
+function eventsRemark({ name, problem, markers }) {
+    if (!problem) return text('markersOf', { name, count: number(markers.length) });
+    return text('fileNotUsed', { name, reason: text(problem.key, problem.values) });
 }
 
 /**

@@ -3,11 +3,15 @@ import { SampleColumns } from '../shared/sample_columns.js';
 import { statisticsOf } from '../shared/statistics.js';
 import { detectFixations, isComplete } from './detection.js';
 import { heatMapOf } from './heat_map.js';
+import { intervalsOf } from './intervals.js';
+import { placeMarkers } from './markers.js';
 import { between } from './time_range.js';
 /** @import { TimeRange } from '../shared/chart.js' */
 /** @import { FixationParameters } from './detection.js' */
 /** @import { Fixation } from './fixations.js' */
 /** @import { HeatMap } from './heat_map.js' */
+/** @import { Interval } from './intervals.js' */
+/** @import { PlacedMarker } from './markers.js' */
 /** @import { RecordFile } from './parse_worker.js' */
 
 /** An open record file: the shown time range, and the fixations, the heat map and the figures of that range. */
@@ -23,6 +27,10 @@ export class RecordView {
     #allFixations = [];
     /** @type {HeatMap | null} */
     #heatMap = null;
+    /** @type {PlacedMarker[] | null} */
+    #markers = null;
+    /** @type {Interval[] | null} */
+    #intervals = null;
 
     /**
      * @param {RecordFile} file
@@ -59,6 +67,7 @@ export class RecordView {
         const { time, length } = this.columns;
         for (let i = 0; i < length; ++i) time[i] = (i * 1000) / rateHz;
         this.range = this.whole;
+        this.#markers = null;
         this.detect(this.#parameters);
     }
 
@@ -70,6 +79,7 @@ export class RecordView {
     detect(parameters) {
         this.#parameters = parameters;
         this.#allFixations = this.areFixationsKnown ? detectFixations(this.columns, parameters, this.aspect) : [];
+        this.#intervals = null;
         this.show(this.range);
     }
 
@@ -95,6 +105,27 @@ export class RecordView {
     /** Whether the fixations are known. They are not if a parameter is missing. */
     get areFixationsKnown() {
         return isComplete(this.#parameters);
+    }
+
+    /** The fixations of the whole recording. */
+    get allFixations() {
+        return this.#allFixations;
+    }
+
+    /** Whether the times of the samples differ from their arrival times, so that onsets do not match them. */
+    get placesMarkersByRow() {
+        return this.timeless || this.file.setBackLine > 0;
+    }
+
+    /** The markers of the events file, sorted by time. */
+    get markers() {
+        return (this.#markers ??= placeMarkers(this.file.events?.markers ?? [], this.columns, this.placesMarkersByRow));
+    }
+
+    /** The intervals between the markers. A new array after each change of the fixations. */
+    get intervals() {
+        const fixations = this.areFixationsKnown ? this.#allFixations : null;
+        return (this.#intervals ??= intervalsOf(this.markers, this.columns, fixations));
     }
 
     /** Computed on demand, because the computation takes longer than that of the other figures. */

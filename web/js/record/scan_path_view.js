@@ -1,6 +1,7 @@
 // @ts-check
 import { drawScreen } from '../shared/canvas.js';
 import { screenIn } from '../shared/screen.js';
+import { drawMarkerSymbols } from './markers_view.js';
 /** @import { Surface } from '../shared/canvas.js' */
 /** @import { RecordView } from './record_view.js' */
 
@@ -28,12 +29,13 @@ function radiusOf(durationMs, screenWidth) {
 }
 
 /**
- * Draws the fixations of the shown time range, with lines between them. They are numbered from the start of the recording.
+ * Draws the fixations of the shown time range, with lines between them, and its markers. The fixations are numbered from the
+ * start of the recording.
  *
  * @param {Surface} surface
  * @param {RecordView} view
  */
-export function drawScanPath(surface, { fixations, firstFixation, aspect }) {
+export function drawScanPath(surface, { fixations, firstFixation, aspect, markers, range }) {
     const screen = screenIn(surface, aspect);
     const circles = fixations.map(({ x, y, durationMs }) => (
         { x: screen.toX(x), y: screen.toY(y), radius: radiusOf(durationMs, screen.width) }));
@@ -42,6 +44,7 @@ export function drawScanPath(surface, { fixations, firstFixation, aspect }) {
     if (circles.length > maxCircleCount) drawDots(surface, circles);
     else drawCircles(surface, circles);
     if (showsNumbers(circles.length, surface, aspect)) drawNumbers(surface, circles, firstFixation);
+    drawMarkerSymbols(surface, screen, markers, range);
 }
 
 /**

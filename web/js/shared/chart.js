@@ -46,6 +46,10 @@ export class Chart {
         return this.#right - this.#left;
     }
 
+    get top() {
+        return this.#top;
+    }
+
     get bottom() {
         return this.#bottom;
     }

@@ -8,6 +8,9 @@ const maxAspect = 5;
 /** Pixels are truncated to integers, so a quotient of smaller numbers is too inaccurate. */
 const minPixels = 50;
 
+/** The percentages in files are rounded, which moves a position by less than this. */
+const maxErrorPx = 0.01;
+
 /** The margin around the screen, for gaze beyond the edges, as a share of the screen's width. */
 const margin = 0.05;
 
@@ -41,6 +44,39 @@ function sideLength(samples, percentKey, pixelKey) {
 export function aspectOf(samples) {
     const aspect = sideLength(samples, 'x', 'x_px') / sideLength(samples, 'y', 'y_px');
     return aspect >= minAspect && aspect <= maxAspect ? aspect : defaultAspect;
+}
+
+/**
+ * Returns the length of one side in whole pixels. Each truncated position allows a range of lengths. Returns the smallest length
+ * that all positions allow, or the median if there is none.
+ *
+ * @param {Sample[]} samples
+ * @param {'x' | 'y'} percentKey
+ * @param {'x_px' | 'y_px'} pixelKey
+ */
+function wholeSideLength(samples, percentKey, pixelKey) {
+    let [min, max] = [0, Infinity];
+    for (const sample of samples) {
+        const [percent, pixels] = [Number(sample[percentKey]), Number(sample[pixelKey])];
+        if (!sample.valid || percent <= 0 || pixels < minPixels) continue;
+        min = Math.max(min, ((pixels - maxErrorPx) * 100) / percent);
+        max = Math.min(max, ((pixels + 1 + maxErrorPx) * 100) / percent);
+    }
+    const length = Math.ceil(min);
+    return length > 0 && length <= max ? length : Math.round(sideLength(samples, percentKey, pixelKey));
+}
+
+/**
+ * Returns the size of the calibrated area in pixels, computed from samples that have their gaze in percent and in pixels.
+ * The sides are NaN if there are no such samples.
+ *
+ * @param {Sample[]} samples
+ */
+export function areaPxOf(samples) {
+    return {
+        width: wholeSideLength(samples, 'x', 'x_px'),
+        height: wholeSideLength(samples, 'y', 'y_px'),
+    };
 }
 
 /**

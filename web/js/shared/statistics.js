@@ -30,11 +30,37 @@ export function statisticsOf(columns, from = 0, to = columns.length) {
  * @param {number} to
  */
 export function validShareOf(columns, from, to) {
-    let validCount = 0;
+    return validCountOf(columns.x, from, to) / (to - from);
+}
+
+/**
+ * Returns the number of values that are not missing.
+ *
+ * @param {Float32Array} values
+ * @param {number} from
+ * @param {number} to
+ */
+export function validCountOf(values, from, to) {
+    let count = 0;
     for (let i = from; i < to; ++i) {
-        if (!Number.isNaN(columns.x[i])) ++validCount;
+        if (!Number.isNaN(values[i])) ++count;
     }
-    return validCount / (to - from);
+    return count;
+}
+
+/**
+ * Returns the mean of the values that are not missing, or NaN if all are missing.
+ *
+ * @param {Float32Array} values
+ * @param {number} from
+ * @param {number} to
+ */
+export function meanOf(values, from, to) {
+    let sum = 0;
+    for (let i = from; i < to; ++i) {
+        if (!Number.isNaN(values[i])) sum += values[i];
+    }
+    return sum / validCountOf(values, from, to);
 }
 
 /**

@@ -1,11 +1,13 @@
 // @ts-check
 import detection from './detection_en.js';
+import markers from './markers_en.js';
 import quality from './quality_en.js';
 import validate from './validate_en.js';
 
 /** All texts of the pages in English. {name} is replaced by a value. */
 export default {
     ...detection,
+    ...markers,
     ...quality,
     ...validate,
 
@@ -112,7 +114,7 @@ export default {
 
     recordTitle: 'Ocela: record viewer',
     openFile: 'Open a record file…',
-    dropHint: 'or drop it anywhere on this page. To see the times of arrival, choose or drop it together with its file …_samples.csv.',
+    dropHint: 'or drop it anywhere on this page. To see the times of arrival and the markers, choose or drop it together with its files …_samples.csv and …_events.csv.',
     staysHere: 'Such a file stays on this computer. The page does not send it anywhere.',
     recordingsTitle: 'Recordings in the records folder of Ocela',
     noRecordings: 'There are no record files in it yet.',
@@ -152,7 +154,7 @@ export default {
     setBack: 'Line {line}: the time goes back, because the computer’s clock was set back. The later samples are shown after the earlier ones.',
     timeless: 'The tracker sent no timestamps. All times are computed from the assumed sample rate, which you can set under “Fixation detection”. To see the real times, open the record file together with its file …_samples.csv.',
     arrivalTimes: 'The times are the times of arrival in “{name}”.',
-    samplesNotUsed: '“{name}” is not used. {reason}',
+    fileNotUsed: '“{name}” is not used. {reason}',
 
     cannotShow: 'Cannot show “{name}”. {reason}',
     emptyFile: 'Line {line}: the file is empty.',

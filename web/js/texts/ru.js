@@ -1,5 +1,6 @@
 // @ts-check
 import detection from './detection_ru.js';
+import markers from './markers_ru.js';
 import quality from './quality_ru.js';
 import validate from './validate_ru.js';
 
@@ -10,6 +11,7 @@ import validate from './validate_ru.js';
  */
 export default {
     ...detection,
+    ...markers,
     ...quality,
     ...validate,
 
@@ -116,7 +118,7 @@ export default {
 
     recordTitle: 'Ocela: просмотр записи',
     openFile: 'Открыть файл записи…',
-    dropHint: 'или перетащите его на эту страницу. Чтобы увидеть время прихода данных, выберите или перетащите его вместе с файлом …_samples.csv.',
+    dropHint: 'или перетащите его на эту страницу. Чтобы увидеть время прихода данных и метки, выберите или перетащите его вместе с файлами …_samples.csv и …_events.csv.',
     staysHere: 'Такой файл остаётся на этом компьютере. Страница никуда его не отправляет.',
     recordingsTitle: 'Записи в папке записей Ocela',
     noRecordings: 'Файлов записи в ней ещё нет.',
@@ -156,7 +158,7 @@ export default {
     setBack: 'Строка {line}: время идёт назад, потому что часы компьютера перевели назад. Дальнейшие данные показаны после предыдущих.',
     timeless: 'Трекер не сообщал времени. Оно вычислено по предполагаемой частоте, которую можно задать в разделе «Поиск фиксаций». Чтобы увидеть настоящее время, откройте файл записи вместе с файлом …_samples.csv.',
     arrivalTimes: 'Время — это время прихода данных из файла «{name}».',
-    samplesNotUsed: 'Файл «{name}» не использован. {reason}',
+    fileNotUsed: 'Файл «{name}» не использован. {reason}',
 
     cannotShow: 'Не удаётся показать «{name}». {reason}',
     emptyFile: 'Строка {line}: файл пуст.',
