@@ -160,7 +160,7 @@ describe('samples file', () => {
         ['r.json', 'r.json'],
         ['a_events.csv a_samples.csv a.json a.csv', 'a.csv', 'a_samples.csv', 'a_events.csv'],
         ['b_events.csv a.csv b.csv', 'a.csv'],
-        ['a_fixations.csv a_intervals.csv b_events.csv b.csv', 'b.csv', undefined, 'b_events.csv'],
+        ['a_areas.csv a_fixations.csv a_intervals.csv b_events.csv b.csv', 'b.csv', undefined, 'b_events.csv'],
         ['renamed.csv r_events.csv', 'renamed.csv', undefined, 'r_events.csv'],
     ])
         test(`chosen among ${names}`, () => {

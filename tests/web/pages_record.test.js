@@ -127,6 +127,65 @@ test('the recordings of the records folder are listed and open with a click', as
     assert.deepEqual(page.errors, []);
 });
 
+test('areas are saved beside a recording of the records folder, and shown with it', async () => {
+    const records = join(home.folder, 'Documents/Ocela');
+    const [name, areasFile] = ['with areas.csv', 'with areas_areas.json'].map(file => join(records, file));
+    copyFileSync(recordFile, name);
+    const savedNames = () => JSON.parse(readFileSync(areasFile, 'utf8')).areas.map(area => area.name).join();
+    const open = async () => {
+        const page = await browser.open(`${address}/record.html?recording=with%20areas.csv`);
+        await page.until(isShown('view'));
+        return page;
+    };
+    const untilNote = (page, start) => page.until(`document.querySelector('#areas-note').textContent.startsWith('${start}')`);
+    const areaCount = "document.querySelectorAll('#areas-rows tr').length";
+    const refuse = 'window.confirm = question => { window.question = question; return false; }';
+    // As with the keyboard, which adds an area in the centre.
+    const add = page => page.click('[data-tool=ellipse]');
+
+    const page = await open();
+    await add(page);
+    await page.until(`${areaCount} === 1`);
+    await page.click('#areas-save');
+    await untilNote(page, '“with areas_areas.json” is saved in the records folder.');
+    assert.equal(savedNames(), 'Area 1');
+    await add(page);
+    await page.until(`${areaCount} === 2`);
+
+    // The browser has kept the second area, which is not saved.
+    const second = await open();
+    await untilNote(second, 'This browser has kept these areas. They are not saved yet.');
+    assert.equal(await second.evaluate(areaCount), 2);
+    writeFileSync(areasFile, readFileSync(areasFile, 'utf8').replace('Area 1', 'Of somebody else'));
+    await second.evaluate(refuse);
+    await second.click('#areas-save');
+    await second.until("window.question?.startsWith('“with areas_areas.json” has changed')");
+    assert.equal(savedNames(), 'Of somebody else');
+    await second.evaluate('window.confirm = () => true');
+    await second.click('#areas-save');
+    await untilNote(second, '“with areas_areas.json” is saved');
+    assert.equal(savedNames(), 'Area 1,Area 2');
+    await second.evaluate("localStorage.removeItem('areas')");
+    await second.click('#areas-clear');
+    await second.until(`${areaCount} === 0`);
+    await second.click('#areas-save');
+    await second.until(`!document.querySelector('#areas-save').hidden && localStorage.getItem('areas') === '[]'`);
+    assert.equal(savedNames(), '');
+
+    writeFileSync(areasFile, 'damaged');
+    const third = await open();
+    await untilNote(third, 'Cannot show “with areas_areas.json”.');
+    await add(third);
+    await third.evaluate(refuse);
+    await third.click('#areas-save');
+    await third.until('window.question');
+    assert.equal(readFileSync(areasFile, 'utf8'), 'damaged');
+    rmSync(name);
+    await third.click('#areas-save');
+    await untilNote(third, 'Cannot save “with areas_areas.json”. The records folder has no record file of this name.');
+    assert.deepEqual([...page.errors, ...second.errors, ...third.errors], []);
+});
+
 test('the intervals between markers are shown, chosen and saved', async () => {
     const events = join(folder, 'record_events.csv');
     const page = await browser.open(`${address}/record.html`);

@@ -1,4 +1,6 @@
 // @ts-check
+import { isAreasName } from './areas_file.js';
+import { isImage } from './stimulus_image.js';
 
 /**
  * The files of one recording: its record file, and the samples file and events file beside it, if they were chosen, too.
@@ -17,6 +19,15 @@ export function nameBeside(recordName, ending) {
 }
 
 /**
+ * Returns whether a file is shown with a recording, but is not a part of it: areas of interest, or an image of the stimulus.
+ *
+ * @param {File} file
+ */
+export function isAttachment(file) {
+    return isAreasName(file.name) || isImage(file);
+}
+
+/**
  * Returns the first recording among the files that the user has chosen or dropped, or null if there are no files.
  * Descriptions and exported tables are skipped. A single samples file or events file belongs to a single record file, whatever
  * its name is.
@@ -26,7 +37,7 @@ export function nameBeside(recordName, ending) {
  */
 export function recordingOf(files) {
     const all = [...files];
-    const records = all.filter(({ name }) => !/(\.json|_(samples|events|fixations|intervals)\.csv)$/i.test(name));
+    const records = all.filter(({ name }) => !/(\.json|_(samples|events|areas|fixations|intervals)\.csv)$/i.test(name));
     const record = records[0] ?? all[0];
     if (!record) return null;
     const beside = (/** @type {string} */ ending) => {

@@ -2,6 +2,7 @@
 import { downloadPng } from '../shared/download.js';
 import { number, text } from '../shared/language.js';
 import { canvasAspect } from '../shared/screen.js';
+import { drawAreas } from './area_drawing.js';
 import { drawPupils, drawValidity, stages } from './record_charts.js';
 import { figuresOf } from './record_texts.js';
 /** @import { Colour, Palette, Surface } from '../shared/canvas.js' */
@@ -48,7 +49,9 @@ function imageOf(view, mode, palette) {
     context.fillRect(0, 0, width, height);
     drawTitle(context, view, palette);
     context.translate(edge, titleHeight);
-    stages[mode]({ context, width: innerWidth, height: stageHeight, palette }, view);
+    const stage = { context, width: innerWidth, height: stageHeight, palette };
+    stages[mode](stage, view);
+    drawAreas(stage, view);
     context.translate(0, stageHeight);
     for (const { draw, captions } of charts) {
         drawCaptions(context, captions, palette);

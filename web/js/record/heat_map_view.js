@@ -1,6 +1,7 @@
 // @ts-check
 import { drawScreen } from '../shared/canvas.js';
 import { screenIn } from '../shared/screen.js';
+import { drawStimulus } from './stimulus_image.js';
 /** @import { Surface } from '../shared/canvas.js' */
 /** @import { HeatMap } from './heat_map.js' */
 /** @import { RecordView } from './record_view.js' */
@@ -25,10 +26,11 @@ function colourOf(share) {
  * @param {Surface} surface
  * @param {RecordView} view
  */
-export function drawHeatMap(surface, { heatMap, aspect }) {
+export function drawHeatMap(surface, { heatMap, aspect, stimulus }) {
     const { context } = surface;
     const screen = screenIn(surface, aspect);
     drawScreen(surface, screen);
+    drawStimulus(surface, screen, stimulus);
     context.imageSmoothingEnabled = true;
     context.drawImage(imageOf(heatMap), screen.left, screen.top, screen.width, screen.height);
 }

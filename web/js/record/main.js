@@ -3,6 +3,8 @@ import { onPaletteChange, prepareCanvas, readPalette } from '../shared/canvas.js
 import { allOf, byId, canvasById } from '../shared/dom.js';
 import { onLanguage, startLanguage } from '../shared/language.js';
 import { canvasAspect } from '../shared/screen.js';
+import { openAreas, showAreas, startAreas } from './areas_card.js';
+import { attach, attachedAreas } from './attachments.js';
 import { fixationParameters, startDetection, useGeometryOf } from './detection_fields.js';
 import { savePng } from './export_png.js';
 import { showIntervals, startIntervals } from './intervals_view.js';
@@ -13,6 +15,7 @@ import { drawOverview, drawPupils, drawValidity, stages } from './record_charts.
 import { showFile, showProblem, showProgress, showRange } from './record_texts.js';
 import { RecordView } from './record_view.js';
 import { requestedRecording, startRecordings } from './recordings.js';
+import { openStimulus, startStimulus } from './stimulus_card.js';
 import { between } from './time_range.js';
 /** @import { Chart } from '../shared/chart.js' */
 /** @import { Handlers } from './open_file.js' */
@@ -83,6 +86,7 @@ function draw() {
     for (const { canvas, draw: drawChart } of charts) drawn.set(canvas, drawChart(prepareCanvas(canvas, palette), view));
     showRange(view, mode);
     showIntervals(view);
+    showAreas(palette);
 }
 
 /** @param {StageMode} chosen */
@@ -96,6 +100,8 @@ function chooseMode(chosen) {
 startLanguage();
 startRecordings();
 startDetection(() => updateFixations(detectAgain));
+startAreas(() => view);
+startStimulus(() => view, update);
 startParameters({
     rate: () => updateFixations(assumeRate),
     range: (fromMs, toMs) => update(shown => shown.show(between(fromMs, toMs, shown.wholeMs))),
@@ -106,15 +112,18 @@ const opening = {
         view = null;
         showProgress(share);
     },
-    record: (file, fileName) => {
+    record: (file, fileName, folder) => {
         useGeometryOf(file);
         view = new RecordView(file, fileName, fixationParameters(), assumedRateHz());
         byId('stage').style.aspectRatio = String(canvasAspect(view.aspect));
         byId('assumed').hidden = !view.timeless;
+        openStimulus(view);
+        openAreas(view, attachedAreas(fileName), folder);
         showFile(view);
         update();
     },
     problem: showProblem,
+    attachments: (files, withRecord) => attach(files, view, withRecord, showProblem),
 };
 for (const { canvas, drag } of charts) {
     const access = () => {

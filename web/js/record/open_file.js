@@ -1,14 +1,19 @@
 // @ts-check
 import { addressOf, reasonOf } from '../shared/api.js';
 import { allOf, inputById } from '../shared/dom.js';
-import { nameBeside, recordingOf } from './chosen_files.js';
+import { isAttachment, nameBeside, recordingOf } from './chosen_files.js';
+import { fetchAreas } from './folder_areas.js';
+/** @import { FolderAreas } from './folder_areas.js' */
 /** @import { Problem, RecordFile, WorkerMessage } from './parse_worker.js' */
 
 /**
  * @typedef {object} Handlers
  * @property {(share: number) => void} progress called while a file is read, first with 0
- * @property {(file: RecordFile, fileName: string) => void} record called with the content of a record file
+ * @property {(file: RecordFile, fileName: string, folder: FolderAreas | null) => void} record called with the content of a record
+ *     file, and with what is beside it if it is one of the records folder
  * @property {(problem: Problem, fileName: string) => void} problem called for a file that cannot be shown
+ * @property {(files: File[], withRecord: boolean) => void} attachments called with the chosen areas files and images, before
+ *     `progress`. `withRecord` says whether they were chosen together with a record file
  */
 
 /** @type {Worker | null} */
@@ -22,15 +27,18 @@ let download = new AbortController();
  *
  * @param {Iterable<File>} chosen
  * @param {Handlers} handlers
+ * @param {FolderAreas | null} folder
  */
-function read(chosen, handlers) {
-    const files = recordingOf(chosen);
+function read(chosen, handlers, folder = null) {
+    const all = [...chosen];
+    const files = recordingOf(all.filter(file => !isAttachment(file)));
+    handlers.attachments(all.filter(isAttachment), files !== null);
     if (!files) return;
     const { name } = files.record;
     download.abort();
     worker?.terminate();
     worker = new Worker(new URL('./parse_worker.js', import.meta.url), { type: 'module' });
-    worker.onmessage = ({ data }) => handle(data, name, handlers);
+    worker.onmessage = ({ data }) => handle(data, name, handlers, folder);
     worker.onerror = ({ message }) => handlers.problem({ key: 'unreadable', values: { reason: message } }, name);
     handlers.progress(0);
     worker.postMessage(files);
@@ -40,15 +48,16 @@ function read(chosen, handlers) {
  * @param {WorkerMessage} message
  * @param {string} fileName
  * @param {Handlers} handlers
+ * @param {FolderAreas | null} folder
  */
-function handle(message, fileName, handlers) {
+function handle(message, fileName, handlers, folder) {
     if ('progress' in message) handlers.progress(message.progress);
-    else if ('record' in message) handlers.record(message.record, fileName);
+    else if ('record' in message) handlers.record(message.record, fileName, folder);
     else handlers.problem(message.problem, fileName);
 }
 
 /**
- * Opens a record file of Ocela's records folder, with its samples file and its events file.
+ * Opens a record file of Ocela's records folder, with its samples file, its events file and its areas.
  *
  * @param {string} name
  * @param {Handlers} handlers
@@ -64,8 +73,10 @@ export async function openRecording(name, handlers) {
             return;
         }
         const record = new File([await answer.blob()], name);
-        const beside = await Promise.all([fileBeside(name, 'samples', signal), fileBeside(name, 'events', signal)]);
-        read([record, ...beside.flat()], handlers);
+        const [areas, ...beside] = await Promise.all([
+            fetchAreas(name, signal), fileBeside(name, 'samples', signal), fileBeside(name, 'events', signal),
+        ]);
+        read([record, ...beside.flat()], handlers, { areas });
     } catch (error) {
         if (signal.aborted) return;
         handlers.problem({ key: 'notDelivered', values: { reason: /** @type {Error} */ (error).message } }, name);

@@ -1,6 +1,7 @@
 // @ts-check
 import { SampleColumns } from '../shared/sample_columns.js';
 import { statisticsOf } from '../shared/statistics.js';
+import { AreaList } from './area_list.js';
 import { detectFixations, isComplete } from './detection.js';
 import { heatMapOf } from './heat_map.js';
 import { intervalsOf } from './intervals.js';
@@ -9,10 +10,12 @@ import { between } from './time_range.js';
 /** @import { TimeRange } from '../shared/chart.js' */
 /** @import { FixationParameters } from './detection.js' */
 /** @import { Fixation } from './fixations.js' */
+/** @import { FolderAreas } from './folder_areas.js' */
 /** @import { HeatMap } from './heat_map.js' */
 /** @import { Interval } from './intervals.js' */
 /** @import { PlacedMarker } from './markers.js' */
 /** @import { RecordFile } from './parse_worker.js' */
+/** @import { Stimulus } from './stimulus_image.js' */
 
 /** An open record file: the shown time range, and the fixations, the heat map and the figures of that range. */
 export class RecordView {
@@ -22,6 +25,12 @@ export class RecordView {
     fixations = [];
     /** The number of fixations before the range, which is the index of the first fixation in it. */
     firstFixation = 0;
+    /** The areas of interest. */
+    areaList = new AreaList();
+    /** Null unless the record file was opened from the records folder. @type {FolderAreas | null} */
+    folder = null;
+    /** The image behind the gaze. @type {Stimulus | null} */
+    stimulus = null;
     #parameters;
     /** @type {Fixation[]} */
     #allFixations = [];
@@ -95,6 +104,11 @@ export class RecordView {
         this.firstFixation = next < 0 ? this.#allFixations.length : next;
         this.fixations = this.#allFixations.slice(this.firstFixation).filter(({ startMs }) => startMs <= toMs);
         this.#heatMap = null;
+    }
+
+    /** The fixation before the range, or null. */
+    get fixationBefore() {
+        return this.#allFixations[this.firstFixation - 1] ?? null;
     }
 
     /** The method and the parameters by which the fixations were found. */

@@ -2,6 +2,7 @@
 import { drawScreen } from '../shared/canvas.js';
 import { screenIn } from '../shared/screen.js';
 import { drawMarkerSymbols } from './markers_view.js';
+import { drawStimulus } from './stimulus_image.js';
 /** @import { Surface } from '../shared/canvas.js' */
 /** @import { RecordView } from './record_view.js' */
 
@@ -35,11 +36,12 @@ function radiusOf(durationMs, screenWidth) {
  * @param {Surface} surface
  * @param {RecordView} view
  */
-export function drawScanPath(surface, { fixations, firstFixation, aspect, markers, range }) {
+export function drawScanPath(surface, { fixations, firstFixation, aspect, markers, range, stimulus }) {
     const screen = screenIn(surface, aspect);
     const circles = fixations.map(({ x, y, durationMs }) => (
         { x: screen.toX(x), y: screen.toY(y), radius: radiusOf(durationMs, screen.width) }));
     drawScreen(surface, screen);
+    drawStimulus(surface, screen, stimulus);
     drawLines(surface, circles);
     if (circles.length > maxCircleCount) drawDots(surface, circles);
     else drawCircles(surface, circles);

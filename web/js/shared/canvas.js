@@ -35,18 +35,40 @@ export function onPaletteChange(changed) {
  *
  * @param {HTMLCanvasElement} canvas
  * @param {Palette} palette
- * @returns {Surface}
  */
 export function prepareCanvas(canvas, palette) {
+    // The browser composites an opaque canvas faster.
+    const surface = fittedSurface(canvas, palette, { alpha: false });
+    surface.context.fillStyle = palette.surface;
+    surface.context.fillRect(0, 0, surface.width, surface.height);
+    return surface;
+}
+
+/**
+ * Does the same with a transparent canvas above another one.
+ *
+ * @param {HTMLCanvasElement} canvas
+ * @param {Palette} palette
+ */
+export function prepareOverlay(canvas, palette) {
+    const surface = fittedSurface(canvas, palette, { alpha: true });
+    surface.context.clearRect(0, 0, surface.width, surface.height);
+    return surface;
+}
+
+/**
+ * @param {HTMLCanvasElement} canvas
+ * @param {Palette} palette
+ * @param {CanvasRenderingContext2DSettings} settings
+ * @returns {Surface}
+ */
+function fittedSurface(canvas, palette, settings) {
     const { clientWidth: width, clientHeight: height } = canvas;
     const ratio = window.devicePixelRatio || 1;
     const size = [Math.round(width * ratio), Math.round(height * ratio)];
     if (canvas.width !== size[0] || canvas.height !== size[1]) [canvas.width, canvas.height] = size;
-    // The browser composites an opaque canvas faster.
-    const context = /** @type {CanvasRenderingContext2D} */ (canvas.getContext('2d', { alpha: false }));
+    const context = /** @type {CanvasRenderingContext2D} */ (canvas.getContext('2d', settings));
     context.setTransform(ratio, 0, 0, ratio, 0, 0);
-    context.fillStyle = palette.surface;
-    context.fillRect(0, 0, width, height);
     return { context, width, height, palette };
 }
 

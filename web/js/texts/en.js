@@ -1,4 +1,5 @@
 // @ts-check
+import areas from './areas_en.js';
 import detection from './detection_en.js';
 import markers from './markers_en.js';
 import quality from './quality_en.js';
@@ -6,6 +7,7 @@ import validate from './validate_en.js';
 
 /** All texts of the pages in English. {name} is replaced by a value. */
 export default {
+    ...areas,
     ...detection,
     ...markers,
     ...quality,

@@ -1,4 +1,5 @@
 // @ts-check
+import areas from './areas_ru.js';
 import detection from './detection_ru.js';
 import markers from './markers_ru.js';
 import quality from './quality_ru.js';
@@ -10,6 +11,7 @@ import validate from './validate_ru.js';
  * @type {typeof import('./en.js').default}
  */
 export default {
+    ...areas,
     ...detection,
     ...markers,
     ...quality,
