@@ -10,8 +10,9 @@ struct OpenResult {
     VendorLibrary::Error error;  ///< set if `handle` is null
 };
 
-/// Returns the file name of a library: "lib<name>.so" or "<name>.dll".
-[[nodiscard]] QString fileNameOf(const QString &name);
+/// Returns the file names of a library in the order in which they are tried: "lib<name>.so.<version>" if there is a
+/// version, and "lib<name>.so". On Windows, "<name>.dll".
+[[nodiscard]] QStringList fileNamesOf(const QString &name, std::optional<int> version);
 
 /// Loads a library. A file name without a path is looked up in the system's search path. On Windows, the first call
 /// removes the working directory from that path.

@@ -92,8 +92,9 @@ Error explain(const QString &fileName, const QString &message) {
 
 }  // namespace
 
-QString system_library::fileNameOf(const QString &name) {
-    return "lib" + name + ".so";
+QStringList system_library::fileNamesOf(const QString &name, std::optional<int> version) {
+    const QString fileName = "lib" + name + ".so";
+    return version ? QStringList{fileName + '.' + QString::number(*version), fileName} : QStringList(fileName);
 }
 
 system_library::OpenResult system_library::open(const QString &fileName) {

@@ -102,8 +102,8 @@ private:
 
 }  // namespace
 
-QString system_library::fileNameOf(const QString &name) {
-    return name + ".dll";
+QStringList system_library::fileNamesOf(const QString &name, std::optional<int> /*version*/) {
+    return {name + ".dll"};
 }
 
 system_library::OpenResult system_library::open(const QString &fileName) {

@@ -9,8 +9,9 @@
 
 namespace {
 
-QString nameOrPath(const QString &name) {
-    return QDir::fromNativeSeparators(name).contains('/') ? name : system_library::fileNameOf(name);
+QStringList fileNames(const QString &name, std::optional<int> version) {
+    return QDir::fromNativeSeparators(name).contains('/') ? QStringList(name)
+                                                          : system_library::fileNamesOf(name, version);
 }
 
 }  // namespace
@@ -48,21 +49,17 @@ void VendorLibrary::Error::log(const QLoggingCategory &category, const char *con
 }
 
 VendorLibrary::VendorLibrary(const QString &name, std::vector<const char *> entryPoints,
-                             std::function<void()> beforeUnload)
-    : fileName_(nameOrPath(name)),
+                             std::function<void()> beforeUnload, std::optional<int> version)
+    : fileNames_(fileNames(name, version)),
       entryPoints_(std::move(entryPoints)),
       beforeUnload_(std::move(beforeUnload)),
       functions_(entryPoints_.size()) {}
 
 bool VendorLibrary::load() {
     unload();
-    error_.reset();
-    const system_library::OpenResult opened = system_library::open(fileName_);
-    handle_ = opened.handle;
-    if (!handle_) {
-        error_ = opened.error;
+    handle_ = open();
+    if (!handle_)
         return false;
-    }
     std::transform(entryPoints_.begin(), entryPoints_.end(), functions_.begin(),
                    [this](const char *name) { return system_library::resolve(handle_, name); });
     const auto missing = std::find(functions_.begin(), functions_.end(), nullptr);
@@ -72,6 +69,17 @@ bool VendorLibrary::load() {
     error_ = {Reason::MissingEntryPoint, system_library::pathOf(handle_), entryPoints_[index], {}};
     unload();
     return false;
+}
+
+/// Tries the next file name only if the file does not exist. Otherwise its error would be hidden.
+void *VendorLibrary::open() {
+    for (const QString &fileName : fileNames_) {
+        const system_library::OpenResult opened = system_library::open(fileName);
+        error_ = opened.handle ? std::nullopt : std::make_optional(opened.error);
+        if (opened.handle || opened.error.reason != Reason::NotFound)
+            return opened.handle;
+    }
+    return nullptr;
 }
 
 void VendorLibrary::unload() {

@@ -2,6 +2,7 @@
 
 #include <QLoggingCategory>
 #include <QString>
+#include <QStringList>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -37,8 +38,10 @@ public:
 
     /// `name` is a path, or a name without the system's prefix and suffix, which is looked up in the system's search
     /// path. `beforeUnload` is called before the library is unloaded, when its entry points can still be called.
+    /// With a `version`, a name is looked up with this version first and then without one, see
+    /// system_library::fileNamesOf().
     VendorLibrary(const QString &name, std::vector<const char *> entryPoints,
-                  std::function<void()> beforeUnload = nullptr);
+                  std::function<void()> beforeUnload = nullptr, std::optional<int> version = std::nullopt);
 
     /// Loads the library and resolves its entry points, after unloading it if it was loaded. Returns false if
     /// the library cannot be loaded or lacks an entry point. The library is then not loaded.
@@ -55,7 +58,9 @@ public:
     }
 
 private:
-    const QString fileName_;
+    [[nodiscard]] void *open();
+
+    const QStringList fileNames_;
     const std::vector<const char *> entryPoints_;
     const std::function<void()> beforeUnload_;
     std::vector<QFunctionPointer> functions_;

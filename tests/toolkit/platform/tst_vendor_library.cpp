@@ -79,7 +79,7 @@ void TestVendorLibrary::reports_why_a_library_cannot_be_loaded() {
     QFETCH(QByteArray, content);
     QFETCH(Reason, reason);
     QFETCH(QString, text);
-    QFile file(QDir(OCELA_TEST_LIBRARIES).filePath(system_library::fileNameOf(name)));
+    QFile file(QDir(OCELA_TEST_LIBRARIES).filePath(system_library::fileNamesOf(name, {}).first()));
     const auto remover = qScopeGuard([&] { content.isNull() || file.remove(); });
     if (!content.isNull())
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
