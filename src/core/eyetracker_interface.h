@@ -82,6 +82,15 @@ public:
     /// Returns why the tracker is not connected, as a translated part of a sentence without a full stop, or an empty
     /// text if the reason is not known. Called only while isConnected() is false.
     [[nodiscard]] virtual QString connectionProblem() const { return {}; }
+    /// Returns whether the samples have the two axes of the right eye exchanged: `r_x` is then its vertical position.
+    /// Always returns the same value. Any thread.
+    [[nodiscard]] virtual bool exchangesRightEye() const { return false; }
+    /// Returns the manufacturer of the device, or an empty text if the name is not known. Always returns the same
+    /// value. Any thread.
+    [[nodiscard]] virtual QString manufacturer() const { return {}; }
+    /// Returns the model of the device, or an empty text if the family has several models. Always returns the same
+    /// value. Any thread.
+    [[nodiscard]] virtual QString model() const { return {}; }
     /// Opens the device again, also if it was stopped, was lost or could not be opened before. A running recording
     /// continues. The new state is reported by connectedChanged(), by connectionFailed() or by the next sample. The
     /// default implementation calls stop() and start(). GUI thread.

@@ -10,8 +10,8 @@
 
 namespace api_v1 {
 
-/// Wakes the streams when there is something to send. Its thread waits for the trackers, so that a tracker never has to
-/// wake more than one thread. While there is no stream, the thread sleeps.
+/// Wakes the streams when there is something to send. Its thread waits for the trackers, so that a tracker does
+/// not have to wake each stream. While there is no stream, the thread sleeps.
 ///
 /// All functions may be called from any thread.
 class StreamDispatcher {

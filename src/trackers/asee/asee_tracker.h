@@ -25,6 +25,7 @@ public:
     ~aSeePro() override;
 
     [[nodiscard]] QString name() const override { return QStringLiteral("aSee Pro"); }
+    [[nodiscard]] QString model() const override { return QStringLiteral("aSee Pro"); }
     [[nodiscard]] VTSettings *settings() override;
     /// Returns an aSeeProPreviewWidget, which the caller owns.
     [[nodiscard]] QWidget *createViewWidget() override;

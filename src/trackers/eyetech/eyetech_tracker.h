@@ -33,6 +33,7 @@ public:
     ~EyetechGrabber() override;
 
     [[nodiscard]] QString name() const override { return QStringLiteral("eyetech"); }
+    [[nodiscard]] QString manufacturer() const override { return QStringLiteral("EyeTech"); }
     [[nodiscard]] VTSettings *settings() override;
     [[nodiscard]] QWidget *createViewWidget() override;
     [[nodiscard]] QString connectionProblem() const override;

@@ -28,6 +28,8 @@ public:
 
     [[nodiscard]] QString name() const override { return QStringLiteral("gazepoint"); }
     [[nodiscard]] VTSettings *settings() override { return nullptr; }
+    [[nodiscard]] bool exchangesRightEye() const override { return true; }
+    [[nodiscard]] QString manufacturer() const override { return QStringLiteral("GazePoint"); }
     [[nodiscard]] QWidget *createViewWidget() override { return nullptr; }
     [[nodiscard]] QString connectionProblem() const override;
     /// Opens a new connection, even if one is open. Returns at once. A failure is reported by connectionFailed().

@@ -1,0 +1,6 @@
+#pragma once
+
+#include <QLoggingCategory>
+
+/// Log lines about the Lab Streaming Layer: "ocela.lsl".
+Q_DECLARE_LOGGING_CATEGORY(lcLsl)
