@@ -362,6 +362,33 @@
         <source>Programs and web pages that use Ocela can read every file that you can read, and save recordings in every folder. If this is off, they can read only the files of Ocela&apos;s web pages and the recordings in the records folder, and save recordings only there.</source>
         <translation>Programs and web pages that use Ocela can read every file that you can read, and save recordings in every folder. If this is off, they can read only the files of Ocela&apos;s web pages and the recordings in the records folder, and save recordings only there.</translation>
     </message>
+    <message>
+        <source>LslStreams</source>
+        <translation>Streams for the Lab Streaming Layer (LSL)</translation>
+    </message>
+    <message>
+        <source>LSL</source>
+        <translation>LSL</translation>
+    </message>
+    <message>
+        <source>Programs of the Lab Streaming Layer, for example LabRecorder, can receive the gaze of the selected tracker and the markers. There is no password: every computer in the local network can receive them.</source>
+        <translation>Programs of the Lab Streaming Layer, for example LabRecorder, can receive the gaze of the selected tracker and the markers. There is no password: every computer in the local network can receive them.</translation>
+    </message>
+</context>
+<context>
+    <name>LslStreams</name>
+    <message>
+        <source>LSL streams could not be opened. Other programs may use all of their ports.</source>
+        <translation>LSL streams could not be opened. Other programs may use all of their ports.</translation>
+    </message>
+    <message>
+        <source>LSL streams need the library liblsl, which cannot be used: %1. Get it from https://github.com/sccn/liblsl/releases and copy it beside the program. Then turn the setting off and on again.</source>
+        <translation>LSL streams need the library liblsl, which cannot be used: %1. Get it from https://github.com/sccn/liblsl/releases and copy it beside the program. Then turn the setting off and on again.</translation>
+    </message>
+    <message>
+        <source>The LSL library does not respond, so the LSL streams send nothing. If this message stays, restart Ocela.</source>
+        <translation>The LSL library does not respond, so the LSL streams send nothing. If this message stays, restart Ocela.</translation>
+    </message>
 </context>
 <context>
     <name>MainPage</name>

@@ -362,6 +362,33 @@
         <source>Programs and web pages that use Ocela can read every file that you can read, and save recordings in every folder. If this is off, they can read only the files of Ocela&apos;s web pages and the recordings in the records folder, and save recordings only there.</source>
         <translation>Программы и веб-страницы, использующие Ocela, могут читать любые файлы, доступные вам, и сохранять записи в любой папке. Если выключено, им доступны только файлы веб-страниц Ocela и записи в папке записей, и сохранять записи они могут только в неё.</translation>
     </message>
+    <message>
+        <source>LslStreams</source>
+        <translation>Потоки для Lab Streaming Layer (LSL)</translation>
+    </message>
+    <message>
+        <source>LSL</source>
+        <translation>LSL</translation>
+    </message>
+    <message>
+        <source>Programs of the Lab Streaming Layer, for example LabRecorder, can receive the gaze of the selected tracker and the markers. There is no password: every computer in the local network can receive them.</source>
+        <translation>Программы Lab Streaming Layer, например LabRecorder, могут получать взгляд с выбранного трекера и метки. Пароля нет: их может получать каждый компьютер в локальной сети.</translation>
+    </message>
+</context>
+<context>
+    <name>LslStreams</name>
+    <message>
+        <source>LSL streams could not be opened. Other programs may use all of their ports.</source>
+        <translation>Не удалось открыть потоки LSL. Возможно, все их порты заняты другими программами.</translation>
+    </message>
+    <message>
+        <source>LSL streams need the library liblsl, which cannot be used: %1. Get it from https://github.com/sccn/liblsl/releases and copy it beside the program. Then turn the setting off and on again.</source>
+        <translation>Для потоков LSL нужна библиотека liblsl, но использовать её не удалось: %1. Загрузите её с https://github.com/sccn/liblsl/releases и скопируйте в папку программы. Затем выключите и снова включите эту настройку.</translation>
+    </message>
+    <message>
+        <source>The LSL library does not respond, so the LSL streams send nothing. If this message stays, restart Ocela.</source>
+        <translation>Библиотека LSL не отвечает, поэтому потоки LSL ничего не передают. Если это сообщение не исчезает, перезапустите Ocela.</translation>
+    </message>
 </context>
 <context>
     <name>MainPage</name>

@@ -11,6 +11,7 @@
 #include "core/journal_recovery.h"
 #include "core/markers.h"
 #include "core/recording_journal.h"
+#include "streams/lsl_streams.h"
 #include "toolkit/base/file_utilities.h"
 #include "toolkit/platform/app_helper.h"
 #include "toolkit/platform/autorun_helper.h"
@@ -40,6 +41,7 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent) {
     buildTrackers();
     buildMarkers();
     buildExchange();
+    buildStreams();
     buildPages();
     buildStatusBar();
     buildTray();
@@ -146,6 +148,13 @@ void MainWindow::buildExchange() {
     connect(settings_, &Settings::changedRecordsPath, this, &MainWindow::applyAccess);
 }
 
+void MainWindow::buildStreams() {
+    streams_ = std::make_unique<LslStreams>(exchange_->programApi().signal());
+    streams_->watch(*markers_);
+    connect(settings_, &Settings::changedLslStreams, streams_.get(), &LslStreams::setOn);
+    streams_->setOn(settings_->getLslStreams());
+}
+
 AccessRights MainWindow::accessRights() const {
     AccessRights rights;
     rights.otherComputers = settings_->getAllowOtherComputers();
@@ -164,7 +173,7 @@ void MainWindow::applyAccess() {
 void MainWindow::buildPages() {
     mainPage_ = new MainPage(*settings_, trackers_);
     connect(mainPage_, &MainPage::trackerChosen, this, &MainWindow::trackerIndexChanged);
-    settingsPage_ = new SettingsPage(*settings_, trackers_);
+    settingsPage_ = new SettingsPage(*settings_, *streams_, trackers_);
     pages_ = new QTabWidget(this);
     pages_->addTab(mainPage_, QString());
     pages_->addTab(settingsPage_, QString());
@@ -182,6 +191,7 @@ void MainWindow::buildStatusBar() {
         settingsPage_->showAccess();
         pages_->setCurrentWidget(settingsPage_);
     });
+    connect(streams_.get(), &LslStreams::problemChanged, this, &MainWindow::showProblems);
     auto *bar = new QStatusBar;
     bar->setSizeGripEnabled(false);
     bar->addWidget(status_, 1);
@@ -218,13 +228,22 @@ void MainWindow::showReachability() {
     const QString problem = exchange_->listenProblem();
     mainPage_->setDashboardProblem(problem);
     status_->setDashboardAvailable(problem.isEmpty());
-    status_->setProblem(problem.isEmpty() ? QString() : tr("Other programs cannot reach Ocela: %1").arg(problem));
+    showProblems();
     if (!problem.isEmpty())
         status_->setReach(AccessButton::Reach::Nobody);
     else if (settings_->getAllowOtherComputers())
         status_->setReach(AccessButton::Reach::OtherComputers);
     else
         status_->setReach(AccessButton::Reach::ThisComputer);
+}
+
+void MainWindow::showProblems() {
+    QStringList problems;
+    if (const QString problem = exchange_->listenProblem(); !problem.isEmpty())
+        problems << tr("Other programs cannot reach Ocela: %1").arg(problem);
+    problems << streams_->problem();
+    problems.removeAll(QString());
+    status_->setProblem(problems.join(". "));
 }
 
 void MainWindow::selectInitialTracker() {
@@ -250,6 +269,7 @@ void MainWindow::trackerIndexChanged(int index) {
     growTo(sizeHint());
     markers_->setSelectedTracker(currentTracker_);
     exchange_->setTracker(currentTracker_);
+    streams_->setTracker(currentTracker_);
 
     currentTracker_->start();
     settings_->setSelectedTracker(currentTracker_->name());

@@ -9,6 +9,7 @@
 class EyetrackerInterface;
 struct AccessRights;
 class JournalRecovery;
+class LslStreams;
 class MainPage;
 class Markers;
 class OcelaHTTPExchange;
@@ -18,8 +19,8 @@ class SettingsPage;
 class StatusBar;
 class TrayIcon;
 
-/// The main window. Owns the settings, the trackers, the markers, the HTTP API, the widgets for the selected tracker,
-/// and the tray icon. While it has the focus, F9 sets a marker. GUI thread.
+/// The main window. Owns the settings, the trackers, the markers, the HTTP API, the LSL streams, the widgets for the
+/// selected tracker, and the tray icon. While it has the focus, F9 sets a marker. GUI thread.
 ///
 /// Only the selected tracker is started. Selecting another tracker stops the old one, starts the new one and stores the
 /// selection. While HideWindowOnStart is set, closing the visible window hides it to the tray. Otherwise closing quits
@@ -44,6 +45,7 @@ private:
     void buildTrackers();
     void buildMarkers();
     void buildExchange();
+    void buildStreams();
     void buildPages();
     void buildStatusBar();
     void buildTray();
@@ -57,6 +59,7 @@ private:
     void applyAccess();
     [[nodiscard]] AccessRights accessRights() const;
     void showReachability();
+    void showProblems();
     void changeAutorun(bool on);
     [[nodiscard]] bool hidesToTray() const;
     void hideToTray();
@@ -71,7 +74,8 @@ private:
     EyetrackerInterface *currentTracker_ = nullptr;
     bool isRevertingAutorun_ = false;
     bool closed_ = false;
-    /// Destroyed before the trackers, which are children of the window, because its threads read from them.
+    /// Destroyed before the trackers, which are children of the window, because their threads read from them.
+    std::unique_ptr<LslStreams> streams_;
     std::unique_ptr<OcelaHTTPExchange> exchange_;
     std::unique_ptr<JournalRecovery> journalRecovery_;
 

@@ -94,6 +94,18 @@ public:
                                   "only the files of Ocela's web pages and the recordings in the records "
                                   "folder, and save recordings only there."))
 
+    /// Whether other programs in the network can receive the gaze and the markers. See LslStreams.
+    VT_PROPERTY(bool, LslStreams, false)
+    Q_CLASSINFO("LslStreamsDisplayName", QT_TRANSLATE_NOOP("Generic", "LslStreams"))
+    Q_CLASSINFO("LslStreamsCategory", QT_TRANSLATE_NOOP("Generic", "LSL"))
+    Q_CLASSINFO("LslStreamsEditable", "true")
+    Q_CLASSINFO(
+        "LslStreamsExplanation",
+        QT_TRANSLATE_NOOP("Generic",
+                          "Programs of the Lab Streaming Layer, for example LabRecorder, can receive the gaze of "
+                          "the selected tracker and the markers. There is no password: every computer in the "
+                          "local network can receive them."))
+
     /// The `EyetrackerInterface::name()` of the tracker that was selected last.
     VT_PROPERTY(QString, SelectedTracker, "")
     Q_CLASSINFO("SelectedTrackerEditable", "true")

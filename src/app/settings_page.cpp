@@ -3,6 +3,7 @@
 #include "app/access_tab.h"
 #include "app/settings.h"
 #include "app/settings_notice.h"
+#include "app/streams_tab.h"
 #include "core/eyetracker_interface.h"
 #include "toolkit/widgets/new_version_button.h"
 #include "toolkit/widgets/property_list_control.h"
@@ -18,7 +19,7 @@ namespace {
 
 constexpr int margin = 8;
 
-enum Tab { commonTab, accessTab };
+enum Tab { commonTab, accessTab, streamsTab };
 
 /// Returns a scroll area for an editor that may be higher than a small screen.
 QWidget *scrollable(std::unique_ptr<QWidget> editor) {
@@ -32,7 +33,8 @@ QWidget *scrollable(std::unique_ptr<QWidget> editor) {
 
 }  // namespace
 
-SettingsPage::SettingsPage(Settings &settings, const std::vector<EyetrackerInterface *> &trackers)
+SettingsPage::SettingsPage(Settings &settings, const LslStreams &streams,
+                           const std::vector<EyetrackerInterface *> &trackers)
     : notice_(new SettingsNotice), tabs_(new QTabWidget) {
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
@@ -41,17 +43,21 @@ SettingsPage::SettingsPage(Settings &settings, const std::vector<EyetrackerInter
 
     notice_->setContentsMargins(margin, margin, margin, margin);
     notice_->addSettings(&settings);
-    addEditors(settings, trackers);
+    addEditors(settings, streams, trackers);
     retranslate();
 }
 
-void SettingsPage::addEditors(Settings &settings, const std::vector<EyetrackerInterface *> &trackers) {
-    const auto isCommon = [](const PropertyDescriptor &property) { return !AccessTab::contains(property); };
+void SettingsPage::addEditors(Settings &settings, const LslStreams &streams,
+                              const std::vector<EyetrackerInterface *> &trackers) {
+    const auto isCommon = [](const PropertyDescriptor &property) {
+        return !AccessTab::contains(property) && !StreamsTab::contains(property);
+    };
     auto common = std::make_unique<PropertyListControl>(&settings, isCommon);
     newVersionButton_ = new NewVersionButton(QString(), OCELA_RELEASE_INFO_URL, common.get());
     common->addRow(newVersionButton_);
     tabs_->addTab(scrollable(std::move(common)), QString());
     tabs_->addTab(scrollable(std::make_unique<AccessTab>(settings)), QString());
+    tabs_->addTab(scrollable(std::make_unique<StreamsTab>(settings, streams)), QString());
 
     for (EyetrackerInterface *tracker : trackers) {
         if (!tracker->settings())
@@ -80,5 +86,6 @@ void SettingsPage::changeEvent(QEvent *event) {
 void SettingsPage::retranslate() {
     tabs_->setTabText(commonTab, QCoreApplication::translate("Generic", "Common"));
     tabs_->setTabText(accessTab, QCoreApplication::translate("Generic", "Access"));
+    tabs_->setTabText(streamsTab, QCoreApplication::translate("Generic", "LSL"));
     newVersionButton_->setText(tr("Доступна новая версия"));
 }

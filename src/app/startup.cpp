@@ -3,6 +3,7 @@
 #include "app/settings.h"
 #include "app/single_instance.h"
 #include "http/http_listener.h"
+#include "streams/lsl_worker.h"
 #include "toolkit/base/file_utilities.h"
 #include "toolkit/base/log_file.h"
 #include "toolkit/platform/app_helper.h"
@@ -114,6 +115,7 @@ QString startup::windowTitle() {
 }
 
 void startup::exitIfTasksBlock(int exitCode) {
-    if (!QThreadPool::globalInstance()->waitForDone(taskTimeoutMs) || HttpListener::leftThreadCount() > 0)
+    if (!QThreadPool::globalInstance()->waitForDone(taskTimeoutMs) || HttpListener::leftThreadCount() > 0 ||
+        LslWorker::leftThreadCount() > 0)
         std::_Exit(exitCode);
 }

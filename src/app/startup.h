@@ -35,10 +35,10 @@ void createRecordsFolder();
 /// Returns the title of the main window.
 [[nodiscard]] QString windowTitle();
 
-/// Exits the process immediately if a task of the global thread pool is still running after 300 ms, or if a request of
-/// the HTTP API hangs. A call of a vendor library may take 10 s, and the destructor of QApplication would wait for it.
-/// A request hangs while the file system does, for example after a network share was lost. Call it last, when
-/// everything is saved.
+/// Exits the process immediately if a task of the global thread pool is still running after 300 ms, if a request of
+/// the HTTP API hangs, or if the LSL library does not respond. A call of a vendor library may take 10 s, and the
+/// destructor of QApplication would wait for it. A request hangs while the file system does, for example after a
+/// network share was lost. Call it last, when everything is saved.
 void exitIfTasksBlock(int exitCode);
 
 }  // namespace startup

@@ -106,6 +106,7 @@ private Q_SLOTS:
     void wheel_over_a_list_changes_nothing();
     void failing_autorun_is_shown_and_switched_back();
     void access_settings_apply_immediately();
+    void missing_lsl_library_is_shown_on_every_page();
     void unread_settings_are_explained_inside_the_window();
 
 private:
@@ -310,6 +311,18 @@ void TestMainWindow::access_settings_apply_immediately() {
     QVERIFY2(problem->text().contains("ignored: lab.example. "), qPrintable(problem->text()));
     settingsOf(window).setAllowedOrigins(QString());
     QVERIFY(!problem->isVisible());
+}
+
+void TestMainWindow::missing_lsl_library_is_shown_on_every_page() {
+    MainWindow window;
+    window.show();
+    const auto *problem = window.findChild<QLabel *>("problem");
+    QVERIFY(!problem->isVisible());
+    settingsOf(window).setLslStreams(true);
+    QTRY_VERIFY(problem->isVisible());
+    QVERIFY2(problem->text().startsWith("LSL streams need the library liblsl"), qPrintable(problem->text()));
+    settingsOf(window).setLslStreams(false);
+    QTRY_VERIFY(!problem->isVisible());
 }
 
 void TestMainWindow::unread_settings_are_explained_inside_the_window() {

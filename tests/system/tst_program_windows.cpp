@@ -1,6 +1,7 @@
 #include "support/file_content.h"
 #include "support/test_main.h"
 #include "system/http_client.h"
+#include "system/lsl_receiver.h"
 #include "system/record_file.h"
 #include "system/timeout.h"
 
@@ -66,9 +67,11 @@ private Q_SLOTS:
     void refuses_a_second_instance();
     void chooses_the_name_of_a_record_file();
     void recovers_the_recording_of_a_terminated_program();
+    void lsl_streams_have_the_times_of_the_recording();
 
 private:
-    void selectTracker(const QString &tracker);
+    /// `properties` are more elements of the settings.
+    void selectTracker(const QString &tracker, const QByteArray &properties = {});
     [[nodiscard]] bool startSimulator();
     void start();
     [[nodiscard]] bool hasGaze() { return qAbs(client_.lastSample()["x"].toDouble()) > 0; }
@@ -106,9 +109,9 @@ void TestProgramOnWindows::cleanup() {
     QFile::remove(localData_ + "Settings.xml");
 }
 
-void TestProgramOnWindows::selectTracker(const QString &tracker) {
+void TestProgramOnWindows::selectTracker(const QString &tracker, const QByteArray &properties) {
     QVERIFY(writeFile(localData_ + "Settings.xml", "<settings version=\"1\"><property name=\"SelectedTracker\">" +
-                                                       tracker.toUtf8() + "</property></settings>"));
+                                                       tracker.toUtf8() + "</property>" + properties + "</settings>"));
 }
 
 bool TestProgramOnWindows::startSimulator() {
@@ -220,6 +223,41 @@ void TestProgramOnWindows::recovers_the_recording_of_a_terminated_program() {
     QVERIFY(recovered.timestamp(recovered.rows.size() - 1) > newest - maxLossMs);
     QCOMPARE(QDir(folder.path()).entryList(QDir::Files).size(), 3);
     QCOMPARE(program_->closeWindows(), 0);
+}
+
+void TestProgramOnWindows::lsl_streams_have_the_times_of_the_recording() {
+    const QString library = qEnvironmentVariable("OCELA_LSL_DLL");
+    if (library.isEmpty())
+        QSKIP("OCELA_LSL_DLL does not name the LSL library lsl.dll, so nothing is received from Ocela.");
+    const QTemporaryDir folder;
+    QVERIFY(LslReceiver::confineTo(folder));
+    program_->setVariable("LSLAPICFG", qEnvironmentVariable("LSLAPICFG"));
+    program_->setVariable("PATH", QDir::toNativeSeparators(QFileInfo(library).path()) + ';' +
+                                      program_->processEnvironment().value("PATH"));
+    selectTracker("gazepoint", "<property name=\"LslStreams\">true</property>");
+    QVERIFY(startSimulator());
+    start();
+    QTRY_VERIFY_WITH_TIMEOUT(hasGaze(), timeoutMs);
+
+    LslReceiver receiver(library);
+    QVERIFY(receiver.load());
+    QVERIFY(receiver.open());
+    const QString record = folder.filePath("r.csv");
+    QVERIFY(client_.ask("/startrecord&path=" + QUrl::toPercentEncoding(record))["result"].toBool());
+    QTRY_VERIFY_WITH_TIMEOUT(log().contains("OCELACSV"), timeoutMs);
+    for (std::size_t i = 1; i <= 5; ++i) {
+        QVERIFY(client_.mark(QString("marker %1").arg(i))["recorded"].toBool());
+        QTRY_VERIFY_WITH_TIMEOUT(receiver.receive() && receiver.markers().size() == i, timeoutMs);
+    }
+    QTRY_VERIFY_WITH_TIMEOUT(receiver.receive() && receiver.samples().size() > 300, timeoutMs);
+    QVERIFY(client_.ask("/stoprecord")["result"].toBool());
+    const std::optional<LslReceiver::Comparison> comparison = receiver.waitForAllOf(record);
+    QVERIFY(comparison);
+    QCOMPARE(comparison->markerCount, 5);
+    QVERIFY(comparison->maxSampleErrorMs < 0.1);
+    QVERIFY(comparison->maxMarkerErrorMs < 0.1);
+    QCOMPARE(program_->closeWindows(), 0);
+    QCOMPARE(problems(), QStringList());
 }
 
 OCELA_TEST(TestProgramOnWindows)
