@@ -4,6 +4,7 @@
 // record is compared with its arrival there. A second such client shows the differences that the machine causes. A
 // record has no sample if the next record was in the same chunk.
 
+#include "support/bare_gazepoint_client.h"
 #include "support/rounds.h"
 #include "trackers/gazepoint/gazepoint_record_reader.h"
 #include "trackers/gazepoint/gazepoint_tracker.h"
@@ -14,16 +15,12 @@
 #include <QThread>
 #include <QTimer>
 #include <algorithm>
-#include <arpa/inet.h>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <map>
 #include <memory>
-#include <sys/socket.h>
-#include <thread>
 #include <tuple>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -47,62 +44,30 @@ Key keyOf(const EyeTrackingSample &sample) {
     return {sample.l_x, sample.l_y, sample.r_x, sample.r_y};
 }
 
-/// A client that reads with a blocking socket until the server closes the connection.
+/// The records that a bare client receives until the server closes the connection.
 class BareClient {
 public:
-    explicit BareClient(quint16 port) : socket_(::socket(AF_INET, SOCK_STREAM, 0)) {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(port);
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        if (::connect(socket_, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0)
-            qFatal("The bare client cannot connect");
-        for (const char *name :
-             {"EYE_LEFT", "EYE_RIGHT", "PUPIL_LEFT", "PUPIL_RIGHT", "POG_FIX", "POG_LEFT", "POG_RIGHT", "DATA"})
-            sendLine(QByteArray("<SET ID=\"ENABLE_SEND_").append(name).append("\" STATE=\"1\" />\r\n"));
-        thread_ = std::thread([this] { read(); });
-    }
-    ~BareClient() { ::close(socket_); }
-    BareClient(const BareClient &) = delete;
-    BareClient &operator=(const BareClient &) = delete;
+    explicit BareClient(quint16 port)
+        : client_(port, false, [this](std::string_view line, Clock::time_point arrival) { take(line, arrival); }) {}
 
     /// Waits until the server has closed the connection. Returns the records.
     Arrivals join() {
-        thread_.join();
+        client_.join();
         return std::move(arrivals_);
     }
 
 private:
-    void sendLine(const QByteArray &line) {
-        if (::send(socket_, line.constData(), static_cast<std::size_t>(line.size()), 0) != line.size())
-            qFatal("The bare client cannot send");
+    void take(std::string_view line, Clock::time_point arrival) {
+        if (gazepoint::kindOf(line) != gazepoint::Message::Record)
+            return;
+        if (previous_ && previous_->time == arrival)
+            previous_->hasOwnChunk = false;
+        previous_ = &arrivals_.insert({keyOf(gazepoint::parseRecord(line, screen, 0)), {arrival, true}}).first->second;
     }
 
-    void read() {
-        QByteArray pending;
-        char chunk[65536];
-        for (ssize_t size = 0; (size = ::recv(socket_, chunk, sizeof chunk, 0)) > 0;) {
-            const auto now = Clock::now();
-            pending.append(chunk, static_cast<int>(size));
-            takeLines(pending, now);
-        }
-    }
-
-    void takeLines(QByteArray &pending, Clock::time_point now) {
-        auto previous = arrivals_.end();
-        for (int end = 0; (end = pending.indexOf("\r\n")) >= 0; pending.remove(0, end + 2)) {
-            const std::string_view line(pending.constData(), static_cast<std::size_t>(end));
-            if (gazepoint::kindOf(line) != gazepoint::Message::Record)
-                continue;
-            if (previous != arrivals_.end())
-                previous->second.hasOwnChunk = false;
-            previous = arrivals_.insert({keyOf(gazepoint::parseRecord(line, screen, 0)), {now, true}}).first;
-        }
-    }
-
-    const int socket_;
     Arrivals arrivals_;
-    std::thread thread_;
+    Arrival *previous_ = nullptr;
+    bench::BareGazepointClient client_;  ///< calls take() until join() returns
 };
 
 /// Starts a server on a free port. Returns the port.
