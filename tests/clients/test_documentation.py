@@ -33,6 +33,7 @@ PRINTED = {
     # clients/python/README.md
     "Record a trial": r"P01_reading\.csv \d+\n$",
     "Follow the gaze": r"\d",
+    "Export to BIDS": r"/study/sub-02/beh/sub-02_task-reading_recording-eye3_physio\.json\n",
     "Functions": os.environ["OCELA_VERSION"],
     "Time": f"{NUMBER} ± {NUMBER}\n$",
 }

@@ -10,8 +10,9 @@ The functions of this module use Ocela on this computer. For another computer, c
             print(sample.time, sample.x, sample.y)
 """
 from ._version import __version__
+from .bids import BidsExport, BidsSetup, export_bids
 from .client import Client
-from .errors import CalibrationFailed, NotRunning, NotSaved, OcelaError
+from .errors import CalibrationFailed, NotExported, NotRunning, NotSaved, OcelaError
 from .model import (Access, Area, Calibration, CalibrationResult, ClockOffset, Event, LastRecording, Marker, Missed,
                     RecordFile, RunningRecording, Sample, Samples, SavedRecording, Screen, State, Tracker)
 from .recording import Recording
@@ -35,9 +36,10 @@ calibrate = _default.calibrate
 cancel_calibration = _default.cancel_calibration
 
 __all__ = [
-    "Access", "Area", "Calibration", "CalibrationFailed", "CalibrationResult", "Client", "ClockOffset", "Event",
-    "LastRecording", "Marker", "Missed", "NotRunning", "NotSaved", "OcelaError", "RecordFile", "Recording",
-    "RunningRecording", "Sample", "Samples", "SavedRecording", "Screen", "State", "Tracker", "__version__",
-    "calibrate", "cancel_calibration", "clock_offset", "download", "events", "mark", "recording", "recordings",
-    "samples", "samples_after", "screens", "set_tracker", "start_recording", "state", "stop_recording",
+    "Access", "Area", "BidsExport", "BidsSetup", "Calibration", "CalibrationFailed", "CalibrationResult", "Client",
+    "ClockOffset", "Event", "LastRecording", "Marker", "Missed", "NotExported", "NotRunning", "NotSaved", "OcelaError",
+    "RecordFile", "Recording", "RunningRecording", "Sample", "Samples", "SavedRecording", "Screen", "State", "Tracker",
+    "__version__", "calibrate", "cancel_calibration", "clock_offset", "download", "events", "export_bids", "mark",
+    "recording", "recordings", "samples", "samples_after", "screens", "set_tracker", "start_recording", "state",
+    "stop_recording",
 ]

@@ -6,11 +6,13 @@ import csv
 import dataclasses
 import itertools
 import json
+import math
 import os
 import sys
 import time
-from typing import Callable, Dict, Optional
+from typing import Callable, Dict, Optional, Tuple
 
+from .bids import BidsSetup, export_bids
 from .client import Client
 from .errors import OcelaError
 from .model import Sample
@@ -46,8 +48,52 @@ def print_samples(client: Client, options: argparse.Namespace) -> None:
         sys.stdout.flush()
 
 
+def export(_: Client, options: argparse.Namespace) -> None:
+    setup = BidsSetup(**{field.name: getattr(options, field.name) for field in dataclasses.fields(BidsSetup)})
+    exported = export_bids(options.records, options.output, subject=options.subject, task=options.task,
+                           session=options.session, acquisition=options.acquisition, run=options.run, setup=setup)
+    for file in exported.files:
+        print(file)
+    print("Not known:", *exported.notes, sep="\n- ", file=sys.stderr)
+
+
 COMMANDS: Dict[str, Callable[[Client, argparse.Namespace], None]] = {
-    "state": print_state, "record": record, "mark": mark, "samples": print_samples}
+    "state": print_state, "record": record, "mark": mark, "samples": print_samples, "export-bids": export}
+
+
+def positive(text: str) -> float:
+    value = float(text)
+    if not 0 < value < math.inf:
+        raise ValueError
+    return value
+
+
+def size(text: str) -> Tuple[float, float]:
+    width, height = map(positive, text.split("x"))
+    return width, height
+
+
+def pixel_size(text: str) -> Tuple[int, int]:
+    width, height = map(int, text.split("x"))
+    if width <= 0 or height <= 0:
+        raise ValueError
+    return width, height
+
+
+def add_export(parser: argparse.ArgumentParser) -> None:
+    parser.add_argument("records", nargs="+", metavar="RECORD.csv", help="several records become runs")
+    parser.add_argument("--output", required=True, metavar="FOLDER", help="a new or existing dataset")
+    parser.add_argument("--subject", required=True, metavar="LABEL", help="for example 01")
+    parser.add_argument("--task", required=True, metavar="LABEL")
+    parser.add_argument("--session", metavar="LABEL")
+    parser.add_argument("--acquisition", metavar="LABEL")
+    parser.add_argument("--run", metavar="NUMBER", help="number of the first run")
+    parser.add_argument("--screen-mm", type=size, metavar="WIDTHxHEIGHT", help="for example 531x299")
+    parser.add_argument("--screen-px", type=pixel_size, metavar="WIDTHxHEIGHT", help="instead of that of the record")
+    parser.add_argument("--distance-mm", type=positive, metavar="MM", help="from the eyes to the screen")
+    parser.add_argument("--rate-hz", type=positive, metavar="HZ", help="nominal sample rate of the tracker")
+    for option in ("--manufacturer", "--model", "--serial-number"):
+        parser.add_argument(option, metavar="TEXT", help="of the tracker")
 
 
 def parse(arguments: Optional[list[str]]) -> argparse.Namespace:
@@ -63,6 +109,7 @@ def parse(arguments: Optional[list[str]]) -> argparse.Namespace:
     marker.add_argument("text")
     samples = commands.add_parser("samples", help="print samples as CSV until Ctrl-C")
     samples.add_argument("--count", type=int, help="stop after this number of samples")
+    add_export(commands.add_parser("export-bids", help="export record files to BIDS"))
     return parser.parse_args(arguments)
 
 

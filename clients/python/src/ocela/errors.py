@@ -30,3 +30,10 @@ class NotSaved(OcelaError):
 
 class CalibrationFailed(OcelaError):
     """A calibration failed, was cancelled, or did not end in time."""
+
+
+class NotExported(OcelaError):
+    """Records that cannot be exported. Nothing was written."""
+
+    def __init__(self, detail: str) -> None:
+        super().__init__("Nothing was exported", detail)
