@@ -12,6 +12,8 @@ int runWindow(QSplashScreen &splash) {
     MainWindow window;
     window.setWindowTitle(startup::windowTitle());
     splash.finish(&window);
+    if (startup::isDashboardWanted())
+        window.openDashboard();
     return window.isClosed() ? 0 : QApplication::exec();
 }
 
@@ -26,10 +28,8 @@ int main(int argc, char *argv[]) {
     QApplication application(argc, argv);
     startup::setIdentity();
     const SingleInstance instance;
-    if (!instance.mayRun()) {
-        startup::showRefusal(instance);
-        return -1;
-    }
+    if (!instance.mayRun())
+        return startup::runRefused(instance);
     startup::startLogFile();
 
     QSplashScreen splash(startup::splashImage());

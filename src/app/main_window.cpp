@@ -2,6 +2,7 @@
 
 #include "api/ocela_http_exchange.h"
 #include "api/web_origins.h"
+#include "app/dashboard.h"
 #include "app/main_page.h"
 #include "app/recording_keeper.h"
 #include "app/settings_page.h"
@@ -244,6 +245,13 @@ void MainWindow::showProblems() {
     problems << streams_->problem();
     problems.removeAll(QString());
     status_->setProblem(problems.join(". "));
+}
+
+void MainWindow::openDashboard() {
+    if (exchange_->listenProblem().isEmpty())
+        dashboard::open();
+    else
+        show();
 }
 
 void MainWindow::selectInitialTracker() {

@@ -36,6 +36,9 @@ public:
     /// Returns whether the window was closed, which may happen before the event loop runs.
     [[nodiscard]] bool isClosed() const { return closed_; }
 
+    /// Opens the dashboard in the browser. If it is not served, shows the window, whose status bar says why.
+    void openDashboard();
+
 protected:
     void closeEvent(QCloseEvent *event) override;
     void changeEvent(QEvent *event) override;

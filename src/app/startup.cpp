@@ -1,5 +1,6 @@
 #include "app/startup.h"
 
+#include "app/dashboard.h"
 #include "app/settings.h"
 #include "app/single_instance.h"
 #include "http/http_listener.h"
@@ -30,6 +31,7 @@ constexpr qreal splashPixelRatio = 2.0;
 constexpr int taskTimeoutMs = 300;
 
 constexpr int refusalPollIntervalMs = 500;
+constexpr int refusalExitCode = -1;
 
 /// Returns the language in the settings file. Settings::reload() is not used, because it may rename the file.
 QString storedLanguage() {
@@ -66,9 +68,17 @@ void startup::setIdentity() {
     QApplication::setQuitOnLastWindowClosed(false);
 }
 
-void startup::showRefusal(const SingleInstance &instance) {
+bool startup::isDashboardWanted() {
+    return QApplication::arguments().contains("--dashboard");
+}
+
+int startup::runRefused(const SingleInstance &instance) {
     UiLanguage language;
     language.use(storedLanguage());
+    if (isDashboardWanted()) {
+        dashboard::open();
+        return 0;
+    }
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, [&] {
         QWidget *box = QApplication::activeModalWidget();
@@ -78,6 +88,7 @@ void startup::showRefusal(const SingleInstance &instance) {
     timer.start(refusalPollIntervalMs);
     AppHelper::warningMessage(QCoreApplication::translate("Generic", "Ocela уже запущена"), QString(),
                               QMessageBox::Warning);
+    return refusalExitCode;
 }
 
 void startup::startLogFile() {

@@ -16,9 +16,13 @@ void prepareApplication();
 /// Sets the names of the organisation and the application, which determine the folders for the user's data.
 void setIdentity();
 
-/// Tells the user that another instance of the program is running. Returns when the user closes the message, or when
-/// the other instance has ended. Changes no file of the user, because the other instance uses the same files.
-void showRefusal(const SingleInstance &instance);
+/// Returns whether the command line has the option --dashboard, which opens the dashboard.
+[[nodiscard]] bool isDashboardWanted();
+
+/// Runs an instance that was refused, and returns its exit code. If the dashboard is wanted, opens that of the other
+/// instance. Otherwise tells the user that another instance is running, and returns when the user closes the message,
+/// or when the other instance has ended. Changes no file of the user, because the other instance uses the same files.
+[[nodiscard]] int runRefused(const SingleInstance &instance);
 
 /// Starts the log file in the data folder. Call it only if SingleInstance::mayRun(), so that a refused instance does
 /// not write to the log file of the running one.

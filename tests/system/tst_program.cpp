@@ -1,3 +1,4 @@
+#include "support/file_content.h"
 #include "support/test_main.h"
 #include "system/desktop.h"
 #include "system/http_client.h"
@@ -23,6 +24,7 @@ private Q_SLOTS:
     void refuses_a_second_instance();
     void refusal_ends_with_the_other_instance_and_blocks_nobody();
     void one_of_two_instances_that_start_together_runs();
+    void option_opens_the_dashboard();
     void ignores_start_hidden_without_a_tray();
     void runs_while_its_port_is_in_use();
     void keeps_a_settings_file_that_cannot_be_read();
@@ -86,6 +88,35 @@ void TestProgram::one_of_two_instances_that_start_together_runs() {
     QVERIFY(refused.window().isEmpty());
     QCOMPARE(running->close(), 0);
     QCOMPARE(refused.process().waitForExitCode(), 255);
+}
+
+/// `xdg-open` starts the browser of the user.
+void TestProgram::option_opens_the_dashboard() {
+    const QTemporaryDir folder;
+    const QString opener = folder.filePath("xdg-open");
+    const QString opened = folder.filePath("opened");
+    QVERIFY(writeFile(opener, "#!/bin/sh\necho \"$1\" >>'" + opened.toUtf8() + "'\n"));
+    QVERIFY(QFile::setPermissions(opener, QFile::ReadOwner | QFile::ExeOwner));
+    Program second(*home_);
+    QByteArray expected;
+    for (Program *instance : {program_.get(), &second}) {
+        instance->setVariable("PATH", folder.path() + ':' + qEnvironmentVariable("PATH"));
+        instance->process().setArguments({"--dashboard"});
+        instance->start();
+        expected += "http://localhost:3735/\n";
+        QTRY_COMPARE_WITH_TIMEOUT(readFile(opened), expected, timeoutMs);
+    }
+    QCOMPARE(second.process().waitForExitCode(), 0);
+    QVERIFY(HttpClient().ask("/api/v1/state").contains("version"));
+    QCOMPARE(program_->close(), 0);
+
+    QTcpServer other;
+    QVERIFY(other.listen(QHostAddress::Any, apiPort));
+    program_->process().setArguments({"--dashboard"});
+    program_->start();
+    QTRY_VERIFY_WITH_TIMEOUT(!program_->window().isEmpty(), timeoutMs);
+    QCOMPARE(program_->close(), 0);
+    QVERIFY2(readFile(opened) == expected, "a page of another program was opened");
 }
 
 void TestProgram::ignores_start_hidden_without_a_tray() {
