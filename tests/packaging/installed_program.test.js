@@ -30,6 +30,34 @@ test('the installed program serves every page', async () => {
     }
 });
 
+test('the menu entries, their icon and the description for software centres are valid', () => {
+    const home = createHome();
+    const share = join(install(home), 'share');
+    const entries = { 'ocela.desktop': 'ocela', 'ocela-dashboard.desktop': 'ocela --dashboard' };
+    try {
+        assert.deepEqual(readdirSync(join(share, 'applications')).sort(), Object.keys(entries).sort());
+        for (const [name, command] of Object.entries(entries)) {
+            const file = join(share, 'applications', name);
+            assert.equal(execFileSync('desktop-file-validate', [file], { encoding: 'utf8' }), '');
+            const text = readFileSync(file, 'utf8');
+            assert.ok(text.includes(`\nExec=${command}\n`) && text.includes('\nIcon=ocela\n'), text);
+        }
+        for (const folder of readdirSync(join(share, 'icons/hicolor'))) {
+            const icon = join(share, 'icons/hicolor', folder, 'apps/ocela');
+            // The width and the height in the header of a PNG file.
+            const sizes = folder === 'scalable' ? '' : readFileSync(`${icon}.png`).subarray(16, 24);
+            if (sizes) assert.equal(`${sizes.readInt32BE(0)}x${sizes.readInt32BE(4)}`, folder);
+            else assert.ok(existsSync(`${icon}.svg`));
+        }
+        const [metainfo] = readdirSync(join(share, 'metainfo'));
+        execFileSync('appstreamcli', ['validate', '--no-net', join(share, 'metainfo', metainfo)], { stdio: 'pipe' });
+        const [, launched] = readFileSync(join(share, 'metainfo', metainfo), 'utf8').match(/"desktop-id">(.*)</) ?? [];
+        assert.ok(launched in entries, launched);
+    } finally {
+        home.remove();
+    }
+});
+
 test('only the first start of a user creates the autostart entry', async () => {
     const home = createHome();
     const prefix = install(home);
