@@ -37,6 +37,12 @@ Page custom showAccessPage leaveAccessPage
 !insertmacro MUI_PAGE_INSTFILES
 !define MUI_FINISHPAGE_RUN
 !define MUI_FINISHPAGE_RUN_FUNCTION startProgram
+!define MUI_FINISHPAGE_TEXT "$(finishText)"
+; The second check box of the page.
+!define MUI_FINISHPAGE_SHOWREADME
+!define MUI_FINISHPAGE_SHOWREADME_NOTCHECKED
+!define MUI_FINISHPAGE_SHOWREADME_TEXT "$(desktopShortcut)"
+!define MUI_FINISHPAGE_SHOWREADME_FUNCTION createDesktopShortcut
 !insertmacro MUI_PAGE_FINISH
 !insertmacro MUI_UNPAGE_CONFIRM
 !insertmacro MUI_UNPAGE_INSTFILES
@@ -66,8 +72,23 @@ LangString otherComputers ${LANG_RUSSIAN} "И программам на &дру�
 LangString notSaved ${LANG_ENGLISH} "This file cannot be written: ${SETTINGS}"
 LangString notSaved ${LANG_RUSSIAN} "Не удаётся записать файл: ${SETTINGS}"
 
+; The label of the page has room for five lines.
+LangString finishText ${LANG_ENGLISH} "Ocela is installed.$\r$\n$\r$\nOptional, for the Lab Streaming Layer (LSL): copy \
+lsl.dll beside Ocela.exe. See docs\lab.md in the same folder."
+LangString finishText ${LANG_RUSSIAN} "Ocela установлена.$\r$\n$\r$\nНеобязательно, для Lab Streaming Layer (LSL): скопируйте \
+lsl.dll в папку с Ocela.exe. См. docs\lab.md в этой папке."
+
+LangString desktopShortcut ${LANG_ENGLISH} "&Desktop shortcut"
+LangString desktopShortcut ${LANG_RUSSIAN} "&Ярлык на рабочем столе"
+
+!define DASHBOARD_ENGLISH "Ocela Dashboard"
+!define DASHBOARD_RUSSIAN "Веб-панель Ocela"
+LangString dashboard ${LANG_ENGLISH} "${DASHBOARD_ENGLISH}"
+LangString dashboard ${LANG_RUSSIAN} "${DASHBOARD_RUSSIAN}"
+
 Var localOnly  ; 1 if only programs on this computer may use Ocela
 Var thisComputerButton
+Var wantsDesktopShortcut  ; 1 if the command line has /DESKTOP=1
 
 ; /LOCALONLY=1 and /LOCALONLY=0 on the command line are the choice of an installation without questions, and the
 ; preselected choice of an installation with questions.
@@ -76,6 +97,7 @@ Function .onInit
     StrCpy $localOnly 1
   ${EndIf}
   ${GetParameters} $0
+  ${GetOptions} $0 "/DESKTOP=" $wantsDesktopShortcut
   ClearErrors
   ${GetOptions} $0 "/LOCALONLY=" $1
   ${IfNot} ${Errors}
@@ -193,6 +215,18 @@ Function startProgram
   Exec '"$INSTDIR\Ocela.exe"'
 FunctionEnd
 
+; A shortcut's working directory is the output folder.
+Function createDesktopShortcut
+  SetOutPath "$INSTDIR"
+  CreateShortcut "$DESKTOP\Ocela.lnk" "$INSTDIR\Ocela.exe"
+FunctionEnd
+
+; An earlier version may have been installed in another language.
+!macro removeDashboardShortcut
+  Delete "$SMPROGRAMS\${DASHBOARD_ENGLISH}.lnk"
+  Delete "$SMPROGRAMS\${DASHBOARD_RUSSIAN}.lnk"
+!macroend
+
 Section "Ocela" program
   Call refuseForeignFolder
   !insertmacro refuseWhileRunning
@@ -201,8 +235,12 @@ Section "Ocela" program
   File "/oname=installed-files.txt" "${LIST}"
   File /r "${FOLDER}/*"
   WriteUninstaller "$INSTDIR\uninstall.exe"
-  ; The shortcut's working directory is the output folder.
   CreateShortcut "$SMPROGRAMS\Ocela.lnk" "$INSTDIR\Ocela.exe"
+  !insertmacro removeDashboardShortcut
+  CreateShortcut "$SMPROGRAMS\$(dashboard).lnk" "$INSTDIR\Ocela.exe" "--dashboard"
+  ${If} $wantsDesktopShortcut == 1
+    Call createDesktopShortcut
+  ${EndIf}
   ; "Start with the system" is on by default.
   ${IfNot} ${FileExists} "${SETTINGS}"
     CreateShortcut "$SMSTARTUP\Ocela.lnk" "$INSTDIR\Ocela.exe"
@@ -231,6 +269,8 @@ Section Uninstall
   SetOutPath "$TEMP"
   RMDir "$INSTDIR"
   Delete "$SMPROGRAMS\Ocela.lnk"
+  Delete "$DESKTOP\Ocela.lnk"
+  !insertmacro removeDashboardShortcut
   ; The program also creates this shortcut, when "Start with the system" is switched on.
   Delete "$SMSTARTUP\Ocela.lnk"
   DeleteRegKey HKCU "${UNINSTALL_KEY}"
