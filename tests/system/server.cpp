@@ -1,5 +1,6 @@
 #include "system/server.h"
 
+#include "support/gazepoint_wire.h"
 #include "system/timeout.h"
 
 #include <QTest>
@@ -9,40 +10,32 @@ bool Simulator::listen(const QStringList &arguments) {
     return waitForLog("listening on");
 }
 
-bool SecondClient::open() {
-    socket_.connectToHost(QHostAddress::LocalHost, gazepointPort);
-    if (!socket_.waitForConnected(timeoutMs))
-        return false;
-    for (const char *name : {"POG_FIX", "POG_LEFT", "POG_RIGHT", "PUPIL_LEFT", "PUPIL_RIGHT", "PUPILMM", "DATA"})
-        socket_.write(QByteArray("<SET ID=\"ENABLE_SEND_") + name + "\" STATE=\"1\" />\r\n");
-    return QTest::qWaitFor([this] { return !records().isEmpty(); }, timeoutMs);
-}
-
-QList<QByteArray> SecondClient::records() {
-    // Read everything that has arrived since the last call.
-    while (socket_.waitForReadyRead(0)) {
-    }
-    received_ += socket_.readAll();
-    QList<QByteArray> records;
-    for (const QByteArray &line : received_.left(received_.lastIndexOf('\n')).split('\n')) {
-        if (line.startsWith("<REC"))
-            records << line;
-    }
-    return records;
-}
-
 ScriptedServer::ScriptedServer() {
     QObject::connect(&server_, &QTcpServer::newConnection, &server_,
                      [this] { client_ = server_.nextPendingConnection(); });
 }
 
-QByteArray ScriptedServer::received() {
-    if (client_)
-        received_ += client_->readAll();
-    return received_;
+bool ScriptedServer::connectProgram(const QByteArray &firstLine) {
+    // Nothing else is sent before.
+    if (!waitFor(wire::enableData) || received_ != wire::enableData)
+        return false;
+    send(firstLine);
+    if (!waitFor(wire::askScreenSize))
+        return false;
+    send(QByteArray(wire::screenSize).trimmed());
+    return true;
 }
 
 void ScriptedServer::send(const QByteArray &line) {
     client_->write(line + "\r\n");
     client_->flush();
+}
+
+void ScriptedServer::disconnectProgram() {
+    server_.close();
+    client_->disconnectFromHost();
+}
+
+bool ScriptedServer::waitFor(const QByteArray &end) {
+    return QTest::qWaitFor([&] { return client_ && (received_ += client_->readAll()).endsWith(end); }, timeoutMs);
 }

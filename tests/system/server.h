@@ -15,30 +15,21 @@ public:
     [[nodiscard]] bool listen(const QStringList &arguments);
 };
 
-/// A second client of the simulator, which receives the same records as the program.
-class SecondClient {
-public:
-    /// Connects, enables the data and waits for the first record.
-    [[nodiscard]] bool open();
-    /// Returns all records received so far.
-    [[nodiscard]] QList<QByteArray> records();
-
-private:
-    QTcpSocket socket_;
-    QByteArray received_;
-};
-
 /// A GazePoint server that sends only the lines of the test.
 class ScriptedServer {
 public:
     ScriptedServer();
 
     [[nodiscard]] bool listen() { return server_.listen(QHostAddress::LocalHost, gazepointPort); }
-    /// Returns all bytes received so far.
-    [[nodiscard]] QByteArray received();
+    /// Waits for the program, sends a first line and answers the program's request for the screen size.
+    [[nodiscard]] bool connectProgram(const QByteArray &firstLine);
     void send(const QByteArray &line);
+    /// Closes the connection to the program, and accepts no other one.
+    void disconnectProgram();
 
 private:
+    [[nodiscard]] bool waitFor(const QByteArray &end);
+
     QTcpServer server_;
     QTcpSocket *client_ = nullptr;
     QByteArray received_;

@@ -1,4 +1,3 @@
-#include "support/gazepoint_wire.h"
 #include "support/test_main.h"
 #include "system/desktop.h"
 #include "system/program.h"
@@ -23,24 +22,12 @@ private Q_SLOTS:
     void gaze_moves_the_cursor_between_two_presses_of_F10();
 
 private:
-    /// Starts the program and answers its request for the screen size.
-    void connectProgram();
     /// Sends a gaze at another place and returns whether the cursor is there as soon as the window shows the gaze.
     [[nodiscard]] bool cursorFollows(bool valid = true);
 
     ScriptedServer server_;
     int gazeCount_ = 0;
 };
-
-void TestGazePointSession::connectProgram() {
-    QVERIFY(server_.listen());
-    QVERIFY(program_->startWindow());
-    QTRY_COMPARE_WITH_TIMEOUT(server_.received(), QByteArray(wire::enableData), timeoutMs);
-
-    server_.send(gazeAt(0.9, 0.9));
-    QTRY_VERIFY_WITH_TIMEOUT(server_.received().endsWith(wire::askScreenSize), timeoutMs);
-    server_.send(QByteArray(wire::screenSize).trimmed());
-}
 
 bool TestGazePointSession::cursorFollows(bool valid) {
     constexpr int placeCount = 16;  // a power of two, so that the fractions are exact
@@ -57,9 +44,9 @@ bool TestGazePointSession::cursorFollows(bool valid) {
 }
 
 void TestGazePointSession::gaze_moves_the_cursor_between_two_presses_of_F10() {
-    connectProgram();
-    if (QTest::currentTestFailed())
-        return;
+    QVERIFY(server_.listen());
+    QVERIFY(program_->startWindow());
+    QVERIFY(server_.connectProgram(gazeAt(0.9, 0.9)));
     QVERIFY(!cursorFollows());
     desktop::press("F10");
     // The key and the gaze arrive on different connections, so their order is not defined.
