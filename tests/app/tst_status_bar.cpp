@@ -112,7 +112,8 @@ void TestStatusBar::tells_whether_samples_arrive() {
     };
     QTRY_VERIFY(isLive());
     QVERIFY(!button("reconnect"));
-    QTRY_COMPARE(trackerText(), QString("Connected, but no samples for 1 s"));
+    const QRegularExpression silent("^Connected, but no samples for [1-9][0-9]* s$");
+    QTRY_VERIFY(silent.match(trackerText()).hasMatch());
     bar_->setEyetracker(other_.get());
     QCOMPARE(trackerText(), QString("Not connected: no device"));
     bar_->setEyetracker(nullptr);

@@ -201,14 +201,23 @@ class TestStream(RunningProgram):
 
     def test_resumes_after_a_cut(self):
         samples = self.samples()
-        numbers = []
+        last = next(samples).number
+        complete_count = 0
         for _ in range(5):
-            numbers += [sample.number for sample in itertools.islice(samples, 100)]
-            with self.assertLogs("ocela", "WARNING"):
+            self.missed.clear()
+            numbers = [last, *(sample.number for sample in itertools.islice(samples, 100))]
+            with self.assertLogs("ocela", "WARNING") as logged:
                 self.network.cut()
-                numbers += [sample.number for sample in itertools.islice(samples, 100)]
-        self.assertEqual(numbers, list(range(numbers[0], numbers[0] + len(numbers))))
-        self.assertFalse(self.missed)
+                # The samples that have arrived before the cut come first.
+                while not logged.records:
+                    numbers.append(next(samples).number)
+            last = numbers[-1]
+            self.assertEqual(numbers, sorted(set(numbers)))
+            gap = last - numbers[0] + 1 - len(numbers)
+            self.assertEqual(gap, sum(missed.count for missed in self.missed))
+            complete_count += gap == 0
+        # A machine that stops for two seconds makes Ocela drop samples that the client has not received.
+        self.assertGreater(complete_count, 0)
 
     def test_reports_missed_samples(self):
         samples = self.samples(interval_ms=50)
@@ -218,11 +227,14 @@ class TestStream(RunningProgram):
         window = ocela.samples_after
         wait_for(lambda: window(limit=1).samples[0].number > last.number + 200, "the window does not have the next samples")
         self.network.down = False
+        numbers = []
         with self.assertLogs("ocela", "WARNING"):
-            numbers = [sample.number for sample in itertools.islice(samples, 600)]
+            while not self.missed:
+                numbers.append(next(samples).number)
+        numbers += [sample.number for sample in itertools.islice(samples, 100)]
         gap = sum(after - before - 1 for before, after in zip([last.number, *numbers], numbers))
         self.assertGreater(gap, 0)
-        self.assertEqual([gap], [missed.count for missed in self.missed])
+        self.assertEqual(gap, sum(missed.count for missed in self.missed))
 
     def test_starts_after_a_number(self):
         number = ocela.samples_after().samples[-1].number
@@ -250,6 +262,7 @@ class TestStream(RunningProgram):
     def test_restart(self):
         samples = self.samples()
         last = list(itertools.islice(samples, 200))[-1]
+        self.missed.clear()
         with self.assertLogs("ocela", "WARNING"):
             self.program.kill()
             starting = threading.Thread(target=self.program.start)
@@ -258,8 +271,10 @@ class TestStream(RunningProgram):
             starting.join()
         # Samples that were still in the pipe come before the restart.
         run = [sample.number for sample in later if sample.time > last.time + 500]
-        self.assertEqual(run, list(range(run[0], run[0] + len(run))))
-        self.assertEqual([missed.count for missed in self.missed], [None])
+        self.assertEqual(run, sorted(set(run)))
+        counts = [missed.count for missed in self.missed]
+        self.assertEqual(counts.count(None), 1)
+        self.assertEqual(run[-1] - run[0] + 1 - len(run), sum(count or 0 for count in counts))
 
     def test_gives_up(self):
         samples = self.samples(reconnect_s=0.5)

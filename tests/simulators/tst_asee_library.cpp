@@ -18,6 +18,9 @@ namespace at = asee_sdk::gaze_record;
 
 namespace {
 
+/// Several times as long as a calibration point takes, because the machine may stop meanwhile.
+constexpr int pointTimeoutMs = 6000;
+
 #define OCELA_POINTER(name, parameters, arguments) int(*name) parameters = nullptr;
 OCELA_ASEE_FUNCTIONS(OCELA_POINTER)
 
@@ -127,7 +130,7 @@ QString TestAseeLibrary::session() {
     if (calibrateAt({0.85F, 0.15F}) != 0)
         return "no calibration";
     const QString when = listener_.finished > 0 ? ", immediately" : "";
-    if (!QTest::qWaitFor([this] { return listener_.finished > 0; }, 2000))
+    if (!QTest::qWaitFor([this] { return listener_.finished > 0; }, pointTimeoutMs))
         return "stuck";
     std::array<char, asee_sdk::coefficientBytes> coefficients{};
     if (_7i_compute_calibration(coefficients.data()) != 0)

@@ -117,14 +117,17 @@ void TestEyetrackerSampleViewer::values_that_are_not_live_are_greyed() {
     QVERIFY(!value->isEnabled());
 
     tracker.setConnected(true);
-    tracker.addSample(sampleAt(10, 0));
-    QTRY_VERIFY(value->isEnabled());
+    // On a machine that stops for a moment, a sample can be old when the viewer shows it.
+    const auto isLiveWithSample = [&](float x) {
+        tracker.addSample(sampleAt(x, 0));
+        return value->isEnabled();
+    };
+    QTRY_VERIFY(isLiveWithSample(10));
     QCOMPARE(notice->text(), QString());
     const QRegularExpression since("^Not live since [0-9]{2}:[0-9]{2}:[0-9]{2}$");
     QTRY_VERIFY(since.match(notice->text()).hasMatch());  // silent
     QVERIFY(!value->isEnabled());
-    tracker.addSample(sampleAt(20, 0));
-    QTRY_VERIFY(value->isEnabled());
+    QTRY_VERIFY(isLiveWithSample(20));
     tracker.setConnected(false);
     QVERIFY(!value->isEnabled());
 
