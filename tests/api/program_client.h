@@ -1,6 +1,7 @@
 #pragma once
 
 #include "api/ocela_http_exchange.h"
+#include "support/test_main.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -30,7 +31,8 @@ public:
         if (!body.isEmpty() && !headers.contains("Content-Type"))
             request += "Content-Type: application/json\r\n";
         request += "Content-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body;
-        (void)QTest::qWaitFor([this] { return socket_.state() == QAbstractSocket::ConnectedState; });
+        (void)QTest::qWaitFor([this] { return socket_.state() == QAbstractSocket::ConnectedState; },
+                              test_support::longWaitMs);
         socket_.write(request);
     }
 

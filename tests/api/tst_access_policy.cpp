@@ -128,7 +128,7 @@ void TestAccessPolicy::listens_where_clients_may_come_from() {
     const auto isReachableAt = [](const QString &address) {
         QTcpSocket client;
         client.connectToHost(address, OcelaHTTPExchange::port);
-        return client.waitForConnected();
+        return client.waitForConnected(test_support::longWaitMs);
     };
     QTcpServer ipv6;
     const bool hasIpv6 = ipv6.listen(QHostAddress::LocalHostIPv6);

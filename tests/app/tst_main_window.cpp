@@ -156,9 +156,10 @@ void TestMainWindow::selected_tracker_is_shown_until_another_is_selected_or_the_
     std::unique_ptr<QTcpSocket> peer;
     const auto connects = [&] {
         trackersOf(window).setCurrentText("gazepoint");
-        const bool connected = server.waitForNewConnection(5000);
+        const bool connected = server.waitForNewConnection(test_support::longWaitMs);
         peer.reset(server.nextPendingConnection());
-        return connected && QTest::qWaitFor([&] { return shownOn(page).contains("Connected"); });
+        return connected &&
+               QTest::qWaitFor([&] { return shownOn(page).contains("Connected"); }, test_support::longWaitMs);
     };
     const auto isStopped = [&] { return peer->state() == QTcpSocket::UnconnectedState; };
     QVERIFY(connects());
@@ -167,7 +168,7 @@ void TestMainWindow::selected_tracker_is_shown_until_another_is_selected_or_the_
         peer->write("<REC FPOGX=\"0.5\" />\r\n");
         return shownOn(page).contains("x:  50.0%");
     };
-    QVERIFY(QTest::qWaitFor(showsGaze));
+    QVERIFY(QTest::qWaitFor(showsGaze, test_support::longWaitMs));
     click(page, "Calibrate");
     click(page, "Start record");
     QVERIFY(shownOn(page).contains("Stop record"));
@@ -283,7 +284,7 @@ void TestMainWindow::access_settings_apply_immediately() {
     const auto acceptsOthers = [] {
         QTcpSocket client;
         client.connectToHost("127.0.0.2", OcelaHTTPExchange::port);
-        return client.waitForConnected();
+        return client.waitForConnected(test_support::longWaitMs);
     };
     const auto rights = [] { return OcelaHTTPExchange::instance().access().rights(); };
     auto *button = window.findChild<QToolButton *>("access");

@@ -22,7 +22,7 @@
 
 namespace {
 
-constexpr int timeoutMs = 20000;
+constexpr int timeoutMs = test_support::longWaitMs;
 constexpr int patienceMs = 1500;
 const QByteArray ok = "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok";
 

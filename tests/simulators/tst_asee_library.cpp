@@ -181,7 +181,8 @@ void TestAseeLibrary::calls_back_until_it_is_stopped() {
     for (const bool fromWithin : {false, true}) {
         listener_.stopFromWithin = fromWithin;
         QCOMPARE(_7i_device_connect() + start(), 0);
-        QVERIFY(QTest::qWaitFor([&] { return fromWithin ? listener_.stops > 0 && listener_.inside == 0 : heard(); }));
+        QVERIFY(QTest::qWaitFor([&] { return fromWithin ? listener_.stops > 0 && listener_.inside == 0 : heard(); },
+                                test_support::longWaitMs));
         listener_.stopFromWithin = false;
         if (!fromWithin)
             _7i_stop();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/test_main.h"
+
 #include <QByteArrayList>
 #include <QFile>
 #include <QHostAddress>
@@ -36,7 +38,7 @@ public:
 
     /// Waits for `count` lines that start with `prefix`. Returns the last one, or an empty line after a timeout.
     QByteArray waitFor(const QByteArray &prefix, int count = 1) {
-        const bool found = QTest::qWaitFor([&] { return lines(prefix).size() >= count; }, 10000);
+        const bool found = QTest::qWaitFor([&] { return lines(prefix).size() >= count; }, test_support::longWaitMs);
         return found ? lines(prefix).at(count - 1) : QByteArray();
     }
 

@@ -14,7 +14,18 @@ namespace test_support {
 using Factory = QObject *(*)();
 bool registerTest(Factory factory);
 
+/// The longest wait for something that normally takes milliseconds. A busy machine may stop for many seconds.
+constexpr int longWaitMs = 30000;
+
 }  // namespace test_support
+
+// Qt's versions wait for 5 s.
+#undef QTRY_VERIFY
+#define QTRY_VERIFY(condition) QTRY_VERIFY_WITH_TIMEOUT(condition, test_support::longWaitMs)
+#undef QTRY_VERIFY2
+#define QTRY_VERIFY2(condition, message) QTRY_VERIFY2_WITH_TIMEOUT(condition, message, test_support::longWaitMs)
+#undef QTRY_COMPARE
+#define QTRY_COMPARE(actual, expected) QTRY_COMPARE_WITH_TIMEOUT(actual, expected, test_support::longWaitMs)
 
 #define OCELA_TEST(Class) \
     static const bool registered##Class = test_support::registerTest([]() -> QObject * { return new (Class); });

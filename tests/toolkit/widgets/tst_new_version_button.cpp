@@ -20,7 +20,7 @@ struct ButtonWindow {
 
     bool waitForResponse() {
         auto *reply = button->findChild<QNetworkReply *>();
-        return reply && QSignalSpy(reply, &QNetworkReply::finished).wait();
+        return reply && QSignalSpy(reply, &QNetworkReply::finished).wait(test_support::longWaitMs);
     }
 
     QTemporaryFile file;

@@ -210,7 +210,7 @@ void TestCalibrationWidget::can_be_cancelled_at_any_time() {
 }
 
 void TestCalibrationWidget::blocked_library_does_not_block_the_screen() {
-    constexpr milliseconds shortEndTimeout(2000);
+    constexpr milliseconds shortEndTimeout(5000);
     open({milliseconds(1), milliseconds(0), shortEndTimeout});
     std::promise<void> computed;
     library().whileComputing = [&] { computed.get_future().wait(); };

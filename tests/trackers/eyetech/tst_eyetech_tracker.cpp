@@ -118,7 +118,8 @@ void TestEyetechGrabber::status_controls_connection_and_frames() {
 void TestEyetechGrabber::waits_for_a_device() {
     devices_ = 0;
     open();
-    QVERIFY(QTest::qWaitFor([this] { return script_->takeCalls().count("QLDevice_Enumerate") >= 1; }));
+    QVERIFY(QTest::qWaitFor([this] { return script_->takeCalls().count("QLDevice_Enumerate") >= 1; },
+                            test_support::longWaitMs));
     QCOMPARE(tracker_->deviceId(), 0);
     tracker_->calibrate(QRect(0, 0, 100, 100));
     QVERIFY(!script_->takeCalls().contains("QLCalibration_Initialize"));

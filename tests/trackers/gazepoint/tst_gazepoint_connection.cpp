@@ -82,17 +82,17 @@ void TestGazePointConnection::serve(const QByteArray &bytes) {
     QSignalSpy chunks(connection_->findChild<QTcpSocket *>(), &QTcpSocket::readyRead);
     peer_->write(bytes);
     peer_->flush();
-    QVERIFY(chunks.wait());
+    QVERIFY(chunks.wait(test_support::longWaitMs));
 }
 
 QByteArray TestGazePointConnection::received(int bytes) {
-    (void)QTest::qWaitFor([&] { return peer_->bytesAvailable() >= bytes; });
+    (void)QTest::qWaitFor([&] { return peer_->bytesAvailable() >= bytes; }, test_support::longWaitMs);
     return peer_->readAll();
 }
 
 void TestGazePointConnection::record_before_the_switches_does_not_block() {
     connection_->open();
-    QVERIFY(server_->waitForNewConnection(5000));
+    QVERIFY(server_->waitForNewConnection(test_support::longWaitMs));
     peer_ = server_->nextPendingConnection();
     peer_->write("<REC FPOGX=\"0.5\" />\r\n");
     QVERIFY(peer_->flush());
