@@ -5,6 +5,7 @@
 #include "system/timeout.h"
 
 #include <QTest>
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -49,6 +50,18 @@ bool LslReceiver::confineTo(const QTemporaryDir &folder) {
            qputenv("LSLAPICFG", configuration.toUtf8());
 }
 
+qint64 LslReceiver::reportedLoss(const QString &log) {
+    static const QRegularExpression report("ocela\\.lsl.* (\\d+) samples or markers were not sent");
+    qint64 count = 0;
+    for (auto found = report.globalMatch(log); found.hasNext();)
+        count += found.next().captured(1).toLongLong();
+    return count;
+}
+
+QRegularExpression LslReceiver::otherLine() {
+    return QRegularExpression("^(?!.*(amples or markers were not sent|The LSL library does not respond))");
+}
+
 bool LslReceiver::open() {
     gaze_ = openStream("Ocela Gaze");
     marks_ = openStream("Ocela Markers");
@@ -79,8 +92,10 @@ bool LslReceiver::receive() {
     };
     while (pullSample()) {
         const auto number = static_cast<qint64>(sample.values[numberChannel]);
-        if (!samples_.empty() && number != samples_.rbegin()->first + 1)
+        const qint64 expected = samples_.empty() ? number : samples_.rbegin()->first + 1;
+        if (number < expected)
             return false;
+        missedCount_ += number - expected;
         samples_[number] = sample;
     }
     Marker marker;
@@ -109,20 +124,22 @@ std::optional<LslReceiver::Comparison> LslReceiver::waitForAllOf(const QString &
 std::optional<LslReceiver::Comparison> LslReceiver::compare(const QString &record) const {
     const RecordFile arrivals(beside(record, "_samples.csv"));
     const RecordFile events(beside(record, "_events.csv"));
-    if (arrivals.rows.isEmpty())
+    const auto numberOf = [](const QStringList &row) { return row[0].toLongLong(); };
+    const auto isReceived = [&](const QStringList &row) { return samples_.count(numberOf(row)) > 0; };
+    if (samples_.empty() || arrivals.rows.isEmpty() || samples_.rbegin()->first < numberOf(arrivals.rows.last()))
         return std::nullopt;
-    const auto first = samples_.find(arrivals.rows.first()[0].toLongLong());
-    const double firstArrivalMs = arrivals.rows.first()[1].toDouble();
-    if (first == samples_.end())
+    const auto firstRow = std::find_if(arrivals.rows.begin(), arrivals.rows.end(), isReceived);
+    if (firstRow == arrivals.rows.end())
         return std::nullopt;
+    const double arrivedMs = (*firstRow)[1].toDouble();
+    const double receivedMs = samples_.at(numberOf(*firstRow)).timeMs;
 
     Comparison result;
     for (const QStringList &row : arrivals.rows) {
-        const auto received = samples_.find(row[0].toLongLong());
-        if (received == samples_.end())
-            return std::nullopt;
-        const double passedMs = received->second.timeMs - first->second.timeMs;
-        const double errorMs = std::abs(passedMs - (row[1].toDouble() - firstArrivalMs));
+        if (!isReceived(row))
+            continue;
+        const double passedMs = samples_.at(numberOf(row)).timeMs - receivedMs;
+        const double errorMs = std::abs(passedMs - (row[1].toDouble() - arrivedMs));
         result.maxSampleErrorMs = std::max(result.maxSampleErrorMs, errorMs);
         ++result.sampleCount;
     }
@@ -131,7 +148,7 @@ std::optional<LslReceiver::Comparison> LslReceiver::compare(const QString &recor
         const auto received = std::find_if(markers_.begin(), markers_.end(), isSame);
         if (received == markers_.end())
             return std::nullopt;
-        const double passedMs = received->timeMs - first->second.timeMs;
+        const double passedMs = received->timeMs - receivedMs;
         result.maxMarkerErrorMs = std::max(result.maxMarkerErrorMs, std::abs(passedMs - 1000 * event[0].toDouble()));
         ++result.markerCount;
     }

@@ -257,9 +257,8 @@ void TestProgramOnWindows::lsl_streams_have_the_times_of_the_recording() {
     QVERIFY(comparison->maxSampleErrorMs < 0.1);
     QVERIFY(comparison->maxMarkerErrorMs < 0.1);
     QCOMPARE(program_->closeWindows(), 0);
-    // A machine that stops for 2 s looks like a library that does not respond.
-    const QRegularExpression otherProblem("^(?!.*The LSL library does not respond)");
-    QCOMPARE(problems().filter(otherProblem), QStringList());
+    QVERIFY(receiver.missedCount() <= LslReceiver::reportedLoss(log()));
+    QCOMPARE(problems().filter(LslReceiver::otherLine()), QStringList());
 }
 
 OCELA_TEST(TestProgramOnWindows)
