@@ -114,7 +114,7 @@ test('the recordings of the records folder are listed and open with a click', as
     assert.equal(await page.text('#file-name'), name);
     const remarks = 'The times are the times of arrival in “a & b+ü%20_samples.csv”.Markers: 2, from “a & b+ü%20_events.csv”.';
     assert.ok((await page.text('#remarks')).startsWith(remarks));
-    assert.ok(await page.evaluate(fixationCount) > 3);
+    await page.until(`${fixationCount} > 3`);
 
     for (const [requested, reason] of [
         ['b.csv', 'There is no such record file'], ['../record.csv', 'There is no such record file'], ['', 'There is no such'],
@@ -155,7 +155,7 @@ test('areas are saved beside a recording of the records folder, and shown with i
     // The browser has kept the second area, which is not saved.
     const second = await open();
     await untilNote(second, 'This browser has kept these areas. They are not saved yet.');
-    assert.equal(await second.evaluate(areaCount), 2);
+    await second.until(`${areaCount} === 2`);
     writeFileSync(areasFile, readFileSync(areasFile, 'utf8').replace('Area 1', 'Of somebody else'));
     await second.evaluate(refuse);
     await second.click('#areas-save');
