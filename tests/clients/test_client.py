@@ -287,6 +287,8 @@ class TestStream(RunningProgram):
 
 
 class TestCommands(RunningProgram):
+    maxDiff = None  # of the output of a command
+
     def command(self, *arguments, file=("-m", "ocela"), keys=""):
         environment = {**os.environ, "PYTHONPATH": str(PACKAGE / "src")}
         run = subprocess.run([sys.executable, *map(str, file), *arguments], env=environment, input=keys,
