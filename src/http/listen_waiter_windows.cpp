@@ -3,15 +3,15 @@
 #include <winsock2.h>
 
 struct ListenWaiter::Handles {
-    std::vector<WSAEVENT> events = {};  ///< the first one is for wake()
+    std::vector<SOCKET> listeners = {};
+    std::vector<WSAEVENT> events = {};  ///< one for each listener, and one for wake()
 };
 
 ListenWaiter::ListenWaiter(const std::vector<tSocketDescriptor> &listeners) : handles_(std::make_unique<Handles>()) {
-    handles_->events.push_back(::WSACreateEvent());
-    for (const tSocketDescriptor listener : listeners) {
+    for (const tSocketDescriptor listener : listeners)
+        handles_->listeners.push_back(static_cast<SOCKET>(listener));
+    for (std::size_t i = 0; i <= listeners.size(); ++i)
         handles_->events.push_back(::WSACreateEvent());
-        ::WSAEventSelect(static_cast<SOCKET>(listener), handles_->events.back(), FD_ACCEPT);
-    }
 }
 
 ListenWaiter::~ListenWaiter() {
@@ -20,14 +20,17 @@ ListenWaiter::~ListenWaiter() {
 }
 
 void ListenWaiter::wait(int timeoutMs) {
+    // Selecting an event again sets it if a client waits already. Windows also sets it after the next accept(). Under
+    // Wine, however, an accept() that finds no client can leave a listener without events.
+    for (std::size_t i = 0; i < handles_->listeners.size(); ++i) {
+        ::WSAResetEvent(handles_->events[i]);
+        ::WSAEventSelect(handles_->listeners[i], handles_->events[i], FD_ACCEPT);
+    }
     const auto count = static_cast<DWORD>(handles_->events.size());
     const DWORD timeout = timeoutMs < 0 ? WSA_INFINITE : static_cast<DWORD>(timeoutMs);
     ::WSAWaitForMultipleEvents(count, handles_->events.data(), FALSE, timeout, FALSE);
-    // The event of a socket is set again after the next accept() if further clients wait.
-    for (std::size_t i = 1; i < handles_->events.size(); ++i)
-        ::WSAResetEvent(handles_->events[i]);
 }
 
 void ListenWaiter::wake() {
-    ::WSASetEvent(handles_->events.front());
+    ::WSASetEvent(handles_->events.back());
 }
