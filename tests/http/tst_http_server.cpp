@@ -6,6 +6,7 @@
 #include "support/test_main.h"
 
 #include <QElapsedTimer>
+#include <QLoggingCategory>
 #include <QRegularExpression>
 #include <QScopeGuard>
 #include <QSettings>
@@ -156,6 +157,10 @@ class TestHttpServer : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    // Qt Test ignores all messages after the first 2000, and each connection logs some.
+    void initTestCase() { QLoggingCategory::setFilterRules("ocela.http.debug=false"); }
+    void cleanupTestCase() { QLoggingCategory::setFilterRules({}); }
+
     void exchanges_data();
     void exchanges();
     void readTimeoutClosesConnections();

@@ -4,7 +4,6 @@
 
 #include <QLoggingCategory>
 #include <QRegularExpression>
-#include <QScopeGuard>
 #include <QSysInfo>
 #include <QTemporaryFile>
 #include <QTest>
@@ -18,6 +17,10 @@ class TestMultipartForm : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    // Qt Test ignores all messages after the first 2000, and each part logs some.
+    void initTestCase() { QLoggingCategory::setFilterRules("ocela.http.debug=false"); }
+    void cleanupTestCase() { QLoggingCategory::setFilterRules({}); }
+
     void forms_data();
     void forms();
     void limits();
@@ -108,9 +111,6 @@ void TestMultipartForm::forms() {
 }
 
 void TestMultipartForm::limits() {
-    // Disables the log of each part, because Qt Test ignores all messages after the first 2000.
-    QLoggingCategory::setFilterRules("ocela.http.debug=false");
-    const auto restore = qScopeGuard([] { QLoggingCategory::setFilterRules({}); });
     const auto check = [](const QByteArray &parts, HttpRequest::RequestStatus status) {
         if (status == HttpRequest::abortSize)
             QTest::ignoreMessage(QtWarningMsg, "HttpRequest: received too many fields or files");
