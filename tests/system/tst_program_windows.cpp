@@ -156,8 +156,8 @@ void TestProgramOnWindows::record_file_contains_the_served_sample() {
     QJsonObject sample;
     QTRY_VERIFY_WITH_TIMEOUT((sample = client_.lastSample()) != before, timeoutMs);
     QVERIFY(client_.ask("/stoprecord")["result"].toBool());
-    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(name), timeoutMs);
-
+    // While a file is being renamed, it exists, but no other program can open it.
+    QTRY_VERIFY_WITH_TIMEOUT(!readFile(name).isEmpty(), timeoutMs);
     const RecordFile record(name);
     QVERIFY(record.header.startsWith("Timestamp,Time,Valid,X,Y,"));
     const auto isSample = [&](const QStringList &row) {
