@@ -135,6 +135,8 @@ describe('JSON file', () => {
             'geometry.distanceMm'],
         ['with a wrong time', content => ({ ...content, time: 'yesterday' }), 'damagedValidation', 'time'],
         ['without samples', content => ({ ...content, samples: undefined }), 'damagedValidation', 'samples.timestamp'],
+        ['with a length as text', content => ({ ...content, geometry: { ...geometry, widthMm: '1000' } }), 'damagedValidation',
+            'geometry.widthMm'],
         ['with a shorter column', ({ samples, ...content }) => ({ ...content, samples: { ...samples, left_y: [1] } }),
             'damagedValidation', 'samples.left_y'],
         ['with a text', ({ samples, ...content }) => ({ ...content, samples: { ...samples, tar_x: Array(8).fill('1') } }),

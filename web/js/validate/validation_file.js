@@ -78,7 +78,7 @@ export function readValidationFile(bytes, fileName) {
     check('time', Number.isFinite(time));
     for (const [name, value] of Object.entries({ id, participant, session, tracker })) check(name, typeof value === 'string');
     check('expectedHz', expectedHz === null || (Number.isFinite(expectedHz) && expectedHz > 0));
-    for (const key of geometryKeys) check(`geometry.${key}`, geometry?.[key] >= 1 && geometry[key] <= maxGeometry);
+    for (const key of geometryKeys) check(`geometry.${key}`, isLength(geometry?.[key]));
     return {
         id, time, participant, session, tracker, expectedHz, geometry: /** @type {Geometry} */ (geometry),
         samples: samplesOf(content.samples), circumstances: { ...circumstancesOf(circumstances), fileName },
@@ -89,6 +89,11 @@ export function readValidationFile(bytes, fileName) {
  * @param {any} value
  * @returns {Circumstances}
  */
+/** @param {any} value */
+function isLength(value) {
+    return Number.isFinite(value) && value >= 1 && value <= maxGeometry;
+}
+
 function circumstancesOf(value) {
     const { screenCheck, repeatedTargets, missedCount, isRightEyeCrossed } = value ?? {};
     check('circumstances', ['match', 'otherScreen', 'unknown'].includes(screenCheck) && Array.isArray(repeatedTargets)
