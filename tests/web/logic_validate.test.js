@@ -149,5 +149,14 @@ test('the checks describe the last samples', () => {
     assert.deepEqual([leftShare, rightShare, rateHz, distanceMm, distanceSdMm], [0.9, 0, 100, 610, 10]);
     const unknown = liveChecks(columns, 60000);
     assert.ok([unknown.leftShare, unknown.rateHz, unknown.distanceMm].every(Number.isNaN));
-    assert.deepEqual([60.9, 149.2, 118, 139, 77.4, 1040, NaN].map(nominalRateOf), [60, 150, 120, 150, NaN, 1000, NaN]);
+});
+
+test('the nominal rate is one that the tracker has', () => {
+    for (const [trackerName, rates] of Object.entries({
+        eyetech: [[60.9, 60], [149.2, 150], [118, 120], [139, 150], [77.4, NaN], [1040, 1000], [NaN, NaN]],
+        gazepoint: [[60.9, 60], [45, 60], [100, 150], [149.2, 150], [205, 200], [NaN, NaN]],
+        'aSee Pro': [[60, 120], [118, 120]],
+    })) {
+        for (const [measured, nominal] of rates) assert.equal(nominalRateOf(measured, trackerName), nominal, `${trackerName} ${measured}`);
+    }
 });

@@ -29,6 +29,7 @@ describe('the validation page', () => {
     });
     const area = { x: 0, y: 0, width: 1280, height: 800, unit: 'device' };
     const screen = { number: 1, x: 0, y: 0, width: 1280, height: 800, widthMm: 300, heightMm: 188, scale: 1, primary: true };
+    const tracker = { ...new FakeService().state.tracker, name: 'eyetech' };
 
     beforeEach(async () => {
         service = await new FakeService().listen();
@@ -75,8 +76,9 @@ describe('the validation page', () => {
         const values = await page.evaluate("['#height-mm', '#distance', '#participant', '#session'].map(id => document.querySelector(id).value)");
         assert.deepEqual(values, ['188', '640', 'P 7', 'before']);
         // The size does not depend on whether the calibrated area is known, and the distance belongs to the tracker.
-        service.setState({ area: null, tracker: { ...service.state.tracker, name: 'eyetech' } });
-        await page.until(`${valueOf('#distance')} === '615' && ${valueOf('#width-mm')} === '310' && ${valueOf('#expected-rate')} === '100'`);
+        service.setState({ area: null, tracker: { ...tracker, name: 'gazepoint' } });
+        await page.until(`${valueOf('#distance')} === '615' && ${valueOf('#width-mm')} === '310' && ${valueOf('#expected-rate')} === '150'`);
+        await page.until(levelIs('rate-check', 'warning'));
         sampleOf = i => ({ ...typical(i), r_valid: false });
         await page.until(levelIs('right-check', 'warning'));
         assert.deepEqual(page.errors, []);
@@ -114,7 +116,6 @@ describe('the validation page', () => {
         await page.until("document.querySelector('#tracker-check').textContent.includes('The port is closed.')");
     });
 
-    const { tracker } = new FakeService().state;
     for (const [name, interrupt, message] of [
         ['Escape', page => press(page, 'Escape', 27), /before all targets were shown/],
         ['the full screen is left', page => page.evaluate('document.exitFullscreen()'), /before all targets were shown/],
@@ -123,7 +124,7 @@ describe('the validation page', () => {
             sampleOf = null;
             service.setState({ tracker: { ...tracker, connected: false, reason: 'It was unplugged.' } });
         }, /sent no more samples[.] Nothing was saved[.] It was unplugged[.]/],
-        ['another tracker is selected', () => service.setState({ tracker: { ...tracker, name: 'eyetech' } }), /another tracker/],
+        ['another tracker is selected', () => service.setState({ tracker: { ...tracker, name: 'gazepoint' } }), /another tracker/],
         ['a calibration starts', () => service.setState({ calibration: { running: true, last: null } }), /a calibration was started/],
         ['Ocela is closed', () => {
             service.answers['GET stream'] = problem(503, 'Ocela is closing.');

@@ -19,7 +19,10 @@ export const maxRateDifference = 0.05;
 /** A busy computer may lose this share of the samples while the nominal rate is determined. */
 const maxNominalDifference = 0.12;
 
-/** The nominal sample rates of trackers on the market, in Hz. */
+/** The nominal sample rates of the families that have few, in Hz. @type {Record<string, number[]>} */
+const familyRates = { gazepoint: [60, 150], 'aSee Pro': [120] };
+
+/** The nominal sample rates of other trackers, in Hz. */
 const nominalRates = [30, 50, 60, 90, 100, 120, 150, 180, 200, 240, 250, 300, 500, 600, 1000, 1200, 2000];
 
 const mmPerCm = 10;
@@ -60,11 +63,14 @@ function distanceOf(distancesCm) {
 }
 
 /**
- * Returns the nominal sample rate that is nearest to a measured one, or NaN if none is near.
+ * Returns the likely nominal sample rate of a tracker, or NaN. It is the family's lowest rate that is not clearly below the
+ * measured one, because samples get lost and never added. Without such a rate, it is the nearest common one.
  *
  * @param {number} rateHz
  */
-export function nominalRateOf(rateHz) {
+export function nominalRateOf(rateHz, trackerName) {
+    const familyRate = familyRates[trackerName]?.find(nominal => rateHz <= nominal * (1 + maxNominalDifference));
+    if (familyRate) return familyRate;
     const distanceTo = (/** @type {number} */ nominal) => Math.abs(nominal / rateHz - 1);
     const nearest = nominalRates.reduce((best, rate) => (distanceTo(rate) < distanceTo(best) ? rate : best));
     return distanceTo(nearest) <= maxNominalDifference ? nearest : NaN;

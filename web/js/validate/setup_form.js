@@ -126,7 +126,7 @@ export class SetupForm {
             usesLive.checked = !(distanceMm > 0);
             distance.value = distanceMm > 0 ? String(distanceMm) : '';
         }
-        const nominalHz = nominalRateOf(rateHz);
+        const nominalHz = nominalRateOf(rateHz, trackerName);
         if (this.#isRateDerived && !Number.isNaN(nominalHz)) setValue(expectedRate, nominalHz);
     }
 
