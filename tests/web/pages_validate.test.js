@@ -28,12 +28,12 @@ describe('the validation page', () => {
         r_x: 50, r_y: 50 + (i % 7) / 10, l_pupil_mm: 3, r_pupil_mm: 3, distance_cm: 61.5, l_valid: true, r_valid: true,
     });
     const area = { x: 0, y: 0, width: 1280, height: 800, unit: 'device' };
-    const screen = { number: 1, x: 0, y: 0, width: 1280, height: 800, widthMm: 300, heightMm: 188, scale: 1, primary: true };
     const tracker = { ...new FakeService().state.tracker, name: 'eyetech' };
+    const screen = { number: 1, x: 0, y: 0, width: 1280, height: 800, widthMm: 300, heightMm: 188, scale: 1, primary: true };
 
     beforeEach(async () => {
         service = await new FakeService().listen();
-        Object.assign(service.state, { area, screens: [screen] });
+        Object.assign(service.state, { area, screens: [screen], tracker });
         sampleOf = typical;
         stopFeed = service.feed((fromMs, toMs) => {
             const first = Math.ceil(fromMs / 10);
@@ -53,12 +53,17 @@ describe('the validation page', () => {
         return page;
     };
 
-    /** Starts with the keyboard, and waits until the first target moves. */
-    const start = async page => {
-        await page.evaluate("document.querySelector('#start').focus()");
+    /** Starts with the keyboard, and waits for the instruction. */
+    const openStage = async (page, button) => {
+        await page.evaluate(`document.querySelector('${button}').focus()`);
         await press(page, ' ', 32);
         await page.until(`${stepIs('run')} && document.fullscreenElement !== null`);
         await page.until("getComputedStyle(document.querySelector('#instruction')).visibility === 'visible'");
+    };
+
+    /** Starts with the keyboard, and waits until the first target moves. */
+    const start = async page => {
+        await openStage(page, '#start');
         await press(page, ' ', 32);
         await page.until(phaseIs('travel'));
     };
@@ -142,4 +147,16 @@ describe('the validation page', () => {
             assert.deepEqual(page.errors, []);
         });
     }
+
+    test('does not show targets on a part of the screen', async () => {
+        const page = await openPage();
+        await page.until(`${valueOf('#distance')} !== ''`);
+        await openStage(page, '#start');
+        const size = { width: 1280, height: 600, screenWidth: 1280, screenHeight: 800 };
+        await page.send('Emulation.setDeviceMetricsOverride', { ...size, deviceScaleFactor: 1, mobile: false });
+        await page.until('innerHeight === 600 && screen.height === 800');
+        await press(page, ' ', 32);
+        await page.until(`${stepIs('setup')} && !document.querySelector('#problem').hidden`);
+        assert.match(await page.text('#problem'), /whole screen/);
+    });
 });

@@ -91,7 +91,8 @@ export class Page {
     async start(url, { width = 1280, language = 'en-GB' }) {
         for (const domain of ['Page', 'Runtime', 'Log', 'DOM']) await this.send(`${domain}.enable`);
         await this.send('Emulation.setUserAgentOverride', { userAgent: 'Mozilla/5.0', acceptLanguage: language });
-        const metrics = { width, height: 800, deviceScaleFactor: 1, mobile: false };
+        const size = { width, height: 800, screenWidth: width, screenHeight: 800 };
+        const metrics = { ...size, deviceScaleFactor: 1, mobile: false };
         if (!this.#browser.hasWindow) await this.send('Emulation.setDeviceMetricsOverride', metrics);
         await this.send('Page.navigate', { url });
         await this.until('document.readyState === "complete" && location.href !== "about:blank"');

@@ -51,6 +51,7 @@ export default {
     instruction: 'Look at the small dot in the middle of each target until it moves on. Keep your head still.',
     instructionKeys: 'Space: start · Escape: cancel',
     noFullScreen: 'The browser did not open the full screen. Permit it for this page, and start again.',
+    notWholeScreen: 'The targets do not have the whole screen. Close the developer tools of the browser, and start again.',
     leftFullScreen: 'The validation was stopped before all targets were shown. Nothing was saved. Start again when you are ready.',
     pageHidden: 'The validation was stopped, because this page was hidden. Nothing was saved. Start again.',
     lostOcela: 'The validation was stopped, because the connection to Ocela was lost. Nothing was saved. {reason}',

@@ -1,10 +1,10 @@
 // @ts-check
 import { areaOnScreen, browserScreenOf, screenCheckOf } from './calibrated_screen.js';
 import { GazeCollector } from './gaze_collector.js';
+import { Interruption } from './interruption.js';
 import { Stage } from './stage.js';
 import { inRandomOrder } from './target_order.js';
 /** @import { Condition, LiveModel, LiveSample, State } from '../shared/live_model.js' */
-/** @import { Interruption } from './interruption.js' */
 /** @import { Setup } from './setup_form.js' */
 /** @import { Target } from './target_order.js' */
 /** @import { Validation } from './validation.js' */
@@ -15,8 +15,9 @@ const arrivalMs = 400;
 const watchIntervalMs = 200;
 
 /**
- * The run stops after this many checks without new samples, about three seconds. A busy computer may delay samples for a
- * second. Checks are counted, because it may also delay the checks. Shorter losses show in the figures.
+ * The run stops after this many checks without new samples. They begin a second after the last sample, so it stops after
+ * about four seconds. A busy computer may delay samples for a second. Checks are counted, because it may also delay the
+ * checks. Shorter losses show in the figures.
  */
 const maxLostCheckCount = 15;
 
@@ -61,6 +62,7 @@ export class Run {
             await this.#stage.open();
             await this.#stage.instruct((this.#setup.distanceMm * innerWidth) / this.#setup.widthMm);
             const collector = new GazeCollector();
+            if (!this.#stage.isWholeScreen) throw new Interruption('notWholeScreen');
             this.#collector = collector;
             this.#missedBefore = this.#model.missed.samples;
             await this.#show(inRandomOrder(), collector);

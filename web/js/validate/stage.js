@@ -16,6 +16,9 @@ const travelScale = 3;
 /** The diameter of the outer circle, which holds fixation well. */
 const diameterDegrees = 0.6;
 
+/** Zoom and display scaling change the ratio of width to height by less than this share, because sizes are rounded. */
+const toleratedShape = 0.01;
+
 const centre = { x: 50, y: 50 };
 
 /**
@@ -37,6 +40,12 @@ export class Stage {
     get resolution() {
         const { innerWidth, innerHeight, devicePixelRatio } = window;
         return { widthPx: Math.round(innerWidth * devicePixelRatio), heightPx: Math.round(innerHeight * devicePixelRatio) };
+    }
+
+    /** Whether the stage has the shape of the screen. Developer tools in the same window take a part of it. */
+    get isWholeScreen() {
+        const stageShape = innerWidth / innerHeight;
+        return Math.abs(stageShape / (screen.width / screen.height) - 1) <= toleratedShape;
     }
 
     /** Fills the screen. The browser permits this only in reply to a key or a click. Throws an Interruption if it fails. */
