@@ -3,6 +3,7 @@ import { after, afterEach, beforeEach, describe, test } from 'node:test';
 import { Chromium } from './support/chromium.js';
 import { listOf } from './support/columns.js';
 import { FakeService, problem } from './support/fake_service.js';
+import { inPage } from './support/validations.js';
 
 const browser = new Chromium();
 after(() => browser.close());
@@ -158,5 +159,19 @@ describe('the validation page', () => {
         await press(page, ' ', 32);
         await page.until(`${stepIs('setup')} && !document.querySelector('#problem').hidden`);
         assert.match(await page.text('#problem'), /whole screen/);
+    });
+
+    test('keeps the result when a repetition ends early', async () => {
+        const page = await openPage();
+        await page.until(`${valueOf('#distance')} !== ''`);
+        await page.evaluate(`Promise.all([import('/js/validate/result_view.js'), ${inPage([[[0.5, 0], [0, 0.7]]], {})}])
+            .then(([{ showResult }, validation]) => showResult(validation, true))
+            .then(() => { document.documentElement.dataset.step = 'result'; })`);
+        await openStage(page, '#repeat');
+        await press(page, 'Escape', 27);
+        await page.until(`${stepIs('result')} && !document.querySelector('#problem').hidden`);
+        assert.match(await page.text('#result-title'), /P1/);
+        assert.equal(await page.evaluate('document.activeElement.id'), 'repeat');
+        assert.deepEqual(page.errors, []);
     });
 });

@@ -1,3 +1,5 @@
+import { writeExchangeFile } from '../../../web/js/shared/exchange_file.js';
+
 /** One pixel is one millimetre. */
 export const geometry = { widthMm: 1000, heightMm: 500, widthPx: 1000, heightPx: 500, distanceMm: 1000 };
 
@@ -36,3 +38,9 @@ export function validationOf(targets, change = {}) {
         ...change,
     };
 }
+
+/** Returns an expression for a promise of a validation in a page. */
+export const inPage = (targets, change) => `import('/js/shared/exchange_file.js').then(({ readExchangeFile }) => ({
+    ...${JSON.stringify(validationOf([], change))},
+    samples: readExchangeFile(new TextEncoder().encode(${JSON.stringify(writeExchangeFile(validationOf(targets).samples))})),
+}))`;

@@ -8,7 +8,7 @@ import { calibratedScreenOf } from './calibrated_screen.js';
 import { rememberValidation, startHistory } from './history_view.js';
 import { Interruption } from './interruption.js';
 import { liveChecks } from './live_checks.js';
-import { startOpening } from './open_file.js';
+import { startOpening, stopReading } from './open_file.js';
 import { hideResult, showResult, startResult } from './result_view.js';
 import { Run } from './run.js';
 import { showChecks } from './setup_checks.js';
@@ -50,32 +50,39 @@ function refresh() {
     showChecks(model, model.condition(nowMs), measured, form.setup.expectedHz);
 }
 
-/** Measures and shows the result. The set-up is shown again if the run ends early. */
+/** Measures and shows the result. If the run ends early, the page shows again what it showed before. */
 async function start() {
     if (run || !model.state) return;
-    showSetup();
-    if (!form.validate()) return;
+    if (!form.isValid()) {
+        showSetup();
+        return form.showMistake();
+    }
+    const previousStep = document.documentElement.dataset.step;
+    stopReading();
+    showProblem(null);
     run = new Run(model, model.state, form.setup);
     setStep('run');
     try {
         const validation = await run.measure();
         run = null;
-        show(validation);
+        show(validation, true);
         rememberValidation(validation);
     } catch (error) {
         run = null;
-        setStep('setup');
-        byId('start').focus();
+        setStep(previousStep === 'result' ? 'result' : 'setup');
+        byId(previousStep === 'result' ? 'repeat' : 'start').focus();
         showProblem(error instanceof Interruption ? error : { key: 'runFailed', values: { reason: String(error) } });
     }
 }
 
-/** @param {Validation} validation */
-function show(validation) {
-    if (run) return;
+/**
+ * @param {Validation} validation
+ * @param {boolean} isRepeatable
+ */
+function show(validation, isRepeatable = false) {
     showProblem(null);
     setStep('result');
-    showResult(validation);
+    showResult(validation, isRepeatable);
 }
 
 function showSetup() {

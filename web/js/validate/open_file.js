@@ -116,6 +116,11 @@ function open(validation, table) {
     showOpened(validation);
 }
 
+/** Cancels the reading of a file. A file whose screen and distance are being entered stays. */
+export function stopReading() {
+    if (!chosen?.samples) cancel();
+}
+
 function cancel() {
     worker?.terminate();
     show(null);

@@ -65,11 +65,12 @@ function connect(id, clicked) {
  * Shows a validation. Its windows must be usable; see windowsOf().
  *
  * @param {Validation} validation
+ * @param {boolean} isRepeatable whether it was measured with the values of the set-up, which Repeat uses
  */
-export function showResult(validation) {
-    const { geometry, circumstances } = validation;
+export function showResult(validation, isRepeatable) {
+    const { geometry } = validation;
     shown = { validation, table: qualityOf(validation) };
-    for (const id of ['repeat', 'calibrate-again']) byId(id).hidden = circumstances.fileName !== '';
+    for (const id of ['repeat', 'calibrate-again']) byId(id).hidden = !isRepeatable;
     byId('picture').style.aspectRatio = String(canvasAspect(geometry.widthMm / geometry.heightMm));
     byId('result').hidden = false;
     setText('copy-note', '');

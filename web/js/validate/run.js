@@ -71,7 +71,7 @@ export class Run {
             return this.#validation(repeated, collector);
         } finally {
             clearInterval(watch);
-            this.#stage.close();
+            await this.#stage.close();
         }
     }
 

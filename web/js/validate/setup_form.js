@@ -40,6 +40,7 @@ const expectedRate = inputById('expected-rate');
 
 /** The fields of the set-up. Their values are remembered when they change. */
 export class SetupForm {
+    #element = /** @type {HTMLFormElement} */ (byId('setup-form'));
     #memory = remembered();
     /** The screen whose size is in the fields. */
     #screenKey = '';
@@ -58,14 +59,19 @@ export class SetupForm {
         expectedRate.addEventListener('change', () => { this.#isRateDerived = false; });
         for (const field of [distance, usesLive, participant, session, expectedRate])
             field.addEventListener('change', () => this.#remember());
-        byId('setup-form').addEventListener('submit', event => event.preventDefault());
+        this.#element.addEventListener('submit', event => event.preventDefault());
         startCardBox(mmPerCssPx => this.#useCard(mmPerCssPx));
         onLanguage(() => this.#showSizeSource());
     }
 
-    /** Returns whether all values are usable. Otherwise shows the browser's message at the first wrong field. */
-    validate() {
-        return /** @type {HTMLFormElement} */ (byId('setup-form')).reportValidity();
+    /** Returns whether all values are usable. */
+    isValid() {
+        return this.#element.checkValidity();
+    }
+
+    /** Shows the browser's message at the first wrong field. The form must be visible. */
+    showMistake() {
+        this.#element.reportValidity();
     }
 
     /** @returns {Setup} */

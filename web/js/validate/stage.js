@@ -68,13 +68,13 @@ export class Stage {
         }
     }
 
-    /** Leaves the full screen. */
-    close() {
+    /** Leaves the full screen. Until it has been left, browsers ignore a focus on elements outside of the stage. */
+    async close() {
         this.#setPhase('end');
         this.#abort.abort();
         for (const animation of this.#target.getAnimations()) animation.cancel();
         this.#stage.hidden = true;
-        if (document.fullscreenElement) document.exitFullscreen().catch(() => {});
+        if (document.fullscreenElement) await document.exitFullscreen().catch(() => {});
     }
 
     /**
