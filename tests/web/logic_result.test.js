@@ -8,7 +8,7 @@ import { methodsText } from '../../web/js/validate/methods_text.js';
 import { qualityOf } from '../../web/js/validate/quality_of.js';
 import { drawPicture } from '../../web/js/validate/quality_picture.js';
 import { isValidationFile, readValidationFile, writeValidationFile } from '../../web/js/validate/validation_file.js';
-import { verdictOf } from '../../web/js/validate/verdict.js';
+import { defaultLimits, verdictOf } from '../../web/js/validate/verdict.js';
 import { fakeSurface } from './support/fake_context.js';
 import { geometry, validationOf } from './support/validations.js';
 
@@ -110,14 +110,14 @@ describe('JSON file', () => {
 
     for (const [name, validation] of [['both eyes', both], ['one eye', leftOnly]])
         test(`a saved validation is read unchanged: ${name}`, () => {
-            const bytes = bytesOf(`\uFEFF ${writeValidationFile(validation)}`);
+            const bytes = bytesOf(`\uFEFF ${writeValidationFile(validation, defaultLimits)}`);
             assert.ok(isValidationFile(bytes));
             assert.deepEqual(readValidationFile(bytes, 'a.json'),
                 { ...validation, circumstances: { ...validation.circumstances, fileName: 'a.json' } });
         });
 
     test('other programs find everything in it', () => {
-        const content = JSON.parse(writeValidationFile(both));
+        const content = JSON.parse(writeValidationFile(both, defaultLimits));
         assert.equal(content.time, '2026-01-02T03:04:05.000Z');
         assert.deepEqual(content.targets, [{ targetId: 0, x: 0, y: 0 }, { targetId: 1, x: 0, y: 0 }]);
         assert.deepEqual(content.samples.right_x.slice(0, 4), [null, null, null, null]);
@@ -125,6 +125,7 @@ describe('JSON file', () => {
         near(left.mean.accuracy.offset, 0.75);
         assert.deepEqual([right.name, right.targets[0].targetId, right.targets[0].quality.accuracy], ['right', 0, null]);
     });
+        assert.deepEqual([content.limits, content.verdict.level], [defaultLimits, 'bad']);
 
     for (const [name, change, key, part] of [
         ['cut off', text => text.slice(0, -10), 'brokenJson'],
@@ -145,7 +146,7 @@ describe('JSON file', () => {
             'damagedValidation', 'samples.target_id'],
     ])
         test(`refused: ${name}`, () => {
-            const text = writeValidationFile(both);
+            const text = writeValidationFile(both, defaultLimits);
             const bytes = bytesOf(change(name === 'cut off' ? text : JSON.parse(text)));
             assert.throws(() => readValidationFile(bytes, 'a.json'), error => {
                 assert.ok(error instanceof FileError, error.stack);

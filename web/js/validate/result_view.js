@@ -39,7 +39,7 @@ export function startResult({ repeat, calibrateAgain }) {
     connect('repeat', repeat);
     connect('calibrate-again', calibrateAgain);
     connect('save-tsv', () => shown && saveTsv(shown.validation));
-    connect('save-json', () => shown && saveJson(shown.validation));
+    connect('save-json', () => shown && saveJson(shown.validation, currentLimits()));
     connect('save-png', savePng);
     connect('print', () => print());
     connect('copy-methods', copyMethods);

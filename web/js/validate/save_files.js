@@ -4,6 +4,7 @@ import { writeExchangeFile } from '../shared/exchange_file.js';
 import { fileNameOf } from './file_names.js';
 import { writeValidationFile } from './validation_file.js';
 /** @import { Validation } from './validation.js' */
+/** @import { Limits } from './verdict.js' */
 
 /**
  * Saves the samples in the exchange format.
@@ -19,8 +20,9 @@ export function saveTsv(validation) {
  * Saves everything about a validation.
  *
  * @param {Validation} validation
+ * @param {Limits} limits
  */
-export function saveJson(validation) {
-    const content = new Blob([writeValidationFile(validation)], { type: 'application/json' });
+export function saveJson(validation, limits) {
+    const content = new Blob([writeValidationFile(validation, limits)], { type: 'application/json' });
     download(content, `${fileNameOf(validation)}.json`);
 }

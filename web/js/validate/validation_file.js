@@ -3,9 +3,11 @@
 import { windowsOf } from '../shared/exchange_file.js';
 import { FileError } from '../shared/file_error.js';
 import { qualityOf } from './quality_of.js';
+import { verdictOf } from './verdict.js';
 /** @import { Geometry } from '../shared/data_quality.js' */
 /** @import { ExchangeSamples, EyeGaze } from '../shared/exchange_file.js' */
 /** @import { Circumstances, Validation } from './validation.js' */
+/** @import { Limits } from './verdict.js' */
 
 const format = 'Ocela validation';
 
@@ -22,12 +24,13 @@ const geometryKeys = /** @type {const} */ (['widthMm', 'heightMm', 'widthPx', 'h
  * Returns the text of a file. Missing values are null. Positions are in pixels from the screen's centre.
  *
  * @param {Validation} validation
+ * @param {Limits} limits
  */
-export function writeValidationFile(validation) {
+export function writeValidationFile(validation, limits) {
     const { samples, time, ...facts } = validation;
     return JSON.stringify({
         format, version, time: new Date(time).toISOString(), ...facts, targets: targetsOf(samples),
-        quality: qualityOf(validation), samples: columnsOf(samples),
+        quality, limits, verdict: verdictOf(quality, limits), samples: columnsOf(samples),
     });
 }
 
