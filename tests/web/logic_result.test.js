@@ -31,6 +31,7 @@ describe('verdict', () => {
         test(name, () => {
             const verdict = verdictOf(qualityOf(validationOf(targets, { expectedHz })), limits);
             assert.deepEqual([verdict.level, verdict.unmeasured], [level, unmeasured]);
+            assert.equal(verdict.figures[1].isAtNominalRate, expectedHz === 200);
             verdict.figures.forEach(({ value, targets: exceeding, isExceeded, limit }, i) => {
                 const [expected, ids] = [accuracy, loss][i];
                 if (!Number.isNaN(expected)) near(value, expected);
@@ -124,8 +125,8 @@ describe('JSON file', () => {
         const [left, right] = content.quality.gazes;
         near(left.mean.accuracy.offset, 0.75);
         assert.deepEqual([right.name, right.targets[0].targetId, right.targets[0].quality.accuracy], ['right', 0, null]);
-    });
         assert.deepEqual([content.limits, content.verdict.level], [defaultLimits, 'bad']);
+    });
 
     for (const [name, change, key, part] of [
         ['cut off', text => text.slice(0, -10), 'brokenJson'],
@@ -134,10 +135,10 @@ describe('JSON file', () => {
         ['of a later version', content => ({ ...content, version: 2 }), 'laterVersion'],
         ['without distance', content => ({ ...content, geometry: { ...geometry, distanceMm: 0 } }), 'damagedValidation',
             'geometry.distanceMm'],
-        ['with a wrong time', content => ({ ...content, time: 'yesterday' }), 'damagedValidation', 'time'],
-        ['without samples', content => ({ ...content, samples: undefined }), 'damagedValidation', 'samples.timestamp'],
         ['with a length as text', content => ({ ...content, geometry: { ...geometry, widthMm: '1000' } }), 'damagedValidation',
             'geometry.widthMm'],
+        ['with a wrong time', content => ({ ...content, time: 'yesterday' }), 'damagedValidation', 'time'],
+        ['without samples', content => ({ ...content, samples: undefined }), 'damagedValidation', 'samples.timestamp'],
         ['with a shorter column', ({ samples, ...content }) => ({ ...content, samples: { ...samples, left_y: [1] } }),
             'damagedValidation', 'samples.left_y'],
         ['with a text', ({ samples, ...content }) => ({ ...content, samples: { ...samples, tar_x: Array(8).fill('1') } }),

@@ -2,7 +2,6 @@
 import { measureCells, measureNames } from '../shared/quality_columns.js';
 import { meanQuality } from '../shared/quality_table.js';
 import { qualityOf } from './quality_of.js';
-import { dataLossOf } from './verdict.js';
 /** @import { DataQuality } from '../shared/data_quality.js' */
 /** @import { GazeName } from '../shared/quality_table.js' */
 /** @import { Validation } from './validation.js' */
@@ -95,7 +94,8 @@ export function figuresOf({ gazes }) {
         rightAccuracy: right?.accuracy?.offset ?? NaN,
         rmsS2s: both.rmsS2s.total,
         std: both.std.total,
-        dataLossPercent: dataLossOf(both),
+        dataLossPercent: both.dataLossPercent,
+        dataLossFromExpectedPercent: both.dataLossFromExpectedPercent,
     };
 }
 

@@ -23,7 +23,8 @@ let openValidation = () => {};
 /** @type {[FigureName, number, TextKey][]} The figures with their decimals and the headings of their columns. */
 const figureColumns = [
     ['leftAccuracy', 2, 'columnLeftAccuracy'], ['rightAccuracy', 2, 'columnRightAccuracy'], ['rmsS2s', 3, 'columnMeanRms'],
-    ['std', 3, 'columnMeanStd'], ['dataLossPercent', 1, 'columnMeanLoss'],
+    ['std', 3, 'columnMeanStd'], ['dataLossPercent', 1, 'columnLoss'],
+    ['dataLossFromExpectedPercent', 1, 'columnExpectedLoss'],
 ];
 const figureKeys = figureColumns.map(([, , key]) => key);
 

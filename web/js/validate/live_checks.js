@@ -28,7 +28,7 @@ const nominalRates = [30, 50, 60, 90, 100, 120, 150, 180, 200, 240, 250, 300, 50
 const mmPerCm = 10;
 
 /**
- * Returns what the last samples say about the participant and the tracker. A value that is not known is NaN.
+ * Returns the valid share of each eye, the distance and the sample rate in the last samples. A value that is not known is NaN.
  *
  * @param {SampleColumns} columns
  * @param {number} nowMs in the columns' time
@@ -66,7 +66,8 @@ function distanceOf(distancesCm) {
  * Returns the likely nominal sample rate of a tracker, or NaN. It is the family's lowest rate that is not clearly below the
  * measured one, because samples get lost and never added. Without such a rate, it is the nearest common one.
  *
- * @param {number} rateHz
+ * @param {number} rateHz the measured rate
+ * @param {string} trackerName
  */
 export function nominalRateOf(rateHz, trackerName) {
     const familyRate = familyRates[trackerName]?.find(nominal => rateHz <= nominal * (1 + maxNominalDifference));

@@ -3,7 +3,6 @@ import { number, quantity, text } from '../shared/language.js';
 import { canvasAspect } from '../shared/screen.js';
 import { drawPicture } from './quality_picture.js';
 import { factsOf, legendOf, titleOf } from './result_texts.js';
-import { dataLossOf } from './verdict.js';
 import { headlineOf } from './verdict_texts.js';
 /** @import { Palette } from '../shared/canvas.js' */
 /** @import { GazeQuality } from '../shared/quality_table.js' */
@@ -62,7 +61,9 @@ function figuresOf({ name, mean }) {
         text('pngAccuracy', { value: accuracy ? degrees(accuracy.offset) : text('notEnoughData') }),
         `RMS-S2S ${degrees(rmsS2s.total)}`, `STD ${degrees(std.total)}`,
         text('pngBcea', { value: Number.isFinite(bcea.area) ? number(bcea.area, 3) : text('unknown') }),
-        text('pngLoss', { value: quantity('percent', dataLossOf(mean), 1) }),
+        text('pngLoss', { value: quantity('percent', mean.dataLossPercent, 1) }),
     ];
+    if (Number.isFinite(mean.dataLossFromExpectedPercent))
+        figures.push(text('pngExpectedLoss', { value: quantity('percent', mean.dataLossFromExpectedPercent, 1) }));
     return `${text(labels[name])}: ${figures.join('  ·  ')}`;
 }

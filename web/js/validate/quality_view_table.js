@@ -68,7 +68,7 @@ export function tableParts({ gazes, mean }, limits) {
     const hasExpectedLoss = Number.isFinite(mean.dataLossFromExpectedPercent);
     const shown = columns.filter(({ name }) => hasExpectedLoss || name !== 'dataLossFromExpected');
     const summary = gazes.map(gaze => rowOf(shown, limits, gaze.name, 'mean', gaze.mean));
-    // The mean of one eye is the eye.
+    // With one eye only, the mean over the eyes would repeat its row.
     if (gazes.length > 1) summary.push(rowOf(shown, limits, 'mean', 'mean', mean));
     const windows = gazes[0].targets.map(({ targetId }, i) => ({ targetId, i })).sort((a, b) => a.targetId - b.targetId);
     const bodies = windows.map(({ targetId, i }) => bodyOf(text('target', { id: number(targetId) }),

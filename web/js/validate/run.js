@@ -61,8 +61,8 @@ export class Run {
         try {
             await this.#stage.open();
             await this.#stage.instruct((this.#setup.distanceMm * innerWidth) / this.#setup.widthMm);
-            const collector = new GazeCollector();
             if (!this.#stage.isWholeScreen) throw new Interruption('notWholeScreen');
+            const collector = new GazeCollector();
             this.#collector = collector;
             this.#missedBefore = this.#model.missed.samples;
             await this.#show(inRandomOrder(), collector);
@@ -88,7 +88,7 @@ export class Run {
         if (targets.length > 0) await this.#stage.pause(arrivalMs);
     }
 
-    /** Stops the run when its result would be worthless. */
+    /** Stops the run when the tracker, the calibration or the area changes, or when the samples stop. */
     #watch() {
         const { state } = this.#model;
         if (state?.run !== this.#state.run || state.tracker?.name !== this.#state.tracker?.name)

@@ -28,6 +28,7 @@ const geometryKeys = /** @type {const} */ (['widthMm', 'heightMm', 'widthPx', 'h
  */
 export function writeValidationFile(validation, limits) {
     const { samples, time, ...facts } = validation;
+    const quality = qualityOf(validation);
     return JSON.stringify({
         format, version, time: new Date(time).toISOString(), ...facts, targets: targetsOf(samples),
         quality, limits, verdict: verdictOf(quality, limits), samples: columnsOf(samples),
@@ -88,15 +89,15 @@ export function readValidationFile(bytes, fileName) {
     };
 }
 
-/**
- * @param {any} value
- * @returns {Circumstances}
- */
 /** @param {any} value */
 function isLength(value) {
     return Number.isFinite(value) && value >= 1 && value <= maxGeometry;
 }
 
+/**
+ * @param {any} value
+ * @returns {Circumstances}
+ */
 function circumstancesOf(value) {
     const { screenCheck, repeatedTargets, missedCount, isRightEyeCrossed } = value ?? {};
     check('circumstances', ['match', 'otherScreen', 'unknown'].includes(screenCheck) && Array.isArray(repeatedTargets)

@@ -11,18 +11,19 @@ import { meanQuality } from '../shared/quality_table.js';
 
 /**
  * The mean of a measure over the eyes and targets, the eyes whose own means exceed the limit, and the ids of the targets at
- * which the mean over the eyes exceeds the limit.
+ * which the mean over the eyes exceeds the limit. `isAtNominalRate` means that the value is the loss at the nominal rate.
  *
  * @typedef {{ name: 'left' | 'right', value: number }} ExceedingEye
  * @typedef {{
- *     measure: LimitedMeasure, value: number, limit: number, isExceeded: boolean, eyes: ExceedingEye[], targets: number[],
+ *     measure: LimitedMeasure, isAtNominalRate: boolean, value: number, limit: number, isExceeded: boolean,
+ *     eyes: ExceedingEye[], targets: number[],
  * }} Figure
  */
 
 /**
  * `partly` means that the mean values are within the limits, but that an eye or a target exceeds a limit, or that a
- * target lacks data. `unknown`
- * means that no target has enough data. `unmeasured` are the ids of the targets at which an eye has not enough data.
+ * target lacks data. `unknown` means that no target has enough data. `unmeasured` are the ids of the targets at which an
+ * eye has not enough data.
  *
  * @typedef {{ level: 'good' | 'partly' | 'bad' | 'unknown', figures: Figure[], unmeasured: number[] }} Verdict
  */
@@ -38,7 +39,7 @@ const valueOf = { accuracy: ({ accuracy }) => accuracy?.offset ?? NaN, dataLoss:
  *
  * @param {DataQuality} quality
  */
-export function dataLossOf({ dataLossPercent, dataLossFromExpectedPercent }) {
+function dataLossOf({ dataLossPercent, dataLossFromExpectedPercent }) {
     return dataLossFromExpectedPercent > dataLossPercent ? dataLossFromExpectedPercent : dataLossPercent;
 }
 
@@ -55,6 +56,7 @@ export function verdictOf({ gazes, mean }, limits) {
         ({ targetId, quality: meanQuality(eyes.map(({ targets }) => targets[i].quality)) }));
     const figures = /** @type {LimitedMeasure[]} */ (['accuracy', 'dataLoss']).map(measure => ({
         measure,
+        isAtNominalRate: measure === 'dataLoss' && mean.dataLossFromExpectedPercent > mean.dataLossPercent,
         value: valueOf[measure](mean),
         limit: limits[measure],
         isExceeded: valueOf[measure](mean) > limits[measure],

@@ -6,13 +6,17 @@ import { number, quantity, text } from '../shared/language.js';
 /** @type {Record<Verdict['level'], TextKey>} */
 const headlines = { good: 'verdictGood', partly: 'verdictPartly', bad: 'verdictBad', unknown: 'verdictUnknown' };
 
-/** @type {Record<LimitedMeasure, { unit: TextKey, decimals: number, within: TextKey, exceeded: TextKey, advice: TextKey }>} */
+/** @type {Record<LimitedMeasure | 'expectedLoss', { unit: TextKey, decimals: number, within: TextKey, exceeded: TextKey, advice: TextKey }>} */
 const figureTexts = {
     accuracy: {
         unit: 'degrees', decimals: 2, within: 'accuracyWithin', exceeded: 'accuracyExceeded', advice: 'accuracyAdvice',
     },
     dataLoss: {
         unit: 'percent', decimals: 1, within: 'dataLossWithin', exceeded: 'dataLossExceeded', advice: 'dataLossAdvice',
+    },
+    expectedLoss: {
+        unit: 'percent', decimals: 1, within: 'expectedLossWithin', exceeded: 'expectedLossExceeded',
+        advice: 'expectedLossAdvice',
     },
 };
 
@@ -37,8 +41,8 @@ export function reasonsOf({ figures, unmeasured }) {
 }
 
 /** @param {Figure} figure */
-function figureReason({ measure, value, limit, isExceeded, eyes, targets }) {
-    const { unit, decimals, within, exceeded, advice } = figureTexts[measure];
+function figureReason({ measure, isAtNominalRate, value, limit, isExceeded, eyes, targets }) {
+    const { unit, decimals, within, exceeded, advice } = figureTexts[isAtNominalRate ? 'expectedLoss' : measure];
     const parts = [text(isExceeded ? exceeded : within, {
         value: quantity(unit, value, decimals), limit: quantity(unit, limit, decimals),
     })];
