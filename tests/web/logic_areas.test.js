@@ -169,22 +169,30 @@ test('the browser keeps the areas of the last 50 records', () => {
             stored.set(key, value);
         },
     };
-    const viewOf = (fileName, length, areas = []) => ({ fileName, aspect: 1.6, columns: { length }, areaList: new AreaList(areas) });
+    const viewOf = (fileName, length, areas = [], folder = null) => (
+        { fileName, aspect: 1.6, columns: { length }, areaList: new AreaList(areas), folder });
     const keep = (...record) => keepAreas(viewOf(...record));
     for (let i = 0; i < 50; ++i) assert.ok(keep(`${i}.csv`, 100, [{ ...rectangle, name: `${i}` }]));
     // Records without areas take no room.
     for (const name of ['a.csv', 'b.csv', 'c.csv']) assert.ok(keep(name, 100));
     assert.ok(keep('0.csv', 100, [ellipse]));
     assert.ok(keep('0.csv', 200, [rectangle, ellipse]));
-    const kept = (...record) => keptAreas(viewOf(...record))?.map(({ name }) => name).join() ?? null;
+    const kept = (...record) => keptAreas(viewOf(...record))?.areas.map(({ name }) => name).join() ?? null;
     assert.deepEqual([kept('0.csv', 100), kept('0.csv', 200), kept('1.csv', 100), kept('2.csv', 100)], ['B', 'A,B', null, '2']);
     keep('0.csv', 100);
     assert.equal(kept('0.csv', 100), null);
+    // The base is the content of the saved areas, from which these were changed.
+    for (const [folder, areas, expected] of [
+        [null, [ellipse], null], [{ areas: null }, [ellipse], null], [{ areas: 'saved' }, [ellipse], 'saved'], [{ areas: 'saved' }, [], 'saved'],
+    ]) {
+        keep('0.csv', 100, areas, folder);
+        assert.equal(keptAreas(viewOf('0.csv', 100)).base, expected);
+    }
 
     isFull = true;
     assert.ok(!keep('3.csv', 100, [ellipse]));
     assert.equal(kept('3.csv', 100), '3');
-    for (const junk of ['{', 'null', '[["3.csv 100", "{}"], 7, ["3.csv 100"]]']) {
+    for (const junk of ['{', 'null', '[["3.csv 100", "{}", null], 7, ["3.csv 100"]]']) {
         stored.set('areas', junk);
         assert.equal(kept('3.csv', 100), null);
     }

@@ -154,22 +154,30 @@ test('areas are saved beside a recording of the records folder, and shown with i
 
     // The browser has kept the second area, which is not saved.
     const second = await open();
-    await untilNote(second, 'This browser has kept these areas. They are not saved yet.');
     await second.until(`${areaCount} === 2`);
+    assert.equal(await second.text('#areas-note'), 'This browser has kept these areas. They are not saved yet.');
     writeFileSync(areasFile, readFileSync(areasFile, 'utf8').replace('Area 1', 'Of somebody else'));
     await second.evaluate(refuse);
     await second.click('#areas-save');
     await second.until("window.question?.startsWith('“with areas_areas.json” has changed')");
     assert.equal(savedNames(), 'Of somebody else');
-    await second.evaluate('window.confirm = () => true');
-    await second.click('#areas-save');
-    await untilNote(second, '“with areas_areas.json” is saved');
+    // The same after the page was closed, because the browser has kept areas that are based on the earlier content.
+    const reopened = await open();
+    await untilNote(reopened, 'This browser has kept these areas. They are not saved yet. They are not based on the current file');
+    await reopened.until(`${areaCount} === 2`);
+    await reopened.evaluate(refuse);
+    await reopened.click('#areas-save');
+    await reopened.until("window.question?.startsWith('“with areas_areas.json” has changed')");
+    assert.equal(savedNames(), 'Of somebody else');
+    await reopened.evaluate('window.confirm = () => true');
+    await reopened.click('#areas-save');
+    await untilNote(reopened, '“with areas_areas.json” is saved');
     assert.equal(savedNames(), 'Area 1,Area 2');
-    await second.evaluate("localStorage.removeItem('areas')");
-    await second.click('#areas-clear');
-    await second.until(`${areaCount} === 0`);
-    await second.click('#areas-save');
-    await second.until(`!document.querySelector('#areas-save').hidden && localStorage.getItem('areas') === '[]'`);
+    await reopened.evaluate("localStorage.removeItem('areas')");
+    await reopened.click('#areas-clear');
+    await reopened.until(`${areaCount} === 0`);
+    await reopened.click('#areas-save');
+    await reopened.until(`!document.querySelector('#areas-save').hidden && localStorage.getItem('areas') === '[]'`);
     assert.equal(savedNames(), '');
 
     writeFileSync(areasFile, 'damaged');
@@ -183,7 +191,7 @@ test('areas are saved beside a recording of the records folder, and shown with i
     rmSync(name);
     await third.click('#areas-save');
     await untilNote(third, 'Cannot save “with areas_areas.json”. The records folder has no record file of this name.');
-    assert.deepEqual([...page.errors, ...second.errors, ...third.errors], []);
+    assert.deepEqual([...page.errors, ...second.errors, ...reopened.errors, ...third.errors], []);
 });
 
 test('the intervals between markers are shown, chosen and saved', async () => {

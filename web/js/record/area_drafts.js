@@ -8,7 +8,12 @@ const storageKey = 'areas';
 /** The areas of the record files that were changed least recently are dropped. */
 const maxRecordCount = 50;
 
-/** The contents of areas files by record, the least recently changed one first. @typedef {[record: string, content: string][]} Drafts */
+/**
+ * The contents of areas files by record, the least recently changed one first. `base` is the content of the file in the records
+ * folder from which the areas were changed, or null if there was none.
+ *
+ * @typedef {[record: string, content: string, base: string | null][]} Drafts
+ */
 
 /**
  * Record files of different folders may have the same name.
@@ -27,22 +32,22 @@ function keyOf({ fileName, columns }) {
 function drafts() {
     try {
         const stored = JSON.parse(localStorage.getItem(storageKey) ?? '[]');
-        return Array.isArray(stored) ? stored.filter(entry => Array.isArray(entry) && entry.length === 2) : [];
+        return Array.isArray(stored) ? stored.filter(entry => Array.isArray(entry) && entry.length === 3) : [];
     } catch {
         return [];
     }
 }
 
 /**
- * Returns the areas that the browser keeps for a record file, or null if it keeps none.
+ * Returns the areas that the browser keeps for a record file, and their base, or null if it keeps none.
  *
  * @param {RecordView} view
- * @returns {Area[] | null}
+ * @returns {{ areas: Area[], base: string | null } | null}
  */
 export function keptAreas(view) {
     const draft = drafts().find(([record]) => record === keyOf(view));
     try {
-        return draft ? readAreasFile(draft[1]).areas : null;
+        return draft ? { areas: readAreasFile(draft[1]).areas, base: draft[2] } : null;
     } catch {
         return null;
     }
@@ -57,7 +62,7 @@ export function keepAreas(view) {
     const { areaList: { areas }, folder, fileName, aspect } = view;
     const kept = others(view);
     // An empty list differs from the areas that are saved beside the record file.
-    if (areas.length > 0 || folder?.areas) kept.push([keyOf(view), writeAreasFile(areas, fileName, aspect)]);
+    if (areas.length > 0 || folder?.areas) kept.push([keyOf(view), writeAreasFile(areas, fileName, aspect), folder?.areas ?? null]);
     return store(kept);
 }
 

@@ -87,10 +87,25 @@ export function openAreas(view, file, folder) {
     clearAreaTable();
     view.folder = folder;
     const kept = keptAreas(view);
-    view.areaList = new AreaList(kept ?? []);
-    message = () => (kept ? text(folder ? 'areasUnsaved' : 'areasKept') : '');
+    view.areaList = new AreaList(kept?.areas ?? []);
+    message = () => (kept ? text('areasKept') : '');
+    if (folder && kept) continueFrom(view, folder, kept.base);
     if (file) readAreas(view, file);
     else if (folder?.areas && !kept) showSavedAreas(view, folder, folder.areas);
+}
+
+/**
+ * Continues with areas that are not saved yet. Saving them asks first if the areas file is no longer the one on which they are
+ * based.
+ *
+ * @param {RecordView} view
+ * @param {FolderAreas} folder with the current content of the areas file
+ * @param {string | null} base
+ */
+function continueFrom(view, folder, base) {
+    const isChanged = folder.areas !== null && folder.areas !== base;
+    folder.areas = base;
+    message = () => text(isChanged ? 'areasOutdated' : 'areasUnsaved', { name: areasNameOf(view) });
 }
 
 /**
@@ -230,6 +245,7 @@ async function saveInFolder(view, folder, content) {
         await saveAreas(fileName, content);
         folder.areas = content;
         if (view.areaList.areas === areas) forgetAreas(view);
+        else keepAreas(view);
     } catch (error) {
         const reason = /** @type {Error} */ (error).message;
         outcome = () => text('areasNotSaved', { name, reason });

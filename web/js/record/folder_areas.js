@@ -6,8 +6,8 @@ import { addressOf, reasonOf } from '../shared/api.js';
 const timeoutMs = 15000;
 
 /**
- * What the page knows about the records folder from which it has opened a record file: the content of the areas file when the
- * page has read or saved it last, or null if there was none, or none that could be read.
+ * What the page knows about the records folder from which it has opened a record file: the content of the areas file on which
+ * the shown areas are based, or null if there was none, or none that could be read. After saving, it is the saved content.
  *
  * @typedef {{ areas: string | null }} FolderAreas
  */

@@ -35,6 +35,7 @@ export default {
 
     areasKept: 'This browser has kept these areas.',
     areasUnsaved: 'This browser has kept these areas. They are not saved yet.',
+    areasOutdated: 'This browser has kept these areas. They are not saved yet. They are not based on the current file “{name}” in the records folder. “Save areas” asks before it replaces that file.',
     areasFromFolder: 'Areas from “{name}” in the records folder: {count}.',
     areasNotKept: 'The browser does not keep these areas. Save them before you close the page.',
     areasOpened: 'Areas from “{name}”: {count}. “Undo” brings back the previous ones.',
