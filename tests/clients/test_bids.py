@@ -232,11 +232,26 @@ class TestBids(unittest.TestCase):
             with self.subTest(case["name"]):
                 samples = [[math.nan if value is None else value for value in values]
                            for count, *values in case["samples"] for _ in range(count)]
-                write_record(self.record, [row((50, 25, 3), (r_x, r_y, 3), (x, y)) for x, y, r_x, r_y in samples])
+                write_record(self.record, [row((50, 25, 3), (r_x, r_y, 3), (x, y)) for x, y, r_x, r_y in samples],
+                             tracker=None)
                 self.export(subject=str(number))
                 r_x, r_y = samples[0][3:1:-1] if case["crossed"] else samples[0][2:]
                 found = self.read().eye(2, f"sub-{number}_task-reading")[0][0][:2]
                 self.assertEqual(found, [f"{r_x * 19.2:.2f}", f"{r_y * 10.8:.2f}"])
+
+    def test_crossed_eye_of_a_known_tracker(self):
+        central, crossed = [(50, 50, 52, 48)] * 40, [(70, 20, 20, 70)] * 40
+        # tracker, samples from which the rule would decide wrongly, expected order of the axes
+        cases = (("gazepoint", central, -1), ("gazepoint", crossed[:29], -1), ("eyetech", crossed, 1),
+                 ("aSee Pro", crossed, 1))
+        for number, (tracker, samples, order) in enumerate(cases):
+            with self.subTest(tracker, number=number):
+                write_record(self.record, [row((50, 25, 3), (r_x, r_y, 3), (x, y)) for x, y, r_x, r_y in samples],
+                             tracker=tracker)
+                self.export(subject=str(number))
+                x, y = samples[0][2:][::order]
+                found = self.read().eye(2, f"sub-{number}_task-reading")[0][0][:2]
+                self.assertEqual(found, [f"{x * 19.2:.2f}", f"{y * 10.8:.2f}"])
 
     def test_markers(self):
         texts = {'Stimulus "A", left': 'Stimulus "A", left', "two\r\nlines\tand a tab": "two lines and a tab",

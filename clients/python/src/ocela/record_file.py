@@ -23,6 +23,9 @@ DESCRIPTION_FORMAT = 1
 # An interval between samples that is this many times the median is an interruption.
 INTERRUPTION_RATIO = 5
 
+# Whether a tracker exchanges the axes of the right eye. For other trackers, the data decide.
+EXCHANGES_RIGHT_EYE: Mapping[Optional[str], bool] = {"eyetech": False, "gazepoint": True, "aSee Pro": False}
+
 # A pixel column is the percentage times the size, truncated. The percentage is a rounded single-precision number.
 PIXEL_TOLERANCE = 0.01
 T = TypeVar("T")
@@ -224,7 +227,7 @@ def _read_rows(record: Record, flags: List[Tuple[bool, bool]]) -> array[float]:
         record.right.append(right)
         record.combined.append((x, y, math.nan))
         timestamps_ms.append(timestamp)
-    if right_axes.crossed:
+    if EXCHANGES_RIGHT_EYE.get(record.tracker, right_axes.crossed):
         record.right.x, record.right.y = record.right.y, record.right.x
     if width.size and height.size:
         record.size_px = (width.size, height.size)
