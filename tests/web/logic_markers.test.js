@@ -75,6 +75,8 @@ describe('a marker is at', () => {
         ['its row, in a file without timestamps', set(999, 10), { timeless: true }, 210, 20],
         ['its row, after the clock was set back', set(999, 58), { setBackLine: 3 }, 585, 60],
         ['its row, the last one', set(999, 59), { setBackLine: 3 }, 590, 60],
+        ['its row, after the clock was set forward', set(104, 42), { hasGap: true }, 425, 60],
+        ['its onset, if that is between its row and the next one', set(427, 42), { hasGap: true }, 427, 60],
         ['its onset, if it has no row', set(50, NaN), { timeless: true }, 50, 20],
     ])
         test(name, () => {

@@ -46,19 +46,22 @@ test('decimal numbers', () => {
 
 describe('record file', () => {
     const complete = header + row(1000) + row(1010);
-    for (const [name, text, times, cutOffLine, setBackLine] of [
+    for (const [name, text, times, cutOffLine, setBackLine, hasGap = false] of [
         ['as Ocela writes it', complete, [0, 10], 0, 0],
         ['with LF and a byte order mark', `\uFEFF${complete.replaceAll('\r', '')}`, [0, 10], 0, 0],
         ['without the last line end', complete.trimEnd(), [0, 10], 0, 0],
         ['with an empty line at the end', `${complete}\r\n`, [0, 10], 0, 0],
         ['that is truncated', complete + row(1020).slice(0, -40), [0, 10], 4, 0],
         ['whose clock was set back', header + row(5000) + row(5010) + row(200) + row(210), [0, 10, 10, 20], 0, 4],
+        ['whose clock may have been set forward', header + row(5000) + row(5100) + row(5110), [0, 100, 110], 0, 0, true],
+        ['with an interval that is too short for that', header + row(5000) + row(5099), [0, 99], 0, 0],
     ])
         test(name, () => {
             for (const pieceBytes of [1, 7, 1 << 20]) {
                 const record = read(text, pieceBytes);
                 const { x, leftPupil, distance } = record.columns;
-                assert.deepEqual([timesOf(record), record.cutOffLine, record.setBackLine], [times, cutOffLine, setBackLine]);
+                const { setBackLine: foundLine, hasGap: foundGap } = record;
+                assert.deepEqual([timesOf(record), record.cutOffLine, foundLine, foundGap], [times, cutOffLine, setBackLine, hasGap]);
                 assert.deepEqual([x[1], leftPupil[1], distance[1]], [50, 3.5, NaN]);
             }
         });
@@ -125,6 +128,8 @@ describe('samples file', () => {
         ['gives times to a record without timestamps', timeless, samplesHeader + arrivals.join(''), [0, 10.5, 10.5, 76.544]],
         ['replaces timestamps of a clock that was set back', header + row(50) + row(60) + row(20) + row(30),
             samplesHeader + arrivals.join(''), [0, 10.5, 10.5, 76.544]],
+        ['replaces timestamps of a clock that was set forward', header + row(50) + row(60060) + row(60070) + row(60080),
+            samplesHeader + arrivals.join(''), [0, 10.5, 10.5, 76.544]],
         ['has more rows than a record file that is cut off', timeless.slice(0, -40), samplesHeader + arrivals.join(''),
             [0, 10.5, 10.5]],
         ['of many samples', header + row(0).repeat(3000),
@@ -133,7 +138,7 @@ describe('samples file', () => {
         test(name, () => {
             const view = readBoth(record, samples);
             timesOf(view).forEach((time, i) => assert.ok(Math.abs(time - times[i]) < 1e-3, `${time} ${i}`));
-            assert.deepEqual([view.columns.length, view.timeless, view.file.setBackLine], [times.length, false, 0]);
+            assert.deepEqual([view.columns.length, view.timeless, view.file.setBackLine, view.placesMarkersByRow], [times.length, false, 0, false]);
         });
 
     for (const [name, samples, key, line] of [

@@ -37,6 +37,7 @@ export class ArrivalTimes {
         for (let i = 0; i < columns.length; ++i) columns.time[i] = this.#times[i] - this.#times[0];
         content.timeless = false;
         content.setBackLine = 0;
+        content.hasGap = false;
     }
 
     #grow() {

@@ -9,6 +9,9 @@
  * @typedef {{ timeMs: number, text: string, x: number, y: number }} PlacedMarker
  */
 
+/** Timestamps are whole numbers of milliseconds. */
+const timestampToleranceMs = 1;
+
 /** A gaze that is further from the marker does not tell where the person looked. */
 const maxGazeDistanceMs = 100;
 
@@ -17,26 +20,29 @@ const maxGazeDistanceMs = 100;
  *
  * @param {Marker[]} markers
  * @param {SampleColumns} columns
- * @param {boolean} byRow whether the times of the samples are not their times of arrival. A marker is then shown after the
- *     sample at which it was set
+ * @param {boolean} byRow whether the times of the samples may not be their times of arrival. A marker is then shown between the
+ *     sample that was the newest one when the marker was set, and the next one
  * @returns {PlacedMarker[]}
  */
 export function placeMarkers(markers, columns, byRow) {
     const placed = markers.map(({ onsetMs, text, row }) => {
-        const timeMs = byRow && row < columns.length ? timeAfterRow(columns, row) : onsetMs;
+        const timeMs = byRow && row < columns.length ? timeAfterRow(columns, row, onsetMs) : onsetMs;
         return { timeMs, text, ...gazeAt(columns, timeMs) };
     });
     return placed.sort((a, b) => a.timeMs - b.timeMs);
 }
 
 /**
- * Returns the time in the middle between a sample and the next one.
+ * Returns the onset if it is between a sample and the next one, otherwise the time in the middle between them.
  *
  * @param {SampleColumns} columns
  * @param {number} row
+ * @param {number} onsetMs
  */
-function timeAfterRow({ time, length }, row) {
-    return (time[row] + time[Math.min(row + 1, length - 1)]) / 2;
+function timeAfterRow({ time, length }, row, onsetMs) {
+    const [fromMs, toMs] = [time[row], time[Math.min(row + 1, length - 1)]];
+    const isBetween = onsetMs >= fromMs - timestampToleranceMs && onsetMs <= toMs + timestampToleranceMs;
+    return isBetween ? onsetMs : (fromMs + toMs) / 2;
 }
 
 /**

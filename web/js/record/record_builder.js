@@ -16,9 +16,13 @@ import { headers } from './record_parser.js';
  * @property {number} aspect the screen's width divided by its height
  * @property {{ width: number, height: number }} areaPx the size of the calibrated area; NaN if it is unknown
  * @property {number} setBackLine the line at which the clock was first set back; 0 if it never was
+ * @property {boolean} hasGap whether samples are so far apart that the clock may have been set forward between them
  */
 
 const maxAspectSampleCount = 1000;
+
+/** A time service corrects a smaller error of the clock gradually. Ocela uses the same limit. */
+const minClockStepMs = 100;
 
 /** The columns of the file that are used, with the API's names for them. */
 const keyOf = {
@@ -52,6 +56,7 @@ export class RecordBuilder {
     #lastMs = NaN;
     #shiftMs = 0;
     #setBackLine = 0;
+    #hasGap = false;
 
     /**
      * @param {Float64Array} cells
@@ -73,7 +78,8 @@ export class RecordBuilder {
         const timeless = columns.length > 1 && columns.time[columns.length - 1] === columns.time[0];
         const samples = this.#aspectSamples;
         return {
-            columns, crossed, timeless, aspect: aspectOf(samples), areaPx: areaPxOf(samples), setBackLine: this.#setBackLine,
+            columns, crossed, timeless, aspect: aspectOf(samples), areaPx: areaPxOf(samples),
+            setBackLine: this.#setBackLine, hasGap: this.#hasGap,
         };
     }
 
@@ -88,6 +94,7 @@ export class RecordBuilder {
             this.#shiftMs += this.#lastMs - timestampMs;
             this.#setBackLine ||= line;
         }
+        this.#hasGap ||= timestampMs - this.#lastMs >= minClockStepMs;
         this.#lastMs = timestampMs;
         return timestampMs + this.#shiftMs;
     }

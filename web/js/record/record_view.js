@@ -126,9 +126,9 @@ export class RecordView {
         return this.#allFixations;
     }
 
-    /** Whether the times of the samples differ from their arrival times, so that onsets do not match them. */
+    /** Whether the times of the samples may differ from their arrival times, so that onsets do not match them. */
     get placesMarkersByRow() {
-        return this.timeless || this.file.setBackLine > 0;
+        return this.timeless || this.file.setBackLine > 0 || this.file.hasGap;
     }
 
     /** The markers of the events file, sorted by time. */

@@ -3,7 +3,7 @@
 /** The texts about the markers of a record file in English. {name} is replaced by a value. */
 export default {
     markersOf: 'Markers: {count}, from “{name}”.',
-    markersByRow: 'The shown times are not the times of arrival. Each marker is therefore shown after the sample that was the newest one when the marker was set.',
+    markersByRow: 'The shown times may differ from the times of arrival. Each marker is therefore shown after the sample that was the newest one when the marker was set.',
     saveFixations: 'Save fixations as CSV',
     intervals: 'Intervals between markers',
     intervalsHint: 'Click an interval to show it. It starts at its marker and ends at the next one.',
