@@ -14,7 +14,7 @@ struct DescriptionElement {
     std::vector<DescriptionElement> children;  ///< without a value only
 };
 
-/// What a stream tells the programs that look for it. Texts are UTF-8.
+/// The description of a stream for programs that look for it. Texts are UTF-8.
 struct StreamDescription {
     QByteArray name;
     QByteArray type;

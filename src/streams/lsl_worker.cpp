@@ -210,7 +210,7 @@ void LslWorker::stream() {
     Session session(library_.functions());
     std::optional<bool> wasOpen;
     for (;;) {
-        // Read before the rest, so that nothing that comes later is missed.
+        // Read the count before the samples. Otherwise a sample that arrives in between would not wake the thread.
         const quint64 signalCount = signal_->count();
         const std::optional<Work> work = takeWork();
         if (!work)
@@ -219,7 +219,8 @@ void LslWorker::stream() {
         const bool isOpen = session.isOpen();
         if (std::exchange(wasOpen, isOpen) != isOpen)
             report(isOpen ? std::nullopt : std::make_optional<LslProblem>());
-        // While it sleeps, addSample() need not wake it, which takes longer than the rest of addSample().
+        // Sleeps without waiting for the signal, because waking a waiting thread takes longer than the rest of
+        // addSample().
         if (work->samples.empty())
             waitForSamples(signalCount);
         else

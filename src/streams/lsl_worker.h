@@ -28,7 +28,7 @@ struct LslProblem {
 /// The thread that calls the library of the Lab Streaming Layer, and what it shares with the GUI thread.
 ///
 /// A call of the library may block. The thread holds no lock meanwhile, and owns the object together with LslStreams.
-/// So nobody waits for it except close(), and the object can be used after a blocked thread was left behind.
+/// Only close() waits for the thread, and the object can be used after a blocked thread was left behind.
 class LslWorker : public std::enable_shared_from_this<LslWorker> {
 public:
     using Report = std::function<void(const std::optional<LslProblem> &)>;
@@ -68,7 +68,7 @@ public:
     [[nodiscard]] static int leftThreadCount();
 
 private:
-    /// What the thread sends next.
+    /// The data that the thread sends next.
     struct Work {
         quint64 selection = 0;                    ///< changes with the tracker
         std::vector<NumberedSample> lastSamples;  ///< of the tracker that was selected before

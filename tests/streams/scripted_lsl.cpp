@@ -34,7 +34,7 @@ ScriptedLsl &library() {
     return ScriptedLsl::instance();
 }
 
-/// The infos of which lsl_append_child() needs the owner of an element.
+/// The stream info that is being described. lsl_append_child() adds elements to it.
 thread_local lsl::StreamInfo currentInfo = nullptr;
 
 int record(lsl::Outlet outlet, ScriptedLsl::Sample sample) {

@@ -229,7 +229,7 @@ function save() {
 }
 
 /**
- * Asks before it replaces areas that this page has not read, such as those of somebody else.
+ * Asks before it replaces areas that this page has not read, such as those of another user.
  *
  * @param {RecordView} view
  * @param {FolderAreas} folder
