@@ -1,5 +1,6 @@
 #include "app/startup.h"
 
+#include "api/ocela_http_exchange.h"
 #include "app/dashboard.h"
 #include "app/settings.h"
 #include "app/single_instance.h"
@@ -12,10 +13,14 @@
 #include "toolkit/settings/ui_language.h"
 
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QFontDatabase>
+#include <QHostAddress>
 #include <QIcon>
 #include <QLocale>
 #include <QStandardPaths>
+#include <QTcpSocket>
+#include <QThread>
 #include <QThreadPool>
 #include <QTimer>
 #include <cstdio>
@@ -33,6 +38,9 @@ constexpr int taskTimeoutMs = 300;
 constexpr int refusalPollIntervalMs = 500;
 constexpr int refusalExitCode = -1;
 
+constexpr int maxServerStartMs = 10000;
+constexpr int serverPollIntervalMs = 100;
+
 /// Returns the language in the settings file. Settings::reload() is not used, because it may rename the file.
 QString storedLanguage() {
     const QStringList languages = Settings::supportedLanguages();
@@ -41,6 +49,18 @@ QString storedLanguage() {
             return entry.text;
     }
     return UiLanguage::preferred(languages, QLocale::system().uiLanguages());
+}
+
+/// Waits for the server of another instance, which may still be starting.
+void waitForServer() {
+    const QDeadlineTimer deadline(maxServerStartMs);
+    while (!deadline.hasExpired()) {
+        QTcpSocket client;
+        client.connectToHost(QHostAddress::LocalHost, OcelaHTTPExchange::port);
+        if (client.waitForConnected(static_cast<int>(deadline.remainingTime())))
+            return;
+        QThread::msleep(serverPollIntervalMs);
+    }
 }
 
 }  // namespace
@@ -76,6 +96,7 @@ int startup::runRefused(const SingleInstance &instance) {
     UiLanguage language;
     language.use(storedLanguage());
     if (isDashboardWanted()) {
+        waitForServer();
         dashboard::open();
         return 0;
     }

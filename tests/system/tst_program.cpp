@@ -95,20 +95,25 @@ void TestProgram::option_opens_the_dashboard() {
     const QTemporaryDir folder;
     const QString opener = folder.filePath("xdg-open");
     const QString opened = folder.filePath("opened");
-    QVERIFY(writeFile(opener, "#!/bin/sh\necho \"$1\" >>'" + opened.toUtf8() + "'\n"));
+    // The server must answer at once.
+    const QByteArray script = "#!/bin/sh\ncurl --silent --fail \"$1\" >/dev/null && echo \"$1\" >>'";
+    QVERIFY(writeFile(opener, script + opened.toUtf8() + "'\n"));
     QVERIFY(QFile::setPermissions(opener, QFile::ReadOwner | QFile::ExeOwner));
     Program second(*home_);
-    QByteArray expected;
     for (Program *instance : {program_.get(), &second}) {
         instance->setVariable("PATH", folder.path() + ':' + qEnvironmentVariable("PATH"));
         instance->process().setArguments({"--dashboard"});
         instance->start();
-        expected += "http://localhost:3735/\n";
-        QTRY_COMPARE_WITH_TIMEOUT(readFile(opened), expected, timeoutMs);
     }
-    QCOMPARE(second.process().waitForExitCode(), 0);
+    // The refused instance waits for the server of the other one.
+    const QByteArray expected = QByteArray("http://localhost:3735/\n").repeated(2);
+    QTRY_COMPARE_WITH_TIMEOUT(readFile(opened), expected, timeoutMs);
+    QTRY_VERIFY_WITH_TIMEOUT(program_->isRunning() != second.isRunning(), timeoutMs);
+    Program &running = second.isRunning() ? second : *program_;
+    Program &refused = second.isRunning() ? *program_ : second;
+    QCOMPARE(refused.process().waitForExitCode(), 0);
     QVERIFY(HttpClient().ask("/api/v1/state").contains("version"));
-    QCOMPARE(program_->close(), 0);
+    QCOMPARE(running.close(), 0);
 
     QTcpServer other;
     QVERIFY(other.listen(QHostAddress::Any, apiPort));
