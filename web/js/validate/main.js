@@ -80,6 +80,8 @@ async function start() {
  * @param {boolean} isRepeatable
  */
 function show(validation, isRepeatable = false) {
+    // The history may still be reading an entry when a run starts.
+    if (run) return;
     showProblem(null);
     setStep('result');
     showResult(validation, isRepeatable);

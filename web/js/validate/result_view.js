@@ -68,9 +68,10 @@ function connect(id, clicked) {
  * @param {boolean} isRepeatable whether it was measured with the values of the set-up, which Repeat uses
  */
 export function showResult(validation, isRepeatable) {
-    const { geometry } = validation;
+    const { geometry, circumstances } = validation;
     shown = { validation, table: qualityOf(validation) };
-    for (const id of ['repeat', 'calibrate-again']) byId(id).hidden = !isRepeatable;
+    byId('repeat').hidden = !isRepeatable;
+    byId('calibrate-again').hidden = circumstances.fileName !== '';
     byId('picture').style.aspectRatio = String(canvasAspect(geometry.widthMm / geometry.heightMm));
     byId('result').hidden = false;
     setText('copy-note', '');
