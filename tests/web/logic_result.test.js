@@ -3,7 +3,7 @@ import { describe, test } from 'node:test';
 import { FileError } from '../../web/js/shared/file_error.js';
 import { screenIn } from '../../web/js/shared/screen.js';
 import { fileNameOf } from '../../web/js/validate/file_names.js';
-import { entryOf, historyTable, sessionsOf, summariesOf } from '../../web/js/validate/history.js';
+import { entryOf, figuresOf, historyTable, sessionsOf, summariesOf } from '../../web/js/validate/history.js';
 import { methodsText } from '../../web/js/validate/methods_text.js';
 import { qualityOf } from '../../web/js/validate/quality_of.js';
 import { drawPicture } from '../../web/js/validate/quality_picture.js';
@@ -49,6 +49,11 @@ describe('history', () => {
         entry(50, [0, 0], [0, 0], { participant: 'P2\t"x"' }), entry(36, [1, 0], [1, 0], { session: 'B' }),
         ...[1, 2].map(time => entry(time, [time, 0], [0, 0], { participant: '', session: '' })),
     ];
+
+    test('the data loss is that of the table', () => {
+        const { dataLossPercent, dataLossFromExpectedPercent } = figuresOf(entry(1, [0, 0], [0, 0], { expectedHz: 200 }));
+        assert.deepEqual([dataLossPercent, dataLossFromExpectedPercent], [0, 50]);
+    });
 
     test('the figures of a tracker are summarised over all validations', () => {
         const summaries = summariesOf(entries);
