@@ -20,8 +20,9 @@ void setIdentity();
 [[nodiscard]] bool isDashboardWanted();
 
 /// Runs an instance that was refused, and returns its exit code. If the dashboard is wanted, opens that of the other
-/// instance. Otherwise tells the user that another instance is running, and returns when the user closes the message,
-/// or when the other instance has ended. Changes no file of the user, because the other instance uses the same files.
+/// instance, for whose server it waits up to 10 s. Otherwise tells the user that another instance is running, and
+/// returns when the user closes the message, or when the other instance has ended. Changes no file of the user, because
+/// the other instance uses the same files.
 [[nodiscard]] int runRefused(const SingleInstance &instance);
 
 /// Starts the log file in the data folder. Call it only if SingleInstance::mayRun(), so that a refused instance does

@@ -21,7 +21,7 @@ ListenWaiter::~ListenWaiter() {
 
 void ListenWaiter::wait(int timeoutMs) {
     // Selecting an event again sets it if a client waits already. Windows also sets it after the next accept(). Under
-    // Wine, however, an accept() that finds no client can leave a listener without events.
+    // Wine, however, a listener that many clients use at the same time sometimes stops setting it.
     for (std::size_t i = 0; i < handles_->listeners.size(); ++i) {
         ::WSAResetEvent(handles_->events[i]);
         ::WSAEventSelect(handles_->listeners[i], handles_->events[i], FD_ACCEPT);

@@ -16,7 +16,7 @@ export const maxDistanceSdMm = 10;
 /** A sample rate that differs by more than this share from the expected one is wrong. */
 export const maxRateDifference = 0.05;
 
-/** A busy computer may lose this share of the samples while the nominal rate is determined. */
+/** A measured rate may differ from the nominal one by this share, for example because a busy computer loses samples. */
 const maxNominalDifference = 0.12;
 
 /** The nominal sample rates of the families that have few, in Hz. @type {Record<string, number[]>} */
@@ -63,8 +63,8 @@ function distanceOf(distancesCm) {
 }
 
 /**
- * Returns the likely nominal sample rate of a tracker, or NaN. It is the family's lowest rate that is not clearly below the
- * measured one, because samples get lost and never added. Without such a rate, it is the nearest common one.
+ * Returns the likely nominal sample rate of a tracker, or NaN. It is the lowest rate of the family that is not clearly below
+ * the measured one, so that lost samples do not lower it. Without such a rate, it is the nearest common one.
  *
  * @param {number} rateHz the measured rate
  * @param {string} trackerName
