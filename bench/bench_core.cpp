@@ -1,12 +1,17 @@
 // Measures the time to deliver one sample.
+//
+// The variable OCELA_LSL_LIBRARY names the library liblsl.so.2. Without it, the LSL streams are not measured.
 
 #include "core/eyetracker_interface.h"
 #include "core/recording_journal.h"
+#include "core/sample_signal.h"
+#include "streams/lsl_streams.h"
 #include "support/bare_tracker.h"
 #include "support/rounds.h"
 #include "support/typical_samples.h"
+#include "toolkit/platform/vendor_library.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QTemporaryDir>
 #include <array>
 #include <deque>
@@ -55,12 +60,14 @@ public:
             &connected_, &EyetrackerInterface::newSample, &connected_,
             [this](const EyeTrackingSample &sample) { xSum_ += sample.x_px; }, Qt::DirectConnection);
         recording_journal::enable(journaled_, folder + "/journal", [] { return true; });
+        if (hasLsl_)
+            openStreams();
         for (EyetrackerInterface *tracker : trackers())
             source_.deliver(3000, [&](const EyeTrackingSample &sample) { tracker->addSample(sample); });
     }
 
     [[nodiscard]] std::vector<bench::Candidate> candidates() {
-        return {
+        std::vector<bench::Candidate> list{
             {"baseline: std::deque push and pop under std::mutex", samplesPerRound, [this] { fillBareWindow(); },
              [this] { journaled_.stopRecord(); }},
             delivery("addSample, not recording, no receiver", unconnected_, false),
@@ -69,10 +76,24 @@ public:
             delivery("addSample, recording, one direct receiver", connected_, true),
             delivery("addSample, recording with a journal, no receiver", journaled_, true),
         };
+        if (hasLsl_) {
+            list.push_back(delivery("addSample, not recording, LSL streams", streamed_, false));
+            list.push_back(delivery("addSample, recording, LSL streams", streamed_, true));
+        }
+        return list;
     }
 
 private:
-    std::array<EyetrackerInterface *, 3> trackers() { return {&unconnected_, &connected_, &journaled_}; }
+    std::array<EyetrackerInterface *, 4> trackers() { return {&unconnected_, &connected_, &journaled_, &streamed_}; }
+
+    void openStreams() {
+        // The streams then find the library, also under the name that they look up.
+        if (!VendorLibrary(qEnvironmentVariable("OCELA_LSL_LIBRARY"), {}).load())
+            qFatal("The LSL library cannot be loaded");
+        streamed_.setSampleSignal(signal_);
+        streams_.setOn(true);
+        streams_.setTracker(&streamed_);
+    }
 
     void fillBareWindow() {
         source_.deliver(samplesPerRound, [this](const EyeTrackingSample &sample) { bareWindow_.add(sample); });
@@ -94,18 +115,22 @@ private:
     }
 
     const QString recordFilePath_;
+    const bool hasLsl_ = !qEnvironmentVariableIsEmpty("OCELA_LSL_LIBRARY");
     SampleSource source_;
     BareWindow bareWindow_;
     BareTracker unconnected_;
     BareTracker connected_;
     BareTracker journaled_;
+    BareTracker streamed_;
+    const std::shared_ptr<SampleSignal> signal_ = std::make_shared<SampleSignal>();
+    LslStreams streams_{signal_};
     qint64 xSum_ = 0;
 };
 
 }  // namespace
 
 int main(int argc, char *argv[]) {
-    const QCoreApplication application(argc, argv);
+    const QGuiApplication application(argc, argv);
     const QTemporaryDir folder;
     Deliveries deliveries(folder.path());
     bench::print("Delivering a sample at 1000 Hz with a full window of 2 s",
